@@ -1,0 +1,76 @@
+#pragma once
+
+#include "network/ProtocolTypes.h"
+
+#include <QColor>
+#include <QMap>
+#include <QMargins>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+/// One test picture that a Producer can show: its name for the operator and the path of its
+/// thumbnail.
+struct Pattern {
+    QString name;
+    QString imagePath;
+};
+
+/// Every text, picture path, size and colour of the interface, filled once at start-up and
+/// read-only from then on. Sizes are in device-independent pixels.
+struct Configuration {
+    bool connected = false; ///< whether the window starts connected; always false
+
+    QString logoPath;
+    QString applicationName; ///< shown by the banner while not connected
+    QString version;
+    QStringList menuTabNames; ///< in the order of the banner's tabs
+    QSize menuTabSize;
+    QString disconnectButtonText;
+    QSize disconnectButtonSize;
+
+    QMap<NetworkCompanion::LV_NTC_PictureType, Pattern> testPatterns;
+    QSize patternButtonSize; ///< of test pattern and quick key buttons
+
+    QStringList visibilityImagesPath; ///< blinded, not blinded
+
+    // Tool bar of the mesh editor; pictures of a toggle come as off, on.
+    QStringList buttonBackgroundImagesPath;
+    QStringList toolTabImagesPath; ///< select, deform
+    QSize toolTabImagesSize;
+    QStringList zoneLockerImagesPath;
+    QString zoneLockerToolTip;
+    QStringList moveLockerImagesPath;
+    QString moveLockerToolTip;
+    QStringList warpToolBarButtonsText;     ///< configuration, XY/UV
+    QStringList warpToolBarButtonsToolTips; ///< configuration, XY/UV
+    QSize warpToolButtonsSize;
+
+    // One entry a button, in the order of the button ids; "%1" and "%2" stand for arrow-key names.
+    QStringList selectButtonsPath;
+    QStringList selectButtonsToolTips;
+    QStringList deformButtonsPath; ///< a label where the entry is no picture
+    QStringList deformButtonsToolTips;
+
+    QString currentPointText;
+    QString adjustViewButtonPath;
+    QString adjustViewButtonToolTip;
+    QStringList rotationButtonPath; ///< front, left, back, right
+    QString rotationButtonToolTip;
+    QString closeWindowButtonPath;
+
+    QString usePointsText;
+    QString pointsColorText;
+    QString pointsShapeText;
+    QMap<QString, QColor> pointColors;
+    QStringList pointShapes; ///< the index is the shape code on the wire
+
+    QSize dialogButtonSize;
+    QSize comboBoxSize;
+    QString canvasPath;         ///< URL of the scene document
+    QStringList itemKindLabels; ///< by kind of item
+    QMargins listScrollMargins; ///< kept around the selected row when it is scrolled into view
+};
+
+/// The record as the application uses it.
+Configuration makeConfiguration();
