@@ -1,0 +1,8 @@
+#include "resources/CompanionResources.h"
+
+#include <QtGlobal>
+
+void initCompanionResources()
+{
+    Q_INIT_RESOURCE(CompanionResources);
+}
