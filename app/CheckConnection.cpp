@@ -1,0 +1,50 @@
+#include "app/CheckConnection.h"
+
+#include "app/EventDispatcher.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+#include <algorithm>
+
+CheckConnection::CheckConnection(QObject* parent) : StoppableThread(parent) {}
+
+CheckConnection::~CheckConnection() {
+    CheckConnection::stop();
+}
+
+void CheckConnection::setWatchedAddress(const QString& address) {
+    const std::lock_guard lock(addressMutex_);
+    watchedAddress_ = address;
+}
+
+void CheckConnection::stop() {
+    StoppableThread::stop();
+    QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
+    announcementPending_ = false;
+}
+
+void CheckConnection::run() {
+    if (!pause(firstCheckDelay)) {
+        return;
+    }
+    do {
+        if (isWatchedServerAvailable() && !announcementPending_.exchange(true)) {
+            QMetaObject::invokeMethod(this, &CheckConnection::announce, Qt::QueuedConnection);
+        }
+    } while (pause(checkPeriod));
+}
+
+void CheckConnection::announce() {
+    announcementPending_ = false;
+    // The list may have changed while the announcement was waiting.
+    if (isWatchedServerAvailable()) {
+        emit serverAvailableAgain();
+    }
+}
+
+bool CheckConnection::isWatchedServerAvailable() {
+    const auto servers = EventDispatcher::getInstance()->networkUtils().getAvailableServers();
+    const std::lock_guard lock(addressMutex_);
+    return std::find(servers.begin(), servers.end(), watchedAddress_) != servers.end();
+}

@@ -1,0 +1,14 @@
+#include "app/UpdateProducer.h"
+
+UpdateProducer::UpdateProducer(QObject* parent) : StoppableThread(parent) {}
+
+UpdateProducer::~UpdateProducer() {
+    stop();
+}
+
+void UpdateProducer::run() {
+    while (pause(tickPeriod)) {
+        emit updateProducer();
+    }
+    emit updateProducer(); // what came in since the last tick
+}
