@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+#include <QtGlobal>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+namespace NetworkCompanion {
+
+/// A string literal as a template argument.
+template <std::size_t Size>
+struct Literal {
+    char text[Size]{};
+    // NOLINTNEXTLINE(google-explicit-constructor): a literal is what the argument is written as
+    constexpr Literal(const char (&literal)[Size]) { std::copy_n(literal, Size, text); }
+};
+
+/// A text that always takes Size bytes on the wire: UTF-8, padded with zero bytes. Label is what a
+/// log line calls it.
+template <std::size_t Size, Literal Label>
+class FixedText {
+public:
+    static constexpr std::size_t kSize = Size;
+
+    FixedText() = default;
+    /// A text that does not leave room for a terminator is logged and dropped. Null is empty.
+    explicit FixedText(const char* text) {
+        const std::size_t length = text ? qstrnlen(text, Size) : 0;
+        if (length == Size)
+            qWarning("Size of %s is too large", Label.text);
+        else
+            std::memcpy(bytes_.data(), text ? text : "", length);
+    }
+
+    /// Up to the first zero byte or the end of the field: a peer need not send a terminator.
+    QString toString() const { return QString::fromUtf8(text()); }
+    QByteArrayView text() const {
+        return QByteArrayView(bytes_.data(), qsizetype(qstrnlen(bytes_.data(), Size)));
+    }
+
+    const char* data() const { return bytes_.data(); }
+    char* data() { return bytes_.data(); }
+
+    friend bool operator==(const FixedText&, const FixedText&) = default;
+
+private:
+    std::array<char, Size> bytes_{};
+};
+
+using NameText = FixedText<256, "name">;
+using MessageText = FixedText<256, "message">;
+using ColorText = FixedText<8, "color">;
+
+} // namespace NetworkCompanion
