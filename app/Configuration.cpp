@@ -6,8 +6,8 @@ Configuration makeConfiguration() {
     Configuration c;
     c.connected = false;
     c.logoPath = QStringLiteral(":/img/logos.svg");
-    c.applicationName = QStringLiteral("Meshpad");
-    c.version = QStringLiteral("1.7.2");
+    c.applicationName = QLatin1StringView(ShellLook::kApplication);
+    c.version = QLatin1StringView(ShellLook::kVersion);
     c.menuTabNames = {"Warp", "Quick Keys", "Test patterns", "Settings"};
     c.menuTabSize = {150, 40};
     c.disconnectButtonText = QStringLiteral("Disconnect");

@@ -1,0 +1,106 @@
+#include "app/ConnectPage.h"
+
+#include "app/Configuration.h"
+#include "app/EventDispatcher.h"
+#include "app/IPList.h"
+
+#include <QPushButton>
+#include <QScrollArea>
+
+#include <algorithm>
+
+using namespace ShellLook;
+using NetworkCompanion::NetworkUtils;
+
+ConnectPage::ConnectPage(const Configuration& configuration, QWidget* parent)
+    : IPage(parent), configuration_(configuration) {
+    setLayout(&layout_);
+    initIpList();
+    initConnectButton();
+
+    // Discovery prunes on a thread of its own; these connections bring its news over.
+    const NetworkUtils* discovery = &EventDispatcher::getInstance()->networkUtils();
+    connect(discovery, &NetworkUtils::serverDiscovered, this, &ConnectPage::onServerDiscovered);
+    connect(discovery, &NetworkUtils::serverTimeouted, this, &ConnectPage::onServerTimeouted);
+    connect(discovery, &NetworkUtils::serverDisconnected, this, &ConnectPage::onServerDisconnected);
+    connect(ipList_, &IPList::selectedIpChanged, this, &ConnectPage::onSelectedIpChanged);
+}
+
+ConnectPage::~ConnectPage() = default;
+
+void ConnectPage::initIpList() {
+    ipList_ = new IPList(this);
+    // Keeps its own size, centred, and scrolls when there are more Producers than room.
+    ipList_->layout()->setSizeConstraint(QLayout::SetFixedSize);
+    auto* scrollArea = new QScrollArea(this);
+    scrollArea->setWidget(ipList_);
+    scrollArea->setAlignment(Qt::AlignCenter);
+    scrollArea->setFrameShape(QFrame::NoFrame);
+    scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scrollArea->setFocusPolicy(Qt::NoFocus);
+    layout_.addWidget(scrollArea, kIpListStretch);
+}
+
+void ConnectPage::initConnectButton() {
+    connectButton_ = new QPushButton(this);
+    connectButton_->setFixedSize(kConnectButtonSize);
+    connectButton_->setStyleSheet(QLatin1StringView(kConnectButtonInitial));
+    connectButton_->setCursor(Qt::ArrowCursor);
+    connectButton_->setAccessibleName(QLatin1StringView(kConnectButtonName));
+    connect(connectButton_, &QPushButton::released, this, &ConnectPage::onConnectToProducer);
+    layout_.addWidget(connectButton_, kConnectButtonStretch, Qt::AlignCenter);
+}
+
+void ConnectPage::lockPage() {}
+
+void ConnectPage::purgeIp() {
+    ipList_->purgeIp();
+}
+
+void ConnectPage::onServerDiscovered(const QString& ip) {
+    if (std::find(knownIps_.begin(), knownIps_.end(), ip) != knownIps_.end()) {
+        return;
+    }
+    knownIps_.push_back(ip);
+    ipList_->addIP(ip);
+}
+
+void ConnectPage::onServerTimeouted(const QString& ip) {
+    forget(ip);
+}
+
+void ConnectPage::onServerDisconnected(const QString& ip) {
+    forget(ip);
+}
+
+void ConnectPage::forget(const QString& ip) {
+    const auto known = std::find(knownIps_.begin(), knownIps_.end(), ip);
+    if (known == knownIps_.end()) {
+        return;
+    }
+    // News from the other thread may arrive after the Producer has answered again, and that answer
+    // was no discovery to this page. What is listed right now decides.
+    if (EventDispatcher::getInstance()->networkUtils().getAvailableServers().contains(ip)) {
+        return;
+    }
+    knownIps_.erase(known);
+    ipList_->removeIp(ip);
+}
+
+void ConnectPage::onSelectedIpChanged(const QString& ip) {
+    const bool selected = !ip.isEmpty();
+    connectButton_->setStyleSheet(
+        QLatin1StringView(selected ? kConnectButtonOn : kConnectButtonOff));
+    connectButton_->setCursor(selected ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    connectButton_->setToolTip(selected ? QString(QLatin1StringView(kConnectButtonName))
+                                        : QString());
+}
+
+void ConnectPage::onConnectToProducer() {
+    const QString ip = ipList_->selectedIp();
+    if (ip.isEmpty()) {
+        return;
+    }
+    emit connection(ip);
+    ipList_->onIpClicked(QString());
+}

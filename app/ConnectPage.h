@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/IPage.h"
+
+#include <QVBoxLayout>
+
+#include <vector>
+
+struct Configuration;
+class IPList;
+class QPushButton;
+
+/// The first page: lists the Producers that discovery sees, and asks for a connection to the one
+/// that the operator selected.
+class ConnectPage final : public IPage {
+    Q_OBJECT
+
+public:
+    ConnectPage(const Configuration& configuration, QWidget* parent);
+    ~ConnectPage() override;
+
+    void lockPage() override;
+    /// Removes the buttons, not the knowledge: an address comes back only after discovery has
+    /// dropped and found it again.
+    void purgeIp();
+
+public slots:
+    void onServerDiscovered(const QString& ip);
+    void onServerTimeouted(const QString& ip);
+    void onServerDisconnected(const QString& ip);
+    void onSelectedIpChanged(const QString& ip);
+    void onConnectToProducer();
+
+signals:
+    /// The operator asked to connect to `ip`.
+    void connection(QString ip);
+
+private:
+    void initIpList();
+    void initConnectButton();
+    void forget(const QString& ip);
+
+    const Configuration& configuration_;
+    std::vector<QString> knownIps_; // in order of discovery
+    QVBoxLayout layout_;
+    // Children of the page.
+    IPList* ipList_ = nullptr;
+    QPushButton* connectButton_ = nullptr;
+};

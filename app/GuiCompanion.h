@@ -1,0 +1,69 @@
+#pragma once
+
+#include "app/CheckConnection.h"
+#include "app/Configuration.h"
+#include "input/action_mapper.h"
+#include "input/gamepad_input_manager.h"
+
+#include <QPointer>
+#include <QVBoxLayout>
+#include <QWidget>
+
+#include <memory>
+
+class Content;
+class DisconnectOverlay;
+class EventDispatcher;
+class HeadBanner;
+
+/// The main window: banner above pages, and the life of the connection. It is not connected
+/// (connect page, banner without menu), connected (another page, banner with menu, the Producer is
+/// watched) or has lost the connection (as connected, under the overlay).
+class GuiCompanion final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit GuiCompanion(QWidget* parent);
+    ~GuiCompanion() override;
+
+public slots:
+    /// Blocks until the Producer at `ip` has answered or the client has given up. Changes nothing
+    /// in the latter case.
+    void onConnectToServer(const QString& ip);
+    /// The operator gives the Producer up: no overlay, no reconnection.
+    void onDisconnectFromServer();
+    /// The connection is lost: shows the overlay, unless it is there, and makes discovery forget
+    /// the Producer.
+    void onDisconnectError();
+    /// The Producer is on the network: reconnects if the connection is lost.
+    void onServerAvailableAgain();
+    /// Shows the page of banner tab `tab`, counted from 0.
+    void goToPageFromMenu(int tab);
+
+signals:
+    /// The Producer was asked for its resources.
+    void meshpadConnected();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void initConfig();
+    void initWindow();
+    void initInput();
+    void showOverlay();
+    void removeOverlay();
+
+    Configuration configuration_;
+    QVBoxLayout layout_;
+    std::unique_ptr<HeadBanner> banner_;
+    std::unique_ptr<Content> content_;
+    std::unique_ptr<DisconnectOverlay> overlay_; // null while the connection stands
+    std::unique_ptr<CheckConnection> checkConnection_;
+    EventDispatcher* dispatcher_; // outlives the window
+    QString serverIp_;            // of the Producer last connected to
+    GamepadInputManager gamepad_;
+    ActionMapper actionMapper_;
+    QPointer<QWidget> focusBeforeOverlay_;
+};

@@ -1,0 +1,177 @@
+#include "app/HeadBanner.h"
+
+#include "app/Configuration.h"
+#include "app/EventDispatcher.h"
+
+#include <QDebug>
+#include <QImageReader>
+#include <QVBoxLayout>
+
+using namespace ShellLook;
+
+namespace {
+
+/// The picture at its own size, with as many pixels as the screen shows of it.
+QPixmap loadSharp(const QString& path, qreal devicePixelRatio) {
+    QImageReader reader(path);
+    reader.setScaledSize((QSizeF(reader.size()) * devicePixelRatio).toSize());
+    QPixmap pixmap = QPixmap::fromImageReader(&reader);
+    pixmap.setDevicePixelRatio(devicePixelRatio);
+    return pixmap;
+}
+
+} // namespace
+
+HeadBanner::HeadBanner(const Configuration& configuration, QWidget* parent)
+    : QWidget(parent), configuration_(configuration), logoArea_(this), tabs_(this) {
+    setLayout(&layout_);
+    layout_.setContentsMargins(kBannerMargin, kBannerMargin, kBannerMargin, kBannerMargin);
+    initLogoWidget();
+    setFixedHeight(kBannerHeight);
+    initConnectTitleLabel();
+    initMenuWidget();
+    initDisconnectButton();
+    if (configuration_.connected) {
+        qDebug("You should not be connected when the app launches.");
+    } else {
+        attach(titleLabel_, Qt::AlignCenter);
+    }
+    onMenuTabPressed(1);
+}
+
+HeadBanner::~HeadBanner() = default;
+
+void HeadBanner::initLogoWidget() {
+    const QMargins margins = layout_.contentsMargins();
+    auto* column = new QVBoxLayout(&logoArea_);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+
+    auto* logo = new QLabel(&logoArea_);
+    const QPixmap pixmap = loadSharp(configuration_.logoPath, devicePixelRatioF());
+    const QSize logoSize = pixmap.deviceIndependentSize().toSize();
+    logo->setPixmap(pixmap);
+    logo->setFixedSize(logoSize);
+    logo->setAccessibleName(configuration_.applicationName);
+    column->addWidget(logo, 0, Qt::AlignHCenter);
+
+    auto* version = new QLabel(configuration_.version, &logoArea_);
+    QFont font = version->font();
+    font.setPointSize(kVersionFontPoints);
+    version->setFont(font);
+    version->setFixedHeight(kVersionFontPoints + margins.top() + margins.bottom());
+    column->addWidget(version, 0, Qt::AlignLeft);
+
+    logoArea_.setFixedSize(logoSize.width() + margins.left() + margins.right(),
+                           logoSize.height() + margins.top() + margins.bottom() +
+                               version->height());
+    layout_.addWidget(&logoArea_);
+}
+
+void HeadBanner::initConnectTitleLabel() {
+    titleLabel_.setObjectName(QStringLiteral("connectTitle")); // the style sheet gives it its font
+    titleLabel_.setText(configuration_.applicationName);
+}
+
+void HeadBanner::initMenuWidget() {
+    auto* row = new QHBoxLayout(&menu_);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    initTabs();
+}
+
+void HeadBanner::initTabs() {
+    static_cast<QHBoxLayout*>(menu_.layout())->addStretch();
+    const QStringList& names = configuration_.menuTabNames;
+    const int count = static_cast<int>(names.size());
+    const QSize capSize(kTabCapWidth, configuration_.menuTabSize.height());
+    addTabButton({}, names.first(), capSize, 1);
+    for (int tab = 0; tab < count; ++tab) {
+        addTabButton(names[tab], names[tab], configuration_.menuTabSize, tab + 1);
+    }
+    addTabButton({}, names.last(), capSize, count);
+    connect(&tabMapper_, &QSignalMapper::mappedInt, this, &HeadBanner::onMenuTabPressed);
+}
+
+void HeadBanner::addTabButton(const QString& text, const QString& name, QSize size, int id) {
+    auto* button = new QPushButton(text, &menu_);
+    button->setAccessibleName(name);
+    button->setFixedSize(size);
+    button->setContentsMargins(0, 0, 0, 0);
+    button->setCursor(Qt::PointingHandCursor);
+    // A tab that took the focus would take the arrow keys from the mesh.
+    button->setFocusPolicy(Qt::NoFocus);
+    connect(button, &QPushButton::pressed, &tabMapper_, qOverload<>(&QSignalMapper::map));
+    tabMapper_.setMapping(button, id);
+    tabs_.addButton(button);
+    menu_.layout()->addWidget(button);
+}
+
+void HeadBanner::initDisconnectButton() {
+    disconnectButton_.setText(configuration_.disconnectButtonText);
+    disconnectButton_.setFixedSize(configuration_.disconnectButtonSize);
+    disconnectButton_.setStyleSheet(QLatin1StringView(kBannerDisconnectButton));
+    disconnectButton_.setCursor(Qt::PointingHandCursor);
+    disconnectButton_.setFocusPolicy(Qt::NoFocus); // Space must never end a show
+    connect(&disconnectButton_, &QPushButton::released, this,
+            &HeadBanner::onDisconnectFromProducer);
+}
+
+void HeadBanner::updateBanner() {
+    if (EventDispatcher::getInstance()->client().isConnected()) {
+        displayConnectedBanner();
+    } else {
+        displayNotConnectedBanner();
+    }
+}
+
+void HeadBanner::displayConnectedBanner() {
+    detach(titleLabel_);
+    attach(menu_, {});
+    attach(disconnectButton_, {});
+}
+
+void HeadBanner::displayNotConnectedBanner() {
+    detach(menu_);
+    detach(disconnectButton_);
+    attach(titleLabel_, Qt::AlignCenter);
+}
+
+void HeadBanner::attach(QWidget& widget, Qt::Alignment alignment) {
+    if (widget.parentWidget() == this) {
+        return;
+    }
+    widget.setParent(this);
+    layout_.addWidget(&widget, 0, alignment);
+    widget.show();
+}
+
+void HeadBanner::detach(QWidget& widget) {
+    if (widget.parentWidget() != this) {
+        return;
+    }
+    // Hidden by name: without a parent it is a window, and a layout may still have the showing of a
+    // widget that nobody hid on its list.
+    widget.hide();
+    layout_.removeWidget(&widget);
+    widget.setParent(nullptr);
+    widget.hide();
+}
+
+void HeadBanner::onDisconnectFromProducer() {
+    emit disconnection();
+}
+
+void HeadBanner::onMenuTabPressed(int id) {
+    const QList<QAbstractButton*> buttons = tabs_.buttons();
+    const auto count = static_cast<int>(buttons.size());
+    for (QAbstractButton* button : buttons) {
+        button->setStyleSheet(QLatin1StringView(kTabOff));
+    }
+    buttons.first()->setStyleSheet(QLatin1StringView(id == 1 ? kLeftCapOn : kLeftCapOff));
+    buttons.last()->setStyleSheet(QLatin1StringView(id == count - 2 ? kRightCapOn : kRightCapOff));
+    if (id > 0 && id < count - 1) {
+        buttons[id]->setStyleSheet(QLatin1StringView(kTabOn));
+    }
+    emit menuTabPressed(id - 1);
+}

@@ -1,0 +1,184 @@
+#include "app/EventDispatcher.h"
+#include "app/EventListener.h"
+#include "network/MsgEvent.h"
+
+#include <QTest>
+
+#include <functional>
+
+using namespace NetworkCompanion;
+using Type = LV_NTC_EventType;
+
+namespace {
+
+/// Writes its name down for every event and may then do something to the dispatcher.
+class Recorder : public EventListener {
+public:
+    Recorder(QString name, QStringList& calls) : name_(std::move(name)), calls_(calls) {}
+    ~Recorder() override {
+        for (const Type type : types_) {
+            EventDispatcher::getInstance()->removeListener(this, type);
+        }
+    }
+    Q_DISABLE_COPY_MOVE(Recorder)
+
+    void listenTo(Type type) {
+        types_.push_back(type);
+        EventDispatcher::getInstance()->addListener(this, type);
+    }
+    void receive(Event* event) override {
+        calls_ << name_ + QString::number(static_cast<int>(event->type()));
+        if (then) {
+            then();
+        }
+    }
+
+    std::function<void()> then;
+
+private:
+    QString name_;
+    QStringList& calls_;
+    std::vector<Type> types_;
+};
+
+/// Of any type, and counts its own deletions.
+class CountedEvent : public MsgEvent {
+public:
+    explicit CountedEvent(int& deletions) : MsgEvent(""), deletions_(deletions) {}
+    ~CountedEvent() override { ++deletions_; }
+    Q_DISABLE_COPY_MOVE(CountedEvent)
+
+private:
+    int& deletions_;
+};
+
+/// An event that has nothing but its type.
+class TypedEvent : public Event {
+public:
+    using Event::Event;
+    QByteArray serialize() const override { return {}; }
+    void deserialize(QByteArray&) override {}
+    int getSize() const override { return 0; }
+    qsizetype encodedSize() const override { return 0; }
+    char* writePayload(char* out) const override { return out; }
+    bool readPayload(QByteArrayView) override { return true; }
+};
+
+void dispatch(Event* event) {
+    EventDispatcher::getInstance()->onEventData(
+        {LV_NTC_Header{0, event == nullptr ? Type{} : event->type()}, event});
+}
+
+} // namespace
+
+/// Everything that dispatching promises, with events handed in as the client hands them in.
+class TestEventDispatcher : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        calls_.clear();
+    }
+
+    void listenersAreCalledInOrderOfRegistration() {
+        Recorder a(QStringLiteral("a"), calls_);
+        Recorder b(QStringLiteral("b"), calls_);
+        Recorder c(QStringLiteral("c"), calls_);
+        b.listenTo(Type::Blind);
+        a.listenTo(Type::MediaBlind);
+        c.listenTo(Type::Blind);
+        a.listenTo(Type::Blind);
+        b.listenTo(Type::Blind); // once more changes nothing
+        dispatch(new TypedEvent(Type::Blind));
+        dispatch(new TypedEvent(Type::MediaBlind));
+        QCOMPARE(calls_, QStringList({"b3", "c3", "a3", "a4"}));
+    }
+
+    void removalKeepsTheOrderOfTheOthers() {
+        Recorder a(QStringLiteral("a"), calls_);
+        Recorder c(QStringLiteral("c"), calls_);
+        {
+            Recorder b(QStringLiteral("b"), calls_);
+            a.listenTo(Type::Mire);
+            b.listenTo(Type::Mire);
+            c.listenTo(Type::Mire);
+        }
+        auto* dispatcher = EventDispatcher::getInstance();
+        dispatcher->removeListener(&a, Type::Msg);            // not registered for this one
+        dispatcher->removeListener(&a, Type::GetResourcesId); // a type that nobody ever used
+        dispatch(new TypedEvent(Type::Mire));
+        QCOMPARE(calls_, QStringList({"a2", "c2"}));
+    }
+
+    void everyEventIsDeletedOnce() {
+        int deletions = 0;
+        dispatch(new CountedEvent(deletions)); // nobody listens
+        QCOMPARE(deletions, 1);
+
+        Recorder a(QStringLiteral("a"), calls_);
+        Recorder b(QStringLiteral("b"), calls_);
+        a.listenTo(Type::Msg);
+        b.listenTo(Type::Msg);
+        int deletionsSeenByB = -1;
+        b.then = [&] { deletionsSeenByB = deletions; };
+        dispatch(new CountedEvent(deletions));
+        QCOMPARE(deletionsSeenByB, 1);
+        QCOMPARE(deletions, 2);
+
+        dispatch(new TypedEvent(static_cast<Type>(1'000'000)));
+        dispatch(new TypedEvent(static_cast<Type>(-5)));
+        dispatch(nullptr); // an undecodable frame
+        QCOMPARE(calls_, QStringList({"a1", "b1"}));
+    }
+
+    void listenersMayComeAndGoDuringADispatch() {
+        auto leaving = std::make_unique<Recorder>(QStringLiteral("leaving"), calls_);
+        Recorder first(QStringLiteral("first"), calls_);
+        Recorder last(QStringLiteral("last"), calls_);
+        Recorder late(QStringLiteral("late"), calls_);
+        first.listenTo(Type::AddMedia);
+        leaving->listenTo(Type::AddMedia);
+        last.listenTo(Type::AddMedia);
+        first.then = [&] {
+            leaving.reset();
+            late.listenTo(Type::AddMedia);
+            late.listenTo(Type::ItemData); // makes the table of types grow
+        };
+        // Leaves and comes back in the middle of its own call: again at the end of the queue.
+        last.then = [&] {
+            last.then = nullptr;
+            EventDispatcher::getInstance()->removeListener(&last, Type::AddMedia);
+            EventDispatcher::getInstance()->addListener(&last, Type::AddMedia);
+        };
+        dispatch(new TypedEvent(Type::AddMedia));
+        QCOMPARE(calls_, QStringList({"first9", "last9"}));
+
+        first.then = nullptr;
+        calls_.clear();
+        dispatch(new TypedEvent(Type::AddMedia));
+        QCOMPARE(calls_, QStringList({"first9", "late9", "last9"}));
+    }
+
+    void aDispatchMayRunInsideAnother() {
+        auto leaving = std::make_unique<Recorder>(QStringLiteral("leaving"), calls_);
+        Recorder outer(QStringLiteral("outer"), calls_);
+        Recorder last(QStringLiteral("last"), calls_);
+        outer.listenTo(Type::AddScreen);
+        leaving->listenTo(Type::AddScreen);
+        last.listenTo(Type::AddScreen);
+        outer.then = [&] {
+            outer.then = nullptr;
+            leaving.reset();
+            dispatch(new TypedEvent(Type::AddScreen));
+        };
+        dispatch(new TypedEvent(Type::AddScreen));
+        QCOMPARE(calls_, QStringList({"outer11", "outer11", "last11", "last11"}));
+    }
+
+private:
+    QStringList calls_;
+};
+
+QTEST_GUILESS_MAIN(TestEventDispatcher)
+#include "tst_event_dispatcher.moc"

@@ -1,0 +1,160 @@
+#include "app/CheckConnection.h"
+#include "app/EventDispatcher.h"
+#include "app/UpdateProducer.h"
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QUdpSocket>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString kProducer = QStringLiteral("10.77.0.1"); // the virtual interface of this test
+
+/// Answers as a Producer on this host would, once.
+void answerPing() {
+    QUdpSocket socket;
+    QVERIFY(socket.bind(QHostAddress(kProducer)));
+    socket.writeDatagram("PingReceived", QHostAddress(kProducer), 62331);
+}
+
+auto availableServers() {
+    return EventDispatcher::getInstance()->networkUtils().getAvailableServers();
+}
+
+} // namespace
+
+class TestWorkers : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        UpdateProducer::tickPeriod = 1h;
+        CheckConnection::firstCheckDelay = 1h;
+        CheckConnection::checkPeriod = 1h;
+    }
+
+    void periodsAreThoseOfTheOperator() {
+        QCOMPARE(UpdateProducer::kTickPeriod, 125ms);
+        QCOMPARE(CheckConnection::kFirstCheckDelay, 10s);
+        QCOMPARE(CheckConnection::kCheckPeriod, 1s);
+    }
+
+    void tickRunsWithItsPeriod() {
+        UpdateProducer::tickPeriod = UpdateProducer::kTickPeriod;
+        UpdateProducer thread(nullptr);
+        QSignalSpy ticks(&thread, &UpdateProducer::updateProducer);
+        QElapsedTimer clock;
+        clock.start();
+        thread.start();
+        QTRY_VERIFY(ticks.count() >= 3);
+        QVERIFY2(clock.elapsed() >= 375, qPrintable(QString::number(clock.elapsed())));
+        thread.stop();
+    }
+
+    void tickEndsAtOnceWithOneLastSignal_data() {
+        QTest::addColumn<bool>("byStop");
+        QTest::addColumn<std::chrono::milliseconds>("period");
+        QTest::newRow("stop") << true << std::chrono::milliseconds(1h);
+        QTest::newRow("interruption") << false << 100ms;
+    }
+    void tickEndsAtOnceWithOneLastSignal() {
+        QFETCH(bool, byStop);
+        QFETCH(std::chrono::milliseconds, period);
+        UpdateProducer::tickPeriod = period;
+        UpdateProducer thread(nullptr);
+        QSignalSpy ticks(&thread, &UpdateProducer::updateProducer);
+        for (int drag = 1; drag <= 2; ++drag) { // it can be started again
+            thread.start();
+            if (byStop) {
+                thread.stop();
+            } else {
+                thread.requestInterruption();
+                QVERIFY(thread.wait(5'000));
+            }
+            QVERIFY(thread.isFinished());
+            QCOMPARE(ticks.count(), drag);
+        }
+        thread.stop(); // while it is not running
+        QCOMPARE(ticks.count(), 2);
+    }
+
+    void watcherWaitsAndThenChecksAgainAndAgain() {
+        CheckConnection::firstCheckDelay = 300ms;
+        CheckConnection::checkPeriod = 50ms;
+        CheckConnection thread(nullptr);
+        thread.setWatchedAddress(kProducer);
+        QSignalSpy announcements(&thread, &CheckConnection::serverAvailableAgain);
+        answerPing();
+        QTRY_VERIFY(availableServers().contains(kProducer));
+
+        QElapsedTimer clock;
+        clock.start();
+        thread.start();
+        QVERIFY(announcements.wait());
+        QVERIFY2(clock.elapsed() >= 300, qPrintable(QString::number(clock.elapsed())));
+        QTRY_VERIFY(announcements.count() >= 3);
+        QVERIFY2(clock.elapsed() >= 400, qPrintable(QString::number(clock.elapsed())));
+
+        // An address that only begins like the Producer's is not the Producer's.
+        thread.setWatchedAddress(QStringLiteral("10.77.0.10"));
+        QVERIFY(!announcements.wait(200));
+        thread.setWatchedAddress(kProducer);
+        answerPing();
+        QVERIFY(announcements.wait());
+
+        EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kProducer);
+        QVERIFY(!announcements.wait(200));
+    }
+
+    void watcherIsSilentAfterItsStop() {
+        CheckConnection::firstCheckDelay = 1ms;
+        CheckConnection::checkPeriod = 1ms;
+        CheckConnection thread(nullptr);
+        thread.setWatchedAddress(kProducer);
+        QSignalSpy announcements(&thread, &CheckConnection::serverAvailableAgain);
+        answerPing();
+        QTRY_VERIFY(availableServers().contains(kProducer));
+        thread.start();
+        QVERIFY(announcements.wait());
+
+        // The thread has announced more while nobody looked: it must not come out later.
+        QThread::msleep(50);
+        thread.stop();
+        const auto heard = announcements.count();
+        QVERIFY(!announcements.wait(100));
+        QCOMPARE(announcements.count(), heard);
+
+        // Nor must a stale one come out under the next watch.
+        CheckConnection::firstCheckDelay = 1h;
+        thread.start();
+        QVERIFY(!announcements.wait(100));
+        QElapsedTimer clock;
+        clock.start();
+        thread.stop();
+        QVERIFY2(clock.elapsed() < 1'000, "the stop has waited for the period");
+    }
+
+    void checksOfABusyTimeAreAnnouncedOnce() {
+        CheckConnection::firstCheckDelay = 1ms;
+        CheckConnection::checkPeriod = 1ms;
+        CheckConnection thread(nullptr);
+        thread.setWatchedAddress(kProducer);
+        QSignalSpy announcements(&thread, &CheckConnection::serverAvailableAgain);
+        answerPing();
+        QTRY_VERIFY(availableServers().contains(kProducer));
+        thread.start();
+        QThread::msleep(100); // as while a connection is being made
+        QCOMPARE(announcements.count(), 0);
+        thread.requestInterruption();
+        thread.wait();
+        QCoreApplication::processEvents();
+        QCOMPARE(announcements.count(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestWorkers)
+#include "tst_workers.moc"
