@@ -1,0 +1,83 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+/// Where an input lies in the standard joystick state; records and properties name inputs by it.
+namespace ControllerOffset {
+inline constexpr std::uint32_t kX = 0;
+inline constexpr std::uint32_t kY = 4;
+inline constexpr std::uint32_t kZ = 8;
+inline constexpr std::uint32_t kRx = 12;
+inline constexpr std::uint32_t kRy = 16;
+inline constexpr std::uint32_t kRz = 20;
+inline constexpr std::uint32_t kHat = 32;
+inline constexpr std::uint32_t kButton0 = 48;
+constexpr std::uint32_t button(std::uint32_t index) {
+    return kButton0 + index;
+}
+} // namespace ControllerOffset
+
+/// How a call to a controller ended. What is Ok, NoEffect or BufferOverflow succeeded.
+enum class ControllerResult {
+    Ok,
+    NoEffect,
+    BufferOverflow,
+    InputLost,
+    NotAcquired,
+    NoSuchInput,
+    Failed
+};
+
+/// The range that a device reports for one axis.
+struct AnalogRange {
+    std::int32_t min = 0;
+    std::int32_t max = 65535;
+};
+
+/// One change of one input.
+struct ControllerRecord {
+    std::uint32_t offset = 0; ///< one of ControllerOffset, or any other input of the device
+    std::uint32_t data = 0; ///< axis position, hundredths of a degree, or 0x80 for a pressed button
+};
+
+/// What all inputs of a controller are at one moment.
+struct ControllerState {
+    std::array<std::int32_t, 6> axes{}; ///< in the order X, Y, Z, Rx, Ry, Rz; 0 for a missing one
+    std::uint32_t hat = 0xFFFF;
+    std::array<bool, 32> buttons{};
+};
+
+/// One controller as the platform offers it. The calls are made on the GUI thread, in the order
+/// data format, properties, acquisition; only then polls and reads.
+class ControllerDevice {
+public:
+    static constexpr std::size_t kBufferSize = 32;
+    static constexpr std::uint32_t kButtonDown = 0x80;
+    static constexpr std::uint32_t kHatCentred = 0xFFFF; ///< in the low 16 bits
+
+    virtual ~ControllerDevice() = default;
+
+    virtual ControllerResult setDataFormat() = 0;
+
+    /// NoSuchInput when the device lacks the axis, as for the dead zone.
+    virtual ControllerResult range(std::uint32_t axisOffset, AnalogRange& range) = 0;
+
+    /// How many records are kept between two reads.
+    virtual ControllerResult setBufferSize(std::uint32_t records) = 0;
+
+    /// In ten-thousandths of the way from the centre to either end.
+    virtual ControllerResult setDeadZone(std::uint32_t axisOffset, std::uint32_t size) = 0;
+
+    virtual ControllerResult acquire() = 0;
+    virtual ControllerResult unacquire() = 0;
+    virtual ControllerResult poll() = 0;
+    virtual ControllerResult state(ControllerState& state) = 0;
+
+    /// Moves the oldest records into `records` and sets `count` to their number. BufferOverflow
+    /// means that records were lost, those returned are good.
+    virtual ControllerResult bufferedData(std::span<ControllerRecord> records,
+                                          std::size_t& count) = 0;
+};
