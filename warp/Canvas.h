@@ -1,0 +1,212 @@
+#pragma once
+
+#include "app/EventListener.h"
+#include "app/UpdateProducer.h"
+#include "input/action.h"
+#include "input/key_event_listener.h"
+#include "network/ProtocolTypes.h"
+
+#include <QMap>
+#include <QPointF>
+#include <QPointer>
+#include <QString>
+#include <QVBoxLayout>
+#include <QWidget>
+
+#include <memory>
+#include <mutex>
+
+class Item;
+class QKeyEvent;
+class QQuickWidget;
+struct Configuration;
+
+namespace NetworkCompanion {
+class MediaMovePointEvent;
+class ScreenMovePointEvent;
+class ScreenPartMovePointEvent;
+class TextureMovePointEvent;
+} // namespace NetworkCompanion
+
+/// Hosts the mesh editor's scene and is its only bridge to the program: tells it what the list and
+/// the Producer report, and turns its requests into events for the Producer. The scene knows it as
+/// `cppCanvas`.
+///
+/// Item types towards the scene are 0 none, 1 media, 2 texture, 3 screen, 4 screen part. The scene
+/// numbers deformations 0 none, 1 keystone, 2 bezier, 3 curve, one more than on the wire.
+class Canvas final : public QWidget, public EventListener, public KeyEventListener {
+    Q_OBJECT
+
+public:
+    /// `configuration` has to outlive the canvas.
+    Canvas(const Configuration& configuration, QWidget* parent);
+    ~Canvas() override;
+
+    void receive(NetworkCompanion::Event* event) override;
+    void notified(QKeyEvent* keyEvent) override;
+
+    /// `point` turned by `angle` degrees about the origin.
+    Q_INVOKABLE QPointF rotate(QPointF point, double angle) const;
+
+    // Between these two, moves are collected by point and sent with the tick of UpdateProducer;
+    // outside, each is sent at once.
+    Q_INVOKABLE void startMovePointTimer();
+    Q_INVOKABLE void stopMovePointTimer();
+
+    // Ask the Producer for another deformation of the current item. A bezier's rows and columns are
+    // counted in patch corners, a curve's in points. `resetXY` gives up the shape there is.
+    Q_INVOKABLE void newNoneDeformation();
+    Q_INVOKABLE void newKeystoneDeformation(bool resetXY);
+    Q_INVOKABLE void newBezierDeformation(int rowNumber, int colNumber, bool resetXY);
+    Q_INVOKABLE void newCurveDeformation(int rowNumber, int colNumber, bool resetXY);
+
+    // Move one point of the current item: x and y in pixels from the item's centre when `xy`, else
+    // in 0..1 of the source's size. Moves of any other item, and positions that are not finite
+    // numbers, are ignored: the item may have been removed a moment ago.
+    Q_INVOKABLE void moveMediaPoint(int tag, int id, const QString& name, int pointId, double x,
+                                    double y, double z, bool xy, bool selected);
+    Q_INVOKABLE void moveScreenPoint(int id, const QString& name, int pointId, double x, double y,
+                                     double z, bool xy, bool selected);
+    Q_INVOKABLE void moveScreenPartPoint(int screenId, int partId, const QString& name, int pointId,
+                                         double x, double y, double z, bool xy, bool selected);
+    Q_INVOKABLE void moveTexturePoint(int tag, int id, const QString& name, int pointId, double x,
+                                      double y, double z, bool xy, bool selected);
+
+    /// Hands a key that the scene does not use back to the program.
+    Q_INVOKABLE void notifyKeyEventFromQml(int type, int key, int modifiers, const QString& text,
+                                           bool autorep, int count);
+
+signals:
+    void currentItemChanged(int itemType, int itemId, int subItemId);
+    void screenMode(int screenId, int modeType);
+    void mediaDeformationMode(int elementType, int deformationType, unsigned int cueId, int mediaId,
+                              QString name, int row, int col, bool reset);
+    void screenDeformationMode(int deformationType, int id, QString name, int row, int col,
+                               bool reset);
+    void screenPartDeformationMode(int deformationType, int screenId, int screenPartId,
+                                   QString name, int row, int col, bool reset);
+    void textureDeformationMode(int elementType, int deformationType, unsigned int cueId,
+                                int textureId, QString name, int row, int col, bool reset);
+    void mediaItemAdded(int type, unsigned int cueId, int mediaId, int sourceWidth,
+                        int sourceHeight, double sourceRotation, QString name);
+    void removeMediaItem(unsigned int cueId);
+    void screenItemAdded(int idNum, int sourceWidth, int sourceHeight, float sourceRotation,
+                         double sourceDeformerRotation, QString name);
+    void removeScreenItem(int idNum);
+    void screenPartItemAdded(int screenId, int screenPartId, int sourceWidth, int sourceHeight,
+                             double sourceDeformerRotation, QString name);
+    void removeScreenPartItem(int screenId, int screenPartId);
+    void textureItemAdded(unsigned int cueId, int textureId, int sourceWidth, int sourceHeight,
+                          double sourceRotation, QString name);
+    void removeTextureItem(unsigned int cueId);
+    void mediaMovePoint(unsigned int cueId, int mediaId, QString name, int pointId, double x,
+                        double y, double z, bool xy, bool selected);
+    void screenMovePoint(int id, QString name, int pointId, double x, double y, double z, bool xy,
+                         bool selected);
+    void screenPartMovePoint(int screenId, int screenPartId, QString name, int pointId, double x,
+                             double y, double z, bool xy, bool selected);
+    void textureMovePoint(unsigned int cueId, int textureId, QString name, int pointId, double x,
+                          double y, double z, bool xy, bool selected);
+    /// The event lives only as long as the signal.
+    void keyEvent(QKeyEvent* keyEvent);
+    void leftAxisMoved(float x, float y);
+    void rightAxisMoved(float x, float y);
+    void pressure(float value);
+    void action(Action action);
+
+public slots:
+    /// Sends the collected moves of the current item, in ascending order of their points.
+    void updateProducer();
+    /// Moves that are still collected for the item that was current are sent first.
+    void onSelectedItem(Item* item);
+    void onScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType);
+    void onMediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
+                                NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                unsigned int cueId, int mediaId, const QString& name, int row,
+                                int col, bool reset);
+    void onScreenDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType, int id,
+                                 const QString& name, int row, int col, bool reset);
+    void onScreenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                     int screenId, int screenPartId, const QString& name, int row,
+                                     int col, bool reset);
+    void onTextureDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
+                                  NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                  unsigned int cueId, int textureId, const QString& name, int row,
+                                  int col, bool reset);
+    void onMediaItemAdded(int type, unsigned int cueId, int mediaId, int sourceWidth,
+                          int sourceHeight, double sourceRotation, const QString& name);
+    void onRemoveMediaItem(unsigned int cueId);
+    void onScreenItemAdded(int idNum, int sourceWidth, int sourceHeight, float sourceRotation,
+                           double sourceDeformerRotation, const QString& name);
+    void onRemoveScreenItem(int idNum);
+    void onScreenPartItemAdded(int screenId, int screenPartId, int sourceWidth, int sourceHeight,
+                               double sourceDeformerRotation, const QString& name);
+    void onRemoveScreenPartItem(int screenId, int screenPartId);
+    void onTextureItemAdded(unsigned int cueId, int textureId, int sourceWidth, int sourceHeight,
+                            double sourceRotation, const QString& name);
+    void onRemoveTextureItem(unsigned int cueId);
+    void onKeyEvent(QKeyEvent* keyEvent);
+    void onLeftAxisMoved(float x, float y);
+    void onRightAxisMoved(float x, float y);
+    void onPressure(float value);
+    void onAction(Action action);
+
+private:
+    /// A point as it was last requested, and the item's index of that moment: a move stays bound to
+    /// the item that it was made for.
+    struct PointState {
+        int dataIndex;
+        QString name;
+        double x, y, z;
+        bool xy, selected;
+    };
+    struct CuePointData {
+        unsigned int cueId;
+        unsigned int elementId;
+        PointState point;
+    };
+    struct ScreenPointData {
+        unsigned int screenId;
+        PointState point;
+    };
+    struct ScreenPartPointData {
+        unsigned int screenId;
+        unsigned int screenPartId;
+        PointState point;
+    };
+
+    void initCanvas();
+    void initializeDeformation(NetworkCompanion::LV_NTC_DeformationType type, int rows, int cols,
+                               bool reset);
+
+    bool isCurrent(NetworkCompanion::LV_NTC_ElementType type, int id, int subId = 0) const;
+    /// The item is about to go, or its points are about to be replaced.
+    void dropPendingMoves();
+    /// Nothing more is sent for the item if it is the current one; its row is about to be deleted.
+    void forget(NetworkCompanion::LV_NTC_ElementType type, int id, int subId = 0);
+
+    /// Queues the move, or sends it with `send` when no drag is running.
+    template <class Pending, class Data, class Send>
+    void queueOrSend(Pending& pending, int pointId, const Data& move, Send send);
+    static void sendMediaMove(unsigned int pointId, const CuePointData& move);
+    static void sendTextureMove(unsigned int pointId, const CuePointData& move);
+    static void sendScreenMove(int pointId, const ScreenPointData& move);
+    static void sendScreenPartMove(int pointId, const ScreenPartPointData& move);
+
+    // Each tells the scene, and says whether the position was one.
+    bool updateMediaMovePoint(const NetworkCompanion::MediaMovePointEvent& event);
+    bool updateScreenMovePoint(const NetworkCompanion::ScreenMovePointEvent& event);
+    bool updateScreenPartMovePoint(const NetworkCompanion::ScreenPartMovePointEvent& event);
+    bool updateTextureMovePoint(const NetworkCompanion::TextureMovePointEvent& event);
+
+    const Configuration& configuration_;
+    QPointer<Item> currentItem_;
+    std::unique_ptr<UpdateProducer> updateProducer_;
+    QMap<unsigned int, CuePointData> pendingMediaMoves_; ///< by point, like the next three
+    QMap<int, ScreenPointData> pendingScreenMoves_;
+    QMap<int, ScreenPartPointData> pendingScreenPartMoves_;
+    QMap<unsigned int, CuePointData> pendingTextureMoves_;
+    std::mutex pendingLock_;
+    QVBoxLayout* layout_;
+    QQuickWidget* quickWidget_ = nullptr;
+};

@@ -1,0 +1,117 @@
+#include "warp/Item.h"
+
+#include "app/Configuration.h"
+
+#include <QEvent>
+#include <QImageReader>
+#include <QPainter>
+#include <QPixmapCache>
+#include <QStyleOption>
+
+using namespace NetworkCompanion;
+
+namespace {
+
+/// The picture in the resolution of the screen, drawn once for all rows.
+QPixmap sharpPicture(const QString& path, qreal devicePixelRatio) {
+    const QString key = QStringLiteral("%1@%2").arg(path).arg(devicePixelRatio);
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        QImageReader reader(path);
+        reader.setScaledSize((QSizeF(reader.size()) * devicePixelRatio).toSize());
+        pixmap = QPixmap::fromImageReader(&reader);
+        pixmap.setDevicePixelRatio(devicePixelRatio);
+        QPixmapCache::insert(key, pixmap);
+    }
+    return pixmap;
+}
+
+} // namespace
+
+Item::Item(LV_NTC_ElementType elementType, int id, int dataIndex, int sourceWidth, int sourceHeight,
+           const QString& name, const Configuration& configuration, QWidget* parent)
+    : QWidget(parent), elementType_(elementType), dataIndex_(dataIndex), sourceWidth_(sourceWidth),
+      sourceHeight_(sourceHeight), configuration_(&configuration), layout_(this), label_(this),
+      blindButton_(this) {
+    setFixedWidth(WarpLook::kRowWidth);
+    initBlind();
+    initDeformer(elementType, id, name);
+    setLabelText(name);
+    label_.setFixedWidth(WarpLook::kRowLabelWidth);
+    blindButton_.setFixedSize(WarpLook::kRowWidth - WarpLook::kRowLabelWidth -
+                                  WarpLook::kRowLeftMargin,
+                              WarpLook::kRowHeight);
+    layout_.setContentsMargins(WarpLook::kRowLeftMargin, 0, 0, 0);
+    layout_.setSpacing(0);
+    layout_.addWidget(&label_);
+    layout_.addWidget(&blindButton_, 0, Qt::AlignRight);
+    setCursor(Qt::PointingHandCursor);
+}
+
+void Item::initDeformer(LV_NTC_ElementType elementType, int id, const QString& name) {
+    elementType_ = elementType;
+    id_ = id;
+    name_ = name;
+    deformation_ = Deformation();
+}
+
+void Item::initBlind() {
+    showBlindPicture();
+    blindButton_.setToolTip(QLatin1StringView(WarpLook::kBlindToolTip));
+    connect(&blindButton_, &BlindButton::blindPressed, this, &Item::onBlindPressed);
+}
+
+void Item::showBlindPicture() {
+    const QString path = configuration_->visibilityImagesPath.value(blinded_ ? 0 : 1);
+    blindButton_.setPixmap(sharpPicture(path, devicePixelRatioF()));
+}
+
+void Item::setLabelText(const QString& text) {
+    label_.setName(text);
+    setAccessibleName(text);
+    blindButton_.setAccessibleName(QLatin1StringView(WarpLook::kBlindName) + QLatin1Char(' ') +
+                                   text);
+}
+
+void Item::rename(const QString& name) {
+    name_ = name;
+    setLabelText(name);
+}
+
+void Item::setBlinded(bool blinded) {
+    blinded_ = blinded;
+    showBlindPicture();
+}
+
+void Item::setActive(bool active) {
+    active_ = active;
+    const QString color =
+        active ? QString(QLatin1StringView(WarpLook::kActiveLabelColor)) : labelColor_.name();
+    label_.setStyleSheet(QStringLiteral("color: ") + color + QLatin1Char(';'));
+    setStyleSheet(
+        QLatin1StringView(active ? WarpLook::kActiveRowBackground : WarpLook::kRowBackground));
+}
+
+void Item::onBlindPressed() {
+    onBlind();
+}
+
+void Item::paintEvent(QPaintEvent* event) {
+    Q_UNUSED(event)
+    QStyleOption option;
+    option.initFrom(this);
+    QPainter painter(this);
+    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+}
+
+void Item::mousePressEvent(QMouseEvent* event) {
+    Q_UNUSED(event)
+    emit selected(this);
+}
+
+bool Item::event(QEvent* event) {
+    if (event->type() == QEvent::ScreenChangeInternal) {
+        showBlindPicture(); // the new screen may have another resolution
+    }
+    return QWidget::event(event);
+}

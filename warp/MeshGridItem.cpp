@@ -1,0 +1,186 @@
+#include "warp/MeshGridItem.h"
+
+#include "warp/MeshNodes.h"
+
+#include <QGuiApplication>
+#include <QQuickWindow>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+constexpr double kUnbounded = std::numeric_limits<double>::max();
+}
+
+MeshGridItem::MeshGridItem(QQuickItem* parent)
+    : QQuickItem(parent), dragMinimumX_(-kUnbounded), dragMaximumX_(kUnbounded),
+      dragMinimumY_(-kUnbounded), dragMaximumY_(kUnbounded) {
+    setFlag(ItemHasContents);
+    connect(this, &MeshGridItem::styleChanged, this, &MeshGridItem::onStyleChanged);
+}
+
+MeshGridItem::~MeshGridItem() {
+    for (MeshPoint* point : points_)
+        point->grid_ = nullptr;
+    for (MeshLine* line : lines_)
+        line->grid_ = nullptr;
+}
+
+void MeshGridItem::setZoom(double zoom) {
+    if (zoom == zoom_ || !(zoom > 0))
+        return;
+    zoom_ = zoom;
+    markMesh();
+    emit zoomChanged();
+}
+
+void MeshGridItem::addPoint(MeshPoint* point, int number, double x, double y, double rotation) {
+    if (!point || point->grid_)
+        return;
+    point->grid_ = this;
+    point->pointNum_ = number;
+    point->viewingRotation_ = rotation;
+    point->place(x, y);
+    points_.push_back(point);
+}
+
+void MeshGridItem::addLine(MeshLine* line, MeshPoint* from, MeshPoint* to) {
+    if (!line || line->grid_)
+        return;
+    line->grid_ = this;
+    line->setFromPoint(from);
+    line->setToPoint(to);
+    lines_.push_back(line);
+}
+
+void MeshGridItem::erase() {
+    const std::vector<MeshLine*> lines = std::exchange(lines_, {});
+    for (MeshLine* line : lines) {
+        line->grid_ = nullptr;
+        delete line;
+    }
+    const std::vector<MeshPoint*> points = std::exchange(points_, {});
+    for (MeshPoint* point : points) {
+        point->grid_ = nullptr;
+        delete point;
+    }
+    markMesh();
+}
+
+void MeshGridItem::turnNumbers(double degrees) {
+    for (MeshPoint* point : points_)
+        point->setViewingRotation(degrees);
+}
+
+int MeshGridItem::pointAt(const QPointF& position, double reach) const {
+    const double circle = pointDiameter_ / 2 / zoom_;
+    const double far = std::max(reach, 0.0) / zoom_;
+    int covered = -1;
+    int nearest = -1;
+    double nearestDistance = std::max(far, circle);
+    for (int number = pointCount() - 1; number >= 0; --number) {
+        const MeshPoint& point = *points_[static_cast<std::size_t>(number)];
+        const double distance =
+            std::hypot(point.x() - position.x(), point.y() - position.y());
+        if (distance <= circle) {
+            if (point.selection() == MeshPoint::State::Current)
+                return number;
+            if (covered < 0)
+                covered = number;
+        } else if (distance < nearestDistance) {
+            nearestDistance = distance;
+            nearest = number;
+        }
+    }
+    return covered >= 0 ? covered : nearest;
+}
+
+MeshPoint* MeshGridItem::point(int number) const {
+    return number >= 0 && number < pointCount() ? points_[static_cast<std::size_t>(number)]
+                                                : nullptr;
+}
+
+QPointF MeshGridItem::boundedForDrag(const QPointF& position) const {
+    return {std::max(dragMinimumX_, std::min(position.x(), dragMaximumX_)),
+            std::max(dragMinimumY_, std::min(position.y(), dragMaximumY_))};
+}
+
+void MeshGridItem::markMesh() { update(); }
+
+void MeshGridItem::forgetPoint(MeshPoint* point) {
+    std::erase(points_, point);
+    markMesh();
+}
+
+void MeshGridItem::forgetLine(MeshLine* line) {
+    std::erase(lines_, line);
+    markMesh();
+}
+
+void MeshGridItem::onStyleChanged() {
+    styleDirty_ = true;
+    update();
+}
+
+MeshStyle MeshGridItem::style() const {
+    const auto colors = [](const QList<QColor>& list) {
+        return MeshStyle::Colors{list.value(0), list.value(1), list.value(2)};
+    };
+    MeshStyle result;
+    result.states = {colors(unselectedColors_), colors(selectedColors_), colors(currentColors_)};
+    result.pointDiameter = pointDiameter_;
+    result.pointBorderWidth = pointBorderWidth_;
+    result.lineThickness = lineThickness_;
+    result.lineColor = lineColor_;
+    result.font = QGuiApplication::font();
+    return result;
+}
+
+QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
+    if (points_.empty()) {
+        delete old;
+        return nullptr;
+    }
+    if (styleDirty_ || !atlas_) {
+        atlas_ = std::make_shared<const MeshAtlas>(style(), window()->effectiveDevicePixelRatio());
+        styleDirty_ = false;
+    }
+    MeshPicture picture;
+    picture.zoom = zoom_;
+    picture.atlas = atlas_;
+    picture.lines.reserve(lines_.size());
+    for (const MeshLine* line : lines_) {
+        if (line->fromPoint() && line->toPoint())
+            picture.lines.emplace_back(line->fromPoint()->x(), line->fromPoint()->y(),
+                                       line->toPoint()->x(), line->toPoint()->y());
+    }
+    picture.points.reserve(points_.size());
+    const MeshPoint* current = nullptr;
+    const auto add = [&picture](const MeshPoint& point) {
+        picture.points.push_back({QPointF(point.x(), point.y()), point.viewingRotation(),
+                                  point.pointNum(), point.selection()});
+    };
+    for (const MeshPoint* point : points_) {
+        if (point->selection() == MeshPoint::State::Current)
+            current = point;
+        else
+            add(*point);
+    }
+    if (current)
+        add(*current);
+
+    MeshNode* node = old ? MeshNode::from(old) : MeshNode::create(window());
+    node->setPicture(std::move(picture));
+    return node->node();
+}
+
+void MeshGridItem::itemChange(ItemChange change, const ItemChangeData& data) {
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) {
+        styleDirty_ = true;
+        update();
+    }
+    QQuickItem::itemChange(change, data);
+}
+
+void MeshGridItem::releaseResources() { atlas_.reset(); }

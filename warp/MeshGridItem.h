@@ -1,0 +1,106 @@
+#pragma once
+
+#include "warp/MeshAtlas.h"
+#include "warp/MeshLine.h"
+#include "warp/MeshPoint.h"
+
+#include <QQuickItem>
+
+#include <memory>
+#include <vector>
+
+/// Draws all points and lines of one mesh at once and tells which point lies under a pointer.
+/// Points keep their size on the screen at every zoom. Positions are in the item's pixels.
+class MeshGridItem : public QQuickItem {
+    Q_OBJECT
+    /// Screen pixels that one of the item's pixels takes; above 0.
+    Q_PROPERTY(double zoom READ zoom WRITE setZoom NOTIFY zoomChanged)
+
+    // The look, in pixels of the screen.
+    Q_PROPERTY(double pointDiameter MEMBER pointDiameter_ NOTIFY styleChanged)
+    Q_PROPERTY(double pointBorderWidth MEMBER pointBorderWidth_ NOTIFY styleChanged)
+    Q_PROPERTY(double lineThickness MEMBER lineThickness_ NOTIFY styleChanged)
+    Q_PROPERTY(QColor lineColor MEMBER lineColor_ NOTIFY styleChanged)
+    /// Fill, border and text of a point in each state.
+    Q_PROPERTY(QList<QColor> unselectedColors MEMBER unselectedColors_ NOTIFY styleChanged)
+    Q_PROPERTY(QList<QColor> selectedColors MEMBER selectedColors_ NOTIFY styleChanged)
+    Q_PROPERTY(QList<QColor> currentColors MEMBER currentColors_ NOTIFY styleChanged)
+
+    /// Whether a pointer can take hold of points.
+    Q_PROPERTY(bool pointsMovable MEMBER pointsMovable_ NOTIFY dragRulesChanged)
+    /// The area that a dragged point cannot leave.
+    Q_PROPERTY(double dragMinimumX MEMBER dragMinimumX_ NOTIFY dragRulesChanged)
+    Q_PROPERTY(double dragMaximumX MEMBER dragMaximumX_ NOTIFY dragRulesChanged)
+    Q_PROPERTY(double dragMinimumY MEMBER dragMinimumY_ NOTIFY dragRulesChanged)
+    Q_PROPERTY(double dragMaximumY MEMBER dragMaximumY_ NOTIFY dragRulesChanged)
+
+public:
+    explicit MeshGridItem(QQuickItem* parent = nullptr);
+    ~MeshGridItem() override;
+
+    double zoom() const { return zoom_; }
+    void setZoom(double zoom);
+
+    /// Puts the point into the mesh as its next one; the point's owner is unchanged.
+    Q_INVOKABLE void addPoint(MeshPoint* point, int number, double x, double y, double rotation);
+    /// Puts the line into the mesh; its ends must be points of the mesh.
+    Q_INVOKABLE void addLine(MeshLine* line, MeshPoint* from, MeshPoint* to);
+    /// Destroys all lines and points of the mesh.
+    Q_INVOKABLE void erase();
+    /// Turns the numbers of all points.
+    Q_INVOKABLE void turnNumbers(double degrees);
+
+    /// Number of the point at the position, -1 for none. A point whose circle covers the position
+    /// is taken first, the one drawn on top before others; otherwise the nearest point that is at
+    /// most `reach` screen pixels away.
+    Q_INVOKABLE int pointAt(const QPointF& position, double reach) const;
+
+    int pointCount() const { return static_cast<int>(points_.size()); }
+    /// Null when the number is none of the mesh.
+    MeshPoint* point(int number) const;
+    bool pointsMovable() const { return pointsMovable_; }
+    /// The position moved into the area that a dragged point cannot leave.
+    QPointF boundedForDrag(const QPointF& position) const;
+
+    /// Something that is drawn has changed.
+    void markMesh();
+
+signals:
+    void zoomChanged();
+    void styleChanged();
+    void dragRulesChanged();
+
+protected:
+    QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;
+    void itemChange(ItemChange change, const ItemChangeData& data) override;
+    void releaseResources() override;
+
+private:
+    friend class MeshPoint;
+    friend class MeshLine;
+
+    void forgetPoint(MeshPoint* point);
+    void forgetLine(MeshLine* line);
+    void onStyleChanged();
+    MeshStyle style() const;
+
+    std::vector<MeshPoint*> points_; // by number; points and lines belong to whoever created them
+    std::vector<MeshLine*> lines_;
+
+    double zoom_ = 1;
+    double pointDiameter_ = 20;
+    double pointBorderWidth_ = 2;
+    double lineThickness_ = 2;
+    QColor lineColor_ = Qt::white;
+    QList<QColor> unselectedColors_;
+    QList<QColor> selectedColors_;
+    QList<QColor> currentColors_;
+    bool pointsMovable_ = true;
+    double dragMinimumX_;
+    double dragMaximumX_;
+    double dragMinimumY_;
+    double dragMaximumY_;
+
+    bool styleDirty_ = true;
+    std::shared_ptr<const MeshAtlas> atlas_; // shared with the nodes that draw from it
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QLabel>
+
+/// A label for a name from the network: shows it as plain text on one line, shortened to the width
+/// there is, and whole in its tool tip. text() stays the whole name.
+class NameLabel final : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit NameLabel(QWidget* parent = nullptr);
+
+    void setName(const QString& name);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};

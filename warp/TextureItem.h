@@ -1,0 +1,25 @@
+#pragma once
+
+#include "warp/Item.h"
+
+/// The row of a texture of a cue. Starts as not blinded, whatever the Producer's state.
+class TextureItem final : public Item {
+    Q_OBJECT
+
+public:
+    /// `flag` is kept as it came.
+    TextureItem(unsigned int cueId, int textureId, int dataIndex, int sourceWidth, int sourceHeight,
+                bool flag, const QString& name, const Configuration& configuration,
+                QWidget* parent);
+
+    unsigned int cueId() const { return static_cast<unsigned int>(id()); }
+    int textureId() const { return textureId_; }
+    bool flag() const { return flag_; }
+
+public slots:
+    void onBlind() override;
+
+private:
+    int textureId_;
+    bool flag_;
+};
