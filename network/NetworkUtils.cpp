@@ -1,0 +1,320 @@
+#include "network/NetworkUtils.h"
+
+#include "network/ProtocolLimits.h"
+
+#include <QNetworkProxy>
+#include <QPointer>
+#include <QUdpSocket>
+
+#include <algorithm>
+#include <array>
+
+namespace NetworkCompanion {
+
+namespace {
+
+constexpr QByteArrayView kPingServers = "PingServers";
+constexpr QByteArrayView kPingReceived = "PingReceived";
+constexpr QByteArrayView kGetClients = "GetClients";
+constexpr QByteArrayView kGiveClient = "GiveClient";
+constexpr qint64 kLongestWord =
+    std::max({kPingServers.size(), kPingReceived.size(), kGetClients.size(), kGiveClient.size()});
+
+// Datagrams taken from a socket at a time; further ones wait for the next turn of the event loop.
+constexpr int kDatagramsPerTurn = 1024;
+
+bool isUsable(const QHostAddress& address) {
+    static const QPair<QHostAddress, int> linkLocal = QHostAddress::parseSubnet("169.254.0.0/16");
+    return address.protocol() == QAbstractSocket::IPv4Protocol && !address.isInSubnet(linkLocal);
+}
+
+QList<QHostAddress> usableAddresses(const QList<QNetworkInterface>& interfaces) {
+    QList<QHostAddress> addresses;
+    for (const QNetworkInterface& usable : interfaces) {
+        for (const QNetworkAddressEntry& entry : usable.addressEntries()) {
+            if (isUsable(entry.ip()) && !addresses.contains(entry.ip()))
+                addresses.append(entry.ip());
+        }
+    }
+    return addresses;
+}
+
+} // namespace
+
+NetworkUtils::NetworkUtils(unsigned int localPort, unsigned int targetPort, bool isServer,
+                           QObject* parent, DiscoveryTiming timing)
+    : QObject(parent), localPort_(static_cast<quint16>(localPort)),
+      targetPort_(static_cast<quint16>(targetPort)), isServer_(isServer),
+      timing_(timing), commands_{
+                           {QString::fromLatin1(kPingServers), &NetworkUtils::pingReceived},
+                           {QString::fromLatin1(kPingReceived), &NetworkUtils::serverAnswered},
+                           {QString::fromLatin1(kGetClients), &NetworkUtils::getClients},
+                           {QString::fromLatin1(kGiveClient), &NetworkUtils::giveClient}} {
+    if (isServer_) {
+        QUdpSocket* socket = newSocket();
+        if (!bindSocket(socket, QHostAddress::AnyIPv4))
+            qCritical("NetworkCompanion: Socket not bound when constructing NetworkUtils!");
+        sockets_.push_back({QHostAddress::AnyIPv4, socket});
+    } else {
+        updateClientSockets();
+        discoveryThread_ = std::thread(&NetworkUtils::serversDiscoveryThreadFunction, this);
+    }
+}
+
+NetworkUtils::~NetworkUtils() {
+    {
+        const std::scoped_lock lock(mutex_);
+        stop_ = true;
+    }
+    wakeUp_.notify_all();
+    if (discoveryThread_.joinable())
+        discoveryThread_.join();
+}
+
+QStringList NetworkUtils::getAvailableServers() const {
+    const std::scoped_lock lock(mutex_);
+    QStringList addresses;
+    for (const auto& [address, lastAnswer] : servers_)
+        addresses.append(address);
+    return addresses;
+}
+
+void NetworkUtils::serverHasDisconnected(const QString& address) {
+    {
+        const std::scoped_lock lock(mutex_);
+        servers_.erase(address);
+    }
+    emit serverDisconnected(address);
+}
+
+void NetworkUtils::pingServers() {
+    if (!isServer_)
+        broadcastDatagramOnAllSockets(kPingServers.data(), kPingServers.size(), targetPort_);
+}
+
+void NetworkUtils::getClientsOnNetwork() {
+    clients_.clear();
+    if (!sockets_.empty())
+        send(sockets_.front().socket, kGetClients, QHostAddress::Broadcast);
+}
+
+void NetworkUtils::broadcastDatagramOnAllSockets(const char* data, qint64 size, quint16 port) {
+    // From a socket that is bound to an interface's address a broadcast leaves by that interface.
+    for (const BoundSocket& bound : sockets_) {
+        if (bound.socket->state() == QAbstractSocket::BoundState)
+            bound.socket->writeDatagram(data, size, QHostAddress::Broadcast, port);
+    }
+}
+
+QList<QNetworkInterface> NetworkUtils::getAvailableNetworkInterfaces() {
+    constexpr QNetworkInterface::InterfaceFlags usable =
+        QNetworkInterface::IsUp | QNetworkInterface::CanBroadcast;
+    QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
+    interfaces.removeIf(
+        [=](const QNetworkInterface& candidate) { return (candidate.flags() & usable) != usable; });
+    return interfaces;
+}
+
+void NetworkUtils::updateClientSockets() {
+    if (!isServer_)
+        followAddresses(usableAddresses(getAvailableNetworkInterfaces()));
+}
+
+void NetworkUtils::followAddresses(const QList<QHostAddress>& addresses) {
+    removeClientUnusedSockets(addresses);
+    addClientNewSockets(addresses);
+    followBroadcasts();
+}
+
+void NetworkUtils::removeClientUnusedSockets(const QList<QHostAddress>& addresses) {
+    std::erase_if(sockets_, [&](const BoundSocket& bound) {
+        if (addresses.contains(bound.address))
+            return false;
+        bound.socket->close();
+        bound.socket->deleteLater();
+        return true;
+    });
+}
+
+void NetworkUtils::addClientNewSockets(const QList<QHostAddress>& addresses) {
+    for (const QHostAddress& address : addresses) {
+        const auto known = std::find_if(sockets_.begin(), sockets_.end(), [&](const auto& bound) {
+            return bound.address == address;
+        });
+        if (known == sockets_.end()) {
+            QUdpSocket* socket = newSocket();
+            if (!bindSocket(socket, address))
+                qCritical("NetworkCompanion: Socket not bound when constructing NetworkUtils!");
+            sockets_.push_back({address, socket});
+        } else if (known->socket->state() != QAbstractSocket::BoundState) {
+            bindSocket(known->socket, address); // said once; whoever has the port may let it go
+        }
+    }
+}
+
+/// Where a socket bound to an interface's address is not given what is broadcast to everybody, one
+/// that is bound to the broadcast address is. Where there is no such binding, none is needed.
+void NetworkUtils::followBroadcasts() {
+    if (sockets_.empty() == (broadcastSocket_ == nullptr))
+        return;
+    if (broadcastSocket_) {
+        broadcastSocket_->close();
+        broadcastSocket_->deleteLater();
+        broadcastSocket_ = nullptr;
+    } else {
+        broadcastSocket_ = newSocket();
+        bindSocket(broadcastSocket_, QHostAddress::Broadcast);
+    }
+}
+
+QUdpSocket* NetworkUtils::newSocket() {
+    auto* socket = new QUdpSocket(this);
+    socket->setProxy(QNetworkProxy::applicationProxy());
+    connect(socket, &QUdpSocket::readyRead, this, &NetworkUtils::onReadyRead);
+    return socket;
+}
+
+bool NetworkUtils::bindSocket(QUdpSocket* socket, const QHostAddress& address) {
+    return socket->bind(address, localPort_, QAbstractSocket::ReuseAddressHint);
+}
+
+void NetworkUtils::send(QUdpSocket* socket, QByteArrayView word,
+                        const QHostAddress& receiver) const {
+    socket->writeDatagram(word.data(), word.size(), receiver, targetPort_);
+}
+
+void NetworkUtils::onReadyRead() {
+    struct Datagram {
+        std::array<char, kLongestWord + 1> data;
+        qint64 size;
+        QHostAddress sender;
+    };
+    // First taken, then acted on: a slot of a signal may change the sockets or delete this object.
+    std::vector<Datagram> datagrams;
+    const auto take = [&](QUdpSocket* socket) {
+        for (int i = 0; i < kDatagramsPerTurn && socket->hasPendingDatagrams(); ++i) {
+            Datagram datagram;
+            // One byte more than the longest word tells a longer one, whose rest is dropped.
+            datagram.size = socket->readDatagram(datagram.data.data(), qint64(datagram.data.size()),
+                                                 &datagram.sender);
+            if (datagram.size > 0 && datagram.size <= kLongestWord)
+                datagrams.push_back(datagram);
+        }
+    };
+    for (const BoundSocket& bound : sockets_)
+        take(bound.socket);
+    if (broadcastSocket_)
+        take(broadcastSocket_);
+
+    const QPointer<NetworkUtils> alive(this);
+    for (const Datagram& datagram : datagrams) {
+        processDatagram({datagram.data.data(), datagram.size}, datagram.sender);
+        if (!alive)
+            return;
+    }
+}
+
+void NetworkUtils::processDatagram(QByteArrayView data, const QHostAddress& sender) {
+    const auto command = commands_.find(QString::fromLatin1(data));
+    if (command != commands_.end())
+        (this->*command->second)(sender.toString());
+}
+
+void NetworkUtils::pingReceived(const QString& sender) {
+    if (isServer_)
+        send(sockets_.front().socket, kPingReceived, QHostAddress(sender));
+}
+
+void NetworkUtils::serverAnswered(const QString& sender) {
+    if (isServer_)
+        return;
+    {
+        const std::scoped_lock lock(mutex_);
+        const auto known = servers_.find(sender);
+        if (known != servers_.end()) {
+            known->second = Clock::now();
+            return;
+        }
+        if (servers_.size() >= Limits::kMaxListedProducers)
+            return;
+        servers_.emplace(sender, Clock::now());
+    }
+    emit serverDiscovered(sender);
+}
+
+void NetworkUtils::getClients(const QString&) {
+    if (!isServer_ && !sockets_.empty())
+        send(sockets_.front().socket, kGiveClient, QHostAddress::Broadcast);
+}
+
+void NetworkUtils::giveClient(const QString& sender) {
+    if (!isServer_ || clients_.contains(sender) || clients_.size() >= Limits::kMaxListedCompanions)
+        return;
+    clients_.append(sender);
+    emit clientChanged();
+}
+
+void NetworkUtils::serversDiscoveryThreadFunction() {
+    auto next = Clock::now();
+    for (;;) {
+        // While this object's thread is busy, ticks do not pile up.
+        if (!tickPending_.exchange(true)) {
+            QMetaObject::invokeMethod(
+                this,
+                [this, addresses = usableAddresses(getAvailableNetworkInterfaces())] {
+                    tickPending_ = false;
+                    discover(addresses);
+                },
+                Qt::QueuedConnection);
+        }
+        next = std::max(next + timing_.pingPeriod, Clock::now());
+        std::unique_lock lock(mutex_);
+        if (wakeUp_.wait_until(lock, next, [this] { return stop_; }))
+            return;
+    }
+}
+
+/// One period's work, on this object's thread.
+void NetworkUtils::discover(const QList<QHostAddress>& addresses) {
+    const QPointer<NetworkUtils> alive(this);
+    onReadyRead(); // answers that came while nobody looked
+    if (!alive)
+        return;
+    followAddresses(addresses);
+    discountDeafness(Clock::now());
+    pingServers();
+    pruneTimeoutedServers();
+}
+
+/// A Producer cannot answer what it was not asked: time without a ping is no silence.
+void NetworkUtils::discountDeafness(Clock::time_point now) {
+    const auto late = lastPing_ == Clock::time_point() ? Clock::duration::zero()
+                                                       : now - lastPing_ - timing_.pingPeriod;
+    lastPing_ = now;
+    if (late <= timing_.pingPeriod / 2)
+        return;
+    const std::scoped_lock lock(mutex_);
+    for (auto& [address, lastAnswer] : servers_)
+        lastAnswer = std::min(lastAnswer + late, now);
+}
+
+void NetworkUtils::pruneTimeoutedServers() {
+    QStringList silent;
+    {
+        const std::scoped_lock lock(mutex_);
+        const auto now = Clock::now();
+        std::erase_if(servers_, [&](const auto& server) {
+            if (now - server.second <= timing_.serverTimeout)
+                return false;
+            silent.append(server.first);
+            return true;
+        });
+    }
+    const QPointer<NetworkUtils> alive(this);
+    for (const QString& address : silent) {
+        if (alive)
+            emit serverTimeouted(address);
+    }
+}
+
+} // namespace NetworkCompanion

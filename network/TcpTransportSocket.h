@@ -1,0 +1,101 @@
+#pragma once
+
+#include "network/Event.h"
+
+#include <QByteArray>
+#include <QHostAddress>
+#include <QObject>
+#include <QTcpSocket>
+#include <QTimer>
+#include <QUrl>
+
+#include <mutex>
+#include <optional>
+
+class QDeadlineTimer;
+
+namespace NetworkCompanion {
+
+/// Carries events over one TCP connection: a length of 4 bytes in front of each frame on the way
+/// out, frames put together from whatever chunks arrive on the way in.
+///
+/// Lives on one thread. A slot of its signals may write, disconnect, reconnect or delete it.
+class TCPTransportSocket : public QObject {
+    Q_OBJECT
+
+public:
+    /// What state() tells; the numbers are fixed.
+    enum State { Idle = 0, Connecting = 1, Connected = 2, Disconnected = 4 };
+
+    /// The client's end, not connected.
+    explicit TCPTransportSocket(QObject* parent);
+    /// The server's end of an accepted connection; takes the socket over.
+    TCPTransportSocket(int socketId, QTcpSocket* socket, QObject* parent);
+    ~TCPTransportSocket() override;
+
+    /// Begins to connect to the url's host and port and does not wait. False, and nothing is
+    /// touched, while a connection stands or is being made.
+    bool tryToConnect(const QUrl& url);
+    /// Waits at most msecs milliseconds (-1: without limit); tells whether it is connected.
+    bool waitForConnected(int msecs);
+    /// As above; a connection that is closing counts as gone.
+    bool waitForDisconnected(int msecs);
+    /// Forgets what was received and closes once everything written is out. Nothing is received
+    /// any more.
+    void disconnect();
+    /// Events are received between these two only.
+    void startReading();
+    void stopReading();
+    /// Sends the event in one write that is neither awaited nor flushed. False, without a word,
+    /// when not connected.
+    bool write(Event& event);
+
+    int state() const;
+    /// Switches keep-alive on: probes after time ms of silence, one every interval ms.
+    void activeKeepAlive(unsigned long interval, unsigned long time) const;
+
+    int socketId() const { return socketId_; }
+    /// The peer of the client's end; empty after disconnect().
+    QUrl url() const { return url_; }
+    QHostAddress peerAddress() const { return socket_->peerAddress(); }
+    /// Bytes written that the operating system has not taken yet.
+    qint64 unsentBytes() const { return socket_->bytesToWrite(); }
+
+signals:
+    /// One frame arrived; its event is null when it was none. The receiver owns the event. Without
+    /// a receiver it is freed.
+    void receivedEvent(NetworkCompanion::eventData event);
+    void disconnected(int socketId);
+
+public slots:
+    void onDisconnected();
+    void onBytesWritten(qint64 sizeWritten);
+    void onReadyRead();
+
+private:
+    void initSocket();
+    void onConnected();
+    void resetReceiving();
+    void receive(const QDeadlineTimer& deadline);
+    void takeAvailable();
+    std::optional<eventData> nextFrame();
+    qint32 onReadHeader(QByteArray& buffer, int size);
+    bool onReadData(QByteArray& buffer, int size, eventData& frame);
+    void skipOversized();
+    void handOver(eventData frame);
+
+    QUrl url_;
+    int socketId_ = -1;
+    bool waitingForLength_ = true;
+    QTcpSocket* socket_; // a child
+    QByteArray buffer_;
+    qint32 expectedLength_ = 0;
+    std::mutex mutex_; // guards the flag, the buffer and the lengths; never held while emitting
+
+    qint64 bytesToSkip_ = 0; // what is left of a frame that is too long to be stored
+    bool closing_ = false;   // by disconnect(): whatever still arrives is of no interest
+    int emitting_ = 0;
+    QTimer resumeTimer_; // continues a long read after the event loop had its turn
+};
+
+} // namespace NetworkCompanion
