@@ -26,7 +26,7 @@ public:
 
     bool isGamepadConnected() const { return device_ != nullptr; }
 
-    /// Never consumes a message.
+    /// Looks for controllers when the message says that one may have come. Never consumes it.
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
 public slots:
@@ -34,13 +34,13 @@ public slots:
     void onFocusLost();
 
 signals:
-    /// Both sticks, -1..1 to the right and downwards. Emitted on every poll while the stick is off
+    /// The sticks, -1..1 to the right and downwards. Emitted on every poll while the stick is off
     /// its centre, and once with zeros when it has returned.
     void leftAxisMoved(float x, float y);
     void rightAxisMoved(float x, float y);
 
-    /// The two triggers taken together; the left one counts up from 0, the right one down. Emitted
-    /// on every poll while the sum is not 0.
+    /// Both triggers taken together, the left one counting up and the right one down. Emitted on
+    /// every poll while the sum is not 0.
     void pressure(float value);
 
     void buttonPressed(GamepadButton button);
@@ -48,4 +48,52 @@ signals:
 
 protected:
     void timerEvent(QTimerEvent* event) override;
+
+private:
+    static constexpr int kNoTimer = -1;
+    static constexpr std::size_t kMappedButtons = 8;
+
+    enum AxisIndex : std::size_t { X, Y, Z, Rx, Ry, Rz, kAxisCount };
+    enum class StateScope { Buttons, ButtonsAndMovedAxes, Everything };
+
+    /// One axis as the device in use has it, and where it stands after remapping.
+    struct Axis {
+        bool present = false;
+        AnalogRange range;
+        float value = 0;
+    };
+
+    void discoverAvailableDevices();
+    bool discoverVisitDevice(const AttachedController& controller);
+    bool configureAndAcquireDevice();
+    void initGamepadState();
+    void deinitGamepad();
+
+    void startActiveTimer();
+    void stopActiveTimer();
+    void updateLookTimer();
+
+    void readDeviceDataAndUpdate();
+    void catchUpWithState(StateScope scope);
+    void processRecord(const ControllerRecord& record);
+    void updateAxis(AxisIndex axis, std::uint32_t data);
+    void alignTriggers();
+    void updateHat(std::uint32_t data);
+    void updateButton(std::size_t index, bool down);
+    void reportMovement();
+    void letGoOfEverything();
+
+    std::unique_ptr<ControllerSystem> system_; ///< null when the platform's interface did not open
+    std::unique_ptr<ControllerDevice> device_; ///< the controller in use
+    int timerId_ = kNoTimer;
+    int lookTimerId_ = kNoTimer;
+    bool focused_ = true;
+
+    std::array<Axis, kAxisCount> axes_;
+    bool triggersAligned_ = false;
+    bool leftStickCentred_ = false;  ///< came back to 0 since movement was last reported
+    bool rightStickCentred_ = false; ///< likewise
+    std::array<bool, kMappedButtons> heldButtons_{};
+    GamepadButton povButton_ = GamepadButton::LeftDPad_Top;
+    bool povHeld_ = false;
 };

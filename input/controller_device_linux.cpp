@@ -1,0 +1,322 @@
+#include "input/controller_system.h"
+
+#include <QDebug>
+
+#include <SDL.h>
+
+#include <algorithm>
+
+/// Controllers on Linux come from SDL's joysticks. What SDL tells is brought into the form in which
+/// DirectInput tells it: numbered inputs, positions from 0 to 65535, hats in hundredths of a
+/// degree.
+
+namespace {
+
+constexpr AnalogRange kAxisRange{0, 65535};
+constexpr std::uint32_t kFullDeadZone = 10000;
+constexpr std::uint32_t kFirstUnmappedAxis = 24;
+constexpr int kSixAxes = 6;
+constexpr std::uint32_t kNoAxis = 0xFFFFFFFF;
+constexpr std::chrono::milliseconds kLookPeriod{1000};
+constexpr int kEventsAtOnce = 64;
+
+/// Which of the standard axes SDL's axes are, by how many there are. The system numbers the axes of
+/// a pad in the order of their codes, which is left stick, left trigger, right stick, right
+/// trigger; what a pad lacks is left out. With four axes there are two sticks and no analog
+/// trigger, with three or five one axis stands for both triggers.
+std::vector<std::uint32_t> standardAxes(int count) {
+    using namespace ControllerOffset;
+    switch (std::min(count, kSixAxes)) {
+    case 0:
+        return {};
+    case 1:
+        return {kX};
+    case 2:
+        return {kX, kY};
+    case 3:
+        return {kX, kY, kZ};
+    case 4:
+        return {kX, kY, kRx, kRy};
+    case 5:
+        return {kX, kY, kZ, kRx, kRy};
+    default:
+        return {kX, kY, kZ, kRx, kRy, kRz};
+    }
+}
+
+std::uint32_t hundredthsOfDegree(Uint8 hat) {
+    switch (hat) {
+    case SDL_HAT_UP:
+        return 0;
+    case SDL_HAT_RIGHTUP:
+        return 4500;
+    case SDL_HAT_RIGHT:
+        return 9000;
+    case SDL_HAT_RIGHTDOWN:
+        return 13500;
+    case SDL_HAT_DOWN:
+        return 18000;
+    case SDL_HAT_LEFTDOWN:
+        return 22500;
+    case SDL_HAT_LEFT:
+        return 27000;
+    case SDL_HAT_LEFTUP:
+        return 31500;
+    default:
+        return ControllerDevice::kHatCentred;
+    }
+}
+
+/// The position as DirectInput would report it: the centre within the dead zone, and outside it the
+/// rest of the way stretched over the whole range, so that nothing jumps at the edge of the zone.
+std::uint32_t positionOf(Sint16 value, std::uint32_t deadZone) {
+    // Twice the distance from the centre, which lies between two positions.
+    constexpr int kFull = 65535;
+    const int distance = 2 * int{value} + 1;
+    const int zone = static_cast<int>(std::int64_t{kFull} * deadZone / kFullDeadZone);
+    const int beyond = std::abs(distance) - zone;
+    if (beyond <= 0 || zone >= kFull)
+        return (kFull + 1) / 2;
+    const int stretched = static_cast<int>(std::int64_t{beyond} * kFull / (kFull - zone));
+    return static_cast<std::uint32_t>((kFull + (distance < 0 ? -stretched : stretched)) / 2);
+}
+
+struct JoystickCloser {
+    void operator()(SDL_Joystick* joystick) const { SDL_JoystickClose(joystick); }
+};
+using JoystickPointer = std::unique_ptr<SDL_Joystick, JoystickCloser>;
+
+class SdlControllerDevice : public ControllerDevice {
+public:
+    explicit SdlControllerDevice(JoystickPointer joystick)
+        : joystick_(std::move(joystick)), id_(SDL_JoystickInstanceID(joystick_.get())) {}
+
+    ControllerResult setDataFormat() override {
+        const std::vector<std::uint32_t> standard =
+            standardAxes(SDL_JoystickNumAxes(joystick_.get()));
+        axes_.clear();
+        for (int i = 0; i < SDL_JoystickNumAxes(joystick_.get()); ++i) {
+            const auto index = static_cast<std::size_t>(i);
+            const std::uint32_t extra =
+                kFirstUnmappedAxis + 4 * static_cast<std::uint32_t>(i - kSixAxes);
+            axes_.push_back({index < standard.size() ? standard[index] : extra, 0, 0});
+        }
+        return ControllerResult::Ok;
+    }
+
+    ControllerResult range(std::uint32_t axisOffset, AnalogRange& range) override {
+        if (!findAxis(axisOffset))
+            return ControllerResult::NoSuchInput;
+        range = kAxisRange;
+        return ControllerResult::Ok;
+    }
+
+    ControllerResult setBufferSize(std::uint32_t records) override {
+        bufferSize_ = records;
+        return ControllerResult::Ok;
+    }
+
+    ControllerResult setDeadZone(std::uint32_t axisOffset, std::uint32_t size) override {
+        Axis* axis = findAxis(axisOffset);
+        if (!axis)
+            return ControllerResult::NoSuchInput;
+        axis->deadZone = size;
+        return ControllerResult::Ok;
+    }
+
+    ControllerResult acquire() override {
+        if (!SDL_JoystickGetAttached(joystick_.get()))
+            return ControllerResult::Failed;
+        SDL_JoystickUpdate();
+        SDL_FlushEvents(SDL_JOYAXISMOTION, SDL_JOYBUTTONUP);
+        for (std::size_t i = 0; i < axes_.size(); ++i)
+            axes_[i].position = currentPosition(i);
+        records_.clear();
+        overflowed_ = false;
+        acquired_ = true;
+        return ControllerResult::Ok;
+    }
+
+    ControllerResult unacquire() override {
+        return std::exchange(acquired_, false) ? ControllerResult::Ok : ControllerResult::NoEffect;
+    }
+
+    ControllerResult poll() override {
+        if (!acquired_)
+            return ControllerResult::NotAcquired;
+        SDL_JoystickUpdate();
+        if (!SDL_JoystickGetAttached(joystick_.get())) {
+            acquired_ = false;
+            return ControllerResult::InputLost;
+        }
+        takeEvents();
+        return ControllerResult::Ok;
+    }
+
+    ControllerResult state(ControllerState& state) override {
+        if (!acquired_)
+            return ControllerResult::NotAcquired;
+        state = {};
+        for (std::size_t i = 0; i < axes_.size(); ++i) {
+            const std::size_t place = axes_[i].offset / 4;
+            if (place < state.axes.size())
+                state.axes[place] = static_cast<std::int32_t>(currentPosition(i));
+        }
+        if (SDL_JoystickNumHats(joystick_.get()) > 0)
+            state.hat = hundredthsOfDegree(SDL_JoystickGetHat(joystick_.get(), 0));
+        for (std::size_t i = 0; i < state.buttons.size(); ++i)
+            state.buttons[i] = SDL_JoystickGetButton(joystick_.get(), static_cast<int>(i)) != 0;
+        return ControllerResult::Ok;
+    }
+
+    ControllerResult bufferedData(std::span<ControllerRecord> records,
+                                  std::size_t& count) override {
+        count = std::min(records.size(), records_.size());
+        const auto end = records_.begin() + static_cast<std::ptrdiff_t>(count);
+        std::copy(records_.begin(), end, records.begin());
+        records_.erase(records_.begin(), end);
+        return std::exchange(overflowed_, false) ? ControllerResult::BufferOverflow
+                                                 : ControllerResult::Ok;
+    }
+
+private:
+    struct Axis {
+        std::uint32_t offset = kNoAxis;
+        std::uint32_t deadZone = 0;
+        std::uint32_t position = 0; ///< as last recorded
+    };
+
+    Axis* findAxis(std::uint32_t offset) {
+        const auto found = std::find_if(axes_.begin(), axes_.end(),
+                                        [&](const Axis& axis) { return axis.offset == offset; });
+        return found == axes_.end() ? nullptr : &*found;
+    }
+
+    std::uint32_t currentPosition(std::size_t axis) const {
+        return positionOf(SDL_JoystickGetAxis(joystick_.get(), static_cast<int>(axis)),
+                          axes_[axis].deadZone);
+    }
+
+    void takeEvents() {
+        std::array<SDL_Event, kEventsAtOnce> events;
+        int count = 0;
+        do {
+            count = SDL_PeepEvents(events.data(), kEventsAtOnce, SDL_GETEVENT, SDL_JOYAXISMOTION,
+                                   SDL_JOYBUTTONUP);
+            for (int i = 0; i < count; ++i)
+                takeEvent(events[static_cast<std::size_t>(i)]);
+        } while (count == kEventsAtOnce);
+    }
+
+    void takeEvent(const SDL_Event& event) {
+        switch (event.type) {
+        case SDL_JOYAXISMOTION:
+            if (event.jaxis.which == id_ && event.jaxis.axis < axes_.size())
+                recordAxis(axes_[event.jaxis.axis], event.jaxis.value);
+            break;
+        case SDL_JOYHATMOTION:
+            if (event.jhat.which == id_)
+                record({ControllerOffset::kHat + 4U * event.jhat.hat,
+                        hundredthsOfDegree(event.jhat.value)});
+            break;
+        case SDL_JOYBUTTONDOWN:
+        case SDL_JOYBUTTONUP:
+            if (event.jbutton.which == id_)
+                record({ControllerOffset::button(event.jbutton.button),
+                        event.jbutton.state == SDL_PRESSED ? kButtonDown : 0});
+            break;
+        default:
+            break;
+        }
+    }
+
+    void recordAxis(Axis& axis, Sint16 value) {
+        const std::uint32_t position = positionOf(value, axis.deadZone);
+        if (std::exchange(axis.position, position) == position)
+            return;
+        // Where a stick is counts only at the end of a poll. A pad that reports a thousand times a
+        // second must not crowd the buttons out of the buffer.
+        const auto same =
+            std::find_if(records_.begin(), records_.end(),
+                         [&](const ControllerRecord& old) { return old.offset == axis.offset; });
+        if (same != records_.end())
+            same->data = position;
+        else
+            record({axis.offset, position});
+    }
+
+    void record(const ControllerRecord& change) {
+        if (records_.size() < bufferSize_)
+            records_.push_back(change);
+        else
+            overflowed_ = true;
+    }
+
+    JoystickPointer joystick_;
+    SDL_JoystickID id_;
+    std::vector<Axis> axes_; ///< in SDL's order
+    std::size_t bufferSize_ = 0;
+    std::vector<ControllerRecord> records_;
+    bool overflowed_ = false;
+    bool acquired_ = false;
+};
+
+class SdlControllerSystem : public ControllerSystem {
+public:
+    ~SdlControllerSystem() override {
+        if (opened_)
+            SDL_QuitSubSystem(SDL_INIT_JOYSTICK);
+    }
+
+    OpenResult open() override {
+        // Windows, focus, signals and the end of the program are Qt's business.
+        SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+        // SDL's own drivers number the inputs of some pads differently from the system's.
+        SDL_SetHint(SDL_HINT_JOYSTICK_HIDAPI, "0");
+        opened_ = SDL_InitSubSystem(SDL_INIT_JOYSTICK) == 0;
+        return opened_ ? OpenResult::Ok : OpenResult::NoInterface;
+    }
+
+    std::optional<std::vector<AttachedController>> attachedControllers() override {
+        SDL_JoystickUpdate();
+        const int count = SDL_NumJoysticks();
+        if (count < 0)
+            return std::nullopt;
+        std::vector<AttachedController> controllers;
+        for (int i = 0; i < count; ++i) {
+            controllers.push_back(
+                {QString::fromUtf8(SDL_JoystickNameForIndex(i)), [i] { return openDevice(i); }});
+        }
+        return controllers;
+    }
+
+    bool announcesChange(const QByteArray& /*eventType*/, void* /*message*/) const override {
+        return false;
+    }
+
+    std::chrono::milliseconds lookPeriod() const override { return kLookPeriod; }
+
+    bool attachedChanged() override {
+        SDL_JoystickUpdate();
+        const bool changed = SDL_HasEvents(SDL_JOYDEVICEADDED, SDL_JOYDEVICEREMOVED) == SDL_TRUE;
+        SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
+        return changed;
+    }
+
+private:
+    static std::unique_ptr<ControllerDevice> openDevice(int index) {
+        JoystickPointer joystick(SDL_JoystickOpen(index));
+        if (!joystick)
+            return nullptr;
+        return std::make_unique<SdlControllerDevice>(std::move(joystick));
+    }
+
+    bool opened_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<ControllerSystem> ControllerSystem::create() {
+    return std::make_unique<SdlControllerSystem>();
+}
