@@ -1,0 +1,252 @@
+// The pictures and the style sheet that the program is compiled with: whatever the record or a
+// style names must be there, loadable, sharp and whole.
+
+#include "app/Configuration.h"
+#include "resources/CompanionResources.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QIcon>
+#include <QImageReader>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTest>
+#include <QUrl>
+#include <QWidget>
+
+namespace {
+
+const QColor kBackground(0x1e, 0x1e, 0x1e);
+
+QString resourcePath(const QString& text) {
+    return text.startsWith("qrc:") ? ':' + QUrl(text).path().replace("//", "/") : text;
+}
+
+QStringList configuredPictures() {
+    const Configuration c = makeConfiguration();
+    QStringList texts = c.visibilityImagesPath + c.buttonBackgroundImagesPath +
+                        c.toolTabImagesPath + c.zoneLockerImagesPath + c.moveLockerImagesPath +
+                        c.selectButtonsPath + c.deformButtonsPath + c.rotationButtonPath;
+    texts << c.logoPath << c.adjustViewButtonPath << c.closeWindowButtonPath
+          << QLatin1StringView(ShellLook::kWindowIcon);
+    for (const Pattern& pattern : c.testPatterns) {
+        texts << pattern.imagePath;
+    }
+    QStringList paths;
+    for (const QString& text : texts) {
+        if (text.startsWith(':') || text.startsWith("qrc:")) { // some buttons have a label instead
+            paths << resourcePath(text);
+        }
+    }
+    return paths;
+}
+
+QString styleSheet() {
+    QFile file(QLatin1StringView(ShellLook::kStyleSheetPath));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+QStringList styledPictures() {
+    QString styles = styleSheet();
+    for (const char* style :
+         {ShellLook::kTabOff, ShellLook::kTabOn, ShellLook::kLeftCapOff, ShellLook::kLeftCapOn,
+          ShellLook::kRightCapOff, ShellLook::kRightCapOn, ShellLook::kConnectButtonOn,
+          PagesLook::kPageSpinBox}) {
+        styles += QLatin1StringView(style);
+    }
+    static const QRegularExpression url("url\\('?([^')]+)'?\\)");
+    QStringList paths;
+    for (const QRegularExpressionMatch& match : url.globalMatch(styles)) {
+        paths << match.captured(1);
+    }
+    return paths;
+}
+
+QImage drawn(const QString& path, double scale) {
+    QImageReader reader(path);
+    reader.setScaledSize((QSizeF(reader.size()) * scale).toSize());
+    return reader.read().convertToFormat(QImage::Format_ARGB32);
+}
+
+bool isUniform(const QImage& image) {
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixel(x, y) != image.pixel(0, 0)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+/// What of the picture is still there without colours: how bright it is on the application's
+/// ground.
+QImage brightness(const QString& path) {
+    const QImage picture = drawn(path, 1);
+    QImage onGround(picture.size(), QImage::Format_RGB32);
+    onGround.fill(kBackground);
+    QPainter(&onGround).drawImage(0, 0, picture);
+    return onGround.convertToFormat(QImage::Format_Grayscale8);
+}
+
+} // namespace
+
+class TestResources : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { initCompanionResources(); }
+
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void everyNamedPictureCanBeDrawn_data() {
+        QTest::addColumn<QString>("path");
+        const QStringList paths = configuredPictures() + styledPictures();
+        for (const QString& path : QSet<QString>(paths.begin(), paths.end())) {
+            QTest::newRow(qPrintable(path)) << path;
+        }
+        QVERIFY(paths.size() > 60); // the lists above were found at all
+    }
+
+    void everyNamedPictureCanBeDrawn() {
+        QFETCH(QString, path);
+        const QImage image = drawn(path, 2);
+        QVERIFY2(!image.isNull(), "missing, or the plugin of its format is");
+        QVERIFY(!QIcon(path).pixmap(16, 16).isNull());
+        const bool fillsItsArea = path.contains("menu-center-off") || path.contains("NoneBlack") ||
+                                  path.contains("mire_white");
+        QCOMPARE(isUniform(image), fillsItsArea);
+    }
+
+    void styledPicturesComeTwiceAsLarge() {
+        for (QString path : styledPictures()) {
+            const QSize size = QImageReader(path).size();
+            path.contains('.') ? path.replace('.', "@2x.") : path.append("@2x");
+            QVERIFY2(QFile::exists(path), qPrintable(path));
+            QCOMPARE(QImageReader(path).size(), size * 2);
+        }
+    }
+
+    void sizesFitTheirPlaces() {
+        const Configuration c = makeConfiguration();
+        const auto size = [](const QString& text) {
+            return QImageReader(resourcePath(text)).size();
+        };
+        for (const QString& path : c.selectButtonsPath + c.rotationButtonPath) {
+            QCOMPARE(size(path), c.warpToolButtonsSize);
+        }
+        for (const QString& path : c.toolTabImagesPath) {
+            QCOMPARE(size(path), c.toolTabImagesSize);
+        }
+        QCOMPARE(size(":/img/menu-center-on.svg"), c.menuTabSize);
+        QCOMPARE(size(":/img/menu-left-on.svg"),
+                 QSize(ShellLook::kTabCapWidth, c.menuTabSize.height()));
+        QCOMPARE(size(":/img/connect.svg"), ShellLook::kConnectButtonSize);
+        // The logo stands above the version between the banner's margins, twice: the layout's and
+        // its own.
+        const int margins = 4 * ShellLook::kBannerMargin;
+        const int version = ShellLook::kVersionFontPoints + 2 * ShellLook::kBannerMargin;
+        QVERIFY(size(c.logoPath).height() + version + margins <= ShellLook::kBannerHeight);
+        const QSize thumbnail(c.patternButtonSize.width(),
+                              c.patternButtonSize.height() - PagesLook::kPatternTextHeight);
+        for (const Pattern& pattern : c.testPatterns) {
+            QCOMPARE(size(pattern.imagePath), thumbnail * 8); // no distortion on the button
+        }
+    }
+
+    void nothingIsCutOffAtTheEdge() {
+        QDirIterator files(":/img");
+        while (files.hasNext()) {
+            const QString path = files.next();
+            if (path.contains("/menu-") || path.contains("/button-")) {
+                continue; // backgrounds reach the edge
+            }
+            const QImage image = drawn(path, 4);
+            const int right = image.width() - 1;
+            const int bottom = image.height() - 1;
+            for (int x = 0; x <= right; ++x) {
+                QVERIFY2(image.pixel(x, 0) == 0 && image.pixel(x, bottom) == 0, qPrintable(path));
+            }
+            for (int y = 0; y <= bottom; ++y) {
+                QVERIFY2(image.pixel(0, y) == 0 && image.pixel(right, y) == 0, qPrintable(path));
+            }
+        }
+    }
+
+    void statesDifferWithoutColours_data() {
+        QTest::addColumn<QString>("off");
+        QTest::addColumn<QString>("on");
+        QDirIterator files(":/img", {"*-off.svg"});
+        while (files.hasNext()) {
+            const QString off = files.next();
+            QTest::newRow(qPrintable(off)) << off << QString(off).replace("-off", "-on");
+        }
+    }
+
+    void statesDifferWithoutColours() {
+        QFETCH(QString, off);
+        QFETCH(QString, on);
+        const QImage before = brightness(off);
+        const QImage after = brightness(on);
+        QCOMPARE(after.size(), before.size());
+        constexpr int kVisible = 40; // of 255
+        int changed = 0;
+        for (int y = 0; y < before.height(); ++y) {
+            for (int x = 0; x < before.width(); ++x) {
+                changed += qAbs(qGray(before.pixel(x, y)) - qGray(after.pixel(x, y))) > kVisible;
+            }
+        }
+        const int area = before.width() * before.height();
+        QVERIFY2(changed * 100 >= area * 3, qPrintable(QString::number(changed)));
+    }
+
+    void windowIconHoldsEverySize() {
+        QImageReader reader(QLatin1StringView(ShellLook::kWindowIcon));
+        QList<int> sizes;
+        for (int i = 0; i < reader.imageCount(); ++i) {
+            QVERIFY(reader.jumpToImage(i));
+            const QImage image = reader.read();
+            QCOMPARE(image.width(), image.height());
+            QVERIFY(!isUniform(image));
+            QCOMPARE(qAlpha(image.pixel(0, 0)) < 255, true); // round corners, so a mask that works
+            sizes << image.width();
+        }
+        QCOMPARE(sizes, QList<int>({16, 20, 24, 32, 40, 48, 64, 128, 256}));
+    }
+
+    void colourBarsHaveTheirLevels() {
+        const QImage across(":/patterns/mire_smpte_hor_color_bar.png");
+        const QImage down(":/patterns/mire_smpte_ver_color_bar.png");
+        // along the bars and across them, in parts of the picture
+        const QList<std::tuple<double, double, QRgb>> levels = {
+            {0.06, 0.3, qRgb(102, 102, 102)}, {0.18, 0.3, qRgb(191, 191, 191)},
+            {0.28, 0.3, qRgb(191, 191, 0)},   {0.39, 0.3, qRgb(0, 191, 191)},
+            {0.50, 0.3, qRgb(0, 191, 0)},     {0.60, 0.3, qRgb(191, 0, 191)},
+            {0.71, 0.3, qRgb(191, 0, 0)},     {0.82, 0.3, qRgb(0, 0, 191)},
+            {0.06, 0.62, qRgb(0, 255, 255)},  {0.94, 0.62, qRgb(0, 0, 255)},
+            {0.06, 0.70, qRgb(255, 255, 0)},  {0.94, 0.70, qRgb(255, 0, 0)},
+            {0.06, 0.9, qRgb(38, 38, 38)},    {0.20, 0.9, qRgb(0, 0, 0)},
+            {0.39, 0.9, qRgb(255, 255, 255)}, {0.679, 0.9, qRgb(5, 5, 5)},
+            {0.750, 0.9, qRgb(10, 10, 10)},   {0.714, 0.9, qRgb(0, 0, 0)},
+        };
+        for (const auto& [along, aside, color] : levels) {
+            const QByteArray where = QByteArray::number(along) + ' ' + QByteArray::number(aside);
+            QVERIFY2(across.pixel(qRound(along * across.width()),
+                                  qRound(aside * across.height())) == color,
+                     where.constData());
+            QVERIFY2(down.pixel(qRound(aside * down.width()), qRound(along * down.height())) ==
+                         color,
+                     where.constData());
+        }
+    }
+
+    void styleSheetIsUnderstood() {
+        QWidget widget; // a rule that is not understood is a warning
+        widget.setStyleSheet(styleSheet());
+        widget.ensurePolished();
+        QCOMPARE(widget.palette().color(QPalette::Window), kBackground);
+    }
+};
+
+QTEST_MAIN(TestResources)
+#include "test_resources.moc"
