@@ -1,0 +1,70 @@
+#include "pages/FittedText.h"
+
+#include "app/Configuration.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+void FittedText::set(const QString& text, const QFont& font, int smallestSize, const QSize& box) {
+    if (text == source_ && font == largestFont_ && smallestSize == smallestSize_ && box == box_) {
+        return;
+    }
+    source_ = text;
+    largestFont_ = font;
+    smallestSize_ = smallestSize;
+    box_ = box;
+    elided_ = false;
+
+    layout_.setText(text.simplified());
+    layout_.setCacheEnabled(true);
+    QFont tried = font;
+    for (int size = font.pixelSize(); size >= smallestSize; size -= PagesLook::kQuickKeyFontStep) {
+        tried.setPixelSize(size);
+        if (layOut(tried, QTextOption::WordWrap)) {
+            return;
+        }
+    }
+    tried.setPixelSize(smallestSize);
+    if (!layOut(tried, QTextOption::WrapAtWordBoundaryOrAnywhere)) {
+        elide();
+    }
+}
+
+bool FittedText::layOut(const QFont& font, QTextOption::WrapMode wrapMode) {
+    QTextOption option(Qt::AlignHCenter);
+    option.setWrapMode(wrapMode);
+    option.setTextDirection(Qt::LayoutDirectionAuto);
+    layout_.setTextOption(option);
+    layout_.setFont(font);
+
+    bool wideEnough = true;
+    height_ = 0;
+    layout_.beginLayout();
+    for (QTextLine line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
+        line.setLineWidth(box_.width());
+        line.setPosition({0, height_});
+        height_ += line.height();
+        wideEnough = wideEnough && line.naturalTextWidth() <= box_.width();
+    }
+    layout_.endLayout();
+    return wideEnough && height_ <= box_.height();
+}
+
+void FittedText::elide() {
+    int last = 0; // of the lines that there is room for
+    while (last + 1 < layout_.lineCount() &&
+           layout_.lineAt(last + 1).rect().bottom() <= box_.height()) {
+        ++last;
+    }
+    const QString text = layout_.text();
+    const int start = layout_.lineAt(last).textStart();
+    const QString end =
+        QFontMetricsF(layout_.font()).elidedText(text.mid(start), Qt::ElideRight, box_.width());
+    elided_ = end != text.mid(start);
+    layout_.setText(text.left(start) + end);
+    static_cast<void>(layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere));
+}
+
+void FittedText::draw(QPainter& painter, const QRect& area) const {
+    layout_.draw(&painter, QPointF(area.x(), area.y() + (area.height() - height_) / 2));
+}

@@ -1,0 +1,110 @@
+#include "pages/QuickKeysButton.h"
+
+#include "app/Configuration.h"
+#include "pages/FocusRing.h"
+
+#include <QHelpEvent>
+#include <QStyleOptionButton>
+#include <QStylePainter>
+#include <QToolTip>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace PagesLook;
+
+namespace {
+
+/// Whether the text names a colour and nothing else. It goes into a style sheet, and it comes from
+/// the network.
+bool isColor(const QString& text) {
+    return QColor::isValidColorName(text) &&
+           std::none_of(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
+}
+
+/// Contrast of white text on the ground, 1 to 21.
+double contrastOfWhite(const QColor& ground) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    const double luminance = 0.2126 * linear(ground.redF()) + 0.7152 * linear(ground.greenF()) +
+                             0.0722 * linear(ground.blueF());
+    return 1.05 / (luminance + 0.05);
+}
+
+} // namespace
+
+QuickKeysButton::QuickKeysButton(const QSize& size, QWidget* parent) : QPushButton(parent) {
+    setMaximumSize(size);
+    QFont bold = font();
+    bold.setPixelSize(kFontSize);
+    bold.setWeight(QFont::Bold);
+    setFont(bold);
+    setCursor(Qt::PointingHandCursor);
+}
+
+void QuickKeysButton::setName(const QString& name) {
+    setText(name);
+    setShortcut(QKeySequence()); // a letter behind an '&' executes nothing
+    setAccessibleName(name);
+}
+
+void QuickKeysButton::setBckgColor(QString color) {
+    bckgColor_ = isColor(color) ? std::move(color) : QString::fromLatin1(kIdleColor);
+    const QString style =
+        QLatin1StringView(kQuickKeyStyleStart) + bckgColor_ + QLatin1StringView(kQuickKeyStyleEnd);
+    if (style != styleSheet()) {
+        setStyleSheet(style);
+    }
+}
+
+QSize QuickKeysButton::sizeHint() const {
+    return maximumSize();
+}
+
+QSize QuickKeysButton::minimumSizeHint() const {
+    return kSmallestQuickKey;
+}
+
+bool QuickKeysButton::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        if (name_.isElided()) {
+            const QPoint position = static_cast<QHelpEvent*>(event)->globalPos();
+            QToolTip::showText(position, Qt::convertFromPlainText(text()), this);
+        }
+        return true;
+    }
+    return QPushButton::event(event);
+}
+
+void QuickKeysButton::paintEvent(QPaintEvent* event) {
+    Q_UNUSED(event)
+    QStylePainter painter(this);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.text.clear();
+    painter.drawControl(QStyle::CE_PushButton, option);
+    drawName(painter);
+    if (hasFocus()) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        drawFocusRing(painter, rect(), kPatternRadius);
+    }
+}
+
+void QuickKeysButton::drawName(QPainter& painter) {
+    const QRect area =
+        rect().adjusted(kQuickKeyPadding, kQuickKeyPadding, -kQuickKeyPadding, -kQuickKeyPadding);
+    name_.set(text(), font(), kSmallestQuickKeyFontSize, area.size());
+    if (contrastOfWhite(ground()) < kReadableContrast) {
+        painter.setPen(QColor(QLatin1StringView(kShadowColor)));
+        for (const QPoint offset : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)}) {
+            name_.draw(painter, area.translated(offset));
+        }
+    }
+    painter.setPen(QColor(QLatin1StringView(kTextColor)));
+    name_.draw(painter, area);
+}
+
+QColor QuickKeysButton::ground() const {
+    return QColor(isDown() ? QString::fromLatin1(kActiveColor) : bckgColor_);
+}

@@ -1,0 +1,96 @@
+#include "pages/SettingsPage.h"
+
+#include "app/Configuration.h"
+#include "app/EventDispatcher.h"
+#include "network/UpdateSettingsEvent.h"
+
+using namespace NetworkCompanion;
+using namespace PagesLook;
+
+namespace {
+
+/// Code of the shape that stands for no points at all; the shapes to choose from follow it.
+constexpr int kNoShape = 0;
+
+} // namespace
+
+SettingsPage::SettingsPage(const Configuration& configuration, QWidget* parent)
+    : ControlPage(parent), configuration_(configuration), layout_(new QVBoxLayout(this)),
+      points_(new QWidget(this)), pointsLayout_(new QGridLayout(points_)),
+      usePoints_(new QCheckBox(configuration.usePointsText, points_)),
+      colorLabel_(new QLabel(configuration.pointsColorText, points_)),
+      color_(new QComboBox(points_)),
+      shapeLabel_(new QLabel(configuration.pointsShapeText, points_)),
+      shape_(new QComboBox(points_)) {
+    layout_->setAlignment(Qt::AlignTop);
+    layout_->setContentsMargins(kSettingsMargin, kSettingsMargin, kSettingsMargin, kSettingsMargin);
+    initPointsElements();
+}
+
+void SettingsPage::initPointsElements() {
+    points_->setMaximumSize(kSettingsLargest);
+    pointsLayout_->setHorizontalSpacing(kSettingsHorizontalSpacing);
+    pointsLayout_->setVerticalSpacing(kSettingsVerticalSpacing);
+    layout_->addWidget(points_, 0, Qt::AlignHCenter);
+
+    QFont bold = usePoints_->font();
+    bold.setWeight(QFont::Bold);
+    usePoints_->setFont(bold);
+    usePoints_->setLayoutDirection(Qt::RightToLeft);
+    pointsLayout_->addWidget(usePoints_, 0, 0, 1, 2, Qt::AlignCenter);
+
+    color_->addItems(configuration_.pointColors.keys());
+    pointsLayout_->addWidget(colorLabel_, 1, 0);
+    pointsLayout_->addWidget(color_, 1, 1);
+    color_->setAccessibleName(configuration_.pointsColorText);
+
+    shape_->addItems(configuration_.pointShapes.mid(kNoShape + 1));
+    pointsLayout_->addWidget(shapeLabel_, 2, 0);
+    pointsLayout_->addWidget(shape_, 2, 1);
+    shape_->setAccessibleName(configuration_.pointsShapeText);
+
+    for (QWidget* control : {static_cast<QWidget*>(colorLabel_), static_cast<QWidget*>(color_),
+                             static_cast<QWidget*>(shapeLabel_), static_cast<QWidget*>(shape_)}) {
+        control->hide();
+    }
+
+    // Only now, so that filling the boxes sends nothing.
+    connect(usePoints_, &QCheckBox::stateChanged, this,
+            &SettingsPage::onUsePointsCheckBoxStateChanged);
+    connect(color_, &QComboBox::currentIndexChanged, this, &SettingsPage::onPointsColorChanged);
+    connect(shape_, &QComboBox::currentIndexChanged, this, &SettingsPage::onPointsShapeChanged);
+}
+
+void SettingsPage::sendNewSettings() const {
+    QByteArray color;
+    int shape = kNoShape;
+    if (usePoints_->isChecked()) {
+        color = configuration_.pointColors.value(color_->currentText()).name().toLatin1();
+        shape = shape_->currentIndex() + kNoShape + 1;
+    }
+    UpdateSettingsEvent event(color.constData(), shape);
+    EventDispatcher::getInstance()->client().sendEvent(event);
+}
+
+void SettingsPage::onUsePointsCheckBoxStateChanged(int state) {
+    const bool visible = state != Qt::Unchecked;
+    colorLabel_->setVisible(visible);
+    color_->setVisible(visible);
+    shapeLabel_->setVisible(visible);
+    shape_->setVisible(visible);
+    sendNewSettings();
+}
+
+void SettingsPage::onPointsColorChanged(int index) const {
+    Q_UNUSED(index)
+    sendNewSettings();
+}
+
+void SettingsPage::onPointsShapeChanged(int index) {
+    Q_UNUSED(index)
+    sendNewSettings();
+}
+
+void SettingsPage::onMeshpadConnected() {
+    sendNewSettings();
+}

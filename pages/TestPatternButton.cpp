@@ -1,0 +1,56 @@
+#include "pages/TestPatternButton.h"
+
+#include "pages/FocusRing.h"
+
+#include <QPainter>
+
+TestPatternButton::TestPatternButton(const Pattern& pattern, const QSize& size, QWidget* parent)
+    : QAbstractButton(parent), pattern_(pattern), size_(size) {
+    setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(pattern_.name);
+}
+
+void TestPatternButton::paintEvent(QPaintEvent* event) {
+    Q_UNUSED(event)
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawFrame(painter);
+    drawName(painter);
+    drawPicture(painter);
+    if (hasFocus()) {
+        drawFocusRing(painter, rect(), radius_);
+    }
+}
+
+void TestPatternButton::drawFrame(QPainter& painter) const {
+    const QColor color(color_);
+    painter.setPen(QPen(color, penWidth_, Qt::SolidLine));
+    painter.setBrush(QBrush(color, Qt::SolidPattern));
+    painter.drawRoundedRect(0, 0, width(), height(), radius_, radius_, Qt::AbsoluteSize);
+}
+
+void TestPatternButton::drawName(QPainter& painter) const {
+    QFont font = painter.font();
+    font.setPixelSize(fontSize_);
+    font.setWeight(QFont::Bold);
+    painter.setFont(font);
+    painter.setPen(QPen(QColor(textColor_), penWidth_));
+    const QString name = painter.fontMetrics().elidedText(pattern_.name, Qt::ElideRight, width());
+    painter.drawText(QRect(0, 0, width(), textHeight_), Qt::AlignCenter, name);
+}
+
+void TestPatternButton::drawPicture(QPainter& painter) {
+    const QRect area(0, textHeight_, width(), height() - textHeight_);
+    const QSize pixels = (QSizeF(area.size()) * devicePixelRatioF()).toSize();
+    if (pixels != pictureSize_) {
+        pictureSize_ = pixels;
+        const QImage image(pattern_.imagePath);
+        picture_ = image.isNull() ? QPixmap()
+                                  : QPixmap::fromImage(image.scaled(pixels, Qt::IgnoreAspectRatio,
+                                                                    Qt::SmoothTransformation));
+    }
+    if (!picture_.isNull()) {
+        painter.drawPixmap(area, picture_);
+    }
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/EventListener.h"
+#include "network/ProtocolTypes.h"
+#include "pages/ControlPage.h"
+
+#include <QButtonGroup>
+#include <QGridLayout>
+#include <QSignalMapper>
+
+struct Configuration;
+class TestPatternButton;
+
+/// Lets the operator choose the test pattern that the Producer lays over its outputs, and marks the
+/// one that the Producer or another companion announces.
+class TestPatternPage final : public ControlPage, public EventListener {
+    Q_OBJECT
+
+public:
+    /// `configuration` outlives the page. Listens to the dispatcher until it is destroyed.
+    TestPatternPage(const Configuration& configuration, QWidget* parent);
+    ~TestPatternPage() override;
+
+    /// Marks the pattern of a MireEvent, without sending anything. Other events and unknown
+    /// pictures are ignored.
+    void receive(NetworkCompanion::Event* event) override;
+    void lockPage() override {}
+
+public slots:
+    /// `id` is the code of a picture. Sends it and marks its button at once.
+    void onButtonPressed(int id);
+
+signals:
+    void buttonClicked(int id);
+
+private:
+    void initTestPatternButtons();
+    void activate(int id);
+    void mark(int id, bool active);
+    [[nodiscard]] TestPatternButton* button(int id) const;
+
+    const Configuration& configuration_;
+    int activeIndex_ = 0; ///< code of the marked picture
+    QGridLayout* layout_;
+    QButtonGroup* buttons_;
+    QSignalMapper* mapper_;
+};
