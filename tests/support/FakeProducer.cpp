@@ -1,0 +1,151 @@
+#include "tests/support/FakeProducer.h"
+
+#include "network/LVNtc.h"
+#include "tests/support/ProtocolBytes.h"
+
+#include <QTcpSocket>
+#include <QUdpSocket>
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace MeshpadTest {
+
+using NetworkCompanion::Event;
+using NetworkCompanion::LVNtc;
+
+FakeProducer::FakeProducer(QObject* parent) : QObject(parent) {
+    connect(&server_, &QTcpServer::newConnection, this, &FakeProducer::onNewConnection);
+}
+
+FakeProducer::~FakeProducer() {
+    for (QTcpSocket* socket : sockets())
+        socket->disconnect(this);
+}
+
+bool FakeProducer::listen(const QHostAddress& address, quint16 port) {
+    return server_.listen(address, port);
+}
+
+void FakeProducer::stopListening() {
+    server_.close();
+}
+
+QStringList FakeProducer::lines() const {
+    QStringList lines;
+    for (const auto& event : events_) {
+        QString line;
+        if (event)
+            QDebug(&line) << *event;
+        lines.append(event ? line.trimmed() : "null");
+    }
+    return lines;
+}
+
+void FakeProducer::forget() {
+    bytes_.clear();
+    events_.clear();
+}
+
+void FakeProducer::send(const Event& event) {
+    sendRaw(withLength(int32(9) + int32(event.getSize()) + static_cast<char>(event.type()) +
+                       event.serialize()));
+}
+
+void FakeProducer::sendRaw(const QByteArray& bytes) {
+    for (QTcpSocket* socket : sockets()) {
+        socket->write(bytes);
+        socket->flush();
+    }
+}
+
+void FakeProducer::closeConnections() {
+    for (QTcpSocket* socket : sockets())
+        socket->disconnectFromHost();
+}
+
+void FakeProducer::abortConnections() {
+    for (QTcpSocket* socket : sockets())
+        socket->abort();
+}
+
+void FakeProducer::stall() {
+    stalled_ = true;
+    for (QTcpSocket* socket : sockets())
+        socket->setReadBufferSize(1);
+}
+
+bool FakeProducer::answerDiscovery(const QHostAddress& from, quint16 port, quint16 companionPort) {
+    ear_ = std::make_unique<QUdpSocket>();
+    mouth_ = std::make_unique<QUdpSocket>();
+    connect(ear_.get(), &QUdpSocket::readyRead, this, [=, this] { onDatagram(companionPort); });
+    return mouth_->bind(from, 0) &&
+           ear_->bind(QHostAddress::AnyIPv4, port, QUdpSocket::ReuseAddressHint);
+}
+
+void FakeProducer::stopAnswering() {
+    ear_.reset();
+    mouth_.reset();
+}
+
+void FakeProducer::onDatagram(quint16 companionPort) {
+    while (ear_->hasPendingDatagrams()) {
+        QByteArray data(64, '\0');
+        QHostAddress sender;
+        data.truncate(ear_->readDatagram(data.data(), data.size(), &sender));
+        if (data != "PingServers")
+            continue;
+        ++pings_;
+        mouth_->writeDatagram("PingReceived", sender, companionPort);
+    }
+}
+
+void FakeProducer::onNewConnection() {
+    while (QTcpSocket* socket = server_.nextPendingConnection()) {
+        socket->setParent(this);
+        if (stalled_)
+            socket->setReadBufferSize(1);
+        connections_.push_back({socket, {}});
+        ++accepted_;
+        connect(socket, &QTcpSocket::readyRead, this, [=, this] { onReadyRead(socket); });
+        connect(socket, &QTcpSocket::disconnected, this, [=, this] { onDisconnected(socket); });
+        emit connected();
+        onReadyRead(socket);
+    }
+}
+
+void FakeProducer::onReadyRead(QTcpSocket* socket) {
+    const auto connection = std::ranges::find(connections_, socket, &Connection::socket);
+    if (stalled_ || connection == connections_.end())
+        return;
+    const QByteArray chunk = socket->readAll();
+    bytes_ += chunk;
+    QByteArray& unparsed = connection->unparsed;
+    unparsed += chunk;
+    while (unparsed.size() >= 4) {
+        const auto length = qFromBigEndian<qint32>(unparsed.constData());
+        if (length < 0 || unparsed.size() < 4 + length)
+            break;
+        QByteArray frame = unparsed.mid(4, length);
+        unparsed.remove(0, 4 + length);
+        events_.emplace_back(LVNtc::deserialize(frame).second);
+    }
+    if (!chunk.isEmpty())
+        emit received();
+}
+
+void FakeProducer::onDisconnected(QTcpSocket* socket) {
+    onReadyRead(socket);
+    std::erase_if(connections_, [=](const Connection& each) { return each.socket == socket; });
+    socket->deleteLater();
+    emit disconnected();
+}
+
+std::vector<QTcpSocket*> FakeProducer::sockets() const {
+    std::vector<QTcpSocket*> all;
+    for (const Connection& connection : connections_)
+        all.push_back(connection.socket);
+    return all;
+}
+
+} // namespace MeshpadTest
