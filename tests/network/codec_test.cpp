@@ -1,0 +1,343 @@
+#include "network/EventTable.h"
+#include "network/LVNtc.h"
+#include "tests/network/golden_events.h"
+#include "tests/support/MessageGuard.h"
+#include "tests/support/ProtocolBytes.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <limits>
+#include <optional>
+#include <set>
+
+using namespace NetworkCompanion;
+using namespace MeshpadTest;
+
+namespace {
+
+using EventPointer = std::unique_ptr<Event>;
+
+EventPointer decode(QByteArray frame) {
+    return EventPointer(LVNtc::deserialize(frame).second);
+}
+
+LV_NTC_Header headerOf(const Event& event) {
+    return {static_cast<std::uint32_t>(event.getSize()), event.type()};
+}
+
+QString print(const Event& event) {
+    QString line;
+    QDebug(&line) << event;
+    return line.trimmed();
+}
+
+/// The payload of an item without any point, up to its four counts.
+QByteArray itemWithoutCounts() {
+    return ItemDataEvent().serialize().first(851);
+}
+
+} // namespace
+
+class CodecTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { messages_.emplace(); }
+    void cleanup() {
+        messages_->verify();
+        messages_.reset();
+    }
+
+    void goldenBytes_data();
+    void goldenBytes();
+    void everyEventHasGoldenBytes();
+    void everyTruncationIsNoEvent_data() { goldenBytes_data(); }
+    void everyTruncationIsNoEvent();
+    void garbageIsHarmless_data();
+    void garbageIsHarmless();
+    void headerChecks();
+    void payloadChecks();
+    void unknownTypes();
+    void factoryIsNeutral();
+    void textsThatDoNotFit();
+    void textsWithoutTerminator();
+    void doublesBitForBit();
+    void pointCountsAreNotTrusted_data();
+    void pointCountsAreNotTrusted();
+    void itemWithoutPoints();
+    void refusedPayloadLeavesTheEventAlone();
+    void logLineOfAnEvent();
+
+private:
+    std::optional<MessageGuard> messages_;
+};
+
+void CodecTest::goldenBytes_data() {
+    QTest::addColumn<int>("index");
+    const auto all = goldenEvents();
+    for (std::size_t i = 0; i < all.size(); ++i)
+        QTest::addRow("%zu: %s", i, qPrintable(print(*all[i].event).section('(', 0, 0)))
+            << static_cast<int>(i);
+}
+
+void CodecTest::goldenBytes() {
+    QFETCH(int, index);
+    const GoldenEvent golden = goldenEvents()[static_cast<std::size_t>(index)];
+    // The size that an item announces leaves its four counts out.
+    const int announced = static_cast<int>(golden.payload.size()) - (golden.code == 28 ? 32 : 0);
+    QByteArray bytes = int32(9) + int32(announced) + char(golden.code) + golden.payload;
+
+    QCOMPARE(golden.event->serialize().toHex(' '), golden.payload.toHex(' '));
+    QCOMPARE(golden.event->getSize(), announced);
+    QCOMPARE(LVNtc::serialize(headerOf(*golden.event), *golden.event), bytes);
+    QCOMPARE(LVNtc::serializeHeader(headerOf(*golden.event)), bytes.first(9));
+    QCOMPARE(LVNtc::serializeWithLength(headerOf(*golden.event), *golden.event), withLength(bytes));
+
+    const eventData decoded = LVNtc::deserialize(bytes);
+    const EventPointer event(decoded.second);
+    QVERIFY(event);
+    QCOMPARE(decoded.first, headerOf(*golden.event));
+    QVERIFY2(*event == *golden.event, qPrintable(print(*event)));
+    QCOMPARE(event->serialize(), golden.payload);
+
+    // Another payload is another event.
+    QByteArray changed = golden.payload;
+    changed.back() = static_cast<char>(changed.back() ^ 1);
+    golden.event->deserialize(changed);
+    QVERIFY(!(*event == *golden.event));
+}
+
+void CodecTest::everyEventHasGoldenBytes() {
+    std::set<int> codes;
+    for (const GoldenEvent& golden : goldenEvents())
+        codes.insert(golden.code);
+    QCOMPARE(codes.size(), kEventCount);
+}
+
+void CodecTest::everyTruncationIsNoEvent() {
+    QFETCH(int, index);
+    const GoldenEvent golden = goldenEvents()[static_cast<std::size_t>(index)];
+    const QByteArray whole = LVNtc::serialize(headerOf(*golden.event), *golden.event);
+    messages_->allow(QRegularExpression("^Bad (header size|data size|point count): "));
+
+    for (qsizetype length = 0; length < whole.size(); ++length) {
+        messages_->clear();
+        // A copy of its own, so that a read behind its end is found.
+        QVERIFY(!decode(QByteArray(whole.constData(), length)));
+        // Up to 3 bytes are no header at all, and not worth a line.
+        QCOMPARE(messages_->seen(QtWarningMsg).size(), length < 4 ? 0 : 1);
+    }
+    // The same with a header that is honest about the missing bytes.
+    const qsizetype smallest = golden.code == 28 ? 851 : golden.payload.size();
+    for (qsizetype length = 1; length < smallest; ++length) {
+        messages_->clear();
+        QVERIFY(!decode(frame(golden.code, golden.payload.first(length))));
+        QCOMPARE(messages_->seen(QtWarningMsg),
+                 QStringList(QString("Bad data size: %1/%2").arg(smallest).arg(length)));
+    }
+}
+
+void CodecTest::garbageIsHarmless_data() {
+    QTest::addColumn<int>("code");
+    for (int code = -1; code <= int(kEventCount) + 1; ++code)
+        QTest::addRow("code %d", code) << code;
+}
+
+void CodecTest::garbageIsHarmless() {
+    QFETCH(int, code);
+    messages_->allow(QRegularExpression("^Bad |^Try to deserialize unknown event$"));
+    QRandomGenerator random(20'000U + static_cast<unsigned int>(code));
+    for (int round = 0; round < 400; ++round) {
+        QByteArray payload(random.bounded(2000), Qt::Uninitialized);
+        for (char& byte : payload)
+            byte = static_cast<char>(random.bounded(256));
+        if (payload.size() > 859) // a count of points that is at least sometimes believable
+            payload.replace(851, 8, int64(random.bounded(4)));
+        const EventPointer event = decode(frame(code, payload));
+        if (event) {
+            QCOMPARE(int(event->type()), code);
+            print(*event); // whatever is in the fields
+            const EventPointer again = decode(LVNtc::serialize(headerOf(*event), *event));
+            QVERIFY(again && *again == *event);
+        }
+        // A frame of which nothing is true, its lengths included.
+        decode(payload);
+    }
+}
+
+void CodecTest::headerChecks() {
+    QByteArray whole = LVNtc::serializeHeader({4, LV_NTC_EventType::ExecuteQuickKey}) + int32(7);
+    QCOMPARE(LVNtc::deserializeHeader(whole),
+             (LV_NTC_Header{4, LV_NTC_EventType::ExecuteQuickKey}));
+
+    const auto rejected = [this](QByteArray data, const QString& line) {
+        if (!line.isEmpty())
+            messages_->expect(QtWarningMsg, line);
+        QCOMPARE(LVNtc::deserializeHeader(data), LV_NTC_Header());
+    };
+    rejected(whole.first(12), "Bad header size: 9/8");
+    rejected(whole.first(5), "Bad header size: 9/5");
+    rejected({}, {});
+    rejected(hex("7fffffff 00000004 19 00000007"), "Bad header size: 2147483647/9");
+    rejected(hex("00000009 7fffffff 19 00000007"), "Bad header size: 9/-2147483634");
+
+    // A payload size below zero passes this check, and fails the next.
+    QByteArray negative = hex("00000009 ffffffff 19 00000007");
+    messages_->expect(QtWarningMsg, "Bad data size: 4294967295/4");
+    const eventData decoded = LVNtc::deserialize(negative);
+    QCOMPARE(decoded.first, (LV_NTC_Header{0xffffffffU, LV_NTC_EventType::ExecuteQuickKey}));
+    QVERIFY(!decoded.second);
+    // What the header says of its own size matters for nothing else.
+    QVERIFY(decode(hex("00000003 00000004 19 00000007")));
+}
+
+void CodecTest::payloadChecks() {
+    // Announced fewer than needed, but they are there.
+    QVERIFY(decode(hex("00000009 00000001 18 00000001 00000002")));
+    // More than needed.
+    const EventPointer surplus = decode(hex("00000009 0000000a 18 00000001 00000002 ffff"));
+    QVERIFY(surplus && *surplus == DeleteQuickKeyEvent(1, 2));
+    // Nothing announced is no event, whatever follows; and it is nothing to talk about.
+    QVERIFY(!decode(hex("00000009 00000000 18 00000001 00000002")));
+    messages_->expect(QtWarningMsg, "Bad data size: 8/7");
+    QVERIFY(!decode(hex("00000009 00000007 18 00000001 000000")));
+    messages_->expect(QtWarningMsg, "Bad data size: 9/8");
+    QByteArray data = hex("00000009 00000009 18 00000001 00000002");
+    QVERIFY(!LVNtc::deserializeEvent({9, LV_NTC_EventType::DeleteQuickKey}, data));
+}
+
+void CodecTest::unknownTypes() {
+    for (const int code : {0, 30, 127, -1, -128}) {
+        messages_->expect(QtCriticalMsg, "Try to deserialize unknown event");
+        QByteArray bytes = frame(code, int32(1));
+        const eventData decoded = LVNtc::deserialize(bytes);
+        QVERIFY(!decoded.second);
+        QCOMPARE(int(decoded.first.type), code);
+        QVERIFY(!LVNtc::getEvent(static_cast<unsigned char>(code)));
+        messages_->verify();
+    }
+}
+
+void CodecTest::factoryIsNeutral() {
+    for (int code = 1; code <= int(kEventCount); ++code) {
+        const EventPointer event(LVNtc::getEvent(static_cast<unsigned char>(code)));
+        QVERIFY(event);
+        QCOMPARE(int(event->type()), code);
+        QByteArray expected(event->getSize(), '\0');
+        if (code == 6 || code == 8)
+            expected.replace(0, 4, hex("ffffffff"));
+        else if (code == 7)
+            expected.replace(4, 4, hex("ffffffff"));
+        else if (code == 27)
+            expected.replace(0, 7, "#FFFFFF");
+        if (code != 28)
+            QCOMPARE(event->serialize(), expected);
+    }
+}
+
+void CodecTest::textsThatDoNotFit() {
+    const QByteArray most(255, 'n');
+    const QByteArray tooLong(256, 'n');
+    QCOMPARE(MsgEvent(most).serialize(), text(most));
+    QCOMPARE(RemoveMediaEvent(1, 2, most).name(), QString(most));
+    QCOMPARE(UpdateSettingsEvent("#123456", 1).color(), "#123456");
+
+    messages_->expect(QtWarningMsg, "Size of message is too large");
+    QCOMPARE(MsgEvent(tooLong).serialize(), text(""));
+    messages_->expect(QtWarningMsg, "Size of name is too large");
+    QCOMPARE(RemoveMediaEvent(1, 2, tooLong).serialize(), hex("00000001 00000002") + text(""));
+    messages_->expect(QtWarningMsg, "Size of color is too large");
+    QCOMPARE(UpdateSettingsEvent("#1234567", 1).serialize(), text("", 8) + int32(1));
+}
+
+void CodecTest::textsWithoutTerminator() {
+    const EventPointer message = decode(frame(1, QByteArray(256, 'm')));
+    QCOMPARE(dynamic_cast<MsgEvent&>(*message).message(), QString(256, 'm'));
+    const EventPointer settings = decode(frame(27, "#1234567" + int32(0)));
+    QCOMPARE(dynamic_cast<UpdateSettingsEvent&>(*settings).color(), "#1234567");
+    const EventPointer umlaut = decode(frame(1, text("M\xc3\xb6we")));
+    QCOMPARE(dynamic_cast<MsgEvent&>(*umlaut).message(), QString::fromUtf8("M\xc3\xb6we"));
+}
+
+void CodecTest::doublesBitForBit() {
+    const QByteArray head = int32(1) + int32(2) + text("W") + int32(3);
+    for (const char* digits :
+         {"7ff8000000000000", "7ff4000000000001", "fff8dead00000000", "7ff0000000000000",
+          "fff0000000000000", "8000000000000000", "0000000000000001", "400921fb54442d18"}) {
+        const QByteArray payload = head + hex(digits) + hex(digits) + hex(digits) + hex("0100");
+        const EventPointer event = decode(frame(19, payload));
+        QVERIFY(event);
+        QCOMPARE(event->serialize().toHex(), payload.toHex());
+        QVERIFY(*event == *decode(frame(19, payload)));
+    }
+    QVERIFY(!(ScreenMovePointEvent(1, 2, "W", 3, 0.0, 0, 0, true, true) ==
+              ScreenMovePointEvent(1, 2, "W", 3, -0.0, 0, 0, true, true)));
+}
+
+void CodecTest::pointCountsAreNotTrusted_data() {
+    QTest::addColumn<QByteArray>("lists");
+    QTest::addColumn<QString>("line");
+    const QByteArray point(294, '\0');
+    QTest::newRow("more than there are")
+        << int64(2) + point + QByteArray(293, '\0') << "Bad point count: 2/1";
+    QTest::newRow("larger than memory")
+        << int64(std::numeric_limits<std::int64_t>::max()) + point + QByteArray(24, '\0')
+        << "Bad point count: 9223372036854775807/1";
+    QTest::newRow("product overflows")
+        << int64(std::int64_t{1} << 62) + point + QByteArray(24, '\0')
+        << "Bad point count: 4611686018427387904/1";
+    QTest::newRow("negative") << int64(-1) + QByteArray(24, '\0') << "Bad point count: -1/0";
+    QTest::newRow("in the last list")
+        << int64(1) + point + int64(0) + int64(0) + int64(1) << "Bad point count: 1/0";
+}
+
+void CodecTest::pointCountsAreNotTrusted() {
+    QFETCH(QByteArray, lists);
+    QFETCH(QString, line);
+    messages_->expect(QtWarningMsg, line);
+    QVERIFY(!decode(frame(28, itemWithoutCounts() + lists)));
+}
+
+void CodecTest::itemWithoutPoints() {
+    ItemDataEvent request(7);
+    QCOMPARE(request.serialize().size(), 883);
+    QCOMPARE(request.getSize(), 851);
+    // From 851 bytes on it is an item, with as many points as there are bytes to say so.
+    for (qsizetype length = 851; length <= 883; ++length) {
+        const EventPointer event = decode(frame(28, request.serialize().first(length)));
+        QVERIFY(event && *event == request);
+    }
+    request.setGetItemCallerId(8);
+    QCOMPARE(request.callerId(), 8);
+    // The second integer is carried as it is.
+    QByteArray bytes = request.serialize();
+    bytes.replace(4, 4, hex("fffffff0"));
+    request.deserialize(bytes);
+    QCOMPARE(request.second(), -16);
+    QCOMPARE(request.serialize(), bytes);
+}
+
+void CodecTest::refusedPayloadLeavesTheEventAlone() {
+    ItemDataEvent item(5);
+    item.addMediaMovePointEvent({1, 2, 3, "Sea", 4, 1, 2, 0, true, true});
+    const QByteArray before = item.serialize();
+    QByteArray bad = itemWithoutCounts() + int64(1);
+    messages_->expect(QtWarningMsg, "Bad point count: 1/0");
+    item.deserialize(bad);
+    QCOMPARE(item.serialize(), before);
+
+    DeleteQuickKeyEvent key(1, 2);
+    QByteArray tooShort(7, '\xff');
+    key.deserialize(tooShort);
+    QVERIFY(key == DeleteQuickKeyEvent(1, 2));
+}
+
+void CodecTest::logLineOfAnEvent() {
+    QCOMPARE(print(AddScreenEvent(1, 2, 3, 4, 5, 0.5, "Wall", true, false)),
+             "AddScreenEvent(screenId=1, sourceWidth=3, sourceHeight=4, reserved=5, "
+             "sourceDeformerRotation=0.5, name=\"Wall\", blinded=true, dataIndex=2, flag=false)");
+}
+
+QTEST_GUILESS_MAIN(CodecTest)
+#include "codec_test.moc"
