@@ -2,7 +2,6 @@
 
 #include <QtGlobal>
 
-void initCompanionResources()
-{
+void initCompanionResources() {
     Q_INIT_RESOURCE(CompanionResources);
 }

@@ -7,6 +7,7 @@
 #include <QtMath>
 
 #include <array>
+#include <cmath>
 #include <functional>
 
 namespace {
@@ -229,12 +230,12 @@ void drawOnScreenDisplay(QPainter& painter) {
             kArea.adjusted(margin * kWidth, margin * kHeight, -margin * kWidth, -margin * kHeight);
         painter.setPen(QPen(color, 6, style, Qt::FlatCap, Qt::MiterJoin));
         painter.drawRect(area);
-        const QPointF label(1376, area.bottom());
+        const QPointF label(labelAt, area.bottom());
         painter.fillRect(QRectF(label - QPointF(76, 24), label + QPointF(76, 24)), background);
         StrokeFont::draw(painter, label, QString::number(percent) + '%', 36, color);
     };
-    frame(90, grey(75), Qt::SolidLine);
-    frame(80, grey(50), Qt::DashLine);
+    frame(90, grey(75), Qt::SolidLine, 1376);
+    frame(80, grey(50), Qt::DashLine, 1168);
 
     painter.setPen(QPen(Qt::white, 16, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     constexpr double kCorner = 152;
@@ -256,8 +257,8 @@ void drawOnScreenDisplay(QPainter& painter) {
     const double beside = 232;
     StrokeFont::draw(painter, {kMiddle.x() + beside, 164}, "TOP", 64, Qt::white);
     StrokeFont::draw(painter, {kMiddle.x() - beside - 72, 892}, "BOTTOM", 64, Qt::white);
-    StrokeFont::draw(painter, {280, kMiddle.y() - 96}, "LEFT", 64, Qt::white);
-    StrokeFont::draw(painter, {1480, kMiddle.y() - 96}, "RIGHT", 64, Qt::white);
+    StrokeFont::draw(painter, {336, kMiddle.y() - 96}, "LEFT", 64, Qt::white);
+    StrokeFont::draw(painter, {1424, kMiddle.y() - 96}, "RIGHT", 64, Qt::white);
 
     const QRectF panel(kMiddle.x() - 336, kMiddle.y() - 196, 672, 392);
     painter.setPen(QPen(kAccent, 8));

@@ -7,6 +7,7 @@
 #include <QtMath>
 
 #include <array>
+#include <cmath>
 
 namespace {
 

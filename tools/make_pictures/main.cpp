@@ -7,6 +7,8 @@
 #include <QSaveFile>
 #include <QSet>
 
+#include <algorithm>
+
 namespace {
 
 /// The same picture with the fewest bytes a pixel that hold it without loss.
