@@ -159,6 +159,7 @@ inline constexpr char kBlindToolTip[] = "Blind or unblind";
 inline constexpr char kUnnamedPart[] = "Part";
 
 inline constexpr int kListWidth = 220; // without the scroll bar
+inline constexpr QMargins kListMargins{6, 6, 0, 0};
 inline constexpr int kSearchHeight = 36;
 inline constexpr char kSearchName[] = "Search";
 inline constexpr char kFilterScreensText[] = "Filter screens";

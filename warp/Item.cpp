@@ -68,14 +68,10 @@ void Item::showBlindPicture() {
 
 void Item::setLabelText(const QString& text) {
     label_.setName(text);
+    sortKey_ = text.toUtf8().toLower(); // lowers ASCII only
     setAccessibleName(text);
     blindButton_.setAccessibleName(QLatin1StringView(WarpLook::kBlindName) + QLatin1Char(' ') +
                                    text);
-}
-
-void Item::rename(const QString& name) {
-    name_ = name;
-    setLabelText(name);
 }
 
 void Item::setBlinded(bool blinded) {

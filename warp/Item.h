@@ -4,6 +4,7 @@
 #include "warp/BlindButton.h"
 #include "warp/NameLabel.h"
 
+#include <QByteArray>
 #include <QColor>
 #include <QHBoxLayout>
 #include <QString>
@@ -34,6 +35,8 @@ public:
     /// The cue of a media or texture, the screen's number, or the part's number within its screen.
     int id() const { return id_; }
     QString name() const { return name_; }
+    /// The label stays as it is.
+    void setName(const QString& name) { name_ = name; }
     /// Identifies the element in requests for its mesh.
     int dataIndex() const { return dataIndex_; }
     int sourceWidth() const { return sourceWidth_; }
@@ -48,8 +51,8 @@ public:
     /// The name as the list sorts, filters and shows it.
     QString labelText() const { return label_.text(); }
     void setLabelText(const QString& text);
-    /// Takes the name and shows it.
-    void rename(const QString& name);
+    /// The label's text as the list compares it: UTF-8 with A to Z lowered.
+    const QByteArray& sortKey() const { return sortKey_; }
 
     bool isBlinded() const { return blinded_; }
     void setBlinded(bool blinded);
@@ -90,5 +93,6 @@ private:
     const Configuration* configuration_;
     QHBoxLayout layout_;
     NameLabel label_;
+    QByteArray sortKey_;
     BlindButton blindButton_;
 };

@@ -1,0 +1,188 @@
+#include "warp/MediaListContainer.h"
+
+#include "app/Configuration.h"
+#include "input/key_event_manager.h"
+#include "warp/Item.h"
+#include "warp/MediaList.h"
+#include "warp/SearchBox.h"
+
+#include <QCheckBox>
+#include <QKeyEvent>
+#include <QVBoxLayout>
+
+using namespace NetworkCompanion;
+
+MediaListContainer::MediaListContainer(const Configuration& configuration, QWidget* parent)
+    : QWidget(parent), configuration_(configuration), searchBox_(new SearchBox(this)),
+      screenCheckBox_(new QCheckBox(QLatin1StringView(WarpLook::kFilterScreensText), this)),
+      mediaList_(new MediaList(configuration, this)) {
+    initControls();
+    initMediaList();
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(WarpLook::kListMargins);
+    layout->addWidget(searchBox_);
+    layout->addWidget(screenCheckBox_);
+    layout->addWidget(mediaList_);
+    KeyEventManager::getInstance()->addListener(this);
+}
+
+MediaListContainer::~MediaListContainer() {
+    KeyEventManager::getInstance()->removeListener(this);
+}
+
+void MediaListContainer::initControls() {
+    searchBox_->setStyleSheet(QLatin1StringView(WarpLook::kSearchBox));
+    searchBox_->setFixedHeight(WarpLook::kSearchHeight);
+    searchBox_->setPlaceholderText(QLatin1StringView(WarpLook::kSearchName));
+    searchBox_->setAccessibleName(QLatin1StringView(WarpLook::kSearchName));
+    searchBox_->setClearButtonEnabled(true);
+    screenCheckBox_->setMinimumHeight(WarpLook::kSearchHeight);
+    connect(searchBox_, &QLineEdit::textChanged, this, &MediaListContainer::onSearchTextChanged);
+    connect(screenCheckBox_, &QCheckBox::stateChanged, this,
+            &MediaListContainer::onScreenCheckBoxStateChanged);
+}
+
+void MediaListContainer::initMediaList() {
+    using Container = MediaListContainer;
+    const MediaList* list = mediaList_;
+    connect(list, &MediaList::selectedItem, this, &Container::onSelectedItem);
+    connect(list, &MediaList::screenMode, this, &Container::onScreenMode);
+    connect(list, &MediaList::mediaDeformationMode, this, &Container::onMediaDeformationMode);
+    connect(list, &MediaList::screenDeformationMode, this, &Container::onScreenDeformationMode);
+    connect(list, &MediaList::screenPartDeformationMode, this,
+            &Container::onScreenPartDeformationMode);
+    connect(list, &MediaList::textureDeformationMode, this, &Container::onTextureDeformationMode);
+    connect(list, &MediaList::mediaItemAdded, this, &Container::onMediaItemAdded);
+    connect(list, &MediaList::removeMediaItem, this, &Container::onRemoveMediaItem);
+    connect(list, &MediaList::screenItemAdded, this, &Container::onScreenItemAdded);
+    connect(list, &MediaList::removeScreenItem, this, &Container::onRemoveScreenItem);
+    connect(list, &MediaList::screenPartItemAdded, this, &Container::onScreenPartItemAdded);
+    connect(list, &MediaList::removeScreenPartItem, this, &Container::onRemoveScreenPartItem);
+    connect(list, &MediaList::textureItemAdded, this, &Container::onTextureItemAdded);
+    connect(list, &MediaList::removeTextureItem, this, &Container::onRemoveTextureItem);
+    connect(list, &MediaList::itemRemoved, this, &Container::onItemRemoved);
+    connect(list, &MediaList::emitKeyEvent, this, &Container::onEmitKeyEvent);
+    connect(this, &Container::keyEvent, mediaList_, &MediaList::notified);
+    connect(this, &Container::action, mediaList_, &MediaList::onAction);
+}
+
+void MediaListContainer::notified(QKeyEvent* keyEvent) {
+    if (keyEvent->key() == Qt::Key_T) {
+        screenCheckBox_->toggle();
+        keyEvent->accept();
+    }
+}
+
+void MediaListContainer::onScreenCheckBoxStateChanged(int state) {
+    mediaList_->filterScreens(state == Qt::Checked);
+    mediaList_->setFocus(Qt::OtherFocusReason);
+    emit searchBox_->textChanged(searchBox_->text()); // the text filters what came into view
+}
+
+void MediaListContainer::onSearchTextChanged(const QString& text) {
+    const int visible = mediaList_->filterByText(text);
+    const QString style =
+        QLatin1StringView(visible > 0 ? WarpLook::kSearchBox : WarpLook::kSearchBoxNothingFound);
+    if (style != searchBox_->styleSheet()) {
+        searchBox_->setStyleSheet(style);
+    }
+}
+
+void MediaListContainer::onSelectedItem(Item* item) {
+    emit selectedItem(item);
+}
+
+void MediaListContainer::onScreenMode(int screenId, LV_NTC_ModeType modeType) {
+    emit screenMode(screenId, modeType);
+}
+
+void MediaListContainer::onMediaDeformationMode(LV_NTC_ElementType elementType,
+                                                LV_NTC_DeformationType deformationType,
+                                                unsigned int cueId, int mediaId,
+                                                const QString& name, int rows, int columns,
+                                                bool reset) {
+    emit mediaDeformationMode(elementType, deformationType, cueId, mediaId, name, rows, columns,
+                              reset);
+}
+
+void MediaListContainer::onScreenDeformationMode(LV_NTC_DeformationType deformationType,
+                                                 int screenId, const QString& name, int rows,
+                                                 int columns, bool reset) {
+    emit screenDeformationMode(deformationType, screenId, name, rows, columns, reset);
+}
+
+void MediaListContainer::onScreenPartDeformationMode(LV_NTC_DeformationType deformationType,
+                                                     int screenId, int screenPartId,
+                                                     const QString& name, int rows, int columns,
+                                                     bool reset) {
+    emit screenPartDeformationMode(deformationType, screenId, screenPartId, name, rows, columns,
+                                   reset);
+}
+
+void MediaListContainer::onTextureDeformationMode(LV_NTC_ElementType elementType,
+                                                  LV_NTC_DeformationType deformationType,
+                                                  unsigned int cueId, int textureId,
+                                                  const QString& name, int rows, int columns,
+                                                  bool reset) {
+    emit textureDeformationMode(elementType, deformationType, cueId, textureId, name, rows, columns,
+                                reset);
+}
+
+void MediaListContainer::onMediaItemAdded(int type, unsigned int cueId, int mediaId,
+                                          int sourceWidth, int sourceHeight, double sourceRotation,
+                                          const QString& name) {
+    emit mediaItemAdded(type, cueId, mediaId, sourceWidth, sourceHeight, sourceRotation, name);
+}
+
+void MediaListContainer::onRemoveMediaItem(unsigned int cueId) {
+    emit removeMediaItem(cueId);
+}
+
+void MediaListContainer::onScreenItemAdded(int idNum, int sourceWidth, int sourceHeight,
+                                           float sourceRotation, double sourceDeformerRotation,
+                                           const QString& name) {
+    emit screenItemAdded(idNum, sourceWidth, sourceHeight, sourceRotation, sourceDeformerRotation,
+                         name);
+}
+
+void MediaListContainer::onRemoveScreenItem(int screenId) {
+    emit removeScreenItem(screenId);
+}
+
+void MediaListContainer::onScreenPartItemAdded(int screenId, int screenPartId, int sourceWidth,
+                                               int sourceHeight, double sourceDeformerRotation,
+                                               const QString& name) {
+    emit screenPartItemAdded(screenId, screenPartId, sourceWidth, sourceHeight,
+                             sourceDeformerRotation, name);
+}
+
+void MediaListContainer::onRemoveScreenPartItem(int screenId, int screenPartId) {
+    emit removeScreenPartItem(screenId, screenPartId);
+}
+
+void MediaListContainer::onTextureItemAdded(unsigned int cueId, int textureId, int sourceWidth,
+                                            int sourceHeight, double sourceRotation,
+                                            const QString& name) {
+    emit textureItemAdded(cueId, textureId, sourceWidth, sourceHeight, sourceRotation, name);
+}
+
+void MediaListContainer::onRemoveTextureItem(unsigned int cueId) {
+    emit removeTextureItem(cueId);
+}
+
+void MediaListContainer::onItemRemoved() {
+    emit itemRemoved();
+}
+
+void MediaListContainer::onKeyEvent(QKeyEvent* keyEvent) {
+    emit this->keyEvent(keyEvent);
+}
+
+void MediaListContainer::onEmitKeyEvent(QKeyEvent* keyEvent) {
+    emit emitKeyEvent(keyEvent);
+}
+
+void MediaListContainer::onAction(Action action) {
+    emit this->action(action);
+}

@@ -1,0 +1,109 @@
+#pragma once
+
+#include "input/action.h"
+#include "input/key_event_listener.h"
+#include "network/ProtocolTypes.h"
+
+#include <QWidget>
+
+class Item;
+class MediaList;
+class QCheckBox;
+class QKeyEvent;
+class QLineEdit;
+struct Configuration;
+
+/// The media list with its search box and screen filter. Passes everything the list tells on to
+/// whoever holds the container, and actions the other way.
+class MediaListContainer final : public QWidget, public KeyEventListener {
+    Q_OBJECT
+
+public:
+    /// `configuration` has to outlive the container.
+    MediaListContainer(const Configuration& configuration, QWidget* parent);
+    ~MediaListContainer() override;
+
+    MediaList* getMediaList() const { return mediaList_; }
+    void notified(QKeyEvent* keyEvent) override;
+
+public slots:
+    // Each emits the signal of its name.
+    void onSelectedItem(Item* item);
+    void onScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType);
+    void onMediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
+                                NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                unsigned int cueId, int mediaId, const QString& name, int rows,
+                                int columns, bool reset);
+    void onScreenDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                 int screenId, const QString& name, int rows, int columns,
+                                 bool reset);
+    void onScreenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                     int screenId, int screenPartId, const QString& name, int rows,
+                                     int columns, bool reset);
+    void onTextureDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
+                                  NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                  unsigned int cueId, int textureId, const QString& name, int rows,
+                                  int columns, bool reset);
+    void onMediaItemAdded(int type, unsigned int cueId, int mediaId, int sourceWidth,
+                          int sourceHeight, double sourceRotation, const QString& name);
+    void onRemoveMediaItem(unsigned int cueId);
+    void onScreenItemAdded(int idNum, int sourceWidth, int sourceHeight, float sourceRotation,
+                           double sourceDeformerRotation, const QString& name);
+    void onRemoveScreenItem(int screenId);
+    void onScreenPartItemAdded(int screenId, int screenPartId, int sourceWidth, int sourceHeight,
+                               double sourceDeformerRotation, const QString& name);
+    void onRemoveScreenPartItem(int screenId, int screenPartId);
+    void onTextureItemAdded(unsigned int cueId, int textureId, int sourceWidth, int sourceHeight,
+                            double sourceRotation, const QString& name);
+    void onRemoveTextureItem(unsigned int cueId);
+    void onItemRemoved();
+    /// A key that the mesh editor does not use: the list may.
+    void onKeyEvent(QKeyEvent* keyEvent);
+    void onEmitKeyEvent(QKeyEvent* keyEvent);
+    void onAction(Action action);
+
+    void onScreenCheckBoxStateChanged(int state);
+    void onSearchTextChanged(const QString& text);
+
+signals:
+    void selectedItem(Item* item);
+    void screenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType);
+    void mediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
+                              NetworkCompanion::LV_NTC_DeformationType deformationType,
+                              unsigned int cueId, int mediaId, QString name, int rows, int columns,
+                              bool reset);
+    void screenDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
+                               int screenId, QString name, int rows, int columns, bool reset);
+    void screenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                   int screenId, int screenPartId, QString name, int rows,
+                                   int columns, bool reset);
+    void textureDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
+                                NetworkCompanion::LV_NTC_DeformationType deformationType,
+                                unsigned int cueId, int textureId, QString name, int rows,
+                                int columns, bool reset);
+    void mediaItemAdded(int type, unsigned int cueId, int mediaId, int sourceWidth,
+                        int sourceHeight, double sourceRotation, QString name);
+    void removeMediaItem(unsigned int cueId);
+    void screenItemAdded(int idNum, int sourceWidth, int sourceHeight, float sourceRotation,
+                         double sourceDeformerRotation, QString name);
+    void removeScreenItem(int screenId);
+    void screenPartItemAdded(int screenId, int screenPartId, int sourceWidth, int sourceHeight,
+                             double sourceDeformerRotation, QString name);
+    void removeScreenPartItem(int screenId, int screenPartId);
+    void textureItemAdded(unsigned int cueId, int textureId, int sourceWidth, int sourceHeight,
+                          double sourceRotation, QString name);
+    void removeTextureItem(unsigned int cueId);
+    void itemRemoved();
+    void keyEvent(QKeyEvent* keyEvent);
+    void emitKeyEvent(QKeyEvent* keyEvent);
+    void action(Action action);
+
+private:
+    void initControls();
+    void initMediaList();
+
+    const Configuration& configuration_;
+    QLineEdit* searchBox_;
+    QCheckBox* screenCheckBox_;
+    MediaList* mediaList_;
+};
