@@ -224,7 +224,7 @@ void drawOnScreenDisplay(QPainter& painter) {
     painter.fillRect(kArea, background);
     painter.setRenderHint(QPainter::Antialiasing);
     const auto frame = [&painter, background](double percent, const QColor& color,
-                                              Qt::PenStyle style) {
+                                              Qt::PenStyle style, double labelAt) {
         const double margin = (100 - percent) / 200;
         const QRectF area =
             kArea.adjusted(margin * kWidth, margin * kHeight, -margin * kWidth, -margin * kHeight);
