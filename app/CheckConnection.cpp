@@ -30,15 +30,18 @@ void CheckConnection::run() {
     }
     do {
         if (isWatchedServerAvailable() && !announcementPending_.exchange(true)) {
-            QMetaObject::invokeMethod(this, &CheckConnection::announce, Qt::QueuedConnection);
+            const auto checked = Clock::now();
+            QMetaObject::invokeMethod(
+                this, [this, checked] { announce(checked); }, Qt::QueuedConnection);
         }
     } while (pause(checkPeriod));
 }
 
-void CheckConnection::announce() {
+void CheckConnection::announce(Clock::time_point checked) {
     announcementPending_ = false;
-    // The list may have changed while the announcement was waiting.
-    if (isWatchedServerAvailable()) {
+    // Old news, as after an attempt to connect that took long, would only start the next attempt
+    // before discovery had a chance to notice that the Producer is gone.
+    if (Clock::now() - checked < kCheckPeriod && isWatchedServerAvailable()) {
         emit serverAvailableAgain();
     }
 }

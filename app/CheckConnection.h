@@ -32,14 +32,17 @@ public slots:
 
 signals:
     /// The watched Producer is listed by discovery at this very moment. Comes on the thread of this
-    /// object; checks made while that thread is busy are announced once.
+    /// object, for checks made while that thread is busy only once, or not at all when it was busy
+    /// for longer than a second.
     void serverAvailableAgain();
 
 protected:
     void run() override;
 
 private:
-    void announce();
+    using Clock = std::chrono::steady_clock;
+
+    void announce(Clock::time_point checked);
     [[nodiscard]] bool isWatchedServerAvailable();
 
     std::mutex addressMutex_;

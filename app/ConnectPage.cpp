@@ -46,6 +46,7 @@ void ConnectPage::initConnectButton() {
     connectButton_->setFixedSize(kConnectButtonSize);
     connectButton_->setStyleSheet(QLatin1StringView(kConnectButtonInitial));
     connectButton_->setCursor(Qt::ArrowCursor);
+    connectButton_->setFocusPolicy(Qt::NoFocus);
     connectButton_->setAccessibleName(QLatin1StringView(kConnectButtonName));
     connect(connectButton_, &QPushButton::released, this, &ConnectPage::onConnectToProducer);
     layout_.addWidget(connectButton_, kConnectButtonStretch, Qt::AlignCenter);
@@ -92,6 +93,7 @@ void ConnectPage::onSelectedIpChanged(const QString& ip) {
     connectButton_->setStyleSheet(
         QLatin1StringView(selected ? kConnectButtonOn : kConnectButtonOff));
     connectButton_->setCursor(selected ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    connectButton_->setFocusPolicy(selected ? Qt::StrongFocus : Qt::NoFocus);
     connectButton_->setToolTip(selected ? QString(QLatin1StringView(kConnectButtonName))
                                         : QString());
 }

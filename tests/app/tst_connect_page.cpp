@@ -2,6 +2,7 @@
 #include "app/ConnectPage.h"
 #include "app/EventDispatcher.h"
 #include "app/IPList.h"
+#include "tests/support/MessageGuard.h"
 
 #include <QPushButton>
 #include <QScrollBar>
@@ -9,6 +10,7 @@
 #include <QTest>
 #include <QUdpSocket>
 
+#include <optional>
 #include <thread>
 
 namespace {
@@ -30,7 +32,7 @@ class TestConnectPage : public QObject {
 
 private slots:
     void init() {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        messages_.emplace();
         page_ = std::make_unique<ConnectPage>(configuration_, nullptr);
         page_->resize(1280, 610);
         page_->show();
@@ -42,7 +44,11 @@ private slots:
             }
         }
     }
-    void cleanup() { page_.reset(); }
+    void cleanup() {
+        page_.reset();
+        messages_->verify();
+        messages_.reset();
+    }
 
     void theListFollowsDiscovery() {
         emit discovery().serverDiscovered(kFirst);
@@ -179,6 +185,7 @@ private:
     std::unique_ptr<ConnectPage> page_;
     IPList* list_ = nullptr;
     QPushButton* connectButton_ = nullptr;
+    std::optional<MeshpadTest::MessageGuard> messages_;
 };
 
 QTEST_MAIN(TestConnectPage)

@@ -1,10 +1,12 @@
 #include "app/EventDispatcher.h"
 #include "app/EventListener.h"
-#include "network/MsgEvent.h"
+#include "network/Event.h"
+#include "tests/support/MessageGuard.h"
 
 #include <QTest>
 
 #include <functional>
+#include <optional>
 
 using namespace NetworkCompanion;
 using Type = LV_NTC_EventType;
@@ -41,27 +43,24 @@ private:
     std::vector<Type> types_;
 };
 
-/// Of any type, and counts its own deletions.
-class CountedEvent : public MsgEvent {
-public:
-    explicit CountedEvent(int& deletions) : MsgEvent(""), deletions_(deletions) {}
-    ~CountedEvent() override { ++deletions_; }
-    Q_DISABLE_COPY_MOVE(CountedEvent)
-
-private:
-    int& deletions_;
-};
-
-/// An event that has nothing but its type.
+/// An event that has nothing but its type, and counts the deletions of its kind.
 class TypedEvent : public Event {
 public:
     using Event::Event;
+    ~TypedEvent() override { ++deletions; }
+    Q_DISABLE_COPY_MOVE(TypedEvent)
     QByteArray serialize() const override { return {}; }
     void deserialize(QByteArray&) override {}
     int getSize() const override { return 0; }
     qsizetype encodedSize() const override { return 0; }
     char* writePayload(char* out) const override { return out; }
     bool readPayload(QByteArrayView) override { return true; }
+
+    static inline int deletions = 0;
+
+protected:
+    bool hasSameFields(const Event&) const override { return true; }
+    void print(QDebug&) const override {}
 };
 
 void dispatch(Event* event) {
@@ -77,8 +76,12 @@ class TestEventDispatcher : public QObject {
 
 private slots:
     void init() {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        messages_.emplace();
         calls_.clear();
+    }
+    void cleanup() {
+        messages_->verify();
+        messages_.reset();
     }
 
     void listenersAreCalledInOrderOfRegistration() {
@@ -111,23 +114,22 @@ private slots:
         QCOMPARE(calls_, QStringList({"a2", "c2"}));
     }
 
-    void everyEventIsDeletedOnce() {
-        int deletions = 0;
-        dispatch(new CountedEvent(deletions)); // nobody listens
-        QCOMPARE(deletions, 1);
-
+    void everyEventIsDeletedOnceAfterItsListeners() {
         Recorder a(QStringLiteral("a"), calls_);
         Recorder b(QStringLiteral("b"), calls_);
         a.listenTo(Type::Msg);
         b.listenTo(Type::Msg);
         int deletionsSeenByB = -1;
-        b.then = [&] { deletionsSeenByB = deletions; };
-        dispatch(new CountedEvent(deletions));
-        QCOMPARE(deletionsSeenByB, 1);
-        QCOMPARE(deletions, 2);
+        b.then = [&] { deletionsSeenByB = TypedEvent::deletions; };
+        TypedEvent::deletions = 0;
+        dispatch(new TypedEvent(Type::Msg));
+        QCOMPARE(deletionsSeenByB, 0);
+        QCOMPARE(TypedEvent::deletions, 1);
 
+        dispatch(new TypedEvent(Type::UpdateSettings)); // nobody listens
         dispatch(new TypedEvent(static_cast<Type>(1'000'000)));
         dispatch(new TypedEvent(static_cast<Type>(-5)));
+        QCOMPARE(TypedEvent::deletions, 4);
         dispatch(nullptr); // an undecodable frame
         QCOMPARE(calls_, QStringList({"a1", "b1"}));
     }
@@ -178,6 +180,7 @@ private slots:
 
 private:
     QStringList calls_;
+    std::optional<MeshpadTest::MessageGuard> messages_;
 };
 
 QTEST_GUILESS_MAIN(TestEventDispatcher)

@@ -3,6 +3,7 @@
 #include "app/HeadBanner.h"
 #include "network/CompanionServer.h"
 #include "resources/CompanionResources.h"
+#include "tests/support/MessageGuard.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -10,6 +11,8 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <optional>
 
 using NetworkCompanion::CompanionServer;
 
@@ -23,7 +26,7 @@ private slots:
         QVERIFY(server_.listen(QHostAddress::LocalHost, 0));
     }
     void init() {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        messages_.emplace();
         banner_ = std::make_unique<HeadBanner>(configuration_, nullptr);
         banner_->resize(1280, banner_->height());
         banner_->show();
@@ -32,6 +35,8 @@ private slots:
     void cleanup() {
         client().disconnectFromServer();
         banner_.reset();
+        messages_->verify();
+        messages_.reset();
     }
 
     void theConnectionDecidesTheLayout() {
@@ -172,6 +177,7 @@ private:
     CompanionServer server_{nullptr};
     std::unique_ptr<HeadBanner> banner_;
     QStringList strayWindows_;
+    std::optional<MeshpadTest::MessageGuard> messages_;
 };
 
 QTEST_MAIN(TestHeadBanner)
