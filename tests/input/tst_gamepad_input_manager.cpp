@@ -1,0 +1,471 @@
+#include "input/gamepad_input_manager.h"
+#include "tests/input/FakeController.h"
+#include "tests/support/MessageGuard.h"
+
+#include <QEventLoop>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+using namespace MeshpadTest;
+
+namespace {
+
+constexpr int kNone = -1;
+constexpr std::uint32_t kDown = ControllerDevice::kButtonDown;
+constexpr std::uint32_t kCentre = 32768;
+
+QString press(GamepadButton button) {
+    return QString("press %1").arg(int(button));
+}
+
+QString release(GamepadButton button) {
+    return QString("release %1").arg(int(button));
+}
+
+} // namespace
+
+class TestGamepadInputManager : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void buttonsAndHat_data();
+    void buttonsAndHat();
+    void hatDirections_data();
+    void hatDirections();
+    void hatRollsFromOneDirectionToTheNext();
+    void unmappedInputsAreOnlyLogged();
+
+    void axes_data();
+    void axes();
+    void stickReportsEveryPollAndOneFinalZero();
+    void triggersOfTheirOwnCancelAtRest();
+
+    void deviceIsConfigured();
+    void brokenControllersAreSkippedAndOthersIgnored();
+    void interfaceFailures();
+
+    void overflowLosesNothingThatLasts();
+    void inputLostAndRecovered();
+    void inputLostForGood();
+    void failedReadsAreLoggedAndSurvived();
+    void unpluggedAndPluggedInAgain();
+    void looksForControllersWhereNoMessageTells();
+    void readsOnlyWithFocus();
+
+private:
+    void start();
+    void feed(std::initializer_list<ControllerRecord> records);
+    void nextPoll();
+    void announceChange();
+    QStringList takeEvents() { return std::exchange(events_, {}); }
+
+    FakePads pads_;
+    std::shared_ptr<FakePad> pad_;
+    std::unique_ptr<GamepadInputManager> manager_;
+    QStringList events_; ///< signals in the order in which they came
+    std::optional<MessageGuard> messages_;
+};
+
+void TestGamepadInputManager::init() {
+    messages_.emplace();
+    pads_ = {};
+    pad_ = pads_.plugIn();
+    events_.clear();
+}
+
+void TestGamepadInputManager::cleanup() {
+    manager_.reset();
+    messages_->verify();
+    messages_.reset();
+}
+
+void TestGamepadInputManager::start() {
+    manager_ = std::make_unique<GamepadInputManager>(makeFakeSystem(pads_));
+    connect(manager_.get(), &GamepadInputManager::buttonPressed, this,
+            [this](GamepadButton button) { events_ << press(button); });
+    connect(manager_.get(), &GamepadInputManager::buttonReleased, this,
+            [this](GamepadButton button) { events_ << release(button); });
+    connect(manager_.get(), &GamepadInputManager::leftAxisMoved, this,
+            [this](float x, float y) { events_ << QString("left %1 %2").arg(x).arg(y); });
+    connect(manager_.get(), &GamepadInputManager::rightAxisMoved, this,
+            [this](float x, float y) { events_ << QString("right %1 %2").arg(x).arg(y); });
+    connect(manager_.get(), &GamepadInputManager::pressure, this,
+            [this](float value) { events_ << QString("pressure %1").arg(value); });
+}
+
+/// Records that are there for the next poll, which is waited for.
+void TestGamepadInputManager::feed(std::initializer_list<ControllerRecord> records) {
+    pad_->records.assign(records);
+    nextPoll();
+}
+
+void TestGamepadInputManager::nextPoll() {
+    QEventLoop loop;
+    pad_->polled = [&] { loop.quit(); };
+    QTimer::singleShot(5000, &loop, [&] { loop.exit(1); });
+    QCOMPARE(loop.exec(), 0);
+    pad_->polled = [] {};
+}
+
+void TestGamepadInputManager::announceChange() {
+    qintptr result = 0;
+    QVERIFY(!manager_->nativeEventFilter(kFakeChangeMessage, nullptr, &result));
+}
+
+void TestGamepadInputManager::buttonsAndHat_data() {
+    QTest::addColumn<quint32>("offset");
+    QTest::addColumn<quint32>("down");
+    QTest::addColumn<quint32>("up");
+    QTest::addColumn<GamepadButton>("button");
+    const GamepadButton buttons[] = {GamepadButton::RightCross_Bottom,
+                                     GamepadButton::RightCross_Right,
+                                     GamepadButton::RightCross_Left,
+                                     GamepadButton::RightCross_Top,
+                                     GamepadButton::Trigger_Left,
+                                     GamepadButton::Trigger_Right,
+                                     GamepadButton::Back,
+                                     GamepadButton::Start};
+    for (quint32 i = 0; i < std::size(buttons); ++i)
+        QTest::addRow("button %u", i) << 48 + i << kDown << 0U << buttons[i];
+    const GamepadButton directions[] = {GamepadButton::LeftDPad_Top, GamepadButton::LeftDPad_Right,
+                                        GamepadButton::LeftDPad_Bottom,
+                                        GamepadButton::LeftDPad_Left};
+    for (quint32 i = 0; i < std::size(directions); ++i)
+        QTest::addRow("hat %u", 9000 * i) << 32U << 9000 * i << 0xFFFFFFFFU << directions[i];
+}
+
+void TestGamepadInputManager::buttonsAndHat() {
+    QFETCH(const quint32, offset);
+    QFETCH(const quint32, down);
+    QFETCH(const quint32, up);
+    QFETCH(const GamepadButton, button);
+    start();
+    feed({{offset, down}});
+    QCOMPARE(takeEvents(), QStringList{press(button)});
+    nextPoll();
+    QCOMPARE(takeEvents(), QStringList());
+    feed({{offset, up}, {offset, down}, {offset, up}});
+    QCOMPARE(takeEvents(), QStringList({release(button), press(button), release(button)}));
+}
+
+void TestGamepadInputManager::hatDirections_data() {
+    QTest::addColumn<quint32>("value");
+    QTest::addColumn<int>("direction");
+    const int top = int(GamepadButton::LeftDPad_Top), right = int(GamepadButton::LeftDPad_Right),
+              bottom = int(GamepadButton::LeftDPad_Bottom),
+              left = int(GamepadButton::LeftDPad_Left);
+    const std::pair<quint32, int> rows[] = {
+        {4499, top},     {4500, kNone},   {4501, right},  {13499, right},  {13500, kNone},
+        {13501, bottom}, {22499, bottom}, {22500, kNone}, {22501, left},   {31499, left},
+        {31500, kNone},  {31501, top},    {35999, top},   {0xFFFF, kNone}, {0x7FFFFFFF, kNone}};
+    for (const auto& [value, direction] : rows)
+        QTest::addRow("%u", value) << value << direction;
+}
+
+void TestGamepadInputManager::hatDirections() {
+    QFETCH(const quint32, value);
+    QFETCH(const int, direction);
+    start();
+    feed({{ControllerOffset::kHat, value}});
+    QCOMPARE(takeEvents(),
+             direction == kNone ? QStringList() : QStringList{press(GamepadButton(direction))});
+}
+
+void TestGamepadInputManager::hatRollsFromOneDirectionToTheNext() {
+    start();
+    feed({{ControllerOffset::kHat, 0}, {ControllerOffset::kHat, 300}});
+    feed({{ControllerOffset::kHat, 4500}});
+    QCOMPARE(takeEvents(), QStringList({press(GamepadButton::LeftDPad_Top),
+                                        release(GamepadButton::LeftDPad_Top)}));
+    feed({{ControllerOffset::kHat, 9000}, {ControllerOffset::kHat, 18000}});
+    QCOMPARE(takeEvents(), QStringList({press(GamepadButton::LeftDPad_Right),
+                                        release(GamepadButton::LeftDPad_Right),
+                                        press(GamepadButton::LeftDPad_Bottom)}));
+}
+
+void TestGamepadInputManager::unmappedInputsAreOnlyLogged() {
+    start();
+    messages_->expect(QtDebugMsg, "TODO-JOYSTICK DIJOFS_BUTTON(8) --> 128");
+    messages_->expect(QtDebugMsg, "TODO-JOYSTICK DIJOFS_BUTTON(9) --> 0");
+    messages_->expect(QtDebugMsg, "Ignoring unknown input: 58 -> 128");
+    messages_->expect(QtDebugMsg, "Ignoring unknown input: 36 -> 9000");
+    feed({{56, 128}, {57, 0}, {58, 128}, {36, 9000}});
+    QCOMPARE(takeEvents(), QStringList());
+}
+
+void TestGamepadInputManager::axes_data() {
+    QTest::addColumn<quint32>("offset");
+    QTest::addColumn<AnalogRange>("range");
+    QTest::addColumn<qint32>("position");
+    QTest::addColumn<QString>("expected");
+    using namespace ControllerOffset;
+    const AnalogRange usual, balanced{-32768, 32767}, even{-1000, 1000}, point{5, 5};
+    QTest::addRow("X low end") << kX << usual << 0 << "left -1 0";
+    QTest::addRow("X high end") << kX << usual << 65535 << "left 1 0";
+    QTest::addRow("X lower centre") << kX << usual << 32767 << QString();
+    QTest::addRow("X upper centre") << kX << usual << 32768 << QString();
+    QTest::addRow("X beside the centre") << kX << usual << 32769 << "left 4.57764e-05 0";
+    QTest::addRow("Y") << kY << usual << 65535 << "left 0 1";
+    QTest::addRow("Rx") << kRx << usual << 0 << "right -1 0";
+    QTest::addRow("Ry") << kRy << usual << 65535 << "right 0 1";
+    QTest::addRow("Z") << kZ << usual << 65535 << "pressure 1";
+    QTest::addRow("Rz is inverted") << kRz << usual << 65535 << "pressure -1";
+    QTest::addRow("Rz centre") << kRz << usual << 32767 << QString();
+    QTest::addRow("negative positions") << kX << balanced << -32768 << "left -1 0";
+    QTest::addRow("centre of negative positions") << kY << balanced << -1 << QString();
+    QTest::addRow("even range") << kY << even << 500 << "left 0 0.5";
+    QTest::addRow("centre of an even range") << kY << even << 0 << QString();
+    QTest::addRow("range of one position") << kX << point << 5 << QString();
+}
+
+void TestGamepadInputManager::axes() {
+    QFETCH(const quint32, offset);
+    QFETCH(const AnalogRange, range);
+    QFETCH(const qint32, position);
+    QFETCH(const QString, expected);
+    pad_->axes[offset] = range;
+    start();
+    feed({{offset, static_cast<quint32>(position)}});
+    QCOMPARE(takeEvents(), expected.isEmpty() ? QStringList() : QStringList{expected});
+}
+
+void TestGamepadInputManager::stickReportsEveryPollAndOneFinalZero() {
+    start();
+    feed({{ControllerOffset::kX, 0}, {ControllerOffset::kRy, 65535}});
+    QCOMPARE(takeEvents(), QStringList({"left -1 0", "right 0 1"}));
+    nextPoll();
+    QCOMPARE(takeEvents(), QStringList({"left -1 0", "right 0 1"}));
+    feed({{ControllerOffset::kRy, kCentre}, {ControllerOffset::kX, kCentre}});
+    QCOMPARE(takeEvents(), QStringList({"left 0 0", "right 0 0"}));
+    nextPoll();
+    feed({{ControllerOffset::kX, kCentre - 1}});
+    QCOMPARE(takeEvents(), QStringList());
+    // Out and back between two polls still ends with a zero.
+    feed({{ControllerOffset::kX, 0}, {ControllerOffset::kX, kCentre}});
+    QCOMPARE(takeEvents(), QStringList{"left 0 0"});
+}
+
+void TestGamepadInputManager::triggersOfTheirOwnCancelAtRest() {
+    pad_->state.axes[2] = pad_->state.axes[5] = 0;
+    start();
+    nextPoll();
+    QCOMPARE(takeEvents(), QStringList());
+    feed({{ControllerOffset::kZ, 65535}});
+    QCOMPARE(takeEvents(), QStringList{"pressure 2"});
+    feed({{ControllerOffset::kZ, 0}});
+    nextPoll();
+    QCOMPARE(takeEvents(), QStringList());
+    feed({{ControllerOffset::kRz, 65535}});
+    QCOMPARE(takeEvents(), QStringList{"pressure -2"});
+}
+
+void TestGamepadInputManager::deviceIsConfigured() {
+    using namespace ControllerOffset;
+    pad_->axes.erase(kRz);
+    pad_->axes.erase(kRy);
+    messages_->expect(QtDebugMsg, "Found device 'Pad'");
+    start();
+    QVERIFY(manager_->isGamepadConnected());
+    QVERIFY(pad_->acquired);
+    QCOMPARE(pad_->bufferSize, 32U);
+    const std::map<quint32, quint32> expected{{kX, 1750}, {kY, 1750}, {kRx, 1750}, {kZ, 25}};
+    QCOMPARE(pad_->deadZones, expected);
+    // An axis that is not there stands still, whatever the device says of it.
+    pad_->state.axes[5] = 0;
+    feed({{kZ, 65535}});
+    QCOMPARE(takeEvents(), QStringList{"pressure 1"});
+}
+
+void TestGamepadInputManager::brokenControllersAreSkippedAndOthersIgnored() {
+    pad_->canBeCreated = false;
+    const auto mute = pads_.plugIn("Mute");
+    mute->rangeResult = ControllerResult::Failed;
+    const auto busy = pads_.plugIn("Busy");
+    busy->acquireResult = ControllerResult::Failed;
+    busy->unacquireResult = ControllerResult::NoEffect;
+    const auto good = pads_.plugIn("Good");
+    const auto second = pads_.plugIn("Second");
+    messages_->expect(QtWarningMsg, "Cannot create device 'Pad', skipping");
+    messages_->expect(QtDebugMsg, "Found device 'Mute'");
+    messages_->expect(QtDebugMsg, "Released gamepad", 2);
+    messages_->expect(QtWarningMsg, "Failed to configure device 'Mute', skipping");
+    messages_->expect(QtDebugMsg, "Released gamepad (had no effect)");
+    messages_->expect(QtWarningMsg, "Failed to configure device 'Busy', skipping");
+    start();
+    QVERIFY(good->open && good->acquired);
+    QVERIFY(!mute->open && !busy->open);
+    announceChange();
+    QCOMPARE(good->created, 1);
+    QCOMPARE(second->created, 0);
+    manager_.reset();
+    QVERIFY(!good->open);
+}
+
+void TestGamepadInputManager::interfaceFailures() {
+    pads_.openResult = ControllerSystem::OpenResult::NoModule;
+    messages_->expect(QtWarningMsg, "Failed to get module handle");
+    start();
+    QVERIFY(!manager_->isGamepadConnected());
+    manager_->onFocusGained();
+    pads_.openResult = ControllerSystem::OpenResult::NoInterface;
+    messages_->expect(QtWarningMsg, "Failed to create instance of direct input interface");
+    start();
+    QVERIFY(!manager_->isGamepadConnected());
+    pads_.openResult = ControllerSystem::OpenResult::Ok;
+    pads_.canBeEnumerated = false;
+    messages_->expect(QtWarningMsg, "Failed to find gamepad devices");
+    start();
+    QVERIFY(!manager_->isGamepadConnected());
+    pads_.canBeEnumerated = true;
+    announceChange();
+    QVERIFY(manager_->isGamepadConnected());
+}
+
+void TestGamepadInputManager::overflowLosesNothingThatLasts() {
+    start();
+    feed({{48, kDown}, {ControllerOffset::kX, 0}});
+    takeEvents();
+    // What was lost: button 0 went up, button 1 down and the stick back; what came: the hat.
+    pad_->state.buttons[1] = true;
+    pad_->state.hat = 0;
+    pad_->dataResult = ControllerResult::BufferOverflow;
+    messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
+    feed({{ControllerOffset::kHat, 0}});
+    QCOMPARE(takeEvents(), QStringList({press(GamepadButton::LeftDPad_Top),
+                                        release(GamepadButton::RightCross_Bottom),
+                                        press(GamepadButton::RightCross_Right), "left 0 0"}));
+}
+
+void TestGamepadInputManager::inputLostAndRecovered() {
+    start();
+    feed({{48, kDown}, {49, kDown}, {ControllerOffset::kX, 0}, {ControllerOffset::kRx, 65535}});
+    takeEvents();
+    // Meanwhile one button was let go of, another pressed, and the left stick came back.
+    pad_->state.buttons = {true, false, true};
+    pad_->state.axes[3] = 65535;
+    pad_->pollResult = ControllerResult::InputLost;
+    feed({{51, kDown}});
+    QVERIFY(pad_->acquired);
+    QCOMPARE(takeEvents(),
+             QStringList({release(GamepadButton::RightCross_Right),
+                          press(GamepadButton::RightCross_Left),
+                          press(GamepadButton::RightCross_Top), "left 0 0", "right 1 0"}));
+}
+
+void TestGamepadInputManager::inputLostForGood() {
+    start();
+    feed({{48, kDown}, {ControllerOffset::kHat, 0}, {ControllerOffset::kRy, 65535}});
+    takeEvents();
+    pad_->pollResult = ControllerResult::InputLost;
+    pad_->acquireResult = ControllerResult::Failed;
+    messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
+    messages_->expect(QtDebugMsg, "Released gamepad");
+    nextPoll();
+    QVERIFY(!manager_->isGamepadConnected());
+    QVERIFY(!pad_->open);
+    QCOMPARE(takeEvents(), QStringList({release(GamepadButton::RightCross_Bottom),
+                                        release(GamepadButton::LeftDPad_Top), "right 0 0"}));
+}
+
+void TestGamepadInputManager::failedReadsAreLoggedAndSurvived() {
+    start();
+    pad_->pollResult = ControllerResult::NotAcquired;
+    messages_->expectMatching(QtDebugMsg, QRegularExpression("^Device is not acquired!$"));
+    feed({{48, kDown}});
+    pad_->pollResult = ControllerResult::Failed;
+    messages_->expectMatching(QtWarningMsg,
+                              QRegularExpression("^Got error while polling gamepad data$"));
+    nextPoll();
+    QCOMPARE(takeEvents(), QStringList());
+    pad_->dataResult = ControllerResult::Failed;
+    pad_->records.clear();
+    pad_->pollResult = ControllerResult::Ok;
+    messages_->expect(QtWarningMsg,
+                      "Got error while getting gamepad data despite polling being ok");
+    nextPoll();
+    feed({{48, kDown}});
+    QCOMPARE(takeEvents(), QStringList{press(GamepadButton::RightCross_Bottom)});
+}
+
+void TestGamepadInputManager::unpluggedAndPluggedInAgain() {
+    start();
+    feed({{ControllerOffset::kX, 0}, {ControllerOffset::kZ, 65535}});
+    pad_->pollResult = ControllerResult::InputLost;
+    pad_->acquireResult = ControllerResult::Failed;
+    QTRY_VERIFY(!manager_->isGamepadConnected());
+    takeEvents();
+
+    pads_.pads.clear();
+    announceChange();
+    QVERIFY(!manager_->isGamepadConnected());
+    pad_ = pads_.plugIn("Other");
+    pad_->state.buttons[7] = true;
+    pad_->state.hat = 9000;
+    qintptr result = 0;
+    manager_->nativeEventFilter("something else", nullptr, &result);
+    QVERIFY(!manager_->isGamepadConnected());
+    announceChange();
+    QVERIFY(manager_->isGamepadConnected());
+    nextPoll();
+    QCOMPARE(takeEvents(),
+             QStringList({press(GamepadButton::Start), press(GamepadButton::LeftDPad_Right)}));
+}
+
+void TestGamepadInputManager::looksForControllersWhereNoMessageTells() {
+    pads_.pads.clear();
+    pads_.lookPeriod = std::chrono::milliseconds(20);
+    start();
+    QVERIFY(!manager_->isGamepadConnected());
+    pad_ = pads_.plugIn();
+    pads_.changed = true;
+    QTRY_VERIFY(manager_->isGamepadConnected());
+    // In use, nobody looks any more; gone, the looking begins anew.
+    pads_.changed = true;
+    nextPoll();
+    nextPoll();
+    nextPoll();
+    QVERIFY(pads_.changed);
+    pad_->pollResult = ControllerResult::InputLost;
+    pad_->acquireResult = ControllerResult::Failed;
+    pads_.pads.clear();
+    QTRY_VERIFY(!pads_.changed);
+    QVERIFY(!manager_->isGamepadConnected());
+}
+
+void TestGamepadInputManager::readsOnlyWithFocus() {
+    start();
+    nextPoll();
+    manager_->onFocusLost();
+    const int polls = pad_->polls;
+    QTest::qWait(0);
+    QSignalSpy pressed(manager_.get(), &GamepadInputManager::buttonPressed);
+    pad_->records = {{48, kDown}};
+    QVERIFY(!pressed.wait(100));
+    QCOMPARE(pad_->polls, polls);
+    manager_->onFocusGained();
+    manager_->onFocusGained();
+    QVERIFY(pressed.wait());
+
+    // One that arrives while another application is in front waits for the focus, too.
+    pad_->pollResult = ControllerResult::InputLost;
+    pad_->acquireResult = ControllerResult::Failed;
+    QTRY_VERIFY(!manager_->isGamepadConnected());
+    manager_->onFocusLost();
+    manager_->onFocusGained();
+    manager_->onFocusLost();
+    pads_.pads.clear();
+    pad_ = pads_.plugIn();
+    announceChange();
+    pad_->records = {{49, kDown}};
+    QVERIFY(manager_->isGamepadConnected());
+    QVERIFY(!pressed.wait(100));
+    manager_->onFocusGained();
+    QVERIFY(pressed.wait());
+}
+
+QTEST_GUILESS_MAIN(TestGamepadInputManager)
+#include "tst_gamepad_input_manager.moc"

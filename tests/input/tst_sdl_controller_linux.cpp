@@ -1,0 +1,307 @@
+#include "input/gamepad_input_manager.h"
+#include "tests/support/MessageGuard.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <SDL.h>
+#include <csignal>
+
+using namespace MeshpadTest;
+using enum GamepadButton;
+
+namespace {
+
+constexpr Sint16 kLow = SDL_JOYSTICK_AXIS_MIN;
+constexpr Sint16 kHigh = SDL_JOYSTICK_AXIS_MAX;
+
+/// A controller that SDL takes for a real one.
+class VirtualPad {
+public:
+    explicit VirtualPad(int axes = 6, int buttons = 11, const char* name = "Virtual Pad") {
+        SDL_VirtualJoystickDesc description{};
+        description.version = SDL_VIRTUAL_JOYSTICK_DESC_VERSION;
+        description.type = SDL_JOYSTICK_TYPE_UNKNOWN;
+        description.naxes = static_cast<Uint16>(axes);
+        description.nbuttons = static_cast<Uint16>(buttons);
+        description.nhats = 1;
+        description.name = name;
+        const int index = SDL_JoystickAttachVirtualEx(&description);
+        joystick_ = index < 0 ? nullptr : SDL_JoystickOpen(index);
+        // As real triggers do, those of a pad with six axes rest at the low end.
+        if (axes == 6) {
+            axis(2, kLow);
+            axis(5, kLow);
+        }
+    }
+    ~VirtualPad() { unplug(); }
+    VirtualPad(const VirtualPad&) = delete;
+    VirtualPad& operator=(const VirtualPad&) = delete;
+
+    bool isValid() const { return joystick_ != nullptr; }
+    void axis(int index, Sint16 value) { SDL_JoystickSetVirtualAxis(joystick_, index, value); }
+    void hat(Uint8 value) { SDL_JoystickSetVirtualHat(joystick_, 0, value); }
+    void button(int index, bool down) {
+        SDL_JoystickSetVirtualButton(joystick_, index, down ? SDL_PRESSED : SDL_RELEASED);
+    }
+
+    void unplug() {
+        if (!joystick_)
+            return;
+        for (int i = 0; i < SDL_NumJoysticks(); ++i) {
+            if (SDL_JoystickGetDeviceInstanceID(i) == SDL_JoystickInstanceID(joystick_))
+                SDL_JoystickDetachVirtual(i);
+        }
+        SDL_JoystickClose(std::exchange(joystick_, nullptr));
+    }
+
+private:
+    SDL_Joystick* joystick_ = nullptr;
+};
+
+} // namespace
+
+/// The real source of controllers on Linux, with controllers that need no hardware.
+class TestSdlController : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void buttonsAndHat_data();
+    void buttonsAndHat();
+    void axes_data();
+    void axes();
+    void deadZones();
+    void triggersRestAtZero();
+    void fastStickDoesNotCrowdOutButtons();
+    void overflowIsToldAndCaughtUp();
+    void unpluggedAndPluggedInAgain();
+    void secondControllerIsIgnored();
+
+private:
+    void start();
+    QStringList nextEvents();
+
+    std::unique_ptr<ControllerSystem> system_; ///< keeps SDL's joysticks up between the tests
+    std::unique_ptr<GamepadInputManager> manager_;
+    QStringList events_;
+    std::optional<MessageGuard> messages_;
+};
+
+void TestSdlController::initTestCase() {
+    // Opening leaves it to the application how an interrupt ends it.
+    const auto previous = std::signal(SIGINT, SIG_DFL);
+    system_ = ControllerSystem::create();
+    QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
+    QVERIFY(std::signal(SIGINT, previous) == SIG_DFL);
+    if (SDL_NumJoysticks() > 0)
+        QSKIP("Unplug the controllers of this machine to test with virtual ones");
+}
+
+void TestSdlController::init() {
+    messages_.emplace();
+    events_.clear();
+}
+
+void TestSdlController::cleanup() {
+    manager_.reset();
+    messages_->verify();
+    messages_.reset();
+}
+
+void TestSdlController::start() {
+    manager_ = std::make_unique<GamepadInputManager>();
+    connect(manager_.get(), &GamepadInputManager::buttonPressed, this,
+            [this](GamepadButton button) { events_ << QString("press %1").arg(int(button)); });
+    connect(manager_.get(), &GamepadInputManager::buttonReleased, this,
+            [this](GamepadButton button) { events_ << QString("release %1").arg(int(button)); });
+    connect(manager_.get(), &GamepadInputManager::leftAxisMoved, this, [this](float x, float y) {
+        events_ << QString("left %1 %2").arg(x, 0, 'f', 3).arg(y, 0, 'f', 3);
+    });
+    connect(manager_.get(), &GamepadInputManager::rightAxisMoved, this, [this](float x, float y) {
+        events_ << QString("right %1 %2").arg(x, 0, 'f', 3).arg(y, 0, 'f', 3);
+    });
+    connect(manager_.get(), &GamepadInputManager::pressure, this,
+            [this](float value) { events_ << QString("pressure %1").arg(value, 0, 'f', 3); });
+}
+
+/// The signals of one poll, the next one that gives any.
+QStringList TestSdlController::nextEvents() {
+    events_.clear();
+    if (!QTest::qWaitFor([this] { return !events_.isEmpty(); }, 2000))
+        return {"nothing"};
+    return std::exchange(events_, {});
+}
+
+void TestSdlController::buttonsAndHat_data() {
+    QTest::addColumn<int>("input");
+    QTest::addColumn<bool>("isHat");
+    QTest::addColumn<GamepadButton>("button");
+    const GamepadButton buttons[] = {RightCross_Bottom,
+                                     RightCross_Right,
+                                     RightCross_Left,
+                                     RightCross_Top,
+                                     Trigger_Left,
+                                     Trigger_Right,
+                                     Back,
+                                     Start};
+    for (int i = 0; i < int(std::size(buttons)); ++i)
+        QTest::addRow("button %d", i) << i << false << buttons[i];
+    QTest::addRow("hat up") << SDL_HAT_UP << true << LeftDPad_Top;
+    QTest::addRow("hat right") << SDL_HAT_RIGHT << true << LeftDPad_Right;
+    QTest::addRow("hat down") << SDL_HAT_DOWN << true << LeftDPad_Bottom;
+    QTest::addRow("hat left") << SDL_HAT_LEFT << true << LeftDPad_Left;
+}
+
+void TestSdlController::buttonsAndHat() {
+    QFETCH(const int, input);
+    QFETCH(const bool, isHat);
+    QFETCH(const GamepadButton, button);
+    VirtualPad pad;
+    QVERIFY(pad.isValid());
+    start();
+    isHat ? pad.hat(static_cast<Uint8>(input)) : pad.button(input, true);
+    QCOMPARE(nextEvents(), QStringList{QString("press %1").arg(int(button))});
+    // On a diagonal nothing is held.
+    isHat ? pad.hat(SDL_HAT_RIGHTUP) : pad.button(input, false);
+    QCOMPARE(nextEvents(), QStringList{QString("release %1").arg(int(button))});
+}
+
+void TestSdlController::axes_data() {
+    QTest::addColumn<int>("axes");
+    QTest::addColumn<int>("axis");
+    QTest::addColumn<QString>("expected");
+    QTest::addRow("left stick x") << 6 << 0 << "left 1.000 0.000";
+    QTest::addRow("left stick y") << 6 << 1 << "left 0.000 1.000";
+    QTest::addRow("left trigger") << 6 << 2 << "pressure 2.000";
+    QTest::addRow("right stick x") << 6 << 3 << "right 1.000 0.000";
+    QTest::addRow("right stick y") << 6 << 4 << "right 0.000 1.000";
+    QTest::addRow("right trigger") << 6 << 5 << "pressure -2.000";
+    QTest::addRow("one axis for both triggers") << 5 << 2 << "pressure 1.000";
+    QTest::addRow("right stick beside it") << 5 << 3 << "right 1.000 0.000";
+    QTest::addRow("right stick without triggers") << 4 << 2 << "right 1.000 0.000";
+    QTest::addRow("third axis alone") << 3 << 2 << "pressure 1.000";
+}
+
+void TestSdlController::axes() {
+    QFETCH(const int, axes);
+    QFETCH(const int, axis);
+    QFETCH(const QString, expected);
+    VirtualPad pad(axes);
+    start();
+    pad.axis(axis, kHigh);
+    QCOMPARE(nextEvents(), QStringList{expected});
+    QCOMPARE(nextEvents(), QStringList{expected});
+    pad.axis(axis, axes == 6 && (axis == 2 || axis == 5) ? kLow : Sint16(0));
+    if (!expected.startsWith("pressure"))
+        QCOMPARE(nextEvents(), QStringList{expected.section(' ', 0, 0) + " 0.000 0.000"});
+    pad.button(0, true);
+    QCOMPARE(nextEvents(), QStringList{"press 0"});
+}
+
+void TestSdlController::deadZones() {
+    VirtualPad pad(5);
+    start();
+    // 17.5 % of the way for a stick, 0.25 % for a trigger; the button shows that a poll has passed.
+    pad.axis(0, 5733);
+    pad.axis(4, -5734);
+    pad.axis(2, 81);
+    pad.button(0, true);
+    QCOMPARE(nextEvents(), QStringList{"press 0"});
+    pad.axis(0, 5760);
+    pad.axis(2, 110);
+    QCOMPARE(nextEvents(), QStringList({"left 0.001 0.000", "pressure 0.001"}));
+    // Outside the zone, what is left of the way covers the whole range.
+    pad.axis(0, 19251);
+    pad.axis(2, kLow);
+    QCOMPARE(nextEvents(), QStringList({"left 0.500 0.000", "pressure -1.000"}));
+}
+
+void TestSdlController::triggersRestAtZero() {
+    VirtualPad pad;
+    start();
+    pad.button(0, true);
+    QCOMPARE(nextEvents(), QStringList{"press 0"});
+    pad.axis(5, kHigh);
+    pad.axis(2, kHigh);
+    pad.button(0, false);
+    QCOMPARE(nextEvents(), QStringList{"release 0"});
+    pad.axis(2, kLow);
+    QCOMPARE(nextEvents(), QStringList{"pressure -2.000"});
+}
+
+void TestSdlController::fastStickDoesNotCrowdOutButtons() {
+    VirtualPad pad;
+    start();
+    manager_->onFocusLost();
+    for (int i = 0; i < 100; ++i) {
+        pad.axis(0, static_cast<Sint16>(kHigh - 100 * i));
+        SDL_JoystickUpdate();
+    }
+    pad.axis(0, 0);
+    pad.button(3, true);
+    SDL_JoystickUpdate();
+    manager_->onFocusGained();
+    QCOMPARE(nextEvents(), QStringList{QString("press %1").arg(int(RightCross_Top))});
+}
+
+void TestSdlController::overflowIsToldAndCaughtUp() {
+    VirtualPad pad(6, 40);
+    start();
+    pad.button(0, true);
+    QCOMPARE(nextEvents(), QStringList{"press 0"});
+    manager_->onFocusLost();
+    for (int i = 10; i < 40; ++i)
+        pad.button(i, true);
+    SDL_JoystickUpdate();
+    pad.button(10, false);
+    SDL_JoystickUpdate();
+    pad.button(11, false);
+    SDL_JoystickUpdate();
+    pad.button(0, false);
+    pad.axis(0, kHigh);
+    pad.hat(SDL_HAT_LEFT);
+    messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
+    manager_->onFocusGained();
+    QCOMPARE(nextEvents(), QStringList({"release 0", QString("press %1").arg(int(LeftDPad_Left)),
+                                        "left 1.000 0.000"}));
+    QCOMPARE(messages_->seen(QtDebugMsg).filter("Ignoring unknown input").size(), 32);
+}
+
+void TestSdlController::unpluggedAndPluggedInAgain() {
+    messages_->expect(QtDebugMsg, "Found device 'Virtual Pad'");
+    messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
+    messages_->expect(QtDebugMsg, "Released gamepad (had no effect)");
+    auto pad = std::make_unique<VirtualPad>();
+    start();
+    pad->axis(0, kHigh);
+    pad->button(1, true);
+    QCOMPARE(nextEvents(), QStringList({"press 1", "left 1.000 0.000"}));
+    events_.clear();
+    pad.reset();
+    QTRY_VERIFY(!manager_->isGamepadConnected());
+    QCOMPARE(events_, QStringList({"release 1", "left 0.000 0.000"}));
+
+    messages_->expect(QtDebugMsg, "Found device 'Another Pad'");
+    pad = std::make_unique<VirtualPad>(6, 11, "Another Pad");
+    QTRY_VERIFY(manager_->isGamepadConnected());
+    pad->button(2, true);
+    QCOMPARE(nextEvents(), QStringList{"press 2"});
+}
+
+void TestSdlController::secondControllerIsIgnored() {
+    VirtualPad first, second;
+    start();
+    second.button(0, true);
+    first.button(1, true);
+    QCOMPARE(nextEvents(), QStringList{"press 1"});
+    // When the first one goes, the second takes its place, and what it holds is known.
+    first.unplug();
+    QTRY_VERIFY(events_.contains("press 0"));
+}
+
+QTEST_GUILESS_MAIN(TestSdlController)
+#include "tst_sdl_controller_linux.moc"
