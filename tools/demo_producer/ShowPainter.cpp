@@ -1,0 +1,527 @@
+#include "tools/demo_producer/ShowPainter.h"
+
+#include "tools/demo_producer/ShowNames.h"
+#include "tools/demo_producer/WarpRasterizer.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace NetworkCompanion;
+
+namespace {
+
+const QColor kBackground(0x12, 0x14, 0x18);
+const QColor kPanel(0x1b, 0x1e, 0x24);
+const QColor kLine(0x33, 0x38, 0x42);
+const QColor kText(0xec, 0xee, 0xf1);
+const QColor kDim(0x8d, 0x95, 0xa1);
+const QColor kAccent(0x00, 0x96, 0xff);
+const QColor kAlert(0xff, 0x5c, 0x4d);
+
+constexpr double kMargin = 20;
+constexpr double kGap = 16;
+constexpr double kHeaderHeight = 52;
+constexpr double kCaptionHeight = 24;
+constexpr double kLeastElementHeight = 90;
+constexpr double kMostElementHeight = 190;
+constexpr double kFooterHeight = 150;
+constexpr double kLogLineHeight = 19;
+constexpr std::size_t kMostScreens = 12;
+constexpr std::size_t kMostElements = 7;
+/// Outputs are drawn so much larger than they are shown, which smoothes their edges.
+constexpr int kOversampling = 2;
+
+QFont fontOf(int pixels, QFont::Weight weight = QFont::Normal) {
+    QFont font;
+    font.setPixelSize(pixels);
+    font.setWeight(weight);
+    return font;
+}
+
+void drawText(QPainter& painter, const QRectF& area, Qt::Alignment alignment, const QString& text,
+              int pixels, const QColor& color, QFont::Weight weight = QFont::Normal) {
+    painter.setFont(fontOf(pixels, weight));
+    painter.setPen(color);
+    const QFontMetricsF metrics(painter.font());
+    painter.drawText(area, int(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
+                     metrics.elidedText(text, Qt::ElideRight, area.width()));
+}
+
+double textWidth(const QString& text, int pixels, QFont::Weight weight = QFont::Normal) {
+    return QFontMetricsF(fontOf(pixels, weight)).horizontalAdvance(text);
+}
+
+void drawPanel(QPainter& painter, const QRectF& area) {
+    painter.setPen(QPen(kLine, 1));
+    painter.setBrush(kPanel);
+    painter.drawRoundedRect(area.adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
+}
+
+/// A small label with a frame, ending at the right edge given; returns where it begins.
+double drawTag(QPainter& painter, double right, double centreY, const QString& text,
+               const QColor& color) {
+    const double width = textWidth(text, 12, QFont::Bold) + 16;
+    const QRectF frame(right - width, centreY - 9, width, 18);
+    painter.setPen(QPen(color, 1));
+    painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
+    painter.drawRoundedRect(frame, 4, 4);
+    drawText(painter, frame, Qt::AlignHCenter, text, 12, color, QFont::Bold);
+    return frame.left();
+}
+
+QString gridText(const Warp& warp, Warp::Kind kind) {
+    if (kind == Warp::Kind::None)
+        return QStringLiteral("not bent");
+    if (kind == Warp::Kind::Keystone)
+        return nameOf(kind);
+    return QStringLiteral("%1 %2 × %3").arg(nameOf(kind)).arg(warp.rows).arg(warp.columns);
+}
+
+/// From an item's pixels, counted from its centre, to a rectangle that shows the whole item.
+QTransform toRect(const ShowItem& item, const QRectF& area) {
+    QTransform transform;
+    transform.translate(area.center().x(), area.center().y());
+    transform.scale(area.width() / item.size.width(), area.height() / item.size.height());
+    transform.rotate(item.rotation);
+    return transform;
+}
+
+/// The part's place in its screen's rectangle.
+QRectF placed(const QRectF& area, const QRectF& whole) {
+    return {whole.x() + area.x() * whole.width(), whole.y() + area.y() * whole.height(),
+            area.width() * whole.width(), area.height() * whole.height()};
+}
+
+Warp shownWarp(const ShowItem& item) {
+    return item.shownKind() == Warp::Kind::None ? Warp::straight(Warp::Kind::None, 2, 2, item.size)
+                                                : item.warp;
+}
+
+QImage blank(QSize size, const QColor& color) {
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(color);
+    return image;
+}
+
+QPolygonF line(const Surface& surface, const QTransform& transform, bool along, double at,
+               int steps) {
+    const std::vector<double> parameters = evenParameters(steps);
+    QPolygonF polygon;
+    for (const QPointF& point :
+         along ? surface.sample(parameters, {at}) : surface.sample({at}, parameters))
+        polygon.append(transform.map(point));
+    return polygon;
+}
+
+/// A lattice by which a bend can be read off any picture.
+void drawLattice(QPainter& painter, QSizeF size) {
+    painter.setPen(QPen(QColor(255, 255, 255, 46), 1.2));
+    constexpr int kColumns = 16, kRows = 9;
+    for (int i = 1; i < kColumns; ++i)
+        painter.drawLine(QPointF(size.width() * i / kColumns, 0),
+                         QPointF(size.width() * i / kColumns, size.height()));
+    for (int i = 1; i < kRows; ++i)
+        painter.drawLine(QPointF(0, size.height() * i / kRows),
+                         QPointF(size.width(), size.height() * i / kRows));
+    painter.setPen(QPen(QColor(255, 255, 255, 190), 4));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(QRectF({}, size));
+}
+
+/// The most tiles of the given proportions that fit, as large as they can be.
+struct Tiling {
+    int columns = 1;
+    QSizeF tile;
+};
+
+Tiling tilingFor(int count, QSizeF area, double proportions) {
+    Tiling best;
+    for (int columns = 1; columns <= count; ++columns) {
+        const int rows = (count + columns - 1) / columns;
+        const double width = (area.width() - (columns - 1) * kGap) / columns;
+        const double height = (area.height() - (rows - 1) * kGap) / rows - kCaptionHeight;
+        const double fitting = std::min(width, height * proportions);
+        if (fitting > best.tile.width())
+            best = {columns, QSizeF(fitting, fitting / proportions)};
+    }
+    return best;
+}
+
+void drawShape(QPainter& painter, const QPointF& at, int shape, const QColor& color,
+               bool selected) {
+    const double r = selected ? 6.0 : 4.0;
+    painter.setBrush(selected ? QColor(color.red(), color.green(), color.blue(), 150)
+                              : QColor(Qt::transparent));
+    const auto draw = [&] {
+        switch (shape) {
+        case 1:
+            painter.setBrush(color);
+            painter.drawEllipse(at, r * 0.55, r * 0.55);
+            break;
+        case 2:
+            painter.drawLine(at - QPointF(r, 0), at + QPointF(r, 0));
+            painter.drawLine(at - QPointF(0, r), at + QPointF(0, r));
+            break;
+        case 3:
+            painter.drawEllipse(at, r, r);
+            break;
+        default:
+            painter.drawRect(QRectF(at.x() - r, at.y() - r, 2 * r, 2 * r));
+        }
+    };
+    painter.setPen(QPen(QColor(0, 0, 0, 170), 4)); // so that it stands out on bright pictures
+    draw();
+    painter.setPen(QPen(color, 2));
+    draw();
+}
+
+} // namespace
+
+void ShowPainter::paint(QPainter& painter, const QRectF& area, const ProducerSession& session,
+                        const Stage& stage) {
+    session_ = &session;
+    stage_ = &stage;
+    moment_.clear();
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.fillRect(area, kBackground);
+
+    std::vector<const ShowItem*> screens, elements;
+    for (const ShowItem& item : session.show().items()) {
+        if (item.key.type == LV_NTC_ElementType::Screen && screens.size() < kMostScreens)
+            screens.push_back(&item);
+        if (item.key.type <= LV_NTC_ElementType::Texture && elements.size() < kMostElements)
+            elements.push_back(&item);
+    }
+
+    paintHeader(painter, QRectF(area.x(), area.y(), area.width(), kHeaderHeight));
+    QRectF rest = area.adjusted(kMargin, kHeaderHeight + kGap, -kMargin, -kMargin);
+
+    const double strip = elements.empty() ? 0 : kCaptionHeight + kGap;
+    const double leastStrip = elements.empty() ? 0 : strip + kLeastElementHeight;
+    const Tiling outputs =
+        tilingFor(int(screens.size()),
+                  {rest.width(), rest.height() - leastStrip - kFooterHeight - kGap}, 16.0 / 9.0);
+    const QRectF outputsArea = rest;
+    const double left =
+        rest.center().x() - (outputs.columns * (outputs.tile.width() + kGap) - kGap) / 2;
+    for (std::size_t i = 0; i < screens.size(); ++i) {
+        const int column = int(i) % outputs.columns, row = int(i) / outputs.columns;
+        const QRectF tile(left + column * (outputs.tile.width() + kGap),
+                          outputsArea.y() + row * (outputs.tile.height() + kCaptionHeight + kGap),
+                          outputs.tile.width(), outputs.tile.height());
+        paintOutput(painter, tile.toRect(), *screens[i]);
+        rest.setTop(tile.bottom() + kCaptionHeight + kGap);
+    }
+
+    if (!elements.empty()) {
+        const double count = double(elements.size());
+        const double height = std::clamp(rest.height() - kFooterHeight - strip, kLeastElementHeight,
+                                         kMostElementHeight);
+        const double width =
+            std::min((rest.width() - kGap * (count - 1)) / count, kMostElementHeight * 1.6);
+        for (std::size_t i = 0; i < elements.size(); ++i)
+            paintElement(
+                painter,
+                QRectF(rest.x() + double(i) * (width + kGap), rest.y(), width, height).toRect(),
+                *elements[i]);
+        rest.setTop(rest.top() + height + strip);
+    }
+
+    const double keysWidth = std::min(460.0, rest.width() * 0.4);
+    paintLog(painter, rest.adjusted(0, 0, -keysWidth - kGap, 0));
+    paintQuickKeys(painter, rest.adjusted(rest.width() - keysWidth, 0, 0, 0));
+    if (stage.flash)
+        paintFlash(painter, outputsArea);
+    session_ = nullptr;
+    stage_ = nullptr;
+}
+
+void ShowPainter::paintHeader(QPainter& painter, const QRectF& area) const {
+    painter.fillRect(area, kPanel);
+    painter.fillRect(QRectF(area.x(), area.bottom() - 1, area.width(), 1), kLine);
+    const double middle = area.center().y();
+    double left = area.x() + kMargin;
+    const auto write = [&](const QString& text, int pixels, const QColor& color,
+                           QFont::Weight weight) {
+        const double width = textWidth(text, pixels, weight) + 2;
+        drawText(painter, QRectF(left, area.y(), width, area.height()), Qt::AlignLeft, text, pixels,
+                 color, weight);
+        left += width + 14;
+    };
+    write(stage_->producerName, 19, kText, QFont::Bold);
+    write(session_->show().title, 17, kAccent, QFont::DemiBold);
+    write(QStringLiteral("%1 items").arg(session_->show().items().size()), 13, kDim, QFont::Normal);
+    write(stage_->address, 13, kDim, QFont::Normal);
+    if (session_->show().pattern != LV_NTC_PictureType::None) {
+        const QString text = QStringLiteral("PATTERN  ") + nameOf(session_->show().pattern);
+        left += textWidth(text, 12, QFont::Bold) + 16;
+        drawTag(painter, left, middle, text, QColor(0xff, 0xb0, 0x20));
+        left += 14;
+    }
+
+    double right = area.right() - kMargin;
+    const auto& companions = session_->companions();
+    if (companions.empty())
+        drawText(painter, QRectF(left, area.y(), right - left, area.height()), Qt::AlignRight,
+                 QStringLiteral("no companion connected"), 13, kDim);
+    for (auto entry = companions.rbegin(); entry != companions.rend(); ++entry) {
+        const auto& [id, companion] = *entry;
+        const ShowItem* const item =
+            companion.editing ? session_->show().find(*companion.editing) : nullptr;
+        const QString text = QStringLiteral("%1  %2").arg(companion.address,
+                                                          item ? item->name : QStringLiteral("–"));
+        const double width = textWidth(text, 13) + 34;
+        if (right - width < left) {
+            drawText(painter, QRectF(left, area.y(), right - left, area.height()), Qt::AlignRight,
+                     QStringLiteral("%1 companions").arg(companions.size()), 13, kDim);
+            break;
+        }
+        const QRectF chip(right - width, middle - 14, width, 28);
+        painter.setPen(QPen(kLine, 1));
+        painter.setBrush(kBackground);
+        painter.drawRoundedRect(chip, 14, 14);
+        const QColor color(companion.pointColor);
+        const QPointF dot(chip.left() + 15, middle);
+        if (companion.pointShape > 0) {
+            drawShape(painter, dot, companion.pointShape, color, false);
+        } else {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(QColor(0x3d, 0xdc, 0x84));
+            painter.drawEllipse(dot, 4, 4);
+        }
+        drawText(painter, chip.adjusted(27, 0, 0, 0), Qt::AlignLeft, text, 13, kText);
+        right = chip.left() - 8;
+    }
+}
+
+QImage ShowPainter::pictureOf(const ShowItem& item) {
+    QImage& picture = moment_[item.key];
+    if (picture.isNull())
+        picture = pictures_.picture(item, stage_->seconds);
+    return picture;
+}
+
+QImage ShowPainter::composition(const ShowItem& screen, QSize size) {
+    const Show& show = session_->show();
+    if (show.pattern != LV_NTC_PictureType::None)
+        return pictures_.pattern(show.pattern, size, stage_->seconds);
+    QImage image = blank(size, QColor(0x0a, 0x0c, 0x12));
+    for (const Layer& layer : screen.layers) {
+        const ShowItem* const item = show.find(layer.item);
+        if (!item || item->blinded)
+            continue;
+        const Warp warp = shownWarp(*item);
+        WarpRasterizer::draw(image, pictureOf(*item), {0, 0, 1, 1}, warp.xySurface(),
+                             warp.uvSurface(),
+                             toRect(*item, placed(layer.area, QRectF(QPointF(), QSizeF(size)))));
+    }
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawLattice(painter, size);
+    return image;
+}
+
+void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const ShowItem& screen) {
+    const QSizeF fitted = QSizeF(screen.size).scaled(raster.size(), Qt::KeepAspectRatio);
+    const QRectF frame(raster.center() - QPointF(fitted.width(), fitted.height()) / 2, fitted);
+    painter.fillRect(raster, Qt::black);
+    const std::vector<const ShowItem*> parts = session_->show().partsOf(screen);
+    const bool inParts = screen.mode == LV_NTC_ModeType::Parts && !parts.empty();
+    painter.save();
+    painter.setClipRect(frame);
+    if (!screen.blinded) {
+        const QSize size = (frame.size() * kOversampling).toSize();
+        const QRectF whole({}, QSizeF(size));
+        const QImage picture = composition(screen, size);
+        QImage output = blank(size, Qt::transparent);
+        if (inParts) {
+            for (const ShowItem* part : parts) {
+                if (!part->blinded)
+                    WarpRasterizer::draw(output, picture, part->area, part->warp.xySurface(),
+                                         part->warp.uvSurface(),
+                                         toRect(*part, placed(part->area, whole)));
+            }
+        } else {
+            const Warp warp = shownWarp(screen);
+            WarpRasterizer::draw(output, picture, {0, 0, 1, 1}, warp.xySurface(), warp.uvSurface(),
+                                 toRect(screen, whole));
+        }
+        painter.drawImage(frame, output);
+    }
+    const auto overlay = [&](const ShowItem& item, const QRectF& area) {
+        const QTransform transform = toRect(item, area);
+        if (stage_->meshes)
+            paintMesh(painter, item, transform);
+        paintRemotePoints(painter, item, true, transform);
+    };
+    if (inParts) {
+        for (const ShowItem* part : parts)
+            overlay(*part, placed(part->area, frame));
+    } else {
+        overlay(screen, frame);
+    }
+    painter.restore();
+    painter.setPen(QPen(kLine, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(raster.adjusted(-0.5, -0.5, 0.5, 0.5));
+
+    const QRectF caption(raster.x(), raster.bottom() + 2, raster.width(), kCaptionHeight);
+    const auto blindedParts = std::ranges::count_if(parts, &ShowItem::blinded);
+    double right = caption.right();
+    if (screen.blinded)
+        right = drawTag(painter, right, caption.center().y(), QStringLiteral("BLIND"), kAlert) - 8;
+    else if (inParts && blindedParts > 0)
+        right =
+            drawTag(painter, right, caption.center().y(),
+                    QStringLiteral("BLIND %1 OF %2").arg(blindedParts).arg(parts.size()), kAlert) -
+            8;
+    const QString kind = inParts ? QStringLiteral("%1 parts").arg(parts.size())
+                                 : gridText(screen.warp, screen.shownKind());
+    const double kindWidth = textWidth(kind, 12);
+    drawText(painter, QRectF(right - kindWidth, caption.y(), kindWidth + 1, caption.height()),
+             Qt::AlignLeft, kind, 12, kDim);
+    drawText(painter, caption.adjusted(0, 0, right - kindWidth - 8 - caption.right(), 0),
+             Qt::AlignLeft, screen.name, 14, kText, QFont::DemiBold);
+}
+
+bool ShowPainter::isUvEdited(const ShowItem& item) const {
+    return std::ranges::any_of(session_->companions(), [&item](const auto& entry) {
+        return entry.second.editing == item.key && entry.second.editsUv;
+    });
+}
+
+void ShowPainter::paintElement(QPainter& painter, const QRectF& tile, const ShowItem& item) {
+    drawPanel(painter, tile);
+    painter.save();
+    painter.setClipRect(tile.adjusted(1, 1, -1, -1));
+    const QSizeF fitted = QSizeF(item.size).scaled(tile.size() * 0.82, Qt::KeepAspectRatio);
+    const QRectF frame(tile.center() - QPointF(fitted.width(), fitted.height()) / 2, fitted);
+    const bool uv = isUvEdited(item);
+    // While texture coordinates are edited the source is shown, with the mesh as it lies on it.
+    const Warp warp = uv ? Warp::straight(Warp::Kind::None, 2, 2, item.size) : shownWarp(item);
+    if (!item.blinded) {
+        QImage image = blank((tile.size() * kOversampling).toSize(), Qt::transparent);
+        QTransform transform = toRect(item, frame.translated(-tile.topLeft()));
+        transform *= QTransform::fromScale(kOversampling, kOversampling);
+        WarpRasterizer::draw(image, pictureOf(item), {0, 0, 1, 1}, warp.xySurface(),
+                             warp.uvSurface(), transform);
+        painter.drawImage(tile, image);
+    }
+    painter.setPen(QPen(QColor(255, 255, 255, 60), 1, Qt::DotLine));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(frame);
+    if (stage_->meshes && !uv)
+        paintMesh(painter, item, toRect(item, frame));
+    if (uv) {
+        QTransform unit; // from 0 ... 1 over the source
+        unit.translate(frame.x(), frame.y());
+        unit.scale(frame.width(), frame.height());
+        paintRemotePoints(painter, item, false, unit);
+    } else {
+        paintRemotePoints(painter, item, true, toRect(item, frame));
+    }
+    painter.restore();
+
+    const QRectF caption(tile.x(), tile.bottom() + 1, tile.width(), kCaptionHeight);
+    double right = caption.right();
+    if (item.blinded)
+        right = drawTag(painter, right, caption.center().y(), QStringLiteral("BLIND"), kAlert) - 6;
+    const QString kind = uv ? QStringLiteral("UV") : gridText(item.warp, item.shownKind());
+    const double kindWidth = textWidth(kind, 11);
+    drawText(painter, QRectF(right - kindWidth, caption.y(), kindWidth + 1, caption.height()),
+             Qt::AlignLeft, kind, 11, kDim);
+    drawText(painter, caption.adjusted(0, 0, right - kindWidth - 6 - caption.right(), 0),
+             Qt::AlignLeft, item.name, 13, kText);
+}
+
+void ShowPainter::paintMesh(QPainter& painter, const ShowItem& item,
+                            const QTransform& toRaster) const {
+    if (item.shownKind() == Warp::Kind::None)
+        return;
+    const Surface surface = item.warp.xySurface();
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(QColor(255, 255, 255, 150), 1));
+    const int columns = surface.patchColumns(), rows = surface.patchRows();
+    for (int i = 0; i <= columns; ++i)
+        painter.drawPolyline(
+            line(surface, toRaster, false, double(i) / columns, WarpRasterizer::steps(rows)));
+    for (int i = 0; i <= rows; ++i)
+        painter.drawPolyline(
+            line(surface, toRaster, true, double(i) / rows, WarpRasterizer::steps(columns)));
+}
+
+void ShowPainter::paintRemotePoints(QPainter& painter, const ShowItem& item, bool xy,
+                                    const QTransform& toRaster) const {
+    if (item.shownKind() == Warp::Kind::None)
+        return;
+    for (const auto& [id, companion] : session_->companions()) {
+        if (companion.editing != item.key || companion.pointShape == 0)
+            continue;
+        const QColor color(companion.pointColor);
+        const auto& points = xy ? item.warp.xy : item.warp.uv;
+        for (const bool selected : {false, true}) { // the selected ones on top
+            for (const ControlPoint& point : points) {
+                if (point.selected == selected)
+                    drawShape(painter, toRaster.map(point.place), companion.pointShape, color,
+                              selected);
+            }
+        }
+    }
+}
+
+void ShowPainter::paintLog(QPainter& painter, const QRectF& area) const {
+    drawPanel(painter, area);
+    const QRectF inside = area.adjusted(14, 10, -14, -10);
+    const int lines = std::max(0, int(inside.height() / kLogLineHeight));
+    const qsizetype first = std::max<qsizetype>(0, stage_->log.size() - lines);
+    for (qsizetype i = first; i < stage_->log.size(); ++i)
+        drawText(painter,
+                 QRectF(inside.x(), inside.y() + double(i - first) * kLogLineHeight, inside.width(),
+                        kLogLineHeight),
+                 Qt::AlignLeft, stage_->log[i], 12, i == stage_->log.size() - 1 ? kText : kDim);
+}
+
+void ShowPainter::paintQuickKeys(QPainter& painter, const QRectF& area) const {
+    drawPanel(painter, area);
+    const Show& show = session_->show();
+    const QRectF inside = area.adjusted(12, 12, -12, -12);
+    const int count = int(show.quickKeys.size());
+    if (count == 0)
+        return;
+    const int columns = std::min(4, count), rows = (count + columns - 1) / columns;
+    const double gap = 8, width = (inside.width() - (columns - 1) * gap) / columns;
+    const double height = std::min(44.0, (inside.height() - (rows - 1) * gap) / rows);
+    int index = 0;
+    for (const auto& [id, key] : show.quickKeys) {
+        const QRectF button(inside.x() + index % columns * (width + gap),
+                            inside.y() + index / columns * (height + gap), width, height);
+        ++index;
+        const bool pressed = stage_->flash && stage_->flash->name == key.name;
+        QColor color(key.color);
+        if (!color.isValid())
+            color = kLine;
+        painter.setPen(pressed ? QPen(Qt::white, 2) : QPen(Qt::NoPen));
+        painter.setBrush(pressed ? color.lighter(100 + int(70 * stage_->flash->strength)) : color);
+        painter.drawRoundedRect(button, 6, 6);
+        if (height >= 12)
+            drawText(painter, button.adjusted(6, 0, -6, 0), Qt::AlignHCenter, key.name, 13,
+                     Qt::white, QFont::DemiBold);
+    }
+}
+
+void ShowPainter::paintFlash(QPainter& painter, const QRectF& area) const {
+    const KeyFlash& flash = *stage_->flash;
+    QColor color = flash.color;
+    painter.setOpacity(std::clamp(flash.strength, 0.0, 1.0));
+    const double width = textWidth(flash.name, 40, QFont::Bold) + 90;
+    const QRectF banner(area.center().x() - width / 2, area.y() + 78, width, 76);
+    painter.setPen(QPen(Qt::white, 2));
+    color.setAlpha(235);
+    painter.setBrush(color);
+    painter.drawRoundedRect(banner, 12, 12);
+    drawText(painter, banner, Qt::AlignHCenter, flash.name, 40, Qt::white, QFont::Bold);
+    painter.setOpacity(1.0);
+}
