@@ -81,8 +81,7 @@ int MeshGridItem::pointAt(const QPointF& position, double reach) const {
     double nearestDistance = std::max(far, circle);
     for (int number = pointCount() - 1; number >= 0; --number) {
         const MeshPoint& point = *points_[static_cast<std::size_t>(number)];
-        const double distance =
-            std::hypot(point.x() - position.x(), point.y() - position.y());
+        const double distance = std::hypot(point.x() - position.x(), point.y() - position.y());
         if (distance <= circle) {
             if (point.selection() == MeshPoint::State::Current)
                 return number;
@@ -106,7 +105,9 @@ QPointF MeshGridItem::boundedForDrag(const QPointF& position) const {
             std::max(dragMinimumY_, std::min(position.y(), dragMaximumY_))};
 }
 
-void MeshGridItem::markMesh() { update(); }
+void MeshGridItem::markMesh() {
+    update();
+}
 
 void MeshGridItem::forgetPoint(MeshPoint* point) {
     std::erase(points_, point);
@@ -183,4 +184,6 @@ void MeshGridItem::itemChange(ItemChange change, const ItemChangeData& data) {
     QQuickItem::itemChange(change, data);
 }
 
-void MeshGridItem::releaseResources() { atlas_.reset(); }
+void MeshGridItem::releaseResources() {
+    atlas_.reset();
+}

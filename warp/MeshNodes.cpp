@@ -12,8 +12,8 @@
 
 namespace {
 
-/// Calls draw(part, centre) for each digit of the number, the centres relative to the point's centre
-/// in pixels of the screen, unturned.
+/// Calls draw(part, centre) for each digit of the number, the centres relative to the point's
+/// centre in pixels of the screen, unturned.
 template <typename Draw>
 void forEachDigit(const MeshAtlas& atlas, MeshPoint::State state, int number, Draw draw) {
     std::array<int, 10> values;
@@ -42,8 +42,8 @@ int digitCount(int number) {
 class MeshGeometryNode : public QSGGeometryNode, public MeshNode {
 public:
     explicit MeshGeometryNode(QQuickWindow* window)
-        : window_(window),
-          geometry_(QSGGeometry::defaultAttributes_TexturedPoint2D(), 0, 0, QSGGeometry::UnsignedIntType) {
+        : window_(window), geometry_(QSGGeometry::defaultAttributes_TexturedPoint2D(), 0, 0,
+                                     QSGGeometry::UnsignedIntType) {
         geometry_.setDrawingMode(QSGGeometry::DrawTriangles);
         geometry_.setVertexDataPattern(QSGGeometry::DynamicPattern);
         geometry_.setIndexDataPattern(QSGGeometry::DynamicPattern);
@@ -135,8 +135,9 @@ public:
     QSGNode* node() override { return this; }
 
     void setPicture(MeshPicture picture) override {
+        if (picture.atlas != picture_.atlas)
+            pixmap_ = QPixmap::fromImage(picture.atlas->image());
         picture_ = std::move(picture);
-        pixmap_ = QPixmap::fromImage(picture_.atlas->image());
         QRectF bounds;
         for (const MeshPicture::Point& point : picture_.points)
             bounds |= QRectF(point.position, QSizeF(1e-6, 1e-6));
@@ -183,9 +184,9 @@ public:
             }
             const QPointF origin = upright ? centre : QPointF();
             const auto sprite = [&](const MeshAtlas::Part& part, const QPointF& offset) {
-                const QRectF target(
-                    origin + offset - QPointF(part.size.width(), part.size.height()) / 2,
-                    part.size);
+                const QRectF target(origin + offset -
+                                        QPointF(part.size.width(), part.size.height()) / 2,
+                                    part.size);
                 painter->drawPixmap(target, pixmap_, part.pixels);
             };
             sprite(atlas.circle(point.state), QPointF());
@@ -210,4 +211,6 @@ MeshNode* MeshNode::create(QQuickWindow* window) {
     return new MeshGeometryNode(window);
 }
 
-MeshNode* MeshNode::from(QSGNode* node) { return dynamic_cast<MeshNode*>(node); }
+MeshNode* MeshNode::from(QSGNode* node) {
+    return dynamic_cast<MeshNode*>(node);
+}

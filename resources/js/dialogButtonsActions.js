@@ -1,0 +1,65 @@
+.pragma library
+.import "deformerActions.js" as DeformerActions
+.import "meshRules.js" as Rules
+
+// What the buttons and lists of the configuration dialog do.
+
+var CURVES = ["None", "Keystone", "Bezier", "Curve"];
+
+// The smallest count of rows and columns that the operator can choose for a kind of deformation.
+function smallestCount(deformationType, smallestOfCurve) {
+    return deformationType === Rules.CURVE ? smallestOfCurve : Rules.SMALLEST_GRID;
+}
+
+// The counts to choose from.
+function counts(smallest, largest) {
+    const list = [];
+    for (let count = smallest; count <= largest; ++count)
+        list.push(count);
+    return list;
+}
+
+function indexOfCount(count, smallest) {
+    return count < smallest ? 0 : count - smallest;
+}
+
+function hasCounts(deformationType) {
+    return deformationType === Rules.BEZIER || deformationType === Rules.CURVE;
+}
+
+function connectButton(scene, button) {
+    switch (button.type) {
+    case "confirmButton":
+        button.clicked.connect(() => confirm(scene));
+        break;
+    case "cancelButton":
+        button.clicked.connect(() => scene.deformationDialog.close());
+        break;
+    default:
+        console.log("Dialog button connect error!");
+    }
+}
+
+// Asks the Producer for what the dialog shows.
+function confirm(scene) {
+    const dialog = scene.deformationDialog;
+    switch (dialog.curve) {
+    case "None":
+        scene.bridge.newNoneDeformation();
+        break;
+    case "Keystone":
+        scene.bridge.newKeystoneDeformation(dialog.resetXY);
+        break;
+    case "Bezier":
+        scene.bridge.newBezierDeformation(dialog.rows, dialog.columns, dialog.resetXY);
+        break;
+    case "Curve":
+        scene.bridge.newCurveDeformation(dialog.rows, dialog.columns, dialog.resetXY);
+        break;
+    default:
+        console.log("This deformation mode does not exist.");
+    }
+    dialog.close();
+    DeformerActions.adjustView(scene);
+    scene.currentPointText.clear();
+}

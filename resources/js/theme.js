@@ -1,0 +1,23 @@
+.pragma library
+
+// Colours and measures that the documents of the editor share.
+
+var canvas = "#000000";
+var panel = "#1e1e1e";
+var control = "#323232";
+var controlPressed = "#464646";
+var outline = "#505050";
+var text = "#ffffff";
+var quietText = "#a0a0a0";
+var accent = "#0096ff"; // only for what is selected or can be pressed
+var selection = "#b3dffe";
+var selectionOutline = "#004c99";
+var disabledOpacity = 0.35;
+
+var spacing = 8;
+var radius = 6;
+var touchTarget = 44;
+var fontSize = 14;
+var titleSize = 18;
+
+var toolTipDelay = 600; // ms

@@ -1,0 +1,116 @@
+import QtQuick
+import "../js/dialogButtonsActions.js" as DialogButtonsActions
+import "../js/theme.js" as Theme
+
+// Asks for another deformation of the current item.
+DialogFrame {
+    id: dialog
+
+    property int mode: -1 // the deformation shown, -1 while the dialog is closed
+    property int columnsNumber: 0
+    property int rowsNumber: 0
+    property alias resetXY: resetTick.checked
+
+    readonly property int chosenMode: curveBox.currentIndex
+    readonly property string curve: curveBox.currentText
+    readonly property int columns: Number(columnsBox.currentText)
+    readonly property int rows: Number(rowsBox.currentText)
+
+    function open(deformationType, columnsCount, rowsCount) {
+        mode = deformationType;
+        columnsNumber = columnsCount;
+        rowsNumber = rowsCount;
+        curveBox.currentIndex = deformationType;
+        fillLists();
+        visible = true;
+    }
+
+    // The closed dialog holds values that no item has, so that the next opening refreshes every field.
+    function close() {
+        visible = false;
+        mode = -1;
+        columnsNumber = 0;
+        rowsNumber = 0;
+        resetXY = false;
+    }
+
+    function fillLists() {
+        const smallestColumns = DialogButtonsActions.smallestCount(chosenMode, curveMinCols);
+        const smallestRows = DialogButtonsActions.smallestCount(chosenMode, curveMinRows);
+        columnsBox.model = DialogButtonsActions.counts(smallestColumns, curveMaxCols);
+        columnsBox.currentIndex = DialogButtonsActions.indexOfCount(columnsNumber, smallestColumns);
+        rowsBox.model = DialogButtonsActions.counts(smallestRows, curveMaxRows);
+        rowsBox.currentIndex = DialogButtonsActions.indexOfCount(rowsNumber, smallestRows);
+    }
+
+    title: "Configuration"
+    onConfirmed: DialogButtonsActions.confirm(scene)
+    onDismissed: close()
+
+    Column {
+        spacing: Theme.spacing
+
+        DialogRow {
+            label: "Type of curves:"
+
+            ChoiceBox {
+                id: curveBox
+
+                accessibleName: "Type of curves"
+                focus: true
+                model: DialogButtonsActions.CURVES
+                onCurrentIndexChanged: dialog.fillLists()
+            }
+        }
+
+        DialogRow {
+            label: "Number of columns:"
+            visible: DialogButtonsActions.hasCounts(dialog.chosenMode)
+
+            ChoiceBox {
+                id: columnsBox
+
+                accessibleName: "Number of columns"
+            }
+        }
+
+        DialogRow {
+            label: "Number of rows:"
+            visible: DialogButtonsActions.hasCounts(dialog.chosenMode)
+
+            ChoiceBox {
+                id: rowsBox
+
+                accessibleName: "Number of rows"
+            }
+        }
+
+        Tick {
+            id: resetTick
+
+            text: "Reset"
+        }
+
+        Item {
+            width: 1
+            height: Theme.spacing
+        }
+
+        Row {
+            anchors.right: parent.right
+            spacing: Theme.spacing
+
+            DialogButton {
+                scene: dialog.scene
+                text: "Cancel"
+                type: "cancelButton"
+            }
+
+            DialogButton {
+                scene: dialog.scene
+                text: "OK"
+                type: "confirmButton"
+            }
+        }
+    }
+}

@@ -1,0 +1,84 @@
+import QtQuick
+import "../js/deformerActions.js" as DeformerActions
+
+// The deformation of one item: its mesh of positions (XY) and its mesh of texture coordinates (UV).
+Item {
+    id: deformer
+
+    property var scene
+    property int colsNumber: 2
+    property int rowsNumber: 2
+    property int deformationType: 0 // 0 none, 1 keystone, 2 bezier, 3 curve
+    readonly property list<DeformerGrid> grids: [xyGrid, uvGrid]
+
+    function hasCurrentPoint() {
+        return grids[DeformerActions.getCurrentGridId(scene)].currentSelectedPointId !== -1;
+    }
+
+    function pointPressed(pointNum) {
+        if (scene.ctrlPressed)
+            DeformerActions.pointCtrlPressed(scene, pointNum);
+        else
+            DeformerActions.pointPressed(scene, pointNum);
+    }
+
+    function moveSelectedPoints(dx, dy) {
+        DeformerActions.moveSelectedPoints(scene, dx, dy);
+    }
+
+    function hideGrid(grid) {
+        DeformerActions.hideGrid(grid);
+    }
+
+    function showGrid(grid) {
+        DeformerActions.showGrid(grid);
+    }
+
+    function hideDeformer(item) {
+        DeformerActions.hideDeformer(scene, item);
+    }
+
+    function showDeformer(item) {
+        DeformerActions.showDeformer(scene, item);
+    }
+
+    function updateDeformationMode(item, deformationType, row, col, reset) {
+        DeformerActions.updateDeformationMode(scene, item, deformationType, row, col, reset);
+    }
+
+    function adjustView() {
+        DeformerActions.adjustView(scene);
+    }
+
+    function selectAllPoints() {
+        DeformerActions.selectAllPoints(scene);
+    }
+
+    function unselectAllPoints() {
+        if (hasCurrentPoint())
+            DeformerActions.unselectAllPoints(scene);
+    }
+
+    function manageKeyEvent(event) {
+        DeformerActions.manageKeyEvent(scene, event);
+    }
+
+    function manageAction(action) {
+        DeformerActions.manageAction(scene, action);
+    }
+
+    DeformerGrid {
+        id: xyGrid
+
+        anchors.fill: parent
+        scene: deformer.scene
+    }
+
+    DeformerGrid {
+        id: uvGrid
+
+        anchors.fill: parent
+        scene: deformer.scene
+        visible: false
+    }
+}

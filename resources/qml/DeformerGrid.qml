@@ -1,0 +1,22 @@
+import QtQuick
+import Meshpad.Scene
+import "../js/theme.js" as Theme
+
+// One mesh of control points and the lines between them.
+MeshGridItem {
+    property var scene
+
+    property var pointsArray: [] // by point id
+    property var linesArray: []
+    property int currentSelectedPointId: -1
+    property int lastSelectedPointId: -1
+
+    zoom: visible ? scene.mediaScaleFactor : 1
+    pointDiameter: 20
+    pointBorderWidth: 2
+    lineThickness: 2
+    lineColor: "#dddddd"
+    unselectedColors: [Theme.control, Theme.accent, Theme.text]
+    selectedColors: [Theme.selection, Theme.selectionOutline, Theme.selectionOutline]
+    currentColors: [Theme.selection, Theme.accent, "#000000"]
+}

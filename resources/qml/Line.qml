@@ -1,0 +1,4 @@
+import Meshpad.Scene
+
+// An edge of the mesh, drawn by its grid under the points.
+MeshLine {}

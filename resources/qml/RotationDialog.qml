@@ -1,0 +1,77 @@
+import QtQuick
+import "../js/theme.js" as Theme
+
+// Asks from which side the workspace is seen.
+DialogFrame {
+    id: dialog
+
+    property int selectedView: 0 // 0 front, 1 left, 2 back, 3 right
+
+    readonly property var viewNames: ["Front", "Left", "Back", "Right"]
+
+    function open() {
+        visible = true;
+    }
+
+    function close() {
+        visible = false;
+    }
+
+    // Turns the current item as the selected view says.
+    function applySelectedView() {
+        const item = scene.getCurrentItem();
+        if (item)
+            item.viewingRotation = 90 * selectedView;
+    }
+
+    function selectView(view) {
+        if (scene.getCurrentItem()) {
+            selectedView = view;
+            applySelectedView();
+        } else {
+            console.log("currentItem is null, nothing to update");
+        }
+        close();
+    }
+
+    closeButtonVisible: true
+    title: "Rotation"
+    onConfirmed: close()
+    onDismissed: close()
+
+    Row {
+        spacing: Theme.spacing
+
+        Repeater {
+            model: rotationButtonPath
+
+            Column {
+                id: choice
+
+                required property int index
+                required property url modelData
+
+                spacing: 4
+
+                WarpToolButton {
+                    buttonId: choice.index
+                    checkable: true
+                    height: 80
+                    pushed: dialog.selectedView === choice.index
+                    scene: dialog.scene
+                    source: choice.modelData
+                    toolTip: dialog.viewNames[choice.index]
+                    type: "rotationButton"
+                    width: 80
+                }
+
+                Text {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    color: dialog.selectedView === choice.index ? Theme.text : Theme.quietText
+                    font.pixelSize: Theme.fontSize
+                    text: dialog.viewNames[choice.index]
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,68 @@
+import QtQuick
+import "../js/deformerActions.js" as DeformerActions
+import "../js/meshRules.js" as Rules
+
+// A source as the operator sees it in the workspace: a plane of the source's size with its mesh on it.
+Rectangle {
+    id: warpItem
+
+    property var scene
+    property int type
+    property int idNum
+    property int sourceWidth
+    property int sourceHeight
+    property real sourceRotation
+    property real sourceDeformerRotation
+    property real viewingRotation: 0
+    property string name
+    readonly property real defaultSourceScaleFactor: Math.min(scene.width / sourceWidth, scene.height / sourceHeight) / 2.5
+    readonly property bool isMedia: type === Rules.MEDIA
+    readonly property bool isTexture: type === Rules.TEXTURE
+    readonly property bool isScreen: type === Rules.SCREEN
+    readonly property bool isScreenPart: type === Rules.SCREEN_PART
+    property alias itemDeformer: deformer
+    property alias deformerDeformationType: deformer.deformationType
+    property alias deformerColsNumber: deformer.colsNumber
+    property alias deformerRowsNumber: deformer.rowsNumber
+    property alias deformerGrids: deformer.grids
+
+    function getFullRotation() {
+        return sourceRotation + sourceDeformerRotation + viewingRotation;
+    }
+
+    function stayInPlace() {
+        if (x === 0 && y === 0)
+            return;
+        console.log("Do NOT override the position of a WarpItem! Move the canvas.canvasMedia object instead!");
+        x = 0;
+        y = 0;
+    }
+
+    width: sourceWidth
+    height: sourceHeight
+    color: "#303030"
+    border.color: "#505050"
+    border.width: visible ? 1 / scene.mediaScaleFactor : 1
+    rotation: sourceRotation + viewingRotation
+
+    onXChanged: stayInPlace()
+    onYChanged: stayInPlace()
+    onViewingRotationChanged: {
+        if (Math.abs(viewingRotation) >= 360) {
+            viewingRotation %= 360;
+            return;
+        }
+        DeformerActions.refreshPoints(scene, warpItem);
+        scene.rotationDialog.selectedView = Rules.viewOfRotation(viewingRotation);
+    }
+    onSourceRotationChanged: DeformerActions.refreshPoints(scene, warpItem)
+    onSourceDeformerRotationChanged: DeformerActions.refreshPoints(scene, warpItem)
+
+    Deformer {
+        id: deformer
+
+        anchors.fill: parent
+        rotation: warpItem.sourceDeformerRotation
+        scene: warpItem.scene
+    }
+}

@@ -1,0 +1,119 @@
+import QtQuick
+import "../js/theme.js" as Theme
+import "../js/warpToolButtonsActions.js" as WarpToolButtonsActions
+
+// A button of the editor; its type decides what a click does. A pushed button differs by its background's shape as well
+// as by its colour.
+Item {
+    id: button
+
+    required property var scene
+    required property string type
+    property int buttonId: 0
+    property url source // a picture, or
+    property string text // a label, or
+    property var choices: [] // two labels of which the one that holds is marked
+    property bool pushed: false
+    property bool checkable: false
+    property string toolTip
+    readonly property bool held: mouseArea.pressed && mouseArea.containsMouse
+
+    signal clicked
+
+    implicitWidth: warpToolButtonsSize.width
+    implicitHeight: warpToolButtonsSize.height
+    opacity: enabled ? 1 : Theme.disabledOpacity
+
+    Accessible.role: checkable ? Accessible.CheckBox : Accessible.Button
+    Accessible.name: toolTip !== "" ? toolTip : text
+    Accessible.checkable: checkable
+    Accessible.checked: pushed
+    Accessible.onPressAction: clicked()
+
+    Component.onCompleted: WarpToolButtonsActions.connectButton(scene, button)
+    onEnabledChanged: mouseArea.forgetToolTip()
+    onVisibleChanged: mouseArea.forgetToolTip()
+
+    BorderImage {
+        anchors.fill: parent
+        border { left: 8; top: 8; right: 8; bottom: 8 }
+        source: buttonBackgroundImagesPath[button.pushed && button.choices.length === 0 ? 1 : 0]
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.radius
+        color: Theme.text
+        opacity: button.held ? 0.25 : mouseArea.containsMouse ? 0.08 : 0
+    }
+
+    Image {
+        anchors.centerIn: parent
+        width: Math.min(button.width, button.height) - 12
+        height: width
+        source: button.source
+        sourceSize: Qt.size(width, height)
+        visible: button.source.toString() !== ""
+    }
+
+    Text {
+        anchors.centerIn: parent
+        color: Theme.text
+        font.pixelSize: button.width > 60 ? Theme.fontSize : Theme.fontSize - 2
+        font.weight: Font.Medium
+        text: button.text
+        textFormat: Text.PlainText
+        visible: button.choices.length === 0
+    }
+
+    Row {
+        anchors { fill: parent; margins: 4 }
+
+        Repeater {
+            model: button.choices
+
+            Rectangle {
+                id: choice
+
+                required property int index
+                required property string modelData
+                readonly property bool holds: index === (button.pushed ? 1 : 0)
+
+                width: parent.width / button.choices.length
+                height: parent.height
+                color: holds ? "#0b3a5e" : "transparent"
+                border { width: holds ? 2 : 0; color: Theme.accent }
+                radius: Theme.radius - 2
+
+                Text {
+                    anchors.centerIn: parent
+                    color: choice.holds ? Theme.text : Theme.quietText
+                    font { pixelSize: Theme.fontSize; weight: choice.holds ? Font.DemiBold : Font.Normal }
+                    text: choice.modelData
+                    textFormat: Text.PlainText
+                }
+            }
+        }
+    }
+
+    MouseArea {
+        id: mouseArea
+
+        anchors.fill: parent
+        hoverEnabled: true
+        onClicked: button.clicked()
+        onPressed: forgetToolTip()
+        onPressAndHold: button.scene.toolTip.showFor(button, button.toolTip, 0)
+        onContainsMouseChanged: {
+            if (containsMouse)
+                button.scene.toolTip.showFor(button, button.toolTip, Theme.toolTipDelay);
+            else
+                forgetToolTip();
+        }
+
+        function forgetToolTip() {
+            if (button.scene && button.scene.toolTip)
+                button.scene.toolTip.hideFor(button);
+        }
+    }
+}

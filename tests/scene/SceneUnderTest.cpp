@@ -1,0 +1,203 @@
+#include "tests/scene/SceneUnderTest.h"
+
+#include "app/EventDispatcher.h"
+#include "network/MediaMovePointEvent.h"
+#include "network/MsgEvent.h"
+#include "network/ScreenMovePointEvent.h"
+#include "network/ScreenPartMovePointEvent.h"
+#include "network/TextureMovePointEvent.h"
+#include "resources/CompanionResources.h"
+
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QTest>
+#include <QWheelEvent>
+
+using namespace NetworkCompanion;
+
+namespace MeshpadTest {
+
+SceneUnderTest::SceneUnderTest(QSize size)
+    : screen(kScreen, 100, kScreenSize.width(), kScreenSize.height(), false, "Screen",
+             configuration, nullptr),
+      part(kPart, 101, kScreenSize.width(), kScreenSize.height(), false, "Part", configuration,
+           nullptr),
+      media(MediaType::Image, kMediaCue, 5, 102, kMediaSize.width(), kMediaSize.height(), false,
+            "Media", configuration, nullptr),
+      texture(kTextureCue, 6, 103, kMediaSize.width(), kMediaSize.height(), false, "Texture",
+              configuration, nullptr) {
+    initCompanionResources();
+    screen.addPart(&part);
+    producer.listen();
+    EventDispatcher::getInstance()->client().connectToServer(producer.host(), producer.port());
+    canvas = std::make_unique<Canvas>(configuration, nullptr);
+    view = canvas->findChild<QQuickWidget*>();
+    canvas->resize(size);
+    canvas->show();
+    canvas->activateWindow();
+    QTRY_VERIFY(canvas->isActiveWindow());
+    view->setFocus();
+    canvas->onScreenItemAdded(kScreen, kScreenSize.width(), kScreenSize.height(), 0, 0, "Screen");
+    canvas->onScreenPartItemAdded(kScreen, kPart, kScreenSize.width(), kScreenSize.height(), 0,
+                                  "Part");
+    canvas->onMediaItemAdded(1, kMediaCue, 5, kMediaSize.width(), kMediaSize.height(), 0, "Media");
+    canvas->onTextureItemAdded(kTextureCue, 6, kMediaSize.width(), kMediaSize.height(), 0,
+                               "Texture");
+}
+
+SceneUnderTest::~SceneUnderTest() {
+    canvas->onSelectedItem(nullptr);
+    canvas.reset();
+    EventDispatcher::getInstance()->client().disconnectFromServer();
+}
+
+void SceneUnderTest::deformScreen(int deformation, int rows, int columns) {
+    canvas->onScreenDeformationMode(LV_NTC_DeformationType(deformation - 1), kScreen, "Screen",
+                                    rows, columns, false);
+}
+
+void SceneUnderTest::deformMedia(int deformation, int rows, int columns) {
+    canvas->onMediaDeformationMode(LV_NTC_ElementType::Media,
+                                   LV_NTC_DeformationType(deformation - 1), kMediaCue, 5, "Media",
+                                   rows, columns, false);
+}
+
+void SceneUnderTest::selectScreen(int deformation, int rows, int columns) {
+    canvas->onSelectedItem(&screen);
+    deformScreen(deformation, rows, columns);
+    evaluate("getCurrentItem().itemDeformer.adjustView()");
+}
+
+void SceneUnderTest::selectPart(int deformation, int rows, int columns) {
+    canvas->onSelectedItem(&part);
+    canvas->onScreenPartDeformationMode(LV_NTC_DeformationType(deformation - 1), kScreen, kPart,
+                                        "Part", rows, columns, false);
+    evaluate("getCurrentItem().itemDeformer.adjustView()");
+}
+
+void SceneUnderTest::selectMedia(int deformation, int rows, int columns) {
+    canvas->onSelectedItem(&media);
+    deformMedia(deformation, rows, columns);
+    evaluate("getCurrentItem().itemDeformer.adjustView()");
+}
+
+void SceneUnderTest::selectTexture(int deformation, int rows, int columns) {
+    canvas->onSelectedItem(&texture);
+    canvas->onTextureDeformationMode(LV_NTC_ElementType::Texture,
+                                     LV_NTC_DeformationType(deformation - 1), kTextureCue, 6,
+                                     "Texture", rows, columns, false);
+    evaluate("getCurrentItem().itemDeformer.adjustView()");
+}
+
+void SceneUnderTest::selectNothing() { canvas->onSelectedItem(nullptr); }
+
+QVariant SceneUnderTest::evaluate(const QString& expression) const {
+    QQmlExpression evaluated(qmlContext(root()), root(), expression);
+    const QVariant value = evaluated.evaluate();
+    if (evaluated.hasError())
+        QTest::qFail(qPrintable(evaluated.error().toString()), __FILE__, __LINE__);
+    return value;
+}
+
+QQuickItem* SceneUnderTest::find(const QString& objectName) const {
+    return root()->findChild<QQuickItem*>(objectName);
+}
+
+MeshGridItem* SceneUnderTest::grid() const {
+    return evaluate("getCurrentItem().deformerGrids[getCurrentGridId()]").value<MeshGridItem*>();
+}
+
+QPointF SceneUnderTest::position(int point) const {
+    return {grid()->point(point)->x(), grid()->point(point)->y()};
+}
+
+QString SceneUnderTest::state(int point) const { return grid()->point(point)->state(); }
+
+QPoint SceneUnderTest::onScreen(int point) const { return onScreen(position(point)); }
+
+QPoint SceneUnderTest::onScreen(QPointF positionInItem) const {
+    return grid()->mapToScene(positionInItem).toPoint();
+}
+
+QList<int> SceneUnderTest::selectedPoints() const {
+    QList<int> points;
+    for (int point = 0; point < grid()->pointCount(); ++point) {
+        if (grid()->point(point)->isSelected())
+            points.append(point);
+    }
+    return points;
+}
+
+void SceneUnderTest::press(QPoint at, Qt::KeyboardModifiers modifiers) const {
+    QTest::mousePress(view, Qt::LeftButton, modifiers, at);
+}
+
+void SceneUnderTest::move(QPoint to, Qt::KeyboardModifiers modifiers) const {
+    QMouseEvent event(QEvent::MouseMove, to, view->mapToGlobal(QPointF(to)), Qt::NoButton,
+                      Qt::LeftButton, modifiers);
+    QCoreApplication::sendEvent(view, &event);
+}
+
+void SceneUnderTest::release(QPoint at, Qt::KeyboardModifiers modifiers) const {
+    QTest::mouseRelease(view, Qt::LeftButton, modifiers, at);
+}
+
+void SceneUnderTest::click(QPoint at, Qt::KeyboardModifiers modifiers) const {
+    QTest::mouseClick(view, Qt::LeftButton, modifiers, at);
+}
+
+void SceneUnderTest::key(Qt::Key key, Qt::KeyboardModifiers modifiers) const {
+    QTest::keyClick(view, key, modifiers);
+}
+
+void SceneUnderTest::wheel(int notches) const {
+    const QPointF centre = QRectF(view->rect()).center();
+    QWheelEvent event(centre, view->mapToGlobal(centre), {}, {0, 120 * notches}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(view, &event);
+}
+
+void SceneUnderTest::settle() {
+    static int mark = 0;
+    const QByteArray text = "mark " + QByteArray::number(++mark);
+    QCoreApplication::processEvents(); // a tick that is under way
+    MsgEvent event(text.constData());
+    EventDispatcher::getInstance()->client().sendEvent(event);
+    QTRY_VERIFY(!producer.events().empty() && producer.events().back() &&
+                producer.events().back()->type() == LV_NTC_EventType::Msg &&
+                static_cast<MsgEvent&>(*producer.events().back()).message() ==
+                    QString::fromLatin1(text));
+}
+
+QMap<int, SceneUnderTest::Told> SceneUnderTest::told(bool xy) const {
+    QMap<int, Told> points;
+    const auto take = [&](const auto& events) {
+        for (const auto* event : events) {
+            if (event->xy() == xy)
+                points.insert(static_cast<int>(event->pointId()),
+                              {event->x(), event->y(), event->selected()});
+        }
+    };
+    take(producer.eventsOf<ScreenMovePointEvent>());
+    take(producer.eventsOf<ScreenPartMovePointEvent>());
+    take(producer.eventsOf<MediaMovePointEvent>());
+    take(producer.eventsOf<TextureMovePointEvent>());
+    return points;
+}
+
+QMap<int, SceneUnderTest::Told> SceneUnderTest::held(bool xy) const {
+    QMap<int, Told> points;
+    auto* mesh = evaluate(QString("getCurrentItem().deformerGrids[%1]").arg(xy ? 0 : 1))
+                     .value<MeshGridItem*>();
+    const double width = evaluate("getCurrentItem().sourceWidth").toDouble();
+    const double height = evaluate("getCurrentItem().sourceHeight").toDouble();
+    for (int id = 0; id < mesh->pointCount(); ++id) {
+        const MeshPoint* point = mesh->point(id);
+        points.insert(id, {xy ? point->x() - width / 2 : point->x() / width,
+                           xy ? point->y() - height / 2 : point->y() / height,
+                           point->isSelected()});
+    }
+    return points;
+}
+
+} // namespace MeshpadTest
