@@ -12,6 +12,7 @@
 #include "network/ScreenPartMovePointEvent.h"
 #include "network/TextureMovePointEvent.h"
 #include "warp/MediaItem.h"
+#include "warp/MeshTypes.h"
 #include "warp/ScreenItem.h"
 #include "warp/ScreenPartItem.h"
 #include "warp/TextureItem.h"
@@ -128,6 +129,7 @@ void Canvas::initCanvas() {
     context->setContextProperty("curveMinCols", 3);
     context->setContextProperty("curveMaxCols", 16);
 
+    registerMeshTypes();
     quickWidget_->setSource(QUrl(configuration_.canvasPath)); // logs what is wrong with it
     quickWidget_->show();
 }
