@@ -1,0 +1,479 @@
+#include "network/EventTable.h"
+#include "network/ProtocolLimits.h"
+#include "network/TcpTransportSocket.h"
+#include "tests/support/MessageGuard.h"
+#include "tests/support/ProtocolBytes.h"
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+using namespace NetworkCompanion;
+using namespace MeshpadTest;
+
+namespace {
+
+QByteArray message(int type, const QByteArray& payload) {
+    return withLength(frame(type, payload));
+}
+
+QByteArray keyPress(int id) {
+    return message(25, int32(id));
+}
+
+QUrl loopback(quint16 port) {
+    QUrl url;
+    url.setHost("127.0.0.1");
+    url.setPort(port);
+    return url;
+}
+
+/// A transport and, in the test's hand, the bare socket at the other end.
+class BareWire {
+public:
+    BareWire() {
+        QVERIFY(server_.listen(QHostAddress::LocalHost));
+        peer.connectToHost(QHostAddress::LocalHost, server_.serverPort());
+        QVERIFY(QTest::qWaitFor([this] { return server_.hasPendingConnections(); }));
+        socket = server_.nextPendingConnection();
+        transport = std::make_unique<TCPTransportSocket>(17, socket, nullptr);
+        QObject::connect(socket, &QTcpSocket::readyRead, socket, [this] { ++chunks; });
+        QObject::connect(transport.get(), &TCPTransportSocket::receivedEvent, socket,
+                         [this](eventData data) {
+                             headers.append(data.first);
+                             events.emplace_back(data.second);
+                         });
+        transport->startReading();
+        QVERIFY(QTest::qWaitFor([this] { return peer.state() == QTcpSocket::ConnectedState; }));
+    }
+
+    /// As one chunk, which the transport has read when this returns.
+    void deliver(const QByteArray& bytes) {
+        const int before = chunks;
+        peer.write(bytes);
+        peer.flush();
+        QVERIFY(QTest::qWaitFor([&] { return chunks > before; }));
+    }
+    /// The ids of the quick key presses received; 0 for a null event.
+    QList<int> keys() const {
+        QList<int> ids;
+        for (const auto& event : events) {
+            const auto* key = dynamic_cast<const ExecuteQuickKeyEvent*>(event.get());
+            ids.append(key ? int(key->keyId()) : 0);
+        }
+        return ids;
+    }
+
+private:
+    QTcpServer server_;
+
+public:
+    QTcpSocket peer;
+    QTcpSocket* socket = nullptr;
+    std::unique_ptr<TCPTransportSocket> transport;
+    int chunks = 0;
+    QList<LV_NTC_Header> headers;
+    std::vector<std::unique_ptr<Event>> events;
+};
+
+QString tailLine(int bytes) {
+    return QString("Invalid header size. Size must be at least 4 bytes, we read %1").arg(bytes);
+}
+
+} // namespace
+
+class TransportTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { messages_.emplace(); }
+    void cleanup() {
+        messages_->verify();
+        messages_.reset();
+    }
+
+    void bytesOnTheWire();
+    void statesOnTheWayToAConnection();
+    void optionsOfAConnection();
+    void twoFramesInAChunk();
+    void everySplitOfAStream();
+    void byteByByte();
+    void lengthZero();
+    void negativeLength();
+    void tooLongFrames_data();
+    void tooLongFrames();
+    void undecodableFramesAreReported();
+    void manyFramesInOneChunk();
+    void eventLoopHasItsTurnInAFlood();
+    void eventsComeBeforeTheEnd();
+    void receiverDisconnects();
+    void receiverDestroysTheTransport_data();
+    void receiverDestroysTheTransport();
+    void receiverRunsAnEventLoop();
+    void receiverOnAnotherThread();
+    void withoutReceiver();
+    void nothingOldInANewConnection();
+
+private:
+    std::optional<MessageGuard> messages_;
+};
+
+void TransportTest::bytesOnTheWire() {
+    BareWire wire;
+    BlindEvent blind(1, 2, "a", true);
+    MsgEvent hello("hello");
+    ItemDataEvent request(7);
+    QVERIFY(wire.transport->write(blind));
+    QVERIFY(wire.transport->write(hello));
+    QVERIFY(wire.transport->write(request));
+    const QByteArray expected = hex("00000112 00000009 00000109 03 00000002 00000001") + text("a") +
+                                hex("01") + hex("00000109 00000009 00000100 01 68656c6c6f") +
+                                QByteArray(251, '\0') +
+                                hex("0000037c 00000009 00000353 1c 00000007");
+    QTRY_COMPARE(wire.peer.bytesAvailable(), 278 + 269 + 896);
+    QCOMPARE(wire.peer.read(expected.size()).toHex(), expected.toHex());
+}
+
+void TransportTest::statesOnTheWayToAConnection() {
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    TCPTransportSocket transport(nullptr);
+    QSignalSpy disconnected(&transport, &TCPTransportSocket::disconnected);
+    MsgEvent event("early");
+    QCOMPARE(transport.state(), 4);
+    QCOMPARE(transport.url(), loopback(0));
+    QVERIFY(!transport.write(event));
+
+    QVERIFY(transport.tryToConnect(loopback(server.serverPort())));
+    QCOMPARE(transport.state(), 1);
+    QVERIFY(!transport.write(event));
+    QVERIFY(!transport.tryToConnect(loopback(1)));
+    QVERIFY(transport.waitForConnected(5000));
+    QCOMPARE(transport.state(), 2);
+    QVERIFY(transport.write(event));
+    QVERIFY(!transport.tryToConnect(loopback(1)));
+    QCOMPARE(transport.url(), loopback(server.serverPort()));
+
+    transport.disconnect();
+    QVERIFY(transport.waitForDisconnected(5000));
+    QCOMPARE(transport.state(), 4);
+    QVERIFY(transport.url().isEmpty());
+    QVERIFY(!transport.write(event));
+    QTRY_COMPARE(disconnected.size(), 1);
+    QCOMPARE(disconnected.front().front().toInt(), -1);
+    // What was written before is not lost.
+    QTRY_VERIFY(server.hasPendingConnections());
+    QTcpSocket* peer = server.nextPendingConnection();
+    QTRY_COMPARE(peer->bytesAvailable(), 269);
+}
+
+void TransportTest::optionsOfAConnection() {
+    BareWire wire;
+    TCPTransportSocket client(nullptr);
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    QVERIFY(client.tryToConnect(loopback(server.serverPort())));
+    QVERIFY(client.waitForConnected(5000));
+    for (const QTcpSocket* socket : {wire.socket, client.findChild<QTcpSocket*>()}) {
+        auto* asked = const_cast<QTcpSocket*>(socket);
+        QVERIFY(asked->socketOption(QAbstractSocket::LowDelayOption).toInt() != 0);
+        QVERIFY(asked->socketOption(QAbstractSocket::KeepAliveOption).toInt() != 0);
+    }
+    TCPTransportSocket unconnected(nullptr);
+    messages_->expect(QtCriticalMsg, "The keepAlive service failed to initialize");
+    unconnected.activeKeepAlive(200, 1000);
+}
+
+void TransportTest::twoFramesInAChunk() {
+    BareWire wire;
+    wire.deliver(keyPress(1) + message(2, hex("00000002 00000007")));
+    QCOMPARE(wire.events.size(), 2U);
+    QVERIFY(*wire.events[0] == ExecuteQuickKeyEvent(1));
+    QVERIFY(*wire.events[1] == MireEvent(7, LV_NTC_PictureType::Horizontal));
+}
+
+void TransportTest::everySplitOfAStream() {
+    BareWire wire;
+    const QByteArray stream =
+        keyPress(1) + message(13, hex("00000001 00000002") + text("Sea")) + keyPress(2);
+    const QList<qsizetype> starts = {0, 17, 17 + 277};
+    for (int bytes = 1; bytes <= 3; ++bytes)
+        messages_->expect(QtCriticalMsg, tailLine(bytes), 3);
+    int tails = 0;
+    for (qsizetype split = 1; split < stream.size(); ++split) {
+        wire.events.clear();
+        wire.deliver(stream.first(split));
+        wire.deliver(stream.sliced(split));
+        QCOMPARE(wire.keys(), QList<int>({1, 0, 2}));
+        QVERIFY(wire.events[1] && *wire.events[1] == RemoveMediaEvent(1, 2, "Sea"));
+        for (const qsizetype start : starts)
+            tails += split > start && split < start + 4;
+    }
+    QCOMPARE(tails, 9);
+}
+
+void TransportTest::byteByByte() {
+    BareWire wire;
+    for (int bytes = 1; bytes <= 3; ++bytes)
+        messages_->expect(QtCriticalMsg, tailLine(bytes), 2);
+    for (const char byte : keyPress(1) + keyPress(2))
+        wire.deliver(QByteArray(1, byte));
+    QCOMPARE(wire.keys(), QList<int>({1, 2}));
+}
+
+void TransportTest::lengthZero() {
+    BareWire wire;
+    wire.deliver(hex("00000000"));
+    wire.deliver(keyPress(1));
+    QCOMPARE(wire.keys(), QList<int>({1}));
+    // Reading stops there; what stands behind it is read with the next bytes.
+    wire.deliver(keyPress(2) + hex("00000000") + keyPress(3));
+    QCOMPARE(wire.keys(), QList<int>({1, 2}));
+    wire.deliver(keyPress(4));
+    QCOMPARE(wire.keys(), QList<int>({1, 2, 3, 4}));
+}
+
+void TransportTest::negativeLength() {
+    BareWire wire;
+    messages_->expect(QtCriticalMsg, "Invalid frame length -1");
+    messages_->expect(QtCriticalMsg, "Invalid frame length -2147483648");
+    wire.deliver(hex("ffffffff"));
+    wire.deliver(hex("80000000"));
+    wire.deliver(keyPress(1));
+    QCOMPARE(wire.keys(), QList<int>({1}));
+}
+
+void TransportTest::tooLongFrames_data() {
+    QTest::addColumn<int>("length");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("longest") << Limits::kMaxFrameLength << "Try to deserialize unknown event";
+    QTest::newRow("longer") << Limits::kMaxFrameLength + 1
+                            << "Frame of 16777217 bytes is too large, skipped";
+}
+
+void TransportTest::tooLongFrames() {
+    QFETCH(int, length);
+    QFETCH(QString, line);
+    const bool tooLong = length > Limits::kMaxFrameLength;
+    messages_->expect(QtCriticalMsg, line, tooLong ? 2 : 1);
+    BareWire wire;
+    const QByteArray body = frame(99, int32(1)) + QByteArray(length - 13, 'x');
+    wire.peer.write(keyPress(1) + int32(length) + body + keyPress(2));
+    QTRY_COMPARE(wire.keys(), tooLong ? QList<int>({1, 2}) : QList<int>({1, 0, 2}));
+
+    if (tooLong) { // and again, its end in a chunk of its own
+        wire.deliver(int32(length));
+        wire.peer.write(body.first(length - 1));
+        QTRY_COMPARE(wire.peer.bytesToWrite(), 0);
+        wire.deliver("x" + keyPress(3));
+        QTRY_COMPARE(wire.keys(), QList<int>({1, 2, 3}));
+    }
+}
+
+void TransportTest::undecodableFramesAreReported() {
+    BareWire wire;
+    messages_->expect(QtCriticalMsg, "Try to deserialize unknown event");
+    messages_->expect(QtWarningMsg, "Bad data size: 8/4");
+    messages_->expect(QtWarningMsg, "Bad header size: 9/5");
+    wire.deliver(message(30, int32(1)));
+    wire.deliver(message(24, int32(1)));
+    wire.deliver(withLength(hex("00000009 00000000 19"))); // nothing announced, nothing to say
+    wire.deliver(withLength(hex("00000009 00")));
+    wire.deliver(withLength(hex("00")));
+    wire.deliver(keyPress(1));
+    QCOMPARE(wire.keys(), QList<int>({0, 0, 0, 0, 0, 1}));
+    QCOMPARE(wire.headers[0], (LV_NTC_Header{4, LV_NTC_EventType(30)}));
+    QCOMPARE(wire.headers[1], (LV_NTC_Header{4, LV_NTC_EventType::DeleteQuickKey}));
+    QCOMPARE(wire.headers[2], (LV_NTC_Header{0, LV_NTC_EventType::ExecuteQuickKey}));
+    QCOMPARE(wire.headers[3], LV_NTC_Header());
+}
+
+void TransportTest::manyFramesInOneChunk() {
+    BareWire wire;
+    QByteArray many;
+    for (int i = 1; i <= 50'000; ++i)
+        many += keyPress(i);
+    QElapsedTimer timer;
+    timer.start();
+    wire.peer.write(many);
+    QTRY_COMPARE(wire.events.size(), 50'000U);
+    QCOMPARE(wire.keys().front(), 1);
+    QVERIFY(std::ranges::is_sorted(wire.keys()));
+    // Some 40 GB would have been moved if each frame cost the rest of its chunk.
+    QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+}
+
+void TransportTest::eventLoopHasItsTurnInAFlood() {
+    BareWire wire;
+    QObject::connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, this, [] {
+        QElapsedTimer work;
+        work.start();
+        while (work.nsecsElapsed() < 100'000) {
+        }
+    });
+    QByteArray many;
+    for (int i = 0; i < 5000; ++i)
+        many += keyPress(1);
+    qint64 longest = 0;
+    QElapsedTimer sinceTurn;
+    QTimer turns;
+    QObject::connect(&turns, &QTimer::timeout, this, [&] {
+        longest = qMax(longest, sinceTurn.elapsed());
+        sinceTurn.start();
+    });
+    turns.start(1);
+    sinceTurn.start();
+    wire.peer.write(many);
+    QTRY_COMPARE(wire.events.size(), 5000U);
+    QVERIFY2(longest < 100, qPrintable(QString::number(longest)));
+}
+
+void TransportTest::eventsComeBeforeTheEnd() {
+    BareWire wire;
+    std::size_t atTheEnd = 0;
+    QSignalSpy disconnected(wire.transport.get(), &TCPTransportSocket::disconnected);
+    QObject::connect(wire.transport.get(), &TCPTransportSocket::disconnected, this,
+                     [&] { atTheEnd = wire.events.size(); });
+    QObject::connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, this, [&] {
+        // Long enough for the reading to pause, and once with the end coming in meanwhile.
+        QElapsedTimer work;
+        work.start();
+        while (work.elapsed() < 3)
+            if (wire.events.size() == 20)
+                QCoreApplication::processEvents();
+    });
+    QByteArray many;
+    for (int i = 0; i < 100; ++i)
+        many += keyPress(1);
+    wire.peer.write(many);
+    wire.peer.disconnectFromHost();
+    QTRY_COMPARE(disconnected.size(), 1);
+    QCOMPARE(disconnected.front().front().toInt(), 17);
+    QCOMPARE(atTheEnd, 100U);
+    QCOMPARE(wire.events.size(), 100U);
+    QCOMPARE(wire.transport->state(), 4);
+}
+
+void TransportTest::receiverDisconnects() {
+    BareWire wire;
+    ExecuteQuickKeyEvent answer(9);
+    QObject::connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, this, [&] {
+        QVERIFY(wire.transport->write(answer));
+        wire.transport->disconnect();
+        QVERIFY(!wire.transport->write(answer));
+    });
+    wire.deliver(keyPress(1) + keyPress(2) + keyPress(3));
+    QTRY_COMPARE(wire.peer.state(), QTcpSocket::UnconnectedState);
+    QCOMPARE(wire.keys(), QList<int>({1}));
+    QCOMPARE(wire.peer.readAll(), keyPress(9));
+}
+
+void TransportTest::receiverDestroysTheTransport_data() {
+    QTest::addColumn<bool>("inPieces");
+    QTest::addColumn<bool>("atTheEnd");
+    QTest::newRow("first of three frames") << false << false;
+    QTest::newRow("after a pause") << true << false;
+    QTest::newRow("told of the end") << false << true;
+}
+
+void TransportTest::receiverDestroysTheTransport() {
+    QFETCH(bool, inPieces);
+    QFETCH(bool, atTheEnd);
+    BareWire wire;
+    const auto destroy = [&] {
+        if (inPieces && wire.events.size() < 3)
+            QTest::qSleep(20);
+        else
+            wire.transport.reset();
+    };
+    if (atTheEnd)
+        QObject::connect(wire.transport.get(), &TCPTransportSocket::disconnected, this, destroy);
+    else
+        QObject::connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, this, destroy);
+    wire.peer.write(keyPress(1) + keyPress(2) + keyPress(3) + keyPress(4));
+    if (atTheEnd)
+        wire.peer.disconnectFromHost();
+    QTRY_VERIFY(!wire.transport);
+    QCOMPARE(wire.events.size(), inPieces ? 3U : atTheEnd ? 4U : 1U);
+    QTRY_COMPARE(wire.peer.state(), QTcpSocket::UnconnectedState);
+}
+
+void TransportTest::receiverRunsAnEventLoop() {
+    BareWire wire;
+    QObject::connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, this, [&] {
+        if (wire.events.size() != 1)
+            return;
+        // A dialog, say; the peer goes on talking meanwhile.
+        wire.peer.write(keyPress(4));
+        QEventLoop loop;
+        QTimer::singleShot(50, &loop, &QEventLoop::quit);
+        loop.exec();
+    });
+    wire.deliver(keyPress(1) + keyPress(2) + keyPress(3));
+    QTRY_COMPARE(wire.keys(), QList<int>({1, 2, 3, 4}));
+}
+
+void TransportTest::receiverOnAnotherThread() {
+    BareWire wire;
+    QThread thread;
+    QObject receiver;
+    receiver.moveToThread(&thread);
+    std::atomic<int> id = 0;
+    QObject::disconnect(wire.transport.get(), &TCPTransportSocket::receivedEvent, nullptr, nullptr);
+    QObject::connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, &receiver,
+                     [&](eventData data) {
+                         const std::unique_ptr<Event> event(data.second);
+                         id = int(dynamic_cast<ExecuteQuickKeyEvent&>(*event).keyId());
+                     });
+    thread.start();
+    wire.deliver(keyPress(5));
+    QTRY_COMPARE(id.load(), 5);
+    thread.quit();
+    thread.wait();
+}
+
+void TransportTest::withoutReceiver() {
+    // The leak checker is the judge of this one; the link must stay usable.
+    BareWire wire;
+    QObject::disconnect(wire.transport.get(), &TCPTransportSocket::receivedEvent, nullptr, nullptr);
+    wire.deliver(keyPress(1) + keyPress(2));
+    ExecuteQuickKeyEvent answer(9);
+    QVERIFY(wire.transport->write(answer));
+    QTRY_COMPARE(wire.peer.bytesAvailable(), 17);
+}
+
+void TransportTest::nothingOldInANewConnection() {
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    TCPTransportSocket transport(nullptr);
+    std::vector<std::unique_ptr<Event>> events;
+    connect(&transport, &TCPTransportSocket::receivedEvent, this,
+            [&](eventData data) { events.emplace_back(data.second); });
+    for (const bool byPeer : {true, false, true}) {
+        events.clear();
+        transport.startReading();
+        QVERIFY(transport.tryToConnect(loopback(server.serverPort())));
+        QVERIFY(transport.waitForConnected(5000));
+        QTRY_VERIFY(server.hasPendingConnections());
+        QTcpSocket* peer = server.nextPendingConnection();
+        // Ends in the middle of a frame.
+        peer->write(keyPress(1) + keyPress(2).first(9));
+        QTRY_COMPARE(events.size(), 1U);
+        QVERIFY(events[0] && *events[0] == ExecuteQuickKeyEvent(1));
+        if (byPeer)
+            peer->abort();
+        else
+            transport.disconnect();
+        QTRY_COMPARE(transport.state(), 4);
+    }
+}
+
+QTEST_GUILESS_MAIN(TransportTest)
+#include "transport_test.moc"
