@@ -116,9 +116,10 @@ void FakeProducer::onNewConnection() {
 
 void FakeProducer::onReadyRead(QTcpSocket* socket) {
     const auto connection = std::ranges::find(connections_, socket, &Connection::socket);
-    if (stalled_ || connection == connections_.end())
+    if (stalled_ || !socket->isOpen() || connection == connections_.end())
         return;
-    const QByteArray chunk = socket->readAll();
+    // An aborted socket has nothing more to say, and complains when it is asked.
+    const QByteArray chunk = socket->isOpen() ? socket->readAll() : QByteArray();
     bytes_ += chunk;
     QByteArray& unparsed = connection->unparsed;
     unparsed += chunk;
