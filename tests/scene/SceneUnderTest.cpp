@@ -10,6 +10,7 @@
 
 #include <QQmlContext>
 #include <QQmlExpression>
+#include <QQuickWindow>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -47,6 +48,9 @@ SceneUnderTest::SceneUnderTest(QSize size)
 
 SceneUnderTest::~SceneUnderTest() {
     canvas->onSelectedItem(nullptr);
+    view->setSource({});
+    QQuickWindow().releaseResources(); // pictures that Qt Quick would keep for later scenes
+    view->grabFramebuffer();           // and their textures, which only a frame lets go
     canvas.reset();
     EventDispatcher::getInstance()->client().disconnectFromServer();
 }
@@ -89,7 +93,9 @@ void SceneUnderTest::selectTexture(int deformation, int rows, int columns) {
     evaluate("getCurrentItem().itemDeformer.adjustView()");
 }
 
-void SceneUnderTest::selectNothing() { canvas->onSelectedItem(nullptr); }
+void SceneUnderTest::selectNothing() {
+    canvas->onSelectedItem(nullptr);
+}
 
 QVariant SceneUnderTest::evaluate(const QString& expression) const {
     QQmlExpression evaluated(qmlContext(root()), root(), expression);
@@ -111,9 +117,13 @@ QPointF SceneUnderTest::position(int point) const {
     return {grid()->point(point)->x(), grid()->point(point)->y()};
 }
 
-QString SceneUnderTest::state(int point) const { return grid()->point(point)->state(); }
+QString SceneUnderTest::state(int point) const {
+    return grid()->point(point)->state();
+}
 
-QPoint SceneUnderTest::onScreen(int point) const { return onScreen(position(point)); }
+QPoint SceneUnderTest::onScreen(int point) const {
+    return onScreen(position(point));
+}
 
 QPoint SceneUnderTest::onScreen(QPointF positionInItem) const {
     return grid()->mapToScene(positionInItem).toPoint();
@@ -193,9 +203,9 @@ QMap<int, SceneUnderTest::Told> SceneUnderTest::held(bool xy) const {
     const double height = evaluate("getCurrentItem().sourceHeight").toDouble();
     for (int id = 0; id < mesh->pointCount(); ++id) {
         const MeshPoint* point = mesh->point(id);
-        points.insert(id, {xy ? point->x() - width / 2 : point->x() / width,
-                           xy ? point->y() - height / 2 : point->y() / height,
-                           point->isSelected()});
+        points.insert(id,
+                      {xy ? point->x() - width / 2 : point->x() / width,
+                       xy ? point->y() - height / 2 : point->y() / height, point->isSelected()});
     }
     return points;
 }

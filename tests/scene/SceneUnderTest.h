@@ -56,7 +56,9 @@ public:
     /// Where the point is in the view.
     QPoint onScreen(int point) const;
     QPoint onScreen(QPointF positionInItem) const;
-    int currentPoint() const { return integer("getCurrentItem().deformerGrids[getCurrentGridId()].currentSelectedPointId"); }
+    int currentPoint() const {
+        return integer("getCurrentItem().deformerGrids[getCurrentGridId()].currentSelectedPointId");
+    }
     QList<int> selectedPoints() const;
 
     // Real events on the view.
