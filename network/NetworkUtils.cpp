@@ -192,6 +192,8 @@ void NetworkUtils::onReadyRead() {
     // First taken, then acted on: a slot of a signal may change the sockets or delete this object.
     std::vector<Datagram> datagrams;
     const auto take = [&](QUdpSocket* socket) {
+        if (socket->state() != QAbstractSocket::BoundState)
+            return;
         for (int i = 0; i < kDatagramsPerTurn && socket->hasPendingDatagrams(); ++i) {
             Datagram datagram;
             // One byte more than the longest word tells a longer one, whose rest is dropped.

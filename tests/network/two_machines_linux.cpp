@@ -1,0 +1,343 @@
+#include "network/CompanionClient.h"
+#include "network/CompanionServer.h"
+#include "network/EventTable.h"
+#include "network/NetworkUtils.h"
+#include "network/ProtocolLimits.h"
+#include "tests/support/FakeProducer.h"
+#include "tests/support/MessageGuard.h"
+#include "tests/support/PeerNamespace.h"
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QUdpSocket>
+
+#include <optional>
+
+using namespace NetworkCompanion;
+using namespace MeshpadTest;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr DiscoveryTiming kFast{50ms, 150ms};
+
+QString lineOf(const QString& name, const QString& state) {
+    return QString("link set %1 %2").arg(name, state);
+}
+
+} // namespace
+
+/// Discovery, and the end of a link that nobody closes, between network namespaces. Each test has
+/// machines and cables of its own.
+class TwoMachinesTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        messages_.emplace();
+        machine_ = std::make_unique<PeerNamespace>();
+        QVERIFY(machine_->isValid());
+        QVERIFY(machine_->link("here0", "10.78.0.1", "there0", "10.78.0.2"));
+    }
+    void cleanup() {
+        PeerNamespace::ipHere("link delete here0");
+        machine_.reset();
+        messages_->verify();
+        messages_.reset();
+    }
+
+    void producerIsFoundAndLost();
+    void interfacesComeAndGo();
+    void linkLocalAddressesAreSkipped();
+    void onlyTheExactWordsCount();
+    void floodOfProducers();
+    void busyThreadLosesNobody();
+    void silenceIsNoticedByASlowThread();
+    void serverMode();
+    void takenPort();
+    void socketsAreLeftAlone();
+    void vanishedPeerIsNoticed();
+
+private:
+    std::shared_ptr<FakeProducer> startProducer(PeerNamespace& machine, const QString& address) {
+        auto producer = machine.make<FakeProducer>([] { return new FakeProducer; });
+        bool ok = false;
+        machine.run([&] { ok = producer->answerDiscovery(QHostAddress(address)); });
+        return ok ? producer : nullptr;
+    }
+    /// From the other machine, each from the address it is said to come from.
+    void sendDatagrams(const QList<std::pair<QString, QByteArray>>& datagrams) {
+        machine_->run([&] {
+            for (const auto& [from, data] : datagrams) {
+                QUdpSocket socket;
+                QVERIFY(socket.bind(QHostAddress(from)));
+                socket.writeDatagram(data, QHostAddress("10.78.0.1"), 62331);
+            }
+        });
+    }
+    static int pings(PeerNamespace& machine, const std::shared_ptr<FakeProducer>& producer) {
+        int count = 0;
+        machine.run([&] { count = producer->pingsHeard(); });
+        return count;
+    }
+
+    std::optional<MessageGuard> messages_;
+    std::unique_ptr<PeerNamespace> machine_;
+};
+
+void TwoMachinesTest::producerIsFoundAndLost() {
+    PeerNamespace secondMachine;
+    QVERIFY(secondMachine.link("here1", "10.79.0.1", "there1", "10.79.0.2"));
+    const auto first = startProducer(*machine_, "10.78.0.2");
+    const auto second = startProducer(secondMachine, "10.79.0.2");
+    QVERIFY(first && second);
+
+    // As in the program, with its own periods.
+    NetworkUtils discovery(62331, 62330, false);
+    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
+    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
+    QSignalSpy disconnected(&discovery, &NetworkUtils::serverDisconnected);
+    QCOMPARE(discovery.getAvailableServers(), QStringList());
+    QTRY_COMPARE_WITH_TIMEOUT(discovered.size(), 2, 1000);
+    QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2", "10.79.0.2"}));
+
+    // Silent: gone after more than three seconds and not much more; the other one stays.
+    QElapsedTimer silence;
+    machine_->run([&] { first->stopAnswering(); });
+    silence.start();
+    QTRY_COMPARE_WITH_TIMEOUT(timeouted.size(), 1, 6000);
+    // Its last answer may be a period old.
+    QVERIFY2(silence.elapsed() > 2000 && silence.elapsed() < 4500,
+             qPrintable(QString::number(silence.elapsed())));
+    QCOMPARE(timeouted[0][0].toString(), "10.78.0.2");
+    QCOMPARE(discovery.getAvailableServers(), QStringList({"10.79.0.2"}));
+    QCOMPARE(discovered.size(), 2);
+    QVERIFY(pings(secondMachine, second) >= 3);
+
+    // Told to forget it: back with its next answer. Told of one that nobody knows: says so, too.
+    discovery.serverHasDisconnected("10.79.0.2");
+    discovery.serverHasDisconnected("10.80.0.2");
+    QCOMPARE(disconnected.size(), 2);
+    QCOMPARE(discovery.getAvailableServers(), QStringList());
+    QTRY_COMPARE_WITH_TIMEOUT(discovered.size(), 3, 2000);
+    QCOMPARE(discovered[2][0].toString(), "10.79.0.2");
+    QCOMPARE(timeouted.size(), 1);
+}
+
+void TwoMachinesTest::interfacesComeAndGo() {
+    const auto first = startProducer(*machine_, "10.78.0.2");
+    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
+    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
+    QTRY_COMPARE(discovered.size(), 1);
+
+    PeerNamespace secondMachine;
+    QVERIFY(secondMachine.link("here1", "10.79.0.1", "there1", "10.79.0.2"));
+    const auto second = startProducer(secondMachine, "10.79.0.2");
+    QTRY_COMPARE(discovered.size(), 2);
+    QCOMPARE(discovered[1][0].toString(), "10.79.0.2");
+
+    QVERIFY(PeerNamespace::ipHere(lineOf("here0", "down")));
+    QTRY_COMPARE(timeouted.size(), 1);
+    QCOMPARE(timeouted[0][0].toString(), "10.78.0.2");
+    QVERIFY(PeerNamespace::ipHere(lineOf("here0", "up")));
+    QTRY_COMPARE(discovered.size(), 3);
+    // Another address on the same cable.
+    QVERIFY(PeerNamespace::ipHere("address flush dev here0"));
+    QTRY_COMPARE(timeouted.size(), 2);
+    QVERIFY(PeerNamespace::ipHere("address add 10.78.0.9/24 broadcast + dev here0"));
+    QTRY_COMPARE(discovered.size(), 4);
+    QVERIFY(PeerNamespace::ipHere("link delete here1"));
+    QTRY_COMPARE(timeouted.size(), 3);
+    QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
+}
+
+void TwoMachinesTest::linkLocalAddressesAreSkipped() {
+    PeerNamespace secondMachine;
+    QVERIFY(secondMachine.link("here1", "169.254.7.1", "there1", "169.254.7.2"));
+    const auto first = startProducer(*machine_, "10.78.0.2");
+    const auto second = startProducer(secondMachine, "169.254.7.2");
+    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    QTRY_VERIFY(pings(*machine_, first) >= 5);
+    QCOMPARE(pings(secondMachine, second), 0);
+    PeerNamespace::ipHere("link delete here1");
+}
+
+void TwoMachinesTest::onlyTheExactWordsCount() {
+    // Any address of this range can be sent from there.
+    QVERIFY(machine_->ip("route add local 10.78.1.0/24 dev lo"));
+    NetworkUtils discovery(62331, 62330, false, nullptr, {50ms, 10'000ms});
+    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
+    sendDatagrams({{"10.78.1.1", "pingReceived"},
+                   {"10.78.1.2", "PingReceived\n"},
+                   {"10.78.1.3", QByteArray("PingReceived\0", 13)},
+                   {"10.78.1.4", " PingReceived"},
+                   {"10.78.1.5", "PingReceive"},
+                   {"10.78.1.6", ""},
+                   {"10.78.1.7", "PingReceived" + QByteArray(1400, 'x')},
+                   {"10.78.1.8", QByteArray(60'000, 'P')},
+                   {"10.78.1.9", "PingServers"},
+                   {"10.78.1.10", "GiveClient"},
+                   {"10.78.1.11", QByteArray("PingReceived").prepend('\0')},
+                   {"10.78.1.12", "\xff\xfe"},
+                   {"10.78.1.13", "PingReceived"}});
+    QTRY_COMPARE(discovered.size(), 1);
+    QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.1.13"}));
+    QCOMPARE(discovery.clients(), QStringList());
+}
+
+void TwoMachinesTest::floodOfProducers() {
+    QVERIFY(machine_->ip("route add local 10.78.0.0/16 dev lo"));
+    NetworkUtils discovery(62331, 62330, false, nullptr, {50ms, 500ms});
+    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
+    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
+    QList<std::pair<QString, QByteArray>> answers;
+    for (int i = 0; i < 1000; ++i)
+        answers.append({QString("10.78.%1.%2").arg(4 + i / 250).arg(1 + i % 250), "PingReceived"});
+    for (int i = 0; i < answers.size(); i += 50) { // no more than a socket holds
+        sendDatagrams(answers.mid(i, 50));
+        QCoreApplication::processEvents();
+    }
+    QTRY_COMPARE(discovered.size(), Limits::kMaxListedProducers);
+    QCOMPARE(discovery.getAvailableServers().size(), Limits::kMaxListedProducers);
+    // When they go, there is room again.
+    QTRY_COMPARE(timeouted.size(), Limits::kMaxListedProducers);
+    sendDatagrams({answers.back()});
+    QTRY_COMPARE(discovery.getAvailableServers(), QStringList({answers.back().first}));
+}
+
+void TwoMachinesTest::busyThreadLosesNobody() {
+    const auto producer = startProducer(*machine_, "10.78.0.2");
+    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
+    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
+    QTRY_COMPARE(discovered.size(), 1);
+    for (int round = 0; round < 5; ++round) {
+        const int before = pings(*machine_, producer);
+        QTest::qSleep(500); // this thread is stuck, the Producer is not
+        QCOMPARE(discovery.getAvailableServers().size(), 1);
+        QTest::qWait(60);
+        // Ticks did not pile up meanwhile.
+        QVERIFY(pings(*machine_, producer) - before <= 4);
+        QCOMPARE(timeouted.size(), 0);
+    }
+}
+
+void TwoMachinesTest::silenceIsNoticedByASlowThread() {
+    // A thread that is late every time still pings, and silence after that is silence.
+    const auto producer = startProducer(*machine_, "10.78.0.2");
+    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
+    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
+    QTRY_COMPARE(discovered.size(), 1);
+    machine_->run([&] { producer->stopAnswering(); });
+    for (int round = 0; round < 40 && timeouted.isEmpty(); ++round) {
+        QTest::qSleep(120);
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(timeouted.size(), 1);
+}
+
+void TwoMachinesTest::serverMode() {
+    QVERIFY(machine_->ip("route add default dev there0"));
+    const auto server =
+        machine_->make<NetworkUtils>([] { return new NetworkUtils(62330, 62331, true); });
+    int clientsChanged = 0;
+    connect(server.get(), &NetworkUtils::clientChanged, this, [&] { ++clientsChanged; });
+    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
+
+    const auto clients = [&] {
+        QStringList found;
+        machine_->run([&] { found = server->clients(); });
+        return found;
+    };
+    QCOMPARE(clients(), QStringList());
+    for (int round = 1; round <= 2; ++round) {
+        machine_->run([&] { server->getClientsOnNetwork(); });
+        QTRY_COMPARE(clients(), QStringList({"10.78.0.1"}));
+    }
+    QTRY_COMPARE(clientsChanged, 2);
+    // Neither end takes up what is meant for the other.
+    QCOMPARE(discovery.clients(), QStringList());
+    machine_->run([&] { server->processDatagram("PingReceived", QHostAddress("10.78.0.1")); });
+    QCOMPARE(server->getAvailableServers(), QStringList());
+}
+
+void TwoMachinesTest::takenPort() {
+    const auto producer = startProducer(*machine_, "10.78.0.2");
+    QUdpSocket holder;
+    QVERIFY(holder.bind(QHostAddress("10.78.0.1"), 62331, QUdpSocket::DontShareAddress));
+    // Once, although it is tried again and again.
+    messages_->expect(QtCriticalMsg,
+                      "NetworkCompanion: Socket not bound when constructing NetworkUtils!");
+    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    QTest::qWait(200);
+    QCOMPARE(pings(*machine_, producer), 0);
+    holder.close();
+    QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
+}
+
+void TwoMachinesTest::socketsAreLeftAlone() {
+    const auto producer = startProducer(*machine_, "10.78.0.2");
+    auto discovery = std::make_unique<NetworkUtils>(62331, 62330, false);
+    const auto sockets = discovery->findChildren<QUdpSocket*>();
+    QVERIFY(!sockets.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(pings(*machine_, producer) >= 3, 4000);
+    discovery->updateClientSockets();
+    QCOMPARE(discovery->findChildren<QUdpSocket*>(), sockets);
+    // In the middle of a period, the end does not wait for the next.
+    QElapsedTimer timer;
+    timer.start();
+    discovery.reset();
+    QVERIFY2(timer.elapsed() < 100, qPrintable(QString::number(timer.elapsed())));
+}
+
+void TwoMachinesTest::vanishedPeerIsNoticed() {
+    // Both ends at once, a silent link and one with bytes under way.
+    auto server = machine_->make<CompanionServer>([] { return new CompanionServer(nullptr); });
+    quint16 port = 0;
+    machine_->run([&] {
+        QVERIFY(server->listen(QHostAddress("10.78.0.2"), 0));
+        port = server->port();
+    });
+    int connected = 0, gone = 0;
+    connect(server.get(), &CompanionServer::companionConnected, this, [&] { ++connected; });
+    connect(server.get(), &CompanionServer::companionDisconnected, this, [&] { ++gone; });
+    CompanionClient silent(nullptr), busy(nullptr);
+    QSignalSpy silentLost(&silent, &CompanionClient::disconnected);
+    QSignalSpy busyLost(&busy, &CompanionClient::disconnected);
+    QVERIFY(silent.connectToServer("10.78.0.2", port));
+    QVERIFY(busy.connectToServer("10.78.0.2", port));
+    QTRY_COMPARE(connected, 2);
+    MsgEvent event("is anybody there?");
+    QVERIFY(busy.sendEvent(event));
+    QTest::qWait(1500); // probes that are answered end nothing
+    QVERIFY(silent.isConnected() && busy.isConnected());
+
+    QVERIFY(machine_->ip(lineOf("there0", "down")));
+    QElapsedTimer timer;
+    timer.start();
+    qint64 silentAfter = 0, busyAfter = 0, goneAfter = 0;
+    while (timer.elapsed() < 6000 && (!silentAfter || !busyAfter || !goneAfter)) {
+        QTest::qWait(20);
+        busy.sendEvent(event);
+        if (!silentAfter && !silentLost.isEmpty())
+            silentAfter = timer.elapsed();
+        if (!busyAfter && !busyLost.isEmpty())
+            busyAfter = timer.elapsed();
+        if (!goneAfter && gone == 2)
+            goneAfter = timer.elapsed();
+    }
+    qInfo("noticed after %lld ms (silent), %lld ms (busy), %lld ms (server)",
+          static_cast<long long>(silentAfter), static_cast<long long>(busyAfter),
+          static_cast<long long>(goneAfter));
+    for (const qint64 after : {silentAfter, busyAfter, goneAfter})
+        QVERIFY(after > 0 && after < 5000);
+    QCOMPARE(silentLost.size(), 1);
+    QCOMPARE(busyLost.size(), 1);
+}
+
+QTEST_GUILESS_MAIN(TwoMachinesTest)
+#include "two_machines_linux.moc"
