@@ -1,5 +1,7 @@
 #include "warp/BlindButton.h"
 
+#include "warp/OutOfSight.h"
+
 #include <QMouseEvent>
 
 BlindButton::BlindButton(QWidget* parent) : QLabel(parent) {
@@ -9,4 +11,8 @@ BlindButton::BlindButton(QWidget* parent) : QLabel(parent) {
 void BlindButton::mousePressEvent(QMouseEvent* event) {
     event->accept();
     emit blindPressed();
+}
+
+bool BlindButton::event(QEvent* event) {
+    return isRepaintOutOfSight(*this, *event) || QLabel::event(event);
 }

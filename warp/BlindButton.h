@@ -13,6 +13,7 @@ signals:
     void blindPressed();
 
 protected:
+    bool event(QEvent* event) override;
     /// Any button counts, and the press ends here: it does not select the row.
     void mousePressEvent(QMouseEvent* event) override;
 };

@@ -1,6 +1,7 @@
 #include "warp/Item.h"
 
 #include "app/Configuration.h"
+#include "warp/OutOfSight.h"
 
 #include <QEvent>
 #include <QImageReader>
@@ -109,5 +110,5 @@ bool Item::event(QEvent* event) {
     if (event->type() == QEvent::ScreenChangeInternal) {
         showBlindPicture(); // the new screen may have another resolution
     }
-    return QWidget::event(event);
+    return isRepaintOutOfSight(*this, *event) || QWidget::event(event);
 }

@@ -284,6 +284,7 @@ QString MediaList::partLabel(const ScreenItem* screen, const QString& partName) 
 
 void MediaList::adopt(Item* row) {
     row->setFixedHeight(WarpLook::kRowHeight);
+    row->move(0, -WarpLook::kRowHeight); // shown, but out of sight until it has its place
     connect(row, &Item::selected, this, &MediaList::onSelectedItem);
     newRows_.push_back(row);
 }
@@ -694,7 +695,6 @@ void MediaList::holdLayout() {
     }
     isLayoutHeld_ = true;
     rowsLayout_->setEnabled(false);
-    content_->setUpdatesEnabled(false);
     QMetaObject::invokeMethod(this, &MediaList::layOut, Qt::QueuedConnection);
 }
 
@@ -708,7 +708,6 @@ void MediaList::layOut() {
     QEvent request(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(scrollArea_, &request);
     rowsLayout_->activate();
-    content_->setUpdatesEnabled(true);
 }
 
 // Filters

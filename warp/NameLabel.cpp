@@ -1,5 +1,7 @@
 #include "warp/NameLabel.h"
 
+#include "warp/OutOfSight.h"
+
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
@@ -27,4 +29,8 @@ void NameLabel::paintEvent(QPaintEvent* event) {
                           option.palette, isEnabled(),
                           fontMetrics().elidedText(line, Qt::ElideRight, area.width()),
                           foregroundRole());
+}
+
+bool NameLabel::event(QEvent* event) {
+    return isRepaintOutOfSight(*this, *event) || QLabel::event(event);
 }

@@ -13,5 +13,6 @@ public:
     void setName(const QString& name);
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 };

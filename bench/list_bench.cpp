@@ -1,0 +1,174 @@
+// How long the operator waits for the list: a show's items arriving, the next row, a key typed into
+// the search box. The naive list beside it does what is asked for to the letter: on every arrival
+// all rows out of the layout, a bubble sort, and all back in. Run it in a network namespace; the
+// list's requests go through the process's dispatcher.
+
+#include "app/Configuration.h"
+#include "network/AddMediaEvent.h"
+#include "resources/CompanionResources.h"
+#include "warp/MediaItem.h"
+#include "warp/MediaList.h"
+#include "warp/MediaListContainer.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLineEdit>
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <vector>
+
+using namespace NetworkCompanion;
+
+namespace {
+
+const Configuration& configuration() {
+    static const Configuration instance = makeConfiguration();
+    return instance;
+}
+
+/// Media in an order that is nobody's: neither sorted nor reversed.
+std::vector<AddMediaEvent> makeShow(int count) {
+    std::vector<AddMediaEvent> show;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray name = "Media " + QByteArray::number(i * 7919 % count);
+        const auto id = static_cast<std::uint32_t>(i);
+        show.emplace_back(MediaType::Image, id, id, id, 1920U, 1080U, 0U, 0.0, name.constData(),
+                          false);
+    }
+    return show;
+}
+
+/// Until everything that is due has been laid out and painted.
+void settle() {
+    for (int i = 0; i < 3; ++i) {
+        QApplication::sendPostedEvents();
+        QApplication::processEvents();
+    }
+}
+
+struct Window {
+    explicit Window(int items) : list(*container.getMediaList()) {
+        container.setFixedWidth(240);
+        container.resize(240, 610);
+        container.show();
+        settle();
+        for (AddMediaEvent& event : makeShow(items)) {
+            list.receive(&event);
+        }
+        settle();
+    }
+
+    MediaListContainer container{configuration(), nullptr};
+    MediaList& list;
+};
+
+void itemsArriving(benchmark::State& state) {
+    auto show = makeShow(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        state.PauseTiming();
+        Window window(0);
+        state.ResumeTiming();
+        for (AddMediaEvent& event : show) {
+            window.list.receive(&event);
+        }
+        settle();
+        state.PauseTiming();
+        window.list.purgeMedia();
+        state.ResumeTiming();
+    }
+}
+
+void itemsLeaving(benchmark::State& state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        Window window(static_cast<int>(state.range(0)));
+        state.ResumeTiming();
+        window.list.purgeMedia();
+        settle();
+    }
+}
+
+void nextRow(benchmark::State& state) {
+    Window window(static_cast<int>(state.range(0)));
+    window.list.selectFirstVisibleItem();
+    for (auto _ : state) {
+        Item* before = window.list.selection();
+        window.list.selectNextVisibleItem();
+        if (window.list.selection() == before) {
+            window.list.selectFirstVisibleItem();
+        }
+        settle();
+    }
+}
+
+void searchKey(benchmark::State& state) {
+    Window window(static_cast<int>(state.range(0)));
+    auto* searchBox = window.container.findChild<QLineEdit*>();
+    bool narrow = true;
+    for (auto _ : state) {
+        searchBox->setText(narrow ? "9" : "");
+        narrow = !narrow;
+        settle();
+    }
+}
+
+void itemsArrivingNaively(benchmark::State& state) {
+    auto show = makeShow(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        state.PauseTiming();
+        QScrollArea area;
+        auto* content = new QWidget;
+        auto* layout = new QVBoxLayout(content);
+        area.setWidgetResizable(true);
+        area.setWidget(content);
+        area.resize(240, 610);
+        area.show();
+        settle();
+        std::vector<Item*> rows;
+        state.ResumeTiming();
+        for (const AddMediaEvent& event : show) {
+            rows.push_back(new MediaItem(event.mediaType(), event.cueId(), 0, 0, 0, 0, false,
+                                         event.name(), configuration(), content));
+            while (QLayoutItem* item = layout->takeAt(0)) {
+                delete item;
+            }
+            for (bool swapped = true; swapped;) {
+                swapped = false;
+                for (std::size_t i = 1; i < rows.size(); ++i) {
+                    if (rows[i - 1]->labelText().toUtf8().toLower() >
+                        rows[i]->labelText().toUtf8().toLower()) {
+                        std::swap(rows[i - 1], rows[i]);
+                        swapped = true;
+                    }
+                }
+            }
+            for (Item* row : rows) {
+                layout->addWidget(row);
+                row->show();
+            }
+        }
+        settle();
+    }
+}
+
+BENCHMARK(itemsArriving)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
+BENCHMARK(itemsLeaving)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
+BENCHMARK(nextRow)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(searchKey)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(itemsArrivingNaively)->Arg(100)->Arg(200)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    initCompanionResources();
+    QApplication application(argc, argv);
+    QFile styleSheet(QLatin1StringView(ShellLook::kStyleSheetPath));
+    if (styleSheet.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
