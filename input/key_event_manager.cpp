@@ -21,14 +21,21 @@ void KeyEventManager::removeListener(KeyEventListener* listener) {
         qWarning("No key event listener to remove!");
         return;
     }
-    listeners_.erase(found);
+    // A key may close what listens; while keys are handed out, places must not move.
+    if (notifying_ > 0)
+        *found = nullptr;
+    else
+        listeners_.erase(found);
 }
 
 void KeyEventManager::notifyListeners(QKeyEvent* keyEvent) {
-    // A key may close what listens, so the list is walked as it was and each entry checked anew.
-    const std::vector<KeyEventListener*> listeners = listeners_;
-    for (KeyEventListener* listener : listeners) {
-        if (std::find(listeners_.begin(), listeners_.end(), listener) != listeners_.end())
-            listener->notified(keyEvent);
+    ++notifying_;
+    const std::size_t count = listeners_.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (listeners_[i])
+            listeners_[i]->notified(keyEvent);
     }
+    --notifying_;
+    if (notifying_ == 0)
+        std::erase(listeners_, nullptr);
 }

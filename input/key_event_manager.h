@@ -30,5 +30,6 @@ public:
 private:
     KeyEventManager() = default;
 
-    std::vector<KeyEventListener*> listeners_;
+    std::vector<KeyEventListener*> listeners_; ///< null where one was removed during a key
+    int notifying_ = 0;                        ///< how many keys are being handed out right now
 };

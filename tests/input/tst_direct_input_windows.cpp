@@ -1,6 +1,7 @@
 #include "input/gamepad_input_manager.h"
 #include "tests/support/MessageGuard.h"
 
+#include <QFile>
 #include <QTest>
 #include <QWindow>
 
@@ -9,6 +10,7 @@
 #include <dbt.h>
 
 using namespace MeshpadTest;
+using enum GamepadButton;
 
 namespace {
 
@@ -35,34 +37,108 @@ private:
 
 } // namespace
 
-/// The real source of controllers on Windows.
+/// The real source of controllers on Windows. With MESHPAD_PAD_COMMANDS, a file whose lines
+/// somebody obeys on a virtual controller, the controller is tried as well.
 class TestDirectInput : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() { messages_.emplace(); }
-    void cleanup() {
-        messages_->verify();
-        messages_.reset();
-    }
+    void initTestCase();
+    void init();
+    void cleanup();
 
     void deviceChangeMessageStartsALook();
+    void everyInputOfAController();
+    void deadZones();
+    void overflowIsToldAndCaughtUp();
+    void unpluggedAndPluggedInAgain();
 
 private:
+    void start();
+    void plugIn();
+    void command(const QByteArray& lines);
+    void waitFor(const QStringList& events);
+
+    std::unique_ptr<ControllerSystem> system_; ///< a second look at the controllers
+    std::unique_ptr<QWindow> window_;
+    std::unique_ptr<GamepadInputManager> manager_;
+    QFile commands_{qEnvironmentVariable("MESHPAD_PAD_COMMANDS")};
+    QString lastEvent_;
+    QStringList events_; ///< signals in the order in which they came, repeated ones once
     std::optional<MessageGuard> messages_;
 };
+
+void TestDirectInput::initTestCase() {
+    system_ = ControllerSystem::create();
+    QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
+    window_ = std::make_unique<QWindow>();
+    window_->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+    if (!commands_.fileName().isEmpty())
+        QVERIFY(commands_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered));
+}
+
+void TestDirectInput::init() {
+    messages_.emplace();
+    events_.clear();
+    lastEvent_.clear();
+}
+
+void TestDirectInput::cleanup() {
+    manager_.reset();
+    if (commands_.isOpen()) {
+        command("unplug\n");
+        QTRY_VERIFY(system_->attachedControllers()->empty());
+    }
+    messages_->verify();
+    messages_.reset();
+}
+
+void TestDirectInput::start() {
+    manager_ = std::make_unique<GamepadInputManager>();
+    const auto note = [this](const QString& event) {
+        if (std::exchange(lastEvent_, event) != event)
+            events_ << event;
+    };
+    connect(manager_.get(), &GamepadInputManager::buttonPressed, this,
+            [=](GamepadButton button) { note(QString("press %1").arg(int(button))); });
+    connect(manager_.get(), &GamepadInputManager::buttonReleased, this,
+            [=](GamepadButton button) { note(QString("release %1").arg(int(button))); });
+    connect(manager_.get(), &GamepadInputManager::leftAxisMoved, this, [=](float x, float y) {
+        note(QString("left %1 %2").arg(x, 0, 'f', 2).arg(y, 0, 'f', 2));
+    });
+    connect(manager_.get(), &GamepadInputManager::rightAxisMoved, this, [=](float x, float y) {
+        note(QString("right %1 %2").arg(x, 0, 'f', 2).arg(y, 0, 'f', 2));
+    });
+    connect(manager_.get(), &GamepadInputManager::pressure, this,
+            [=](float value) { note(QString("pressure %1").arg(value, 0, 'f', 2)); });
+}
+
+/// A manager with the controller found by it.
+void TestDirectInput::plugIn() {
+    if (!commands_.isOpen())
+        QSKIP("No virtual controller");
+    if (!manager_)
+        start();
+    command("plug\n");
+    QTRY_VERIFY_WITH_TIMEOUT(manager_->isGamepadConnected(), 10000);
+}
+
+void TestDirectInput::command(const QByteArray& lines) {
+    commands_.write(lines);
+}
+
+void TestDirectInput::waitFor(const QStringList& events) {
+    const QString expected = events.join(", ");
+    QTRY_COMPARE(events_.join(", "), expected);
+    events_.clear();
+}
 
 void TestDirectInput::deviceChangeMessageStartsALook() {
     int looks = 0;
     GamepadInputManager manager(std::make_unique<CountingSystem>(looks));
     QCOMPARE(looks, 1);
-    if (manager.isGamepadConnected())
-        QSKIP("Unplug the controllers of this machine");
-
-    QWindow window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    const auto handle = reinterpret_cast<HWND>(window.winId());
+    const auto handle = reinterpret_cast<HWND>(window_->winId());
     looks = 0;
     for (const WPARAM what : {DBT_DEVICEARRIVAL, DBT_DEVICEREMOVECOMPLETE, DBT_DEVNODES_CHANGED})
         SendMessageW(handle, WM_DEVICECHANGE, what, 0);
@@ -70,6 +146,90 @@ void TestDirectInput::deviceChangeMessageStartsALook() {
     SendMessageW(handle, WM_DEVICECHANGE, DBT_QUERYCHANGECONFIG, 0);
     SendMessageW(handle, WM_NULL, DBT_DEVICEARRIVAL, 0);
     QCOMPARE(looks, 3);
+}
+
+void TestDirectInput::everyInputOfAController() {
+    plugIn();
+    const GamepadButton buttons[] = {RightCross_Bottom,
+                                     RightCross_Right,
+                                     RightCross_Left,
+                                     RightCross_Top,
+                                     Trigger_Left,
+                                     Trigger_Right,
+                                     Back,
+                                     Start};
+    for (int i = 0; i < int(std::size(buttons)); ++i) {
+        const QByteArray number = QByteArray::number(i);
+        command("button " + number + " 1\nbutton " + number + " 0\n");
+        waitFor(
+            {QString("press %1").arg(int(buttons[i])), QString("release %1").arg(int(buttons[i]))});
+    }
+    command("hat 1\nhat 2\nhat 4\nhat 8\nhat 0\n");
+    waitFor({"press 4", "release 4", "press 5", "release 5", "press 6", "release 6", "press 7",
+             "release 7"});
+    const std::pair<QByteArray, QString> sticks[] = {{"0 32767", "left 1.00 0.00"},
+                                                     {"0 -32768", "left -1.00 0.00"},
+                                                     {"1 32767", "left 0.00 1.00"},
+                                                     {"3 32767", "right 1.00 0.00"},
+                                                     {"4 -32768", "right 0.00 -1.00"}};
+    for (const auto& [position, expected] : sticks) {
+        command("axis " + position + "\n");
+        waitFor({expected});
+        command("axis " + position.left(2) + "0\n");
+        waitFor({expected.section(' ', 0, 0) + " 0.00 0.00"});
+    }
+    // The triggers have an axis each, which rests at its end; together they rest at 0.
+    command("axis 2 32767\n");
+    waitFor({"pressure 2.00"});
+    command("axis 2 -32768\naxis 5 32767\n");
+    waitFor({"pressure -2.00"});
+    command("axis 5 -32768\nbutton 0 1\n");
+    waitFor({"press 0"});
+}
+
+void TestDirectInput::deadZones() {
+    plugIn();
+    command("axis 0 5600\naxis 4 -5600\nbutton 0 1\n");
+    waitFor({"press 0"});
+    command("axis 0 19251\n");
+    waitFor({"left 0.50 0.00"});
+}
+
+void TestDirectInput::overflowIsToldAndCaughtUp() {
+    plugIn();
+    command("button 0 1\naxis 3 32767\n");
+    waitFor({"press 0", "right 1.00 0.00"});
+    manager_->onFocusLost();
+    for (int i = 0; i < 20; ++i)
+        command("button 9 1\nbutton 9 0\n");
+    command("button 0 0\naxis 3 0\nbutton 1 1\n");
+    // Another look at the same controller tells when all of it has arrived.
+    const auto device = system_->attachedControllers()->front().create();
+    device->setDataFormat();
+    device->acquire();
+    const auto everythingArrived = [&] {
+        ControllerState state;
+        device->poll();
+        device->state(state);
+        return state.buttons[1];
+    };
+    QTRY_VERIFY(everythingArrived());
+    messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
+    manager_->onFocusGained();
+    waitFor({"release 0", "press 1", "right 0.00 0.00"});
+}
+
+void TestDirectInput::unpluggedAndPluggedInAgain() {
+    messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
+    plugIn();
+    command("button 2 1\naxis 0 32767\n");
+    waitFor({"press 2", "left 1.00 0.00"});
+    command("unplug\n");
+    QTRY_VERIFY(!manager_->isGamepadConnected());
+    waitFor({"release 2", "left 0.00 0.00"});
+    plugIn();
+    command("button 3 1\n");
+    waitFor({"press 3"});
 }
 
 QTEST_MAIN(TestDirectInput)
