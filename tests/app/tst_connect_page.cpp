@@ -2,9 +2,11 @@
 #include "app/ConnectPage.h"
 #include "app/EventDispatcher.h"
 #include "app/IPList.h"
+#include "resources/CompanionResources.h"
 #include "tests/support/MessageGuard.h"
 
 #include <QPushButton>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -31,6 +33,7 @@ class TestConnectPage : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase() { initCompanionResources(); }
     void init() {
         messages_.emplace();
         page_ = std::make_unique<ConnectPage>(configuration_, nullptr);
@@ -125,6 +128,7 @@ private slots:
     void anAddressMayGoWhileItIsBeingPressed() {
         emit discovery().serverDiscovered(kFirst);
         QPushButton* button = buttonOf(kFirst);
+        QTRY_VERIFY(button->isVisible());
         const QPoint place = button->mapTo(page_.get(), button->rect().center());
         QTest::mousePress(page_->windowHandle(), Qt::LeftButton, {}, place);
         QVERIFY(button->isDown());
@@ -138,7 +142,7 @@ private slots:
             emit discovery().serverDiscovered(QStringLiteral("10.0.1.%1").arg(i));
         }
         QPushButton* last = buttonOf(QStringLiteral("10.0.1.39"));
-        auto* scrollBar = page_->findChild<QScrollBar*>();
+        auto* scrollBar = page_->findChild<QScrollArea*>()->verticalScrollBar();
         QTRY_VERIFY(scrollBar->maximum() > 0);
         scrollBar->setValue(scrollBar->maximum());
         QVERIFY(page_->rect().contains(QRect(last->mapTo(page_.get(), QPoint()), last->size())));

@@ -19,10 +19,13 @@
 #include "warp/WarpPage.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QQuickWidget>
+#include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -91,6 +94,7 @@ private:
     void startProducer();
     void connectByHand();
     void loseConnection();
+    void closeWindow();
     static CompanionClient& client() { return EventDispatcher::getInstance()->client(); }
 
     std::optional<MeshpadTest::MessageGuard> messages_;
@@ -118,8 +122,8 @@ void TestGuiCompanion::init() {
 void TestGuiCompanion::cleanup() {
     if (window_) {
         window_->onDisconnectFromServer();
+        closeWindow();
     }
-    window_.reset();
     client().disconnectFromServer();
     producer_.reset();
     EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(
@@ -128,10 +132,22 @@ void TestGuiCompanion::cleanup() {
     messages_.reset();
 }
 
+/// Without what Qt Quick would keep for later scenes: pictures, and their textures, which only a
+/// frame lets go.
+void TestGuiCompanion::closeWindow() {
+    find<Content>()->setPage(Page::Warp);
+    auto* scene = find<QQuickWidget>();
+    scene->setSource({});
+    QQuickWindow().releaseResources();
+    scene->grabFramebuffer();
+    window_.reset();
+}
+
 void TestGuiCompanion::startProducer() {
     producer_ = std::make_unique<FakeProducer>();
     QVERIFY(producer_->listen(kProducerAddress, kProducerPort));
     QVERIFY(producer_->answerDiscovery(kProducerAddress));
+    EventDispatcher::getInstance()->networkUtils().pingServers(); // need not wait for the next one
 }
 
 DisconnectOverlay* TestGuiCompanion::overlay() const {
@@ -233,8 +249,8 @@ void TestGuiCompanion::tabsShowTheirPages() {
     QVERIFY(shows<TestPatternPage>());
     press("Settings");
     QVERIFY(shows<SettingsPage>());
+    messages_->expect(QtDebugMsg, QStringLiteral("This menu page does not exist!"), 2);
     for (const int tab : {-1, 4}) {
-        messages_->expect(QtDebugMsg, QStringLiteral("This menu page does not exist!"));
         window_->goToPageFromMenu(tab);
         QVERIFY(shows<SettingsPage>());
     }
@@ -249,7 +265,7 @@ void TestGuiCompanion::tabsShowTheirPages() {
     QVERIFY(shows<WarpPage>());
     QVERIFY(currentPage()->isAncestorOf(QApplication::focusWidget()));
     // To the page that is shown already the keyboard is not given again.
-    auto* search = find<QLineEdit>();
+    auto* search = find<WarpPage>()->findChild<QLineEdit*>();
     search->setFocus();
     press("Warp");
     QVERIFY(search->hasFocus());
@@ -258,19 +274,15 @@ void TestGuiCompanion::tabsShowTheirPages() {
 void TestGuiCompanion::keysReachTheListeners() {
     connectByHand();
     KeyRecorder recorder;
-    auto* search = window_->findChild<WarpPage*>()->findChild<QLineEdit*>();
+    auto* search = find<WarpPage>()->findChild<QLineEdit*>();
     QTest::mouseClick(search, Qt::LeftButton);
     QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("map t"));
     QCOMPARE(search->text(), QStringLiteral("map t"));
     QCOMPARE(recorder.keys, QList<int>());
 
-    find<Content>()->setPage(Page::TestPatterns);
-    find<Content>()->setPage(Page::Warp);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_M);
-    QVERIFY(recorder.keys.contains(Qt::Key_M));
-    recorder.keys.clear();
-    QTest::keyClick(window_.get(), Qt::Key_F5);
-    QCOMPARE(recorder.keys, QList<int>({Qt::Key_F5}));
+    find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
+    QTest::keyClick(window_->windowHandle(), Qt::Key_M);
+    QCOMPARE(recorder.keys, QList<int>({Qt::Key_M}));
 }
 
 void TestGuiCompanion::controllerInputReachesTheWarpPage() {
@@ -335,8 +347,6 @@ void TestGuiCompanion::theVeilKeepsKeysAway() {
     startProducer();
     QTRY_VERIFY(client().isConnected());
     QCOMPARE(QApplication::focusWidget(), focus.data());
-    QTest::keyClick(window_->windowHandle(), Qt::Key_M);
-    QVERIFY(recorder.keys.contains(Qt::Key_M));
 }
 
 void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
@@ -444,7 +454,7 @@ void TestGuiCompanion::theWindowMayGoInAnyState() {
         loseConnection();
         startProducer();
     }
-    window_.reset();
+    closeWindow();
     producer_->send(MsgEvent("newShow")); // to nobody
     QTest::qWait(300);                    // a watcher that had survived would reconnect
     QCOMPARE(client().isConnected(), !lost);
