@@ -195,7 +195,7 @@ Show ShowCatalog::harbour() {
 
 Show ShowCatalog::winterGarden() {
     Builder builder(QStringLiteral("Winter Garden"));
-    builder.screen(0, QStringLiteral("Palm house"), column(Kind::Curve, 4, 5, kFullHd, 0.18, 0.1),
+    builder.screen(0, QStringLiteral("Palm house"), column(Kind::Curve, 4, 5, kFullHd, 0.07, 0.1),
                    LV_NTC_ModeType::Deformation,
                    {mediaLayer(31, 5, kWhole), textureLayer(22, 3, {0.3, 0.1, 0.4, 0.4})});
     builder.screen(3, QStringLiteral("Pond"), Warp::straight(Kind::None, 2, 2, kFullHd),
@@ -211,8 +211,8 @@ Show ShowCatalog::winterGarden() {
     builder.media(31, 5, MediaType::Generated, QStringLiteral("Aurora"), kFullHd,
                   QStringLiteral("aurora"), Warp::straight(Kind::None, 2, 2, kFullHd));
     builder.media(11, 6, MediaType::Video, QStringLiteral("Ripples"), {1280, 720},
-                  QStringLiteral("waves"), cloth(Kind::Curve, 3, 3, {1280, 720}, 0.1, 0.1));
-    builder.texture(22, 3, QStringLiteral("Leaf"), {512, 512}, QStringLiteral("emblem"),
+                  QStringLiteral("waves"), column(Kind::Curve, 3, 3, {1280, 720}, 0.24, -0.2));
+    builder.texture(22, 3, QStringLiteral("Emblem"), {512, 512}, QStringLiteral("emblem"),
                     Warp::straight(Kind::Keystone, 2, 2, {512, 512}));
     builder.quickKey(QStringLiteral("Snow"), QStringLiteral("#4a6f8a"));
     builder.quickKey(QStringLiteral("Warm light"), QStringLiteral("#9a5b1e"));
