@@ -74,6 +74,9 @@ function(meshpad_test name)
         LSAN_OPTIONS=suppressions=${runtime_suppressions}/lsan.supp:print_suppressions=0
         TSAN_OPTIONS=suppressions=${runtime_suppressions}/tsan.supp:halt_on_error=1
         UBSAN_OPTIONS=print_stacktrace=1)
+    if(MESHPAD_SANITIZERS MATCHES thread)
+        list(APPEND arg_ENVIRONMENT QT_NO_GLIB=1) # one uninstrumented library less between threads
+    endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}"
                                             LABELS "${arg_LABELS}")
 endfunction()

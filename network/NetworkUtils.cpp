@@ -2,12 +2,15 @@
 
 #include "network/ProtocolLimits.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QNetworkProxy>
 #include <QPointer>
 #include <QUdpSocket>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace NetworkCompanion {
 
@@ -259,25 +262,26 @@ void NetworkUtils::giveClient(const QString& sender) {
 void NetworkUtils::serversDiscoveryThreadFunction() {
     auto next = Clock::now();
     for (;;) {
-        // While this object's thread is busy, ticks do not pile up.
-        if (!tickPending_.exchange(true)) {
-            QMetaObject::invokeMethod(
-                this,
-                [this, addresses = usableAddresses(getAvailableNetworkInterfaces())] {
-                    tickPending_ = false;
-                    discover(addresses);
-                },
-                Qt::QueuedConnection);
-        }
-        next = std::max(next + timing_.pingPeriod, Clock::now());
+        const auto addresses = usableAddresses(getAvailableNetworkInterfaces());
         std::unique_lock lock(mutex_);
+        foundAddresses_ = addresses;
+        // While this object's thread is busy, ticks do not pile up.
+        if (!std::exchange(tickPending_, true))
+            QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+        next = std::max(next + timing_.pingPeriod, Clock::now());
         if (wakeUp_.wait_until(lock, next, [this] { return stop_; }))
             return;
     }
 }
 
-/// One period's work, on this object's thread.
-void NetworkUtils::discover(const QList<QHostAddress>& addresses) {
+/// The thread's tick; nobody else posts such events here.
+void NetworkUtils::customEvent(QEvent*) {
+    QList<QHostAddress> addresses;
+    {
+        const std::scoped_lock lock(mutex_);
+        tickPending_ = false;
+        addresses = foundAddresses_;
+    }
     const QPointer<NetworkUtils> alive(this);
     onReadyRead(); // answers that came while nobody looked
     if (!alive)

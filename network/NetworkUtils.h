@@ -7,7 +7,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <map>
@@ -67,6 +66,9 @@ signals:
 public slots:
     void onReadyRead();
 
+protected:
+    void customEvent(QEvent* event) override;
+
 private:
     using Clock = std::chrono::steady_clock;
     using Handler = void (NetworkUtils::*)(const QString& sender);
@@ -81,7 +83,6 @@ private:
     void giveClient(const QString& sender);
 
     void serversDiscoveryThreadFunction();
-    void discover(const QList<QHostAddress>& addresses);
     void discountDeafness(Clock::time_point now);
     void pruneTimeoutedServers();
     void followAddresses(const QList<QHostAddress>& addresses);
@@ -102,11 +103,12 @@ private:
     QStringList clients_;
     Clock::time_point lastPing_;
 
-    mutable std::mutex mutex_; // guards servers_ and stop_
+    mutable std::mutex mutex_; // guards what follows
     std::map<QString, Clock::time_point> servers_;
+    QList<QHostAddress> foundAddresses_;
+    bool tickPending_ = false;
     bool stop_ = false;
     std::condition_variable wakeUp_;
-    std::atomic<bool> tickPending_ = false;
     std::thread discoveryThread_;
 };
 

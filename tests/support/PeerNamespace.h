@@ -31,8 +31,10 @@ public:
               const QString& addressThere);
 
 private:
+    class Worker;
+
     QThread thread_;
-    std::unique_ptr<QObject> worker_;
+    std::unique_ptr<Worker> worker_;
     qint64 threadId_ = 0;
 };
 
