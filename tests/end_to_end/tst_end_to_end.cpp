@@ -1,0 +1,327 @@
+#include "tests/end_to_end/Desktop.h"
+#include "tests/end_to_end/ProducerState.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QPolygonF>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace Desktop;
+
+namespace {
+
+QString meshpadPath;
+QString producerPath;
+
+// The smallest window, at the origin of the screen.
+constexpr QPoint kMeshpadAt{0, 0};
+constexpr QPoint kProducerAt{640, 480};
+constexpr QPoint kAddress{640, 437};
+constexpr QPoint kConnect{640, 638};
+constexpr QPoint kDisconnect{1221, 55};
+constexpr QPoint kFirstEye{164, 233};
+constexpr QPoint kTabs[] = {{633, 55}, {783, 55}, {933, 55}, {1083, 55}};
+constexpr QPoint kAdjustView{1189, 689};
+constexpr QPoint kPatternTile{292, 420};
+constexpr QPoint kCanvasCentre{760, 418};
+constexpr QSizeF kCanvasSize{1040, 604};
+constexpr QRect kOverlayText{560, 330, 160, 90};
+
+const QString kScreen = QStringLiteral("screen:1"); // the first row: a keystone, 1920 x 1080
+
+/// How the canvas shows an item after "Adjust view": its mesh in the middle.
+struct View {
+    QPointF centre; ///< of the mesh, in the item's pixels
+    double zoom = 1;
+
+    QPoint onScreen(QPointF place) const {
+        return (QPointF(kCanvasCentre) + (place - centre) * zoom).toPoint();
+    }
+};
+
+bool isOverlayShown() {
+    const QImage screen = look().copy(kOverlayText);
+    for (int y = 0; y < screen.height(); ++y) {
+        for (int x = 0; x < screen.width(); ++x) {
+            const QColor color = screen.pixelColor(x, y);
+            if (color.red() > 200 && color.green() < 60 && color.blue() < 60) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+/// The two programs as an operator has them: Meshpad here, the Producer on a machine of its own at
+/// the other end of a cable. One session from start to end; each step stands on the ones before.
+class EndToEndTest final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void cleanup();
+
+    void findsTheProducerAndConnects();
+    void selectsAnItemByKey();
+    void selectsPoints();
+    void nudgesPointsByKey();
+    void dragsPointsWhileTheProducerFollows();
+    void blindsAnItem();
+    void showsTheOtherPages();
+    void noticesAPulledCableAndReconnects();
+    void disconnectsForGood();
+
+private:
+    void startProducer();
+    void adjustView();
+    QPoint pointOnScreen(int id) const { return view_.onScreen(state_->point(kScreen, id)); }
+
+    QTemporaryDir folder_;
+    std::unique_ptr<ProducerState> state_;
+    QProcess machine_; ///< holds the Producer's namespace
+    QProcess producer_;
+    QProcess meshpad_;
+    QString window_;
+    View view_;
+};
+
+void EndToEndTest::initTestCase() {
+    QVERIFY(folder_.isValid());
+    state_ = std::make_unique<ProducerState>(folder_.filePath("state.json"));
+    startProducer();
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_CONFIG_HOME", folder_.filePath("config"));
+    meshpad_.setProcessEnvironment(environment);
+    meshpad_.setProcessChannelMode(QProcess::MergedChannels);
+    meshpad_.start(meshpadPath, QStringList());
+    QVERIFY(meshpad_.waitForStarted());
+    window_ = placeWindow("^Meshpad 1[.]7[.]2$", kMeshpadAt);
+    focusWindow(window_);
+}
+
+void EndToEndTest::startProducer() {
+    machine_.start("unshare", {"--net", "sleep", "infinity"});
+    QVERIFY(machine_.waitForStarted());
+    const QString id = QString::number(machine_.processId());
+    const auto isApart = [&] {
+        return QFile::symLinkTarget("/proc/self/ns/net") !=
+               QFile::symLinkTarget("/proc/" + id + "/ns/net");
+    };
+    QTRY_VERIFY(isApart());
+    run("ip", {"link", "set", "mesh1", "netns", id});
+    const auto there = [&id](const QStringList& command) {
+        run("nsenter", QStringList{"--target", id, "--net", "ip"} + command);
+    };
+    there({"link", "set", "lo", "up"});
+    there({"address", "add", "10.77.0.2/24", "broadcast", "10.77.0.255", "dev", "mesh1"});
+    there({"link", "set", "mesh1", "up"});
+
+    producer_.setProcessChannelMode(QProcess::MergedChannels);
+    producer_.start("nsenter", {"--target", id, "--net", producerPath, "--still", "--state",
+                                folder_.filePath("state.json")});
+    QVERIFY(producer_.waitForStarted());
+    placeWindow("Producer", kProducerAt);
+}
+
+void EndToEndTest::cleanup() {
+    if (QTest::currentTestFailed()) {
+        qInfo().noquote() << "Producer:\n" << producer_.readAll();
+        qInfo().noquote() << "State:\n" << state_->companions();
+        keepPicture(QStringLiteral("failed-") + QTest::currentTestFunction());
+    }
+}
+
+void EndToEndTest::cleanupTestCase() {
+    for (QProcess* process : {&meshpad_, &producer_, &machine_}) {
+        process->terminate();
+        if (!process->waitForFinished(10'000)) {
+            process->kill();
+            process->waitForFinished();
+        }
+    }
+    // Nothing of a whole session is worth a line in the log.
+    const QString log = QString::fromUtf8(meshpad_.readAll());
+    QVERIFY2(log.isEmpty(), qPrintable(log));
+}
+
+void EndToEndTest::findsTheProducerAndConnects() {
+    QElapsedTimer waited;
+    waited.start();
+    while (state_->companions().isEmpty() && waited.elapsed() < 20'000) {
+        click(kAddress); // shown as soon as the Producer has answered
+        keepPicture("1-connect-page");
+        click(kConnect);
+        QTest::qWait(300);
+    }
+    QCOMPARE(state_->companions().size(), 1);
+    QCOMPARE(state_->companion()["address"].toString(), QStringLiteral("10.77.0.1"));
+}
+
+void EndToEndTest::selectsAnItemByKey() {
+    press("m");
+    QTRY_COMPARE(state_->editedItem(), kScreen);
+    press("m");
+    QTRY_COMPARE(state_->editedItem(), QStringLiteral("part:2/0"));
+    press("p");
+    QTRY_COMPARE(state_->editedItem(), kScreen);
+}
+
+void EndToEndTest::adjustView() {
+    QTest::qWait(500); // the mesh has no other sign of its arrival than the picture
+    click(kAdjustView);
+    QPolygonF mesh;
+    for (int id = 0; id < 4; ++id) {
+        mesh.append(state_->point(kScreen, id));
+    }
+    const QRectF box = mesh.boundingRect();
+    view_.centre = box.center();
+    view_.zoom = qMin(kCanvasSize.width() / box.width(), kCanvasSize.height() / box.height()) / 2.5;
+}
+
+void EndToEndTest::selectsPoints() {
+    adjustView();
+    click(pointOnScreen(0));
+    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0"));
+    keyDown("ctrl");
+    click(pointOnScreen(3));
+    keyUp("ctrl");
+    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0 3"));
+    press("Escape");
+    QTRY_COMPARE(state_->selection(kScreen), QString());
+    press("ctrl+a");
+    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0 1 2 3"));
+    press("Escape");
+    QTRY_COMPARE(state_->selection(kScreen), QString());
+    press("alt+Right"); // without a current point, point 0 becomes it
+    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0"));
+    press("alt+Right");
+    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("1"));
+    press("ctrl+alt+Down"); // its column
+    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("1 3"));
+    press("Escape");
+    QTRY_COMPARE(state_->selection(kScreen), QString());
+}
+
+void EndToEndTest::nudgesPointsByKey() {
+    press("alt+Right");
+    press("alt+Right");
+    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("1"));
+    const QPointF before = state_->point(kScreen, 1);
+    press("Right");
+    QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(1, 0));
+    press("ctrl+Down");
+    QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(1, 10));
+    press("shift+Left");
+    QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(0.8, 10));
+    press("Escape");
+}
+
+void EndToEndTest::dragsPointsWhileTheProducerFollows() {
+    const QPointF first = state_->point(kScreen, 0);
+    const QPointF last = state_->point(kScreen, 3);
+    const QPointF untouched = state_->point(kScreen, 2);
+    click(pointOnScreen(3));
+    keyDown("ctrl");
+    click(pointOnScreen(0));
+    keyUp("ctrl");
+    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0 3"));
+
+    const QPoint start = pointOnScreen(0);
+    mouseDown(start);
+    for (int step = 1; step <= 10; ++step) {
+        mouseMove(start + QPoint(6, 4) * step);
+    }
+    // The Producer follows before the finger is up.
+    const QPointF moved = QPointF(60, 40) / view_.zoom;
+    const auto isNear = [](QPointF a, QPointF b) { return (a - b).manhattanLength() < 12; };
+    QTRY_VERIFY(isNear(state_->point(kScreen, 0), first + moved));
+    keepPicture("2-dragging");
+    mouseUp();
+    QTRY_VERIFY(isNear(state_->point(kScreen, 0), first + moved));
+    // The whole selection by the same distance, nothing else at all.
+    const QPointF difference = state_->point(kScreen, 3) - last;
+    const QPointF same = state_->point(kScreen, 0) - first;
+    QVERIFY2((difference - same).manhattanLength() < 1e-6, "the selection lost its shape");
+    QCOMPARE(state_->point(kScreen, 2), untouched);
+    press("Escape");
+    QTRY_COMPARE(state_->selection(kScreen), QString());
+}
+
+void EndToEndTest::blindsAnItem() {
+    click(kFirstEye);
+    QTRY_VERIFY(state_->item(kScreen)["blinded"].toBool());
+    keepPicture("3-blinded");
+    press("space"); // the selected row's blind
+    QTRY_VERIFY(!state_->item(kScreen)["blinded"].toBool());
+}
+
+void EndToEndTest::showsTheOtherPages() {
+    click(kTabs[1]);
+    keepPicture("4-quick-keys");
+    click({300, 300});
+    QTRY_COMPARE(state_->all()["executedQuickKeys"].toArray().size(), 1);
+    click(kTabs[2]);
+    keepPicture("5-test-patterns");
+    click(kPatternTile);
+    QTRY_COMPARE(state_->all()["pattern"].toString(), QStringLiteral("tile"));
+    click(kTabs[3]);
+    keepPicture("6-settings");
+    click(kTabs[0]);
+    press("m");
+    QTRY_COMPARE(state_->editedItem(), QStringLiteral("part:2/0"));
+    keepPicture("7-warp-page");
+}
+
+void EndToEndTest::noticesAPulledCableAndReconnects() {
+    const int first = state_->companion()["id"].toInt();
+    run("ip", {"link", "set", "mesh0", "down"});
+    QElapsedTimer timer;
+    timer.start();
+    QTRY_VERIFY_WITH_TIMEOUT(isOverlayShown(), 10'000);
+    QVERIFY2(timer.elapsed() < 6'000, "a vanished Producer has to be noticed within 5 s");
+    keepPicture("8-disconnected");
+
+    run("ip", {"link", "set", "mesh0", "up"});
+    const auto isBack = [&] {
+        const QJsonObject companion = state_->companion();
+        return !companion.isEmpty() && companion["id"].toInt() != first && !isOverlayShown();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isBack(), 30'000);
+    // The show is there again, and what was bent still is.
+    press("m");
+    QTRY_COMPARE(state_->editedItem(), kScreen);
+    keepPicture("9-reconnected");
+}
+
+void EndToEndTest::disconnectsForGood() {
+    click(kDisconnect);
+    QTRY_COMPARE(state_->companions().size(), 0);
+    // The watcher would look every second; the Producer stays in reach.
+    QTest::qWait(2'500);
+    QCOMPARE(state_->companions().size(), 0);
+    QVERIFY(!isOverlayShown());
+    keepPicture("10-connect-page-again");
+}
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    if (argc < 3) {
+        qCritical("usage: end_to_end MESHPAD PRODUCER [Qt Test options]");
+        return 2;
+    }
+    meshpadPath = QString::fromLocal8Bit(argv[1]);
+    producerPath = QString::fromLocal8Bit(argv[2]);
+    argv[2] = argv[0];
+    EndToEndTest test;
+    return QTest::qExec(&test, argc - 2, argv + 2);
+}
+
+#include "tst_end_to_end.moc"
