@@ -189,7 +189,7 @@ void TwoMachinesTest::onlyTheExactWordsCount() {
 
 void TwoMachinesTest::floodOfProducers() {
     QVERIFY(machine_->ip("route add local 10.78.0.0/16 dev lo"));
-    NetworkUtils discovery(62331, 62330, false, nullptr, {50ms, 500ms});
+    NetworkUtils discovery(62331, 62330, false, nullptr, {50ms, 1500ms});
     QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
     QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
     QList<std::pair<QString, QByteArray>> answers;
@@ -198,11 +198,12 @@ void TwoMachinesTest::floodOfProducers() {
     for (int i = 0; i < answers.size(); i += 50) { // no more than a socket holds
         sendDatagrams(answers.mid(i, 50));
         QCoreApplication::processEvents();
+        QVERIFY(discovery.getAvailableServers().size() <= Limits::kMaxListedProducers);
     }
-    QTRY_COMPARE(discovered.size(), Limits::kMaxListedProducers);
-    QCOMPARE(discovery.getAvailableServers().size(), Limits::kMaxListedProducers);
+    QVERIFY(discovered.size() >= Limits::kMaxListedProducers);
     // When they go, there is room again.
-    QTRY_COMPARE(timeouted.size(), Limits::kMaxListedProducers);
+    QTRY_COMPARE(discovery.getAvailableServers(), QStringList());
+    QCOMPARE(timeouted.size(), discovered.size());
     sendDatagrams({answers.back()});
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({answers.back().first}));
 }
