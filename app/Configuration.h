@@ -180,7 +180,8 @@ namespace PagesLook {
 inline constexpr char kIdleColor[] = "#323232";   ///< of a key or pattern that is not active
 inline constexpr char kActiveColor[] = "#0096ff"; ///< of the pattern that is shown
 inline constexpr char kTextColor[] = "#ffffff";
-inline constexpr char kShadowColor[] = "#c0000000"; ///< behind white that stands on a light ground
+inline constexpr char kShadowColor[] = "#c0000000";  ///< behind white on a light ground
+inline constexpr char kOutlineColor[] = "#40ffffff"; ///< around a key of any colour
 inline constexpr int kFontSize = 18;
 inline constexpr int kFocusRingInset = 3;
 inline constexpr int kFocusRingWidth = 2;
@@ -193,9 +194,9 @@ inline constexpr int kPatternPenWidth = 2;
 inline constexpr char kActivePatternDescription[] = "Shown on the outputs";
 
 inline constexpr QSize kSmallestQuickKey{72, 48}; ///< a finger still hits it; larger grids scroll
-inline constexpr int kQuickKeyPadding = 8;
-inline constexpr int kSmallestQuickKeyFontSize = 12;
-inline constexpr int kQuickKeyFontStep = 2;
+inline constexpr int kQuickKeyRadius = 9; ///< of lines drawn on a key, within its rounded border
+inline constexpr int kQuickKeyPadding = 7;
+inline constexpr int kSmallestQuickKeyFontSize = 11;
 inline constexpr double kReadableContrast = 3.0; ///< of large bold text
 inline constexpr char kQuickKeyStyleStart[] = "QPushButton    {            background-color: ";
 inline constexpr char kQuickKeyStyleEnd[] =

@@ -1,9 +1,14 @@
 #include "pages/FittedText.h"
 
-#include "app/Configuration.h"
-
 #include <QFontMetricsF>
 #include <QPainter>
+
+namespace {
+
+/// With an invisible place to wrap: names are often those of files.
+constexpr QStringView kBreakableUnderscore = u"_\u200b";
+
+} // namespace
 
 void FittedText::set(const QString& text, const QFont& font, int smallestSize, const QSize& box) {
     if (text == source_ && font == largestFont_ && smallestSize == smallestSize_ && box == box_) {
@@ -15,19 +20,20 @@ void FittedText::set(const QString& text, const QFont& font, int smallestSize, c
     box_ = box;
     elided_ = false;
 
-    layout_.setText(text.simplified());
+    QString shown = text.simplified();
+    shown.replace(QLatin1Char('_'), kBreakableUnderscore.toString());
+    layout_.setText(shown);
     layout_.setCacheEnabled(true);
-    QFont tried = font;
-    for (int size = font.pixelSize(); size >= smallestSize; size -= PagesLook::kQuickKeyFontStep) {
-        tried.setPixelSize(size);
-        if (layOut(tried, QTextOption::WordWrap)) {
-            return;
+    for (const auto wrapMode : {QTextOption::WordWrap, QTextOption::WrapAtWordBoundaryOrAnywhere}) {
+        QFont tried = font;
+        for (int size = font.pixelSize(); size >= smallestSize; --size) {
+            tried.setPixelSize(size);
+            if (layOut(tried, wrapMode)) {
+                return;
+            }
         }
     }
-    tried.setPixelSize(smallestSize);
-    if (!layOut(tried, QTextOption::WrapAtWordBoundaryOrAnywhere)) {
-        elide();
-    }
+    elide();
 }
 
 bool FittedText::layOut(const QFont& font, QTextOption::WrapMode wrapMode) {

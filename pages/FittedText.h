@@ -6,8 +6,9 @@
 
 class QPainter;
 
-/// A text set into a box so that nothing of it is cut off: wrapped, then in smaller type, and only
-/// when even the smallest is too large, ended early with an ellipsis.
+/// A text set into a box so that nothing of it is cut off: wrapped between words, if need be in
+/// smaller type or within words, and only when even the smallest is too large, ended early with an
+/// ellipsis.
 class FittedText {
 public:
     /// Sets the text unless it is set that way already. `font` has a size in pixels, the largest

@@ -36,6 +36,7 @@ double contrastOfWhite(const QColor& ground) {
 
 QuickKeysButton::QuickKeysButton(const QSize& size, QWidget* parent) : QPushButton(parent) {
     setMaximumSize(size);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     QFont bold = font();
     bold.setPixelSize(kFontSize);
     bold.setWeight(QFont::Bold);
@@ -83,12 +84,21 @@ void QuickKeysButton::paintEvent(QPaintEvent* event) {
     QStyleOptionButton option;
     initStyleOption(&option);
     option.text.clear();
-    painter.drawControl(QStyle::CE_PushButton, option);
+    painter.drawControl(QStyle::CE_PushButtonBevel, option); // without the style's own focus
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isEnabled()) {
+        drawOutline(painter);
+    }
     drawName(painter);
     if (hasFocus()) {
-        painter.setRenderHint(QPainter::Antialiasing);
-        drawFocusRing(painter, rect(), kPatternRadius);
+        drawFocusRing(painter, rect(), kQuickKeyRadius);
     }
+}
+
+void QuickKeysButton::drawOutline(QPainter& painter) const {
+    const QRectF line = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    painter.setPen(QColor(QLatin1StringView(kOutlineColor)));
+    painter.drawRoundedRect(line, kQuickKeyRadius, kQuickKeyRadius);
 }
 
 void QuickKeysButton::drawName(QPainter& painter) {

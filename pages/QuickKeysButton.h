@@ -31,6 +31,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// So that a key as dark as the page is seen to be a key.
+    void drawOutline(QPainter& painter) const;
     void drawName(QPainter& painter);
     [[nodiscard]] QColor ground() const;
 

@@ -15,7 +15,6 @@
 #include <QScrollArea>
 
 #include <algorithm>
-#include <memory>
 
 using namespace NetworkCompanion;
 using namespace PagesLook;
@@ -26,6 +25,10 @@ constexpr int kMinId = static_cast<int>(Limits::kMinQuickKeyId);
 constexpr int kMaxId = static_cast<int>(Limits::kMaxQuickKeyId);
 constexpr int kMinGrid = static_cast<int>(Limits::kMinQuickKeyGrid);
 constexpr int kMaxGrid = static_cast<int>(Limits::kMaxQuickKeyGrid);
+
+/// Keys up to this one get their buttons at once; pages behind it when they are shown, so that a
+/// key costs next to nothing however many there are.
+constexpr int kKeysFilledAtOnce = 256;
 
 constexpr LV_NTC_EventType kEventTypes[] = {
     LV_NTC_EventType::AddQuickKey, LV_NTC_EventType::DeleteQuickKey,
@@ -122,45 +125,46 @@ void QuickKeysPage::addQuickKey(int id, const char* name, const char* color) {
     if (!isIdInBounds(id) || keysPerPage() == 0) {
         return;
     }
-    while (static_cast<int>(buttons_.size()) < id) {
+    while (static_cast<int>(places_.size()) < id) {
         addQuickKeysPage();
     }
     updateSpinBox();
     highestId_ = std::max(highestId_, id);
 
-    fillPage(pageOf(id));
-    QuickKeysButton* button = buttons_[static_cast<std::size_t>(id - 1)];
-    button->setName(QString::fromUtf8(name));
-    button->setBckgColor(QString::fromUtf8(color));
-    button->setId(id);
-    button->setEnabled(true);
+    Place& added = place(id);
+    added.name = QString::fromUtf8(name);
+    added.color = QString::fromUtf8(color);
+    added.isUsed = true;
+    showKey(id);
+    if (id <= kKeysFilledAtOnce) {
+        fillPage(pageOf(id));
+    }
+    fillPage(stack_->currentIndex());
 }
 
 void QuickKeysPage::updateQuickKey(int id, const char* name, const char* color) {
-    if (!isIdInBounds(id)) {
+    if (!isIdInBounds(id) || !isKnown(id)) {
         return;
     }
-    if (QuickKeysButton* button = keyButton(id)) {
-        button->setName(QString::fromUtf8(name));
-        button->setBckgColor(QString::fromUtf8(color));
-    }
+    place(id).name = QString::fromUtf8(name);
+    place(id).color = QString::fromUtf8(color);
+    showKey(id);
 }
 
 void QuickKeysPage::deleteQuickKey(int id) {
-    if (!isIdInBounds(id)) {
+    if (!isIdInBounds(id) || !isKnown(id)) {
         return;
     }
-    QuickKeysButton* button = keyButton(id);
-    if (button == nullptr) {
-        return;
-    }
-    keepFocusFrom(button);
-    button->setName(QString());
-    button->setStyleSheet(QString());
-    button->setEnabled(false);
+    Place& deleted = place(id);
+    deleted.isUsed = false;
+    showKey(id);
 
     if (id == highestId_) {
-        if (const int highest = highestKey()) {
+        int highest = static_cast<int>(places_.size());
+        while (highest > 0 && !isKnown(highest)) {
+            --highest;
+        }
+        if (highest > 0) {
             highestId_ = highest;
         }
         deletePagesBehind(pageOf(highestId_));
@@ -181,45 +185,32 @@ void QuickKeysPage::configQuickKey(int rows, int columns) {
 }
 
 void QuickKeysPage::rebuildPages(int page) {
-    setUpdatesEnabled(false);
     keepFocusFrom(stack_);
-    std::vector<std::unique_ptr<QWidget>> oldPages;
     stack_->setCurrentIndex(0); // so that no other one is shown while they go
     for (int i = stack_->count() - 1; i >= 0; --i) {
-        QWidget* old = stack_->widget(i);
-        stack_->removeWidget(old);
-        delete old->layout();
-        oldPages.emplace_back(old);
+        delete stack_->widget(i);
     }
+    for (Place& gone : places_) {
+        gone.button = nullptr;
+    }
+    places_.resize(static_cast<std::size_t>(highestId_));
 
-    // The buttons beyond the highest key go with the old pages.
-    std::vector<QuickKeysButton*> kept(
-        buttons_.begin(),
-        buttons_.begin() + std::min<std::ptrdiff_t>(highestId_, std::ssize(buttons_)));
-    buttons_.clear();
     const int count = highestId_ / keysPerPage() + 1;
     for (int i = 0; i < count; ++i) {
         addQuickKeysPage();
     }
-    std::copy(kept.begin(), kept.end(), buttons_.begin());
-    for (int id = 1; id <= static_cast<int>(kept.size()); ++id) {
-        if (kept[static_cast<std::size_t>(id - 1)] != nullptr) {
-            fillPage(pageOf(id));
-        }
-    }
-    fillPage(0);
     updateSpinBox();
     spinBox_->setValue(page + 1);
     navigateToPage(spinBox_->value());
-    setUpdatesEnabled(true);
+    for (int i = 0; i < count && i * keysPerPage() < kKeysFilledAtOnce; ++i) {
+        fillPage(i);
+    }
 }
 
 void QuickKeysPage::addQuickKeysPage() {
     stack_->addWidget(new QWidget(stack_));
-    buttons_.resize(buttons_.size() + static_cast<std::size_t>(keysPerPage()), nullptr);
-    if (stack_->count() == 1) {
-        fillPage(0);
-    }
+    const auto room = static_cast<std::size_t>(stack_->count() * keysPerPage());
+    places_.resize(std::max(places_.size(), room)); // while pages are rebuilt, keys are there first
 }
 
 void QuickKeysPage::fillPage(int page) {
@@ -227,19 +218,42 @@ void QuickKeysPage::fillPage(int page) {
     if (grid->layout() != nullptr) {
         return;
     }
+    // Out of sight: buttons that come into a visible page have it laid out anew, one by one.
+    const bool isShown = !grid->isHidden();
+    grid->hide();
     auto* layout = new QGridLayout(grid);
     layout->setAlignment(Qt::AlignCenter);
     layout->setSpacing(kSpacing);
     for (int i = 0; i < keysPerPage(); ++i) {
         const int id = page * keysPerPage() + i + 1;
-        QuickKeysButton*& button = buttons_[static_cast<std::size_t>(id - 1)];
-        if (button == nullptr) {
-            button = new QuickKeysButton(configuration_.patternButtonSize, grid);
-            button->setEnabled(false);
-            connect(button, &QuickKeysButton::pressed, mapper_, qOverload<>(&QSignalMapper::map));
-        }
+        auto* button = new QuickKeysButton(configuration_.patternButtonSize, grid);
+        button->setEnabled(false);
+        connect(button, &QuickKeysButton::pressed, mapper_, qOverload<>(&QSignalMapper::map));
         mapper_->setMapping(button, id);
         layout->addWidget(button, i / columns_, i % columns_);
+        place(id).button = button;
+        if (place(id).isUsed) {
+            showKey(id);
+        }
+    }
+    grid->setVisible(isShown);
+}
+
+void QuickKeysPage::showKey(int id) {
+    const Place& shown = place(id);
+    if (shown.button == nullptr) {
+        return;
+    }
+    if (shown.isUsed) {
+        shown.button->setName(shown.name);
+        shown.button->setBckgColor(shown.color);
+        shown.button->setId(id);
+        shown.button->setEnabled(true);
+    } else {
+        keepFocusFrom(shown.button);
+        shown.button->setName(QString());
+        shown.button->setStyleSheet(QString());
+        shown.button->setEnabled(false);
     }
 }
 
@@ -258,9 +272,11 @@ void QuickKeysPage::deletePagesBehind(int page) {
 
 void QuickKeysPage::deleteQuickKeysPage() {
     QWidget* page = stack_->widget(stack_->count() - 1);
-    buttons_.resize(buttons_.size() - static_cast<std::size_t>(keysPerPage()));
+    const auto first = places_.end() - keysPerPage();
+    std::for_each(first, places_.end(), [](const Place& gone) { delete gone.button; });
+    places_.erase(first, places_.end());
     stack_->removeWidget(page);
-    page->deleteLater(); // and its buttons with it
+    page->deleteLater();
 }
 
 void QuickKeysPage::updateSpinBox() {
@@ -282,20 +298,9 @@ void QuickKeysPage::keepFocusFrom(const QWidget* leaving) {
     }
 }
 
-QuickKeysButton* QuickKeysPage::keyButton(int id) const {
-    if (id > static_cast<int>(buttons_.size())) {
-        return nullptr;
-    }
-    QuickKeysButton* button = buttons_[static_cast<std::size_t>(id - 1)];
-    return button != nullptr && button->isEnabledTo(button->parentWidget()) ? button : nullptr;
-}
-
-int QuickKeysPage::highestKey() const {
-    int id = static_cast<int>(buttons_.size());
-    while (id > 0 && keyButton(id) == nullptr) {
-        --id;
-    }
-    return id;
+bool QuickKeysPage::isKnown(int id) const {
+    return id <= static_cast<int>(places_.size()) &&
+           places_[static_cast<std::size_t>(id - 1)].isUsed;
 }
 
 void QuickKeysPage::navigateToPage(int page) {

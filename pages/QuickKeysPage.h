@@ -46,6 +46,14 @@ signals:
     void buttonClicked(int id);
 
 private:
+    /// Where a key is or could be: its button, and what the button shows once there is one.
+    struct Place {
+        QString name;
+        QString color;
+        bool isUsed = false;
+        QuickKeysButton* button = nullptr; ///< null until the page is filled
+    };
+
     void initNavSpinBox();
     void addQuickKeysPage();
     void deleteQuickKeysPage();
@@ -54,15 +62,15 @@ private:
     /// Gives the page its buttons, unless it has them.
     void fillPage(int page);
     void updateSpinBox();
+    void showKey(int id);
     /// Takes the keyboard from a control that is about to go, lest it lands on the next key.
     void keepFocusFrom(const QWidget* leaving);
 
     [[nodiscard]] int keysPerPage() const { return rows_ * columns_; }
-    /// Page of a key, both counted from their own start: 1 and 0.
+    /// Keys count from 1, pages from 0.
     [[nodiscard]] int pageOf(int id) const { return (id - 1) / keysPerPage(); }
-    /// Null when there is no such key.
-    [[nodiscard]] QuickKeysButton* keyButton(int id) const;
-    [[nodiscard]] int highestKey() const;
+    [[nodiscard]] Place& place(int id) { return places_[static_cast<std::size_t>(id - 1)]; }
+    [[nodiscard]] bool isKnown(int id) const;
 
     const Configuration& configuration_;
     // Children of the page.
@@ -70,9 +78,7 @@ private:
     QSpinBox* spinBox_;
     QStackedWidget* stack_; ///< a grid page for each screenful of keys
     QSignalMapper* mapper_;
-    /// The key `id` stands at `id - 1`. Null on a page that has neither had a key nor been shown:
-    /// such a page gets its buttons when it does.
-    std::vector<QuickKeysButton*> buttons_;
+    std::vector<Place> places_; ///< of all pages; the key `id` is at `id - 1`
     int rows_ = 0;
     int columns_ = 0;
     int highestId_ = 0;

@@ -4,6 +4,8 @@
 #include "app/EventDispatcher.h"
 #include "network/UpdateSettingsEvent.h"
 
+#include <QEvent>
+
 using namespace NetworkCompanion;
 using namespace PagesLook;
 
@@ -59,6 +61,17 @@ void SettingsPage::initPointsElements() {
             &SettingsPage::onUsePointsCheckBoxStateChanged);
     connect(color_, &QComboBox::currentIndexChanged, this, &SettingsPage::onPointsColorChanged);
     connect(shape_, &QComboBox::currentIndexChanged, this, &SettingsPage::onPointsShapeChanged);
+}
+
+bool SettingsPage::event(QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show) {
+        makeRoom();
+    }
+    return ControlPage::event(event);
+}
+
+void SettingsPage::makeRoom() {
+    points_->setMaximumSize(kSettingsLargest.expandedTo(pointsLayout_->sizeHint()));
 }
 
 void SettingsPage::sendNewSettings() const {

@@ -29,8 +29,14 @@ public slots:
     void onPointsShapeChanged(int index);
     void onMeshpadConnected();
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     void initPointsElements();
+    /// A larger font than usual widens the points widget beyond its usual limits, rather than
+    /// have its texts cut off.
+    void makeRoom();
 
     const Configuration& configuration_;
     // Children of the page.
