@@ -1,4 +1,5 @@
 #include "input/gamepad_input_manager.h"
+#include "tests/input/InputLog.h"
 #include "tests/support/MessageGuard.h"
 
 #include <QFile>
@@ -57,14 +58,13 @@ private:
     void start();
     void plugIn();
     void command(const QByteArray& lines);
-    void waitFor(const QStringList& events);
+    void waitFor(const QString& events);
 
     std::unique_ptr<ControllerSystem> system_; ///< a second look at the controllers
     std::unique_ptr<QWindow> window_;
     std::unique_ptr<GamepadInputManager> manager_;
     QFile commands_{qEnvironmentVariable("MESHPAD_PAD_COMMANDS")};
-    QString lastEvent_;
-    QStringList events_; ///< signals in the order in which they came, repeated ones once
+    std::unique_ptr<InputLog> log_;
     std::optional<MessageGuard> messages_;
 };
 
@@ -80,8 +80,6 @@ void TestDirectInput::initTestCase() {
 
 void TestDirectInput::init() {
     messages_.emplace();
-    events_.clear();
-    lastEvent_.clear();
 }
 
 void TestDirectInput::cleanup() {
@@ -96,22 +94,7 @@ void TestDirectInput::cleanup() {
 
 void TestDirectInput::start() {
     manager_ = std::make_unique<GamepadInputManager>();
-    const auto note = [this](const QString& event) {
-        if (std::exchange(lastEvent_, event) != event)
-            events_ << event;
-    };
-    connect(manager_.get(), &GamepadInputManager::buttonPressed, this,
-            [=](GamepadButton button) { note(QString("press %1").arg(int(button))); });
-    connect(manager_.get(), &GamepadInputManager::buttonReleased, this,
-            [=](GamepadButton button) { note(QString("release %1").arg(int(button))); });
-    connect(manager_.get(), &GamepadInputManager::leftAxisMoved, this, [=](float x, float y) {
-        note(QString("left %1 %2").arg(x, 0, 'f', 2).arg(y, 0, 'f', 2));
-    });
-    connect(manager_.get(), &GamepadInputManager::rightAxisMoved, this, [=](float x, float y) {
-        note(QString("right %1 %2").arg(x, 0, 'f', 2).arg(y, 0, 'f', 2));
-    });
-    connect(manager_.get(), &GamepadInputManager::pressure, this,
-            [=](float value) { note(QString("pressure %1").arg(value, 0, 'f', 2)); });
+    log_ = std::make_unique<InputLog>(*manager_, InputLog::Repeats::Once);
 }
 
 /// A manager with the controller found by it.
@@ -128,10 +111,9 @@ void TestDirectInput::command(const QByteArray& lines) {
     commands_.write(lines);
 }
 
-void TestDirectInput::waitFor(const QStringList& events) {
-    const QString expected = events.join(", ");
-    QTRY_COMPARE(events_.join(", "), expected);
-    events_.clear();
+void TestDirectInput::waitFor(const QString& events) {
+    QTRY_COMPARE(log_->text(), events);
+    log_->take();
 }
 
 void TestDirectInput::deviceChangeMessageStartsALook() {
@@ -161,44 +143,42 @@ void TestDirectInput::everyInputOfAController() {
     for (int i = 0; i < int(std::size(buttons)); ++i) {
         const QByteArray number = QByteArray::number(i);
         command("button " + number + " 1\nbutton " + number + " 0\n");
-        waitFor(
-            {QString("press %1").arg(int(buttons[i])), QString("release %1").arg(int(buttons[i]))});
+        waitFor(QString("press %1, release %1").arg(int(buttons[i])));
     }
     command("hat 1\nhat 2\nhat 4\nhat 8\nhat 0\n");
-    waitFor({"press 4", "release 4", "press 5", "release 5", "press 6", "release 6", "press 7",
-             "release 7"});
-    const std::pair<QByteArray, QString> sticks[] = {{"0 32767", "left 1.00 0.00"},
-                                                     {"0 -32768", "left -1.00 0.00"},
-                                                     {"1 32767", "left 0.00 1.00"},
-                                                     {"3 32767", "right 1.00 0.00"},
-                                                     {"4 -32768", "right 0.00 -1.00"}};
+    waitFor("press 4, release 4, press 5, release 5, press 6, release 6, press 7, release 7");
+    const std::pair<QByteArray, QString> sticks[] = {{"0 32767", "left 1 0"},
+                                                     {"0 -32768", "left -1 0"},
+                                                     {"1 32767", "left 0 1"},
+                                                     {"3 32767", "right 1 0"},
+                                                     {"4 -32768", "right 0 -1"}};
     for (const auto& [position, expected] : sticks) {
         command("axis " + position + "\n");
-        waitFor({expected});
+        waitFor(expected);
         command("axis " + position.left(2) + "0\n");
-        waitFor({expected.section(' ', 0, 0) + " 0.00 0.00"});
+        waitFor(expected.section(' ', 0, 0) + " 0 0");
     }
     // The triggers have an axis each, which rests at its end; together they rest at 0.
     command("axis 2 32767\n");
-    waitFor({"pressure 2.00"});
+    waitFor("pressure 2");
     command("axis 2 -32768\naxis 5 32767\n");
-    waitFor({"pressure -2.00"});
+    waitFor("pressure -2");
     command("axis 5 -32768\nbutton 0 1\n");
-    waitFor({"press 0"});
+    waitFor("press 0");
 }
 
 void TestDirectInput::deadZones() {
     plugIn();
     command("axis 0 5600\naxis 4 -5600\nbutton 0 1\n");
-    waitFor({"press 0"});
+    waitFor("press 0");
     command("axis 0 19251\n");
-    waitFor({"left 0.50 0.00"});
+    waitFor("left 0.5 0");
 }
 
 void TestDirectInput::overflowIsToldAndCaughtUp() {
     plugIn();
     command("button 0 1\naxis 3 32767\n");
-    waitFor({"press 0", "right 1.00 0.00"});
+    waitFor("press 0, right 1 0");
     manager_->onFocusLost();
     for (int i = 0; i < 20; ++i)
         command("button 9 1\nbutton 9 0\n");
@@ -216,20 +196,20 @@ void TestDirectInput::overflowIsToldAndCaughtUp() {
     QTRY_VERIFY(everythingArrived());
     messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
     manager_->onFocusGained();
-    waitFor({"release 0", "press 1", "right 0.00 0.00"});
+    waitFor("release 0, press 1, right 0 0");
 }
 
 void TestDirectInput::unpluggedAndPluggedInAgain() {
     messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
     plugIn();
     command("button 2 1\naxis 0 32767\n");
-    waitFor({"press 2", "left 1.00 0.00"});
+    waitFor("press 2, left 1 0");
     command("unplug\n");
     QTRY_VERIFY(!manager_->isGamepadConnected());
-    waitFor({"release 2", "left 0.00 0.00"});
+    waitFor("release 2, left 0 0");
     plugIn();
     command("button 3 1\n");
-    waitFor({"press 3"});
+    waitFor("press 3");
 }
 
 QTEST_MAIN(TestDirectInput)
