@@ -1,0 +1,349 @@
+#include "app/Configuration.h"
+#include "app/EventDispatcher.h"
+#include "app/UpdateProducer.h"
+#include "input/key_event_manager.h"
+#include "network/DeformationModeEvent.h"
+#include "network/ItemDataEvent.h"
+#include "network/MediaDeformationModeEvent.h"
+#include "network/MediaMovePointEvent.h"
+#include "network/MsgEvent.h"
+#include "network/ScreenMovePointEvent.h"
+#include "network/ScreenPartDeformationModeEvent.h"
+#include "network/ScreenPartMovePointEvent.h"
+#include "network/TextureMovePointEvent.h"
+#include "tests/warp/WarpTest.h"
+#include "warp/Canvas.h"
+#include "warp/MediaItem.h"
+#include "warp/ScreenItem.h"
+#include "warp/ScreenPartItem.h"
+#include "warp/TextureItem.h"
+
+#include <QKeyEvent>
+#include <QQuickItem>
+#include <QQuickWidget>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <limits>
+#include <memory>
+
+using namespace NetworkCompanion;
+
+/// The bridge between a stand-in scene, rows as the list has them, and a Producer on the loopback.
+class TestCanvas : public QObject, private WarpTest {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        configuration_.canvasPath = QUrl::fromLocalFile(QFINDTESTDATA("StandIn.qml")).toString();
+    }
+    void init() {
+        QVERIFY(connectProducer());
+        UpdateProducer::tickPeriod = std::chrono::hours(1); // a drag ends when a test ends it
+        media_.reset(new MediaItem(MediaType::Image, 11, 12, 13, 0, 0, false, "Clip",
+                                   configuration_, nullptr));
+        texture_.reset(new TextureItem(21, 22, 23, 0, 0, false, "Sky", configuration_, nullptr));
+        screen_.reset(new ScreenItem(7, 33, 0, 0, false, "Wall", configuration_, nullptr));
+        otherScreen_.reset(new ScreenItem(8, 34, 0, 0, false, "Roof", configuration_, nullptr));
+        part_.reset(new ScreenPartItem(2, 43, 0, 0, false, "Left", configuration_, nullptr));
+        screen_->addPart(part_.get());
+        canvas_ = std::make_unique<Canvas>(configuration_, nullptr);
+        canvas_->resize(800, 600);
+        canvas_->show();
+        scene_ = canvas_->findChild<QQuickWidget*>()->rootObject();
+        QVERIFY(scene_);
+    }
+    void cleanup() {
+        canvas_.reset();
+        part_.reset();
+        screen_.reset();
+        disconnectProducer();
+    }
+
+    void theSceneFindsItsContext() {
+        const QVariantList context{true, 1060, 601, 140U, 60, 16, 60, 4, 16};
+        QCOMPARE(scene_->property("context").toList(), context);
+        QCOMPARE(canvas_->rotate({0, -1}, 90), QPointF(1, 0));
+        QCOMPARE(canvas_->rotate({3, 4}, 0), QPointF(3, 4));
+    }
+
+    void currentItemIsToldBeforeItIsTaken() {
+        QSignalSpy changes(canvas_.get(), &Canvas::currentItemChanged);
+        canvas_->onSelectedItem(screen_.get());
+        // The scene unselects the points of the item that it leaves: those moves still count.
+        connect(canvas_.get(), &Canvas::currentItemChanged, this, [this] {
+            canvas_->moveScreenPoint(7, "Wall", 0, 1, 2, 0, true, false);
+            canvas_->moveScreenPartPoint(7, 2, "", 0, 1, 2, 0, true, false);
+        });
+        canvas_->onSelectedItem(part_.get());
+        QVERIFY(gets(ScreenMovePointEvent(7, 33, "Wall", 0, 1, 2, 0, true, false)));
+        canvas_->onSelectedItem(nullptr);
+        QVERIFY(gets(ScreenPartMovePointEvent(7, 2, 43, "", 0, 1, 2, 0, true, false)));
+        canvas_->onSelectedItem(media_.get());
+        const QList<QList<QVariant>> expected{{3, 7, 0}, {4, 7, 2}, {0, 0, 0}, {1, 11, 0}};
+        QCOMPARE(QList<QList<QVariant>>(changes), expected);
+    }
+
+    void movesOutsideADragLeaveAtOnce() {
+        canvas_->moveScreenPoint(7, "Wall", 0, 1, 2, 0, true, true);
+        QVERIFY(getsNothing());
+
+        canvas_->onSelectedItem(media_.get());
+        canvas_->moveMediaPoint(11, 12, "Clip", 3, 0.25, -0.0, 0, false, true);
+        QVERIFY(gets(MediaMovePointEvent(11, 12, 13, "Clip", 3, 0.25, -0.0, 0, false, true)));
+        canvas_->onSelectedItem(texture_.get());
+        canvas_->moveTexturePoint(21, 22, "Sky", 4, 5, 6, 0, true, false);
+        QVERIFY(gets(TextureMovePointEvent(21, 22, 23, "Sky", 4, 5, 6, 0, true, false)));
+        canvas_->onSelectedItem(part_.get());
+        QMetaObject::invokeMethod(scene_, "moveUnnamed", Q_ARG(int, 9));
+        QVERIFY(gets(ScreenPartMovePointEvent(7, 2, 43, "", 9, 1.5, -2.5, 0, true, false)));
+
+        // What would tell the Producer something wrong stays here.
+        canvas_->moveMediaPoint(11, 12, "Clip", 3, 1, 1, 0, true, true);
+        canvas_->moveScreenPartPoint(8, 2, "", 3, 1, 1, 0, true, true);
+        canvas_->moveScreenPartPoint(7, 2, "", 3, qQNaN(), 1, 0, true, true);
+        canvas_->moveScreenPartPoint(7, 2, "", 3, 1, qInf(), 0, true, true);
+        QVERIFY(getsNothing());
+    }
+
+    void aDragSendsTheNewestOfEachPointWithTheTick() {
+        UpdateProducer::tickPeriod = std::chrono::milliseconds(20);
+        canvas_->onSelectedItem(screen_.get());
+        canvas_->startMovePointTimer();
+        for (const int point : {5, 300, 2, 5}) {
+            canvas_->moveScreenPoint(7, "Wall", point, ++x_, 0, 0, true, true);
+        }
+        const ScreenMovePointEvent second(7, 33, "Wall", 2, 3, 0, 0, true, true);
+        const ScreenMovePointEvent fifth(7, 33, "Wall", 5, 4, 0, 0, true, true);
+        const ScreenMovePointEvent last(7, 33, "Wall", 300, 2, 0, 0, true, true);
+        QTRY_COMPARE(producer().events().size(), 3U);
+        QVERIFY(gets(second, fifth, last));
+
+        canvas_->stopMovePointTimer();
+        QCoreApplication::processEvents();
+        QVERIFY(getsNothing());
+    }
+
+    void whatIsLeftAtTheEndOfADragIsSentOnce() {
+        canvas_->onSelectedItem(screen_.get());
+        drag(7, 1);
+        QCoreApplication::processEvents();
+        QVERIFY(gets(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true)));
+
+        // Another move of the same point right behind the drag must not be overtaken.
+        drag(7, 2);
+        canvas_->moveScreenPoint(7, "", 0, 3, 0, 0, true, true);
+        QCoreApplication::processEvents();
+        QVERIFY(gets(ScreenMovePointEvent(7, 33, "", 0, 2, 0, 0, true, true),
+                     ScreenMovePointEvent(7, 33, "", 0, 3, 0, 0, true, true)));
+
+        // Neither must a new deformation, which gives the points' numbers another meaning.
+        drag(7, 4);
+        canvas_->newCurveDeformation(5, 3, true);
+        QCoreApplication::processEvents();
+        QVERIFY(
+            gets(ScreenMovePointEvent(7, 33, "", 0, 4, 0, 0, true, true),
+                 DeformationModeEvent(LV_NTC_DeformationType::Curve, 7, 33, "Wall", 5, 3, true)));
+    }
+
+    void theEndOfADragBelongsToTheItemThatWasDragged() {
+        canvas_->onSelectedItem(screen_.get());
+        drag(7, 1);
+        canvas_->onSelectedItem(otherScreen_.get());
+        drag(8, 2);
+        canvas_->onSelectedItem(nullptr);
+        QCoreApplication::processEvents();
+        QVERIFY(gets(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true),
+                     ScreenMovePointEvent(8, 34, "", 0, 2, 0, 0, true, true)));
+    }
+
+    void nothingIsSentForAnItemThatIsGone() {
+        canvas_->onSelectedItem(screen_.get());
+        drag(7, 1);
+        canvas_->onRemoveScreenItem(8);
+        QVERIFY(canvas_->findChild<QQuickWidget*>());
+        canvas_->onRemoveScreenItem(7);
+        canvas_->moveScreenPoint(7, "", 0, 2, 0, 0, true, true);
+        canvas_->newKeystoneDeformation(false);
+        canvas_->onSelectedItem(nullptr);
+        canvas_->onSelectedItem(otherScreen_.get());
+        QCoreApplication::processEvents();
+        QVERIFY(getsNothing());
+
+        // A row that vanishes without a word.
+        drag(8, 3);
+        otherScreen_.reset();
+        QCoreApplication::processEvents();
+        canvas_->onSelectedItem(screen_.get());
+        canvas_->updateProducer();
+        QVERIFY(getsNothing());
+
+        // Points of a mesh that the Producer has just replaced.
+        drag(7, 4);
+        canvas_->onScreenDeformationMode(LV_NTC_DeformationType::Keystone, 7, "", 2, 2, false);
+        QCoreApplication::processEvents();
+        QVERIFY(getsNothing());
+    }
+
+    void aCanvasMayGoInTheMiddleOfADrag() {
+        canvas_->onSelectedItem(screen_.get());
+        canvas_->startMovePointTimer();
+        canvas_->moveScreenPoint(7, "", 0, 1, 0, 0, true, true);
+        canvas_.reset(); // at once, not at the next tick
+        MsgEvent msg("x");
+        producer().send(msg);
+        producer().send(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true));
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
+        KeyEventManager::getInstance()->notifyListeners(&key);
+        QVERIFY(getsNothing());
+    }
+
+    void deformationsAreAskedForByKindOfItem() {
+        using Type = LV_NTC_DeformationType;
+        canvas_->newKeystoneDeformation(true);
+        QVERIFY(getsNothing());
+        canvas_->onSelectedItem(media_.get());
+        canvas_->newBezierDeformation(2, 5, true);
+        canvas_->newNoneDeformation();
+        QVERIFY(gets(MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::Bezier, 11, 12, 13,
+                                               "Clip", 4, 13, true),
+                     MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::None, 11, 12, 13,
+                                               "Clip", 2, 2, false)));
+        canvas_->onSelectedItem(texture_.get());
+        canvas_->newKeystoneDeformation(true);
+        QVERIFY(gets(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, Type::Keystone, 21, 22,
+                                               23, "Sky", 2, 2, true)));
+        canvas_->onSelectedItem(part_.get());
+        canvas_->newNoneDeformation();
+        QVERIFY(
+            gets(ScreenPartDeformationModeEvent(Type::Keystone, 7, 2, 43, "Left", 2, 2, false)));
+    }
+
+    void deformationsReachTheSceneCountedFromNone() {
+        using Type = LV_NTC_DeformationType;
+        QSignalSpy media(canvas_.get(), &Canvas::mediaDeformationMode);
+        QSignalSpy texture(canvas_.get(), &Canvas::textureDeformationMode);
+        QSignalSpy screen(canvas_.get(), &Canvas::screenDeformationMode);
+        QSignalSpy part(canvas_.get(), &Canvas::screenPartDeformationMode);
+        canvas_->onMediaDeformationMode(LV_NTC_ElementType::Media, Type::None, 1, 2, "m", 3, 4,
+                                        true);
+        canvas_->onTextureDeformationMode(LV_NTC_ElementType::Texture, Type::Curve, 1, 2, "t", 3, 4,
+                                          false);
+        canvas_->onScreenDeformationMode(Type::Keystone, 1, "s", 3, 4, true);
+        canvas_->onScreenPartDeformationMode(Type::Bezier, 1, 2, "p", 3, 4, false);
+        QCOMPARE(media.value(0), QVariantList({1, 0, 1U, 2, "m", 3, 4, true}));
+        QCOMPARE(texture.value(0), QVariantList({2, 3, 1U, 2, "t", 3, 4, false}));
+        QCOMPARE(screen.value(0), QVariantList({1, 1, "s", 3, 4, true}));
+        QCOMPARE(part.value(0), QVariantList({2, 1, 2, "p", 3, 4, false}));
+    }
+
+    void pointsOfTheProducerReachTheSceneInOrder() {
+        QStringList order;
+        connect(canvas_.get(), &Canvas::screenMovePoint, this,
+                [&](int id, const QString&, int point) {
+                    order << QStringLiteral("screen %1 %2").arg(id).arg(point);
+                });
+        connect(canvas_.get(), &Canvas::screenPartMovePoint, this,
+                [&](int id, int part) { order << QStringLiteral("part %1 %2").arg(id).arg(part); });
+        connect(canvas_.get(), &Canvas::textureMovePoint, this, [&](unsigned cue, int id) {
+            order << QStringLiteral("texture %1 %2").arg(cue).arg(id);
+        });
+        connect(canvas_.get(), &Canvas::mediaMovePoint, this, [&](unsigned cue, int id) {
+            order << QStringLiteral("media %1 %2").arg(cue).arg(id);
+        });
+
+        producer().send(ItemDataEvent());
+        ItemDataEvent mesh;
+        mesh.addMediaMovePointEvent({1, 2, 0, "Ö", 0, 0.5, -1, 0, false, true});
+        mesh.addTextureMovePointEvent({3, 4, 0, "", 0, 0, 0, 0, true, false});
+        mesh.addScreenPartMovePointEvent({5, 6, 0, "", 0, 0, 0, 0, true, false});
+        mesh.addScreenMovePointEvent({7, 0, "", 1, 0, 0, 0, true, false});
+        mesh.addScreenMovePointEvent({7, 0, "", 2, qQNaN(), 0, 0, true, false});
+        mesh.addScreenMovePointEvent({7, 0, "", 3, 0, 0, 0, true, false});
+        producer().send(mesh);
+        producer().send(TextureMovePointEvent(8, 9, 0, "", 0, 0, -qInf(), 0, true, false));
+        messages().expect(QtWarningMsg, "Canvas: Point position that is not a number ignored", 2);
+        QTRY_VERIFY(messages().isSatisfied());
+        QCOMPARE(order,
+                 QStringList({"screen 7 1", "screen 7 3", "part 5 6", "texture 3 4", "media 1 2"}));
+        const QVariantList heard{"point", 1U, 2, "Ö", 0, 0.5, -1.0, 0.0, false, true};
+        QCOMPARE(scene_->property("heard").toList().value(0).toList(), heard);
+
+        MsgEvent unknown("");
+        messages().expect(QtDebugMsg, "Canvas: Unknown event received");
+        canvas_->receive(&unknown);
+    }
+
+    void keysGoToTheSceneAndBack() {
+        const auto notify = [this](int key, Qt::KeyboardModifiers modifiers, const QString& text) {
+            QKeyEvent event(QEvent::KeyPress, key, modifiers, text, true, 3);
+            event.ignore();
+            canvas_->onKeyEvent(&event);
+            return event.isAccepted();
+        };
+        QVERIFY(notify(Qt::Key_Left, Qt::ShiftModifier, ""));
+        QVERIFY(notify(Qt::Key_A, Qt::ControlModifier, "a"));
+        QVERIFY(notify(Qt::Key_B, Qt::NoModifier, "b"));
+        QCoreApplication::processEvents();
+        const QVariantList expected{QVariantList{Qt::Key_Left, int(Qt::ShiftModifier), "", false},
+                                    QVariantList{Qt::Key_A, int(Qt::ControlModifier), "a", false}};
+        QCOMPARE(scene_->property("keys").toList(), expected);
+
+        std::unique_ptr<QKeyEvent> copy;
+        connect(canvas_.get(), &Canvas::keyEvent, this,
+                [&](const QKeyEvent* event) { copy.reset(event->clone()); });
+        canvas_->notifyKeyEventFromQml(QEvent::KeyPress, Qt::Key_Space, int(Qt::AltModifier), " ",
+                                       true, 2);
+        QCOMPARE(copy->type(), QEvent::KeyPress);
+        QCOMPARE(copy->key(), Qt::Key_Space);
+        QCOMPARE(copy->modifiers(), Qt::AltModifier);
+        QCOMPARE(copy->text(), " ");
+        QVERIFY(copy->isAutoRepeat());
+        QCOMPARE(copy->count(), 2);
+    }
+
+    void realKeysReachTheSceneOnceItHasTheFocus() {
+        canvas_->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(canvas_.get()));
+        canvas_->setFocus(Qt::MouseFocusReason);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);
+        QTRY_COMPARE(scene_->property("keys").toList().size(), 1);
+    }
+
+    void controllersReachTheScene() {
+        canvas_->onLeftAxisMoved(0.5F, -1.0F);
+        canvas_->onAction(Action::TOGGLE_EDIT_UV);
+        const QVariantList expected{QVariantList{"axis", 0.5, -1.0}, QVariantList{"action", true}};
+        QCOMPARE(scene_->property("heard").toList(), expected);
+    }
+
+    void aBrokenSceneIsLoggedOnceAndHurtsNobody() {
+        Configuration broken = configuration_;
+        broken.canvasPath = QStringLiteral("qrc:/no/such/Scene.qml");
+        messages().expectMatching(QtWarningMsg, QRegularExpression("Scene.qml"));
+        Canvas canvas(broken, nullptr);
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
+        canvas.onKeyEvent(&key);
+        QCOMPARE(messages().seen(QtWarningMsg).size(), 1);
+    }
+
+private:
+    /// Begins and ends a drag of point 0 within one turn of the event loop.
+    void drag(int screenId, double x) {
+        canvas_->startMovePointTimer();
+        canvas_->moveScreenPoint(screenId, "", 0, x, 0, 0, true, true);
+        canvas_->stopMovePointTimer();
+    }
+
+    Configuration configuration_ = makeConfiguration();
+    std::unique_ptr<MediaItem> media_;
+    std::unique_ptr<TextureItem> texture_;
+    std::unique_ptr<ScreenItem> screen_, otherScreen_;
+    std::unique_ptr<ScreenPartItem> part_;
+    std::unique_ptr<Canvas> canvas_;
+    QQuickItem* scene_ = nullptr;
+    double x_ = 0;
+};
+
+QTEST_MAIN(TestCanvas)
+#include "tst_canvas.moc"

@@ -1,0 +1,602 @@
+#include "app/Configuration.h"
+#include "app/EventDispatcher.h"
+#include "app/EventListener.h"
+#include "input/key_event_manager.h"
+#include "network/AddMediaEvent.h"
+#include "network/AddScreenEvent.h"
+#include "network/AddScreenPartEvent.h"
+#include "network/AddTextureEvent.h"
+#include "network/BlindEvent.h"
+#include "network/DeformationModeEvent.h"
+#include "network/GetResourcesIdEvent.h"
+#include "network/ItemDataEvent.h"
+#include "network/MediaBlindEvent.h"
+#include "network/MediaDeformationModeEvent.h"
+#include "network/MireEvent.h"
+#include "network/MsgEvent.h"
+#include "network/ProtocolLimits.h"
+#include "network/RemoveMediaEvent.h"
+#include "network/RemoveScreenEvent.h"
+#include "network/RemoveScreenPartEvent.h"
+#include "network/RemoveTextureEvent.h"
+#include "network/ScreenModeEvent.h"
+#include "network/ScreenPartBlindEvent.h"
+#include "network/ScreenPartDeformationModeEvent.h"
+#include "tests/warp/WarpTest.h"
+#include "warp/MediaList.h"
+#include "warp/MediaListContainer.h"
+#include "warp/ScreenItem.h"
+#include "warp/ScreenPartItem.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QRandomGenerator>
+#include <QScrollArea>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include <memory>
+
+using namespace NetworkCompanion;
+
+namespace {
+
+using Mode = LV_NTC_ModeType;
+
+/// Hands the keys that nobody inside has used to the key listeners, as the main window does.
+class Window : public QWidget {
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        KeyEventManager::getInstance()->notifyListeners(event);
+    }
+};
+
+} // namespace
+
+/// The list in a window, fed by a Producer on the loopback and used by mouse and keys.
+class TestMediaList : public QObject, private WarpTest {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        QVERIFY(connectProducer());
+        window_ = std::make_unique<Window>();
+        container_ = new MediaListContainer(configuration_, window_.get());
+        list_ = container_->getMediaList();
+        auto* layout = new QVBoxLayout(window_.get());
+        layout->addWidget(container_);
+        window_->resize(260, 400);
+        window_->show();
+        window_->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+        list_->setFocus();
+    }
+    void cleanup() {
+        window_.reset();
+        disconnectProducer();
+    }
+
+    void rowsStandInOrderAsSoonAsTheyAreThere() {
+        QStringList seen; // by whoever hears of an arrival: the rows so far
+        connect(container_, &MediaListContainer::mediaItemAdded, this,
+                [&] { seen << allRows().join('|'); });
+        send(AddScreenEvent(7, 70, 800, 600, 0, 0.0, "Beta", false, false));
+        send(AddScreenEvent(2, 20, 800, 600, 0, 0.0, "alpha", false, false));
+        send(AddMediaEvent(MediaType::Image, 5, 50, 500, 1, 1, 0, 0.0, "b", false));
+        send(AddMediaEvent(MediaType::Video, 9, 90, 900, 1, 1, 0, 0.0, "A", false));
+        send(AddTextureEvent(1, 10, 100, 1, 1, 0, 0.0, "a", false));
+        send(AddMediaEvent(MediaType::Image, 3, 30, 300, 1, 1, 0, 0.0, "a", false));
+        send(AddMediaEvent(MediaType::Image, 4, 40, 400, 1, 1, 0, 0.0, "é", false));
+        send(AddMediaEvent(MediaType::Image, 6, 60, 600, 1, 1, 0, 0.0, "É", false));
+        send(AddScreenPartEvent(7, 1, 71, 1, 1, 0, 0.0, "", false));
+        send(AddScreenPartEvent(7, 0, 70, 1, 1, 0, 0.0, "roof", false));
+        send(ScreenModeEvent(Mode::Parts, 7, 70, "Beta"));
+        QVERIFY(allArrived());
+        QCOMPARE(allRows(), QStringList({"alpha", "Beta", "Beta, Part", "Beta, roof", "a", "A", "a",
+                                         "b", "É", "é"}));
+        QCOMPARE(shownRows(),
+                 QStringList({"alpha", "Beta, Part", "Beta, roof", "a", "A", "a", "b", "É", "é"}));
+        QCOMPARE(seen.value(1), "alpha|Beta|b");
+        QCOMPARE(seen.last(), "alpha|Beta|a|A|a|b|é");
+        QCOMPARE(list_->getItemFromLayout(4)->dataIndex(), 300);
+        QCOMPARE(list_->getItemFromLayout(-1), nullptr);
+        QCOMPARE(list_->getItemFromLayout(10), nullptr);
+    }
+
+    void whatIsThereAlreadyGetsNoSecondRow() {
+        QSignalSpy medias(container_, &MediaListContainer::mediaItemAdded);
+        QSignalSpy screens(container_, &MediaListContainer::screenItemAdded);
+        list_->addScreen(1, 0, 800, 600, 90.0, false, false, "Wall");
+        list_->addScreen(2, 0, 800, 600, 0.0, false, false, "Zoo");
+        list_->addScreenPart(1, 5, 0, 1, 1, 0.0, false, "Left");
+        addMedia(3, "Clip");
+        addMedia(3, "Other");
+        list_->addScreenPart(1, 5, 0, 1, 1, 0.0, false, "Right");
+        QCOMPARE(allRows(), QStringList({"Wall", "Wall, Right", "Zoo", "Clip"}));
+        list_->addScreen(1, 0, 400, 300, 45.0, false, false, "Zoom");
+        QCOMPARE(allRows(), QStringList({"Zoo", "Zoom", "Zoom, Left", "Clip"}));
+        QCOMPARE(medias.size(), 2);
+        QCOMPARE(screens.last(), QVariantList({1, 400, 300, 0.0F, 45.0, "Zoom"}));
+
+        list_->updateMediaBlind(LV_NTC_ElementType::Media, "Yes", 3, true);
+        addMedia(4, "No");
+        QCOMPARE(allRows().mid(3), QStringList({"No", "Yes"}));
+    }
+
+    /// Beside a list that is kept by rebuilding everything, everything that happens to one must
+    /// leave the same.
+    void orderAndVisibilityAreThoseOfARebuild() {
+        QRandomGenerator random(20240607);
+        const auto name = [&random] {
+            const QStringList names{"a", "B", "ab", "b", "A", "ba, c", "", "Part"};
+            return names.at(random.bounded(int(names.size())));
+        };
+        QString filterText;
+        bool screensOnly = false;
+        for (int step = 0; step < 3000; ++step) {
+            const int id = random.bounded(9);
+            const QString text = name();
+            switch (random.bounded(14)) {
+            case 0:
+            case 1:
+                addMedia(unsigned(id), text);
+                break;
+            case 2:
+                list_->addTexture(unsigned(id), 0, 0, 1, 1, 0.0, false, text);
+                break;
+            case 3:
+            case 4:
+                list_->addScreen(id, 0, 1, 1, 0.0, false, false, text);
+                break;
+            case 5:
+            case 6:
+                list_->addScreenPart(id, random.bounded(4), 0, 1, 1, 0.0, false, text);
+                list_->updateMediaList(); // there may be no such screen
+                break;
+            case 7:
+                list_->updateScreenMode(id, Mode(random.bounded(4)));
+                continue; // shown without regard to the filters until the next update
+            case 8:
+                list_->updateMediaBlind(LV_NTC_ElementType(1 + random.bounded(2)), text,
+                                        unsigned(id), true);
+                continue;
+            case 9:
+                list_->removeMedia(unsigned(id));
+                list_->removeTexture(unsigned(id));
+                continue;
+            case 10:
+                list_->removeScreenPart(id, random.bounded(4));
+                list_->removeScreen(random.bounded(9));
+                continue;
+            case 11:
+                filterText = text;
+                list_->filterByText(text);
+                list_->updateMediaList();
+                break;
+            case 12:
+                screensOnly = !screensOnly;
+                list_->filterScreens(screensOnly);
+                list_->updateMediaList();
+                break;
+            default:
+                list_->selectNextVisibleItem();
+                continue;
+            }
+            QVERIFY(!list_->selection() || !list_->selection()->isHidden());
+            QStringList all, shown;
+            rebuildByHand(filterText, screensOnly, all, shown);
+            QCOMPARE(allRows(), all);
+            QCOMPARE(shownRows(), shown);
+        }
+        producer().forget();
+    }
+
+    void selectionTellsTheProducerAndEverybody() {
+        addMedia(1, "a", 100);
+        addMedia(2, "b", 200);
+        addMedia(3, "c", 300);
+        QSignalSpy selected(container_, &MediaListContainer::selectedItem);
+        QTest::mouseClick(row("b"), Qt::RightButton);
+        QTest::mouseClick(row("b"), Qt::LeftButton);
+        QVERIFY(row("b")->isActive());
+        QTest::keyClick(focus(), Qt::Key_M);
+        QTest::keyClick(focus(), Qt::Key_M); // the last one stays
+        QVERIFY(gets(ItemDataEvent(200), ItemDataEvent(300)));
+        QVERIFY(!row("b")->isActive() && row("c")->isActive());
+        QCOMPARE(row("c")->styleSheet(), "background-color: #008cf5;");
+        list_->onAction(Action::SELECT_PREVIOUS_SCREEN);
+        QTest::keyClick(focus(), Qt::Key_P);
+        QTest::keyClick(focus(), Qt::Key_P);
+        list_->unselectItem();
+        list_->onAction(Action::SELECT_PREVIOUS_SCREEN);
+        QVERIFY(
+            gets(ItemDataEvent(200), ItemDataEvent(100), ItemDataEvent(-1), ItemDataEvent(100)));
+        QCOMPARE(selected.size(), 6);
+        QCOMPARE(selected.last().value(0).value<Item*>(), row("a"));
+
+        // Keys of an empty list are still keys of the list.
+        list_->purgeMedia();
+        QVERIFY(gets(ItemDataEvent(-1)));
+        for (const int key : {Qt::Key_M, Qt::Key_P, Qt::Key_Space, Qt::Key_T}) {
+            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+            event.ignore();
+            KeyEventManager::getInstance()->notifyListeners(&event);
+            QVERIFY(event.isAccepted());
+        }
+        QVERIFY(getsNothing());
+    }
+
+    void aRowThatGoesIsUnselectedFirst() {
+        list_->addScreen(1, 10, 1, 1, 0.0, false, false, "Wall");
+        list_->addScreenPart(1, 5, 15, 1, 1, 0.0, false, "Left");
+        list_->addScreenPart(1, 6, 16, 1, 1, 0.0, false, "Right");
+        list_->addTexture(2, 0, 20, 1, 1, 0.0, false, "Sky");
+        QStringList heard;
+        const auto listen = [&](auto signal, const char* text) {
+            connect(container_, signal, this, [&heard, text] { heard << text; });
+        };
+        listen(&MediaListContainer::removeScreenItem, "screen");
+        listen(&MediaListContainer::removeScreenPartItem, "part");
+        listen(&MediaListContainer::removeTextureItem, "texture");
+        listen(&MediaListContainer::selectedItem, "selected");
+        listen(&MediaListContainer::itemRemoved, "removed");
+        list_->updateScreenMode(1, Mode::Parts);
+        list_->selectFirstVisibleItem();
+        send(RemoveScreenEvent(1));
+        send(RemoveScreenEvent(1));
+        send(RemoveScreenEvent(4000000000));
+        send(RemoveScreenPartEvent(1, 5, ""));
+        send(RemoveMediaEvent(2, 0, ""));
+        QVERIFY(allArrived());
+        QCOMPARE(heard, QStringList({"selected", "part", "removed", "part", "selected", "removed",
+                                     "screen", "removed"}));
+        QVERIFY(gets(ItemDataEvent(15), ItemDataEvent(-1)));
+
+        list_->selectFirstVisibleItem();
+        heard.clear();
+        send(RemoveTextureEvent(2, 0, ""));
+        QTRY_COMPARE(heard, QStringList({"texture", "selected", "removed"}));
+        QCOMPARE(allRows(), QStringList());
+    }
+
+    void aNewShowEmptiesTheListAndAsksForIt() {
+        addMedia(1, "a", 100);
+        list_->addTexture(1, 0, 0, 1, 1, 0.0, false, "b");
+        list_->addScreen(3, 0, 1, 1, 0.0, false, false, "c");
+        list_->selectNextVisibleItem();
+        list_->selectNextVisibleItem();
+        QSignalSpy removed(container_, &MediaListContainer::itemRemoved);
+        send(MsgEvent("newshow"));
+        QVERIFY(allArrived());
+        QCOMPARE(removed.size(), 0);
+        send(MsgEvent("newShow"));
+        QTRY_COMPARE(removed.size(), 3);
+        QVERIFY(gets(ItemDataEvent(0), ItemDataEvent(100), ItemDataEvent(-1),
+                     MsgEvent("getResources")));
+    }
+
+    void aScreensModeDecidesWhichOfItsRowsStand() {
+        list_->addScreen(1, 10, 1, 1, 0.0, false, false, "Wall");
+        list_->addScreenPart(1, 5, 15, 1, 1, 0.0, false, "Left");
+        QSignalSpy modes(container_, &MediaListContainer::screenMode);
+        list_->selectFirstVisibleItem();
+        send(ScreenModeEvent(Mode::Parts, 1, 10, ""));
+        QTRY_COMPARE(shownRows(), QStringList({"Wall, Left"}));
+        list_->selectFirstVisibleItem();
+        send(ScreenModeEvent(Mode::Deformation, 1, 10, ""));
+        QTRY_COMPARE(shownRows(), QStringList({"Wall"}));
+        QVERIFY(gets(ItemDataEvent(10), ItemDataEvent(-1), ItemDataEvent(15), ItemDataEvent(-1)));
+        messages().expect(QtWarningMsg, "MediaList: Mode 4 of screen 1 ignored");
+        send(ScreenModeEvent(Mode(4), 1, 10, ""));
+        send(ScreenModeEvent(Mode::Parts, 9, 10, ""));
+        QVERIFY(allArrived());
+        QCOMPARE(modes.size(), 2);
+    }
+
+    void blindsAreAskedForAndShown() {
+        using Type = LV_NTC_ElementType;
+        list_->addScreen(1, 0, 1, 1, 0.0, true, false, "Wall");
+        list_->addScreenPart(1, 5, 0, 1, 1, 0.0, false, "Left");
+        list_->addTexture(2, 20, 0, 1, 1, 0.0, false, "Sky");
+        list_->addMedia(MediaType::Image, 3, 30, 0, 1, 1, 0.0, false, "Clip");
+        for (const char* label : {"Wall", "Wall, Left", "Sky", "Clip"}) {
+            QTest::mouseClick(row(label)->findChild<BlindButton*>(), Qt::LeftButton);
+        }
+        QVERIFY(gets(BlindEvent(0, 1, "Wall", false), ScreenPartBlindEvent(1, 5, 0, "Left", true),
+                     MediaBlindEvent(Type::Texture, 2, 20, 0, "Sky", true),
+                     MediaBlindEvent(Type::Media, 3, 30, 0, "Clip", true)));
+        QVERIFY(!row("Clip")->isBlinded()); // not before the Producer says so
+        QCOMPARE(list_->selection(), nullptr);
+
+        send(BlindEvent(0, 1, "", false));
+        send(BlindEvent(0, 8, "", true));
+        send(ScreenPartBlindEvent(1, 5, 0, "", true));
+        send(MediaBlindEvent(Type::Texture, 2, 20, 0, "Sea", true));
+        send(MediaBlindEvent(Type::Screen, 3, 30, 0, "No", true));
+        send(MediaBlindEvent(Type::Media, 2, 30, 0, "No", true));
+        QVERIFY(allArrived());
+        QVERIFY(!row("Wall")->isBlinded() && row("Wall, Left")->isBlinded());
+        QVERIFY(row("Sea")->isBlinded() && !row("Clip")->isBlinded());
+
+        list_->onAction(Action::TOGGLE_BLIND);
+        QVERIFY(getsNothing());
+        QTest::mouseClick(row("Sea"), Qt::LeftButton);
+        QTest::keyClick(focus(), Qt::Key_Space);
+        QVERIFY(gets(ItemDataEvent(0), MediaBlindEvent(Type::Texture, 2, 20, 0, "Sea", false)));
+    }
+
+    void deformationsAreToldAndKept() {
+        using Type = LV_NTC_DeformationType;
+        QStringList heard;
+        const auto note = [&](const char* what, Type type, int row, int col) {
+            heard << QString("%1 %2 %3x%4").arg(what).arg(int(type)).arg(row).arg(col);
+        };
+        connect(container_, &MediaListContainer::screenDeformationMode, this,
+                [&](Type type, int, const QString&, int row, int col) {
+                    QCOMPARE(list_->getItemFromLayout(0)->deformation().type, -1); // told first
+                    note("screen", type, row, col);
+                });
+        connect(container_, &MediaListContainer::screenPartDeformationMode, this,
+                [&](Type type, int, int, const QString&, int row, int col) {
+                    note("part", type, row, col);
+                });
+        connect(container_, &MediaListContainer::mediaDeformationMode, this,
+                [&](auto, Type type, unsigned, int, const QString&, int row, int col) {
+                    note("media", type, row, col);
+                });
+        connect(container_, &MediaListContainer::textureDeformationMode, this,
+                [&](auto, Type type, unsigned, int, const QString&, int row, int col) {
+                    note("texture", type, row, col);
+                });
+        list_->addScreen(1, 0, 1, 1, 0.0, false, false, "Wall");
+        list_->addScreenPart(1, 5, 0, 1, 1, 0.0, false, "Left");
+        list_->addTexture(2, 20, 0, 1, 1, 0.0, false, "Sky");
+        addMedia(3, "Clip");
+        ItemDataEvent mesh;
+        mesh.setMediaDeformationModeEvent(
+            {LV_NTC_ElementType::Media, Type::Curve, 3, 0, 0, "", 64, 3, true});
+        mesh.setScreenPartDeformationModeEvent({Type::Bezier, 1, 5, 0, "", 4, 7, false});
+        mesh.setDeformationModeEvent({Type::Keystone, 1, 0, "", 2, 2, true});
+        send(mesh);
+        send(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, Type::None, 2, 20, 0, "", 0, 0,
+                                       false));
+        QVERIFY(allArrived());
+        QCOMPARE(heard,
+                 QStringList({"screen 0 2x2", "part 1 4x7", "media 2 64x3", "texture -1 0x0"}));
+        QCOMPARE(row("Wall")->deformation().type, 0);
+        QVERIFY(row("Wall")->deformation().reset);
+        QCOMPARE(row("Wall, Left")->deformation().columns, 7);
+        QCOMPARE(row("Clip")->deformation().rows, 64);
+
+        // What nobody has is passed over in silence, what cannot be built with a word.
+        const char* ignored = "MediaList: Deformation of type %d with %u x %u points ignored";
+        messages().expect(QtWarningMsg, QString::asprintf(ignored, 2, 65U, 3U));
+        messages().expect(QtWarningMsg, QString::asprintf(ignored, 1, 4U, 1U));
+        messages().expect(QtWarningMsg, QString::asprintf(ignored, 3, 4U, 4U));
+        send(DeformationModeEvent(Type::Curve, 0xFFFFFFFF, 0, "", 0, 0, false));
+        send(DeformationModeEvent(Type::Curve, 1, 0, "", 65, 3, false));
+        send(ScreenPartDeformationModeEvent(Type::Bezier, 1, 5, 0, "", 4, 1, false));
+        send(MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type(3), 3, 0, 0, "", 4, 4,
+                                       false));
+        QVERIFY(allArrived());
+        QCOMPARE(heard.size(), 4);
+    }
+
+    void whatIsOutOfBoundsIsDroppedWithAWord() {
+        messages().expect(QtWarningMsg, "MediaList: Screen with number 65536 ignored");
+        messages().expect(QtWarningMsg, "MediaList: Screen with number 4294967295 ignored");
+        messages().expect(QtWarningMsg, "MediaList: Part of screen 65535 ignored, it has too many");
+        messages().expect(QtDebugMsg, "MediaList: Unknown event received");
+        for (const std::uint32_t id : {65535U, 65536U, 0xFFFFFFFFU}) {
+            send(AddScreenEvent(id, 0, 1, 1, 0, 0.0, "Far", false, false));
+        }
+        QVERIFY(allArrived());
+        auto* screen = static_cast<ScreenItem*>(row("Far"));
+        list_->addScreenPart(65535, 1, 0, 1, 1, 0.0, false, "");
+        while (screen->parts().size() < Limits::kMaxPartsPerScreen) {
+            screen->addPart(screen->getPart(1)); // it is only counted
+        }
+        send(AddScreenPartEvent(65535, 2, 0, 1, 1, 0, 0.0, "", false));
+        QVERIFY(allArrived());
+        MireEvent mire;
+        list_->receive(&mire);
+        QCOMPARE(allRows(), QStringList({"Far", "Far, Part"}));
+    }
+
+    void searchingFiltersWithoutShortcuts() {
+        list_->addScreen(1, 0, 1, 1, 0.0, false, false, "Wall");
+        list_->addScreen(2, 0, 1, 1, 0.0, false, false, "Floor");
+        list_->addScreenPart(2, 5, 0, 1, 1, 0.0, false, "MT part");
+        list_->updateScreenMode(2, Mode::Parts);
+        addMedia(1, "amt", 100);
+        addMedia(2, "other", 200);
+        QTest::mouseClick(row("other"), Qt::LeftButton);
+        auto* box = container_->findChild<QLineEdit*>();
+        const QString normal = box->styleSheet();
+        box->setFocus();
+        QTest::keyClicks(focus(), "mt");
+        QTest::keyClick(focus(), Qt::Key_M, Qt::ControlModifier);
+        QTest::keyClick(focus(), Qt::Key_Down);
+        QCOMPARE(shownRows(), QStringList({"Floor, MT part", "amt"}));
+        QVERIFY(gets(ItemDataEvent(200), ItemDataEvent(-1)));
+        addMedia(3, "mtx");
+        addMedia(4, "nope");
+        QCOMPARE(shownRows(), QStringList({"Floor, MT part", "amt", "mtx"}));
+        box->setText("floor, FLOOR"); // a part is found by its screen's name twice
+        QCOMPARE(shownRows(), QStringList({"Floor, MT part"}));
+        QTest::keyClicks(focus(), "?");
+        QCOMPARE(shownRows(), QStringList());
+        QVERIFY(box->styleSheet().contains("color: red;"));
+        box->clear();
+        QCOMPARE(box->styleSheet(), normal);
+        QCOMPARE(shownRows().size(), 6);
+        QVERIFY(getsNothing());
+    }
+
+    void screensCanBeTakenOutOfView() {
+        list_->addScreen(1, 10, 1, 1, 0.0, false, false, "Wall");
+        list_->addScreen(2, 20, 1, 1, 0.0, false, false, "Sea");
+        list_->addScreenPart(2, 5, 0, 1, 1, 0.0, false, "Left");
+        list_->updateScreenMode(2, Mode::Parts);
+        addMedia(1, "Clip", 100);
+        auto* box = container_->findChild<QLineEdit*>();
+        auto* filter = container_->findChild<QCheckBox*>();
+        list_->onSelectedItem(row("Wall"));
+        filter->setFocus();
+        QTest::keyClick(focus(), Qt::Key_T);
+        QVERIFY(filter->isChecked());
+        QVERIFY(list_->isAncestorOf(focus()));
+        QCOMPARE(shownRows(), QStringList({"Clip"}));
+        QVERIFY(gets(ItemDataEvent(10), ItemDataEvent(-1)));
+        list_->addScreen(3, 0, 1, 1, 0.0, false, false, "New");
+        box->setText("e");
+        box->clear();
+        QCOMPARE(shownRows(), QStringList({"Clip"}));
+        box->setText("a");
+        QTest::mouseClick(filter, Qt::LeftButton, {}, {10, filter->height() / 2});
+        QVERIFY(!filter->isChecked());
+        QCOMPARE(shownRows(), QStringList({"Sea, Left", "Wall"}));
+    }
+
+    void arrowsOnTheListAreForTheMesh() {
+        addMedia(1, "Clip");
+        QTest::mouseClick(row("Clip"), Qt::LeftButton);
+        QList<int> keys;
+        connect(container_, &MediaListContainer::emitKeyEvent, this,
+                [&](const QKeyEvent* event) { keys << event->key(); });
+        for (const int key : {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down, Qt::Key_End}) {
+            QTest::keyClick(focus(), Qt::Key(key));
+        }
+        QCOMPARE(keys, QList<int>({Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down}));
+    }
+
+    void manyRowsAreLaidOutOnceAndTheSelectedOneIsInView() {
+        for (int i = 0; i < 200; ++i) {
+            addMedia(unsigned(i), QString::number(1000 + i));
+        }
+        for (int i = 0; i < 60; ++i) {
+            list_->selectNextVisibleItem();
+        }
+        Item* selected = row("1059");
+        QCOMPARE(list_->selection(), selected);
+        QVERIFY(selected->visibleRegion().boundingRect().height() == selected->height());
+        for (int i = 1; i < 200; ++i) {
+            const QRect above = list_->getItemFromLayout(i - 1)->geometry();
+            QCOMPARE(list_->getItemFromLayout(i)->geometry().top(),
+                     above.bottom() + 1 + WarpLook::kRowSpacing);
+        }
+        container_->findChild<QLineEdit*>()->setText("1150");
+        QTRY_COMPARE(row("1150")->pos().y(), 0);
+    }
+
+    void aLongNameIsShortenedAndAStrangeOneIsPlainText() {
+        const QString name = "<b>A name that is far too long for the row it stands in</b>";
+        addMedia(1, name);
+        auto* label = row(name)->findChild<NameLabel*>();
+        QCOMPARE(label->text(), name);
+        QCOMPARE(label->textFormat(), Qt::PlainText);
+        QCOMPARE(label->toolTip(), name.toHtmlEscaped());
+        QTRY_COMPARE(label->width(), 135);
+        QCOMPARE(row(name)->width(), 175);
+    }
+
+private:
+    void send(const Event& event) { producer().send(event); }
+    /// Waits until everything that was sent has reached the list.
+    bool allArrived() {
+        struct Listener : EventListener {
+            void receive(Event*) override { hasHeard = true; }
+            bool hasHeard = false;
+        } listener;
+        EventDispatcher* dispatcher = EventDispatcher::getInstance();
+        dispatcher->addListener(&listener, LV_NTC_EventType::GetResourcesId);
+        send(GetResourcesIdEvent());
+        const bool arrived = QTest::qWaitFor([&] { return listener.hasHeard; });
+        dispatcher->removeListener(&listener, LV_NTC_EventType::GetResourcesId);
+        return arrived;
+    }
+    void addMedia(unsigned int cueId, const QString& name, int dataIndex = 0) {
+        list_->addMedia(MediaType::Image, cueId, 0, dataIndex, 1, 1, 0.0, false, name);
+    }
+
+    QStringList allRows() const {
+        QStringList labels;
+        for (int i = 0; const Item* item = list_->getItemFromLayout(i); ++i) {
+            labels << item->labelText();
+        }
+        return labels;
+    }
+    QStringList shownRows() const {
+        QStringList labels;
+        for (int i = 0; const Item* item = list_->getItemFromLayout(i); ++i) {
+            if (item->isVisible()) {
+                labels << item->labelText();
+            }
+        }
+        return labels;
+    }
+    Item* row(const QString& label) const {
+        for (int i = 0; Item* item = list_->getItemFromLayout(i); ++i) {
+            if (item->labelText() == label) {
+                return item;
+            }
+        }
+        return nullptr;
+    }
+    static QWidget* focus() { return QApplication::focusWidget(); }
+
+    /// What a list made anew from the elements there are would hold and show.
+    void rebuildByHand(const QString& filterText, bool screensOnly, QStringList& all,
+                       QStringList& shown) const {
+        QMap<int, Item*> screens;
+        QMap<std::pair<int, int>, Item*> others; // medias by cue, then textures by cue
+        for (Item* item : list_->findChildren<Item*>()) {
+            if (item->elementType() == LV_NTC_ElementType::Screen) {
+                screens.insert(item->id(), item);
+            } else if (item->elementType() != LV_NTC_ElementType::ScreenPart) {
+                others.insert({int(item->elementType()), item->id()}, item);
+            }
+        }
+        const auto add = [&](const Item* item, bool isShown, const QString& text) {
+            all << item->labelText();
+            if (isShown && text.contains(filterText, Qt::CaseInsensitive)) {
+                shown << item->labelText();
+            }
+        };
+        for (Item* item : bubbleSorted(screens.values())) {
+            const auto* screen = static_cast<ScreenItem*>(item);
+            const bool throughParts = screen->mode() == Mode::Parts;
+            add(screen, !screensOnly && !throughParts, screen->labelText());
+            for (const Item* part : screen->parts()) {
+                add(part, !screensOnly && throughParts,
+                    screen->labelText() + ", " + part->labelText());
+            }
+        }
+        for (const Item* item : bubbleSorted(others.values())) {
+            add(item, true, item->labelText());
+        }
+    }
+    static QList<Item*> bubbleSorted(QList<Item*> items) {
+        for (bool swapped = true; swapped;) {
+            swapped = false;
+            for (qsizetype i = 1; i < items.size(); ++i) {
+                if (items[i - 1]->labelText().toLower() > items[i]->labelText().toLower()) {
+                    items.swapItemsAt(i - 1, i);
+                    swapped = true;
+                }
+            }
+        }
+        return items;
+    }
+
+    Configuration configuration_ = makeConfiguration();
+    std::unique_ptr<Window> window_;
+    MediaListContainer* container_ = nullptr;
+    MediaList* list_ = nullptr;
+};
+
+QTEST_MAIN(TestMediaList)
+#include "tst_media_list.moc"
