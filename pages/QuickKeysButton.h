@@ -20,6 +20,10 @@ public:
     /// Shown as it is: unlike in other button texts, an '&' has no meaning.
     void setName(const QString& name);
 
+    /// Whether the name was too long for the size at which it was last painted; a tool tip has it
+    /// whole then.
+    [[nodiscard]] bool isNameElided() const { return name_.isElided(); }
+
     /// A text that is no colour leaves the button in the neutral one.
     void setBckgColor(QString color);
 

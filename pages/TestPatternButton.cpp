@@ -17,6 +17,7 @@ void TestPatternButton::paintEvent(QPaintEvent* event) {
     painter.setRenderHint(QPainter::Antialiasing);
     drawFrame(painter);
     drawName(painter);
+    preparePicture();
     drawPicture(painter);
     if (hasFocus()) {
         drawFocusRing(painter, rect(), radius_);
@@ -40,17 +41,25 @@ void TestPatternButton::drawName(QPainter& painter) const {
     painter.drawText(QRect(0, 0, width(), textHeight_), Qt::AlignCenter, name);
 }
 
-void TestPatternButton::drawPicture(QPainter& painter) {
-    const QRect area(0, textHeight_, width(), height() - textHeight_);
-    const QSize pixels = (QSizeF(area.size()) * devicePixelRatioF()).toSize();
-    if (pixels != pictureSize_) {
-        pictureSize_ = pixels;
-        const QImage image(pattern_.imagePath);
-        picture_ = image.isNull() ? QPixmap()
-                                  : QPixmap::fromImage(image.scaled(pixels, Qt::IgnoreAspectRatio,
-                                                                    Qt::SmoothTransformation));
+QRect TestPatternButton::pictureArea() const {
+    return {0, textHeight_, width(), height() - textHeight_};
+}
+
+void TestPatternButton::preparePicture() {
+    const QSize pixels = (QSizeF(pictureArea().size()) * devicePixelRatioF()).toSize();
+    if (pixels == pictureSize_) {
+        return;
     }
+    pictureSize_ = pixels;
+    // An empty path would be a line in the log, not just no picture.
+    const QImage image = pattern_.imagePath.isEmpty() ? QImage() : QImage(pattern_.imagePath);
+    picture_ = image.isNull() ? QPixmap()
+                              : QPixmap::fromImage(image.scaled(pixels, Qt::IgnoreAspectRatio,
+                                                                Qt::SmoothTransformation));
+}
+
+void TestPatternButton::drawPicture(QPainter& painter) const {
     if (!picture_.isNull()) {
-        painter.drawPixmap(area, picture_);
+        painter.drawPixmap(pictureArea(), picture_);
     }
 }

@@ -19,6 +19,10 @@ public:
     /// Takes the name of a colour; shown by the next painting.
     void setColor(const QString& color) { color_ = color; }
 
+    /// Makes the picture ready to be painted, which takes some milliseconds the first time and
+    /// after a change of size or screen.
+    void preparePicture();
+
     [[nodiscard]] QSize sizeHint() const override { return size_; }
 
 protected:
@@ -27,7 +31,8 @@ protected:
 private:
     void drawFrame(QPainter& painter) const;
     void drawName(QPainter& painter) const;
-    void drawPicture(QPainter& painter);
+    void drawPicture(QPainter& painter) const;
+    [[nodiscard]] QRect pictureArea() const;
 
     Pattern pattern_;
     QSize size_;

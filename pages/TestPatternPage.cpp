@@ -5,6 +5,8 @@
 #include "network/MireEvent.h"
 #include "pages/TestPatternButton.h"
 
+#include <QTimer>
+
 using namespace NetworkCompanion;
 using namespace PagesLook;
 
@@ -35,6 +37,17 @@ void TestPatternPage::initTestPatternButtons() {
     }
     connect(mapper_, &QSignalMapper::mappedInt, this, &TestPatternPage::onButtonPressed);
     mark(activeIndex_, true);
+    preparePicturesFrom(0);
+}
+
+void TestPatternPage::preparePicturesFrom(int id) {
+    if (button(id) == nullptr) {
+        return;
+    }
+    QTimer::singleShot(0, this, [this, id] {
+        button(id)->preparePicture();
+        preparePicturesFrom(id + 1);
+    });
 }
 
 void TestPatternPage::onButtonPressed(int id) {

@@ -35,6 +35,8 @@ signals:
 
 private:
     void initTestPatternButtons();
+    /// Has the pictures ready before the page is shown: one at a time, between other events.
+    void preparePicturesFrom(int id);
     void activate(int id);
     void mark(int id, bool active);
     [[nodiscard]] TestPatternButton* button(int id) const;

@@ -1,0 +1,317 @@
+#include "network/AddQuickKeyEvent.h"
+#include "network/ConfigQuickKeyEvent.h"
+#include "network/DeleteQuickKeyEvent.h"
+#include "network/UpdateQuickKeyEvent.h"
+#include "pages/QuickKeysButton.h"
+#include "pages/QuickKeysPage.h"
+#include "tests/pages/PageTest.h"
+#include "tests/support/ProtocolBytes.h"
+
+#include <QGridLayout>
+#include <QSpinBox>
+#include <QStackedWidget>
+
+using namespace MeshpadTest;
+using namespace NetworkCompanion;
+
+namespace {
+
+constexpr QRgb kNeutral = 0xff323232;
+
+class KeysTest : public PageTest<QuickKeysPage> {
+public:
+    QSpinBox* spinBox() const { return page->findChild<QSpinBox*>(); }
+    QStackedWidget* stack() const { return page->findChild<QStackedWidget*>(); }
+    int pages() const { return stack()->count(); }
+    int shownPage() const { return stack()->currentIndex() + 1; }
+
+    /// The button at a place of the shown page.
+    QuickKeysButton* at(int row, int column) const {
+        auto* grid = qobject_cast<QGridLayout*>(stack()->currentWidget()->layout());
+        return qobject_cast<QuickKeysButton*>(grid->itemAtPosition(row, column)->widget());
+    }
+    void add(std::initializer_list<int> ids) const {
+        for (const int id : ids) {
+            page->addQuickKey(id, QByteArray::number(id).constData(), "#203040");
+        }
+    }
+    /// Names of the keys that can be pressed, page by page: "1 2 3|7".
+    QString layout() const {
+        QStringList names;
+        for (int i = 0; i < pages(); ++i) {
+            page->navigateToPage(i + 1);
+            QStringList row;
+            const QLayout* grid = stack()->currentWidget()->layout();
+            for (int place = 0; place < grid->count(); ++place) {
+                const auto* key = qobject_cast<QuickKeysButton*>(grid->itemAt(place)->widget());
+                row << (key->isEnabled() ? key->text() : QString("-"));
+            }
+            names << row.join(' ');
+        }
+        page->navigateToPage(spinBox()->value());
+        return names.join('|');
+    }
+};
+
+QByteArray executeBytes(int id) {
+    return withLength(frame(25, int32(id)));
+}
+
+/// Whether nothing but the ground comes near the border, where a name would be cut off, and
+/// something stands in the middle.
+bool isNameWhole(QuickKeysButton* button, QRgb ground) {
+    const QImage image = button->grab().toImage();
+    const QRect inside = image.rect().adjusted(5, 5, -5, -5);
+    bool something = false;
+    for (int y = 3; y < image.height() - 3; ++y) {
+        for (int x = 3; x < image.width() - 3; ++x) {
+            const bool isCorner =
+                (x < 12 || x > image.width() - 13) && (y < 12 || y > image.height() - 13);
+            if (isCorner || image.pixel(x, y) == ground) {
+                continue;
+            }
+            if (!inside.contains(x, y)) {
+                return false;
+            }
+            something = true;
+        }
+    }
+    return something;
+}
+
+} // namespace
+
+/// The page of quick keys between an operator and a Producer.
+class TestQuickKeysPage : public QObject {
+    Q_OBJECT
+
+private slots:
+    void keysOfTheProducerFillPagesAndAreExecuted() {
+        KeysTest test;
+        QVERIFY(test.ready);
+        QVERIFY(test.spinBox()->isHidden());
+        test.producer.send(ConfigQuickKeyEvent(2, 3, 0));
+        test.producer.send(AddQuickKeyEvent(1, 0, 0, "first", "#ff0000"));
+        test.producer.send(AddQuickKeyEvent(6, 0, 0, "sixth", "#ff0000"));
+        QTRY_COMPARE(test.layout(), "first - - - - sixth");
+        QVERIFY(test.spinBox()->isHidden());
+        test.producer.send(AddQuickKeyEvent(7, 0, 0, "seventh", "#ff0000"));
+        QTRY_COMPARE(test.layout(), "first - - - - sixth|seventh - - - - -");
+        QVERIFY(test.spinBox()->isVisible());
+        QCOMPARE(test.spinBox()->minimum(), 1);
+        QCOMPARE(test.spinBox()->maximum(), 2);
+        QCOMPARE(test.shownPage(), 1);
+
+        QTest::mouseClick(test.at(1, 2), Qt::LeftButton);
+        QTest::mouseClick(test.at(0, 1), Qt::LeftButton); // no key there
+        QTest::keyClick(test.spinBox(), Qt::Key_Up);
+        QCOMPARE(test.shownPage(), 2);
+        QCOMPARE(test.at(0, 0)->id(), 7);
+        QTest::mouseClick(test.at(0, 0), Qt::LeftButton);
+        test.producer.send(UpdateQuickKeyEvent(7, 0, "renamed", "#00ff00"));
+        QTRY_COMPARE(test.at(0, 0)->text(), "renamed");
+        QCOMPARE(test.at(0, 0)->grab().toImage().pixel(30, 12), 0xff00ff00);
+        const QByteArray expected = executeBytes(6) + executeBytes(7);
+        QTRY_COMPARE(test.producer.bytes(), expected);
+
+        test.producer.send(DeleteQuickKeyEvent(7, 0));
+        QTRY_COMPARE(test.layout(), "first - - - - sixth");
+        QVERIFY(test.spinBox()->isHidden());
+        QCOMPARE(test.shownPage(), 1);
+    }
+
+    void deletingTheHighestKeyTakesEmptyPagesAway_data() {
+        QTest::addColumn<QList<int>>("deleted");
+        QTest::addColumn<QString>("left");
+        QTest::newRow("not the highest") << QList<int>{2} << "1 -|- -|- 6|- 8";
+        QTest::newRow("last place of a page") << QList<int>{8} << "1 2|- -|- 6";
+        QTest::newRow("over a gap") << QList<int>{8, 6} << "1 2";
+        QTest::newRow("all") << QList<int>{1, 2, 6, 8} << "- -|- -|- -|- -";
+        QTest::newRow("unknown") << QList<int>{3, 9, 10000} << "1 2|- -|- 6|- 8";
+    }
+    void deletingTheHighestKeyTakesEmptyPagesAway() {
+        QFETCH(const QList<int>, deleted);
+        QFETCH(const QString, left);
+        const KeysTest test;
+        QVERIFY(test.ready);
+        test.page->configQuickKey(1, 2);
+        test.add({1, 2, 6, 8});
+        for (const int id : deleted) {
+            test.page->deleteQuickKey(id);
+        }
+        QCOMPARE(test.layout(), left);
+        QCOMPARE(test.spinBox()->maximum(), test.pages());
+        QCOMPARE(test.spinBox()->isVisible(), test.pages() > 1);
+        QCOMPARE(test.shownPage(), test.spinBox()->value());
+        test.add({3}); // the pages can grow again
+        QVERIFY(test.layout().startsWith(left.left(3) + "|3 -"));
+    }
+
+    void anotherGridKeepsTheKeysAndTheView_data() {
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<int>("columns");
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<int>("shown");
+        QTest::newRow("more columns than keys") << 1 << 9 << "1 2 3 - 5 6 7 - -" << 1;
+        QTest::newRow("fewer columns") << 2 << 1 << "1 2|3 -|5 6|7 -" << 3;
+        QTest::newRow("single keys") << 1 << 1 << "1|2|3|-|5|6|7|-" << 5;
+        QTest::newRow("the same") << 2 << 2 << "1 2 3 -|5 6 7 -" << 2;
+    }
+    void anotherGridKeepsTheKeysAndTheView() {
+        QFETCH(const int, rows);
+        QFETCH(const int, columns);
+        QFETCH(const QString, layout);
+        const KeysTest test;
+        QVERIFY(test.ready);
+        test.page->configQuickKey(2, 2);
+        test.add({1, 2, 3, 5, 6, 7});
+        test.spinBox()->setValue(2); // on key 5
+        test.page->configQuickKey(rows, columns);
+        QCOMPARE(test.layout(), layout);
+        QTEST(test.spinBox()->value(), "shown");
+        QCOMPARE(test.spinBox()->maximum(), test.pages());
+
+        // Each button still executes its own key, the new ones as well.
+        test.add({8});
+        QByteArray expected;
+        for (int id = 1; id <= 8; ++id) {
+            test.spinBox()->setValue((id - 1) / (rows * columns) + 1);
+            const int place = (id - 1) % (rows * columns);
+            QTest::mouseClick(test.at(place / columns, place % columns), Qt::LeftButton);
+            expected += id == 4 ? QByteArray() : executeBytes(id);
+        }
+        QTRY_COMPARE(test.producer.bytes(), expected);
+    }
+
+    void earlyAndHostileEventsChangeNothing() {
+        KeysTest test;
+        QVERIFY(test.ready);
+        auto& producer = test.producer;
+        producer.send(AddQuickKeyEvent(1, 0, 0, "early", "#ff0000"));
+        producer.send(UpdateQuickKeyEvent(1, 0, "early", "#ff0000"));
+        producer.send(DeleteQuickKeyEvent(1, 0));
+        producer.send(ConfigQuickKeyEvent(1, 2, 0));
+        producer.send(AddQuickKeyEvent(1, 0, 0, "one", "#ff0000"));
+        QTRY_COMPARE(test.layout(), "one -");
+
+        for (const std::uint32_t id : {0U, 10'001U, 0x7fffffffU, 0x80000000U, 0xffffffffU}) {
+            producer.send(AddQuickKeyEvent(id, 0, 0, "hostile", "#00ff00"));
+            producer.send(UpdateQuickKeyEvent(id, 0, "hostile", "#00ff00"));
+            producer.send(DeleteQuickKeyEvent(id, 0));
+            test.messages.expect(QtWarningMsg,
+                                 QString("Quick keys: id %1 is not in 1 to 10000").arg(int(id)), 3);
+        }
+        for (const auto& [rows, columns] :
+             {std::pair{0U, 1U}, {1U, 0U}, {65U, 1U}, {1U, 0xffffffffU}, {0x10000U, 0x10000U}}) {
+            producer.send(ConfigQuickKeyEvent(rows, columns, 0));
+            test.messages.expect(QtWarningMsg,
+                                 QString("Quick keys: a grid of %1 x %2 is not in 1 to 64")
+                                     .arg(int(rows))
+                                     .arg(int(columns)));
+        }
+        producer.send(UpdateQuickKeyEvent(2, 0, "unknown", "#00ff00"));
+        producer.send(AddQuickKeyEvent(2, 0, 0, "two", "#ff0000"));
+        QTRY_COMPARE(test.layout(), "one two");
+    }
+
+    void colorsOfTheProducerAreShown_data() {
+        QTest::addColumn<QString>("color");
+        QTest::addColumn<QRgb>("seen");
+        QTest::newRow("hexadecimal") << "#a0B1c2" << QRgb(0xffa0b1c2);
+        QTest::newRow("name") << "green" << QRgb(0xff008000);
+        QTest::newRow("none") << "" << kNeutral;
+        QTest::newRow("a rule of its own") << "}*{x:y}" << kNeutral;
+        QTest::newRow("an open comment") << "red;/*" << kNeutral;
+        QTest::newRow("an open string") << "\"" << kNeutral;
+        QTest::newRow("blanks") << "re d" << kNeutral;
+    }
+    void colorsOfTheProducerAreShown() {
+        QFETCH(const QString, color);
+        QFETCH(const QRgb, seen);
+        const KeysTest test;
+        QVERIFY(test.ready);
+        test.page->configQuickKey(1, 1);
+        test.page->addQuickKey(1, "key", color.toUtf8().constData());
+        auto* key = test.at(0, 0);
+        QCOMPARE(key->grab().toImage().pixel(30, 12), seen);
+        QTest::mousePress(key, Qt::LeftButton);
+        QCOMPARE(key->grab().toImage().pixel(30, 12), 0xff0096ff);
+        QTest::mouseRelease(key, Qt::LeftButton);
+        test.page->deleteQuickKey(1);
+        QCOMPARE(key->styleSheet(), QString());
+        QVERIFY(key->grab().toImage().pixel(30, 12) != seen || seen == kNeutral);
+    }
+
+    void namesAreShownWhole_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("isShort");
+        QTest::newRow("ampersands") << "R&B && &Soul" << true;
+        QTest::newRow("sentence") << "Opening titles, the long version with many words" << true;
+        QTest::newRow("file") << "backgroundvideo_final_final_v3.mov" << true;
+        QTest::newRow("Greek and Cyrillic") << "Έναρξη Начало представления" << true;
+        QTest::newRow("Arabic and Hebrew") << "مرحبا بالجمهور שלום" << true;
+        QTest::newRow("lines") << "one\ntwo\r\nthree\u2028four" << true;
+        QTest::newRow("255 letters") << QString(255, 'W') << false;
+        QTest::newRow("255 bytes of words") << QString("word ").repeated(51) << true;
+        QTest::newRow("cut within a letter")
+            << QString::fromUtf8(QByteArray("é").repeated(128).left(255)) << true;
+    }
+    void namesAreShownWhole() {
+        QFETCH(const QString, name);
+        QFETCH(const bool, isShort);
+        const KeysTest test;
+        QVERIFY(test.ready);
+        test.page->configQuickKey(3, 5);
+        test.page->addQuickKey(1, name.toUtf8().constData(), "#0000ff");
+        auto* key = test.at(0, 0);
+        QCOMPARE(key->text(), name);
+        QCOMPARE(key->accessibleName(), name);
+        QVERIFY(key->shortcut().isEmpty());
+        QVERIFY(isNameWhole(key, 0xff0000ff));
+        QCOMPARE(key->isNameElided(), !isShort);
+        test.page->configQuickKey(9, 14); // the smallest keys
+        QVERIFY(isNameWhole(test.at(0, 0), 0xff0000ff));
+    }
+
+    void theKeyboardNeverLandsOnAnotherKey() {
+        KeysTest test;
+        QVERIFY(test.ready);
+        test.page->configQuickKey(1, 2);
+        test.add({1, 2, 3});
+        test.at(0, 0)->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        test.page->deleteQuickKey(1);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        test.at(0, 1)->setFocus();
+        test.page->navigateToPage(2);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        test.at(0, 0)->setFocus();
+        test.page->configQuickKey(1, 3);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QCOMPARE(test.window.keys, 0);
+        QTRY_COMPARE(test.producer.bytes(), executeBytes(1));
+
+        test.add({4});
+        test.spinBox()->setFocus();
+        test.page->lockPage();
+        QVERIFY(!test.spinBox()->hasFocus());
+    }
+
+    void aHugeSetOfKeysCostsWhatIsShown() {
+        const KeysTest test;
+        QVERIFY(test.ready);
+        test.page->configQuickKey(4, 6);
+        for (int id = 10'000; id > 0; --id) {
+            test.add({id});
+        }
+        test.page->configQuickKey(5, 7);
+        QCOMPARE(test.pages(), 286);
+        QVERIFY(test.page->findChildren<QuickKeysButton*>().size() < 400);
+        test.spinBox()->setValue(286);
+        QTest::mouseClick(test.at(3, 3), Qt::LeftButton);
+        QTRY_COMPARE(test.producer.bytes(), executeBytes(10'000));
+    }
+};
+
+QTEST_MAIN(TestQuickKeysPage)
+#include "tst_quick_keys_page.moc"

@@ -1,0 +1,127 @@
+#include "network/MireEvent.h"
+#include "pages/TestPatternButton.h"
+#include "pages/TestPatternPage.h"
+#include "tests/pages/PageTest.h"
+#include "tests/support/ProtocolBytes.h"
+
+using namespace MeshpadTest;
+using namespace NetworkCompanion;
+
+namespace {
+
+constexpr QRgb kIdle = 0xff323232;
+constexpr QRgb kActive = 0xff0096ff;
+
+class PatternTest : public PageTest<TestPatternPage> {
+public:
+    using PageTest::PageTest;
+
+    TestPatternButton* button(const QString& name) const {
+        for (auto* candidate : page->findChildren<TestPatternButton*>()) {
+            if (candidate->accessibleName() == name) {
+                return candidate;
+            }
+        }
+        qFatal("no such pattern");
+    }
+    /// What the operator sees of the frame, beside the name.
+    QRgb frameOf(const QString& name) const { return button(name)->grab().toImage().pixel(6, 14); }
+    void press(const QString& name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
+    QStringList marked() const {
+        QStringList names;
+        for (const auto* candidate : page->findChildren<TestPatternButton*>()) {
+            if (frameOf(candidate->accessibleName()) == kActive) {
+                names << candidate->accessibleName();
+            }
+        }
+        return names;
+    }
+};
+
+QByteArray mireBytes(int code) {
+    return withLength(frame(2, int32(code) + int32(0)));
+}
+
+} // namespace
+
+/// The page of test patterns between an operator and a Producer.
+class TestTestPatternPage : public QObject {
+    Q_OBJECT
+
+private slots:
+    void aPressIsSentOnceAndMarkedAtOnce() {
+        const PatternTest test;
+        QVERIFY(test.ready);
+        QCOMPARE(test.marked(), QStringList{"None"});
+        test.press("None");
+        test.press("White");
+        QCOMPARE(test.marked(), QStringList{"White"}); // before anything can have come back
+        QCOMPARE(test.frameOf("None"), kIdle);
+        test.press("White");
+        test.button("Tile")->setFocus();
+        QTest::keyClick(test.button("Tile"), Qt::Key_Space);
+        QCOMPARE(test.marked(), QStringList{"Tile"});
+        test.press("None");
+        const QByteArray expected = mireBytes(11) + mireBytes(4) + mireBytes(0);
+        QTRY_COMPARE(test.producer.bytes(), expected);
+    }
+
+    void anAnnouncedPatternIsMarkedAndNotSentBack() {
+        PatternTest test;
+        QVERIFY(test.ready);
+        test.producer.send(MireEvent(7, LV_NTC_PictureType::Osd));
+        QTRY_COMPARE(test.marked(), QStringList{"OSD"});
+        for (const int unknown : {12, -1, 0x7fffffff, -0x7fffffff - 1}) {
+            test.producer.send(MireEvent(0, static_cast<LV_NTC_PictureType>(unknown)));
+        }
+        test.producer.send(MireEvent(0, LV_NTC_PictureType::Small));
+        QTRY_COMPARE(test.marked(), QStringList{"Small"});
+        test.press("Small");
+        test.press("None");
+        QTRY_COMPARE(test.producer.bytes(), mireBytes(0));
+    }
+
+    void aMissingPictureOrPatternLeavesTheFrame() {
+        Configuration record = makeConfiguration();
+        record.testPatterns[LV_NTC_PictureType::Tile].imagePath = ":/patterns/nowhere.png";
+        record.testPatterns.remove(LV_NTC_PictureType::Small);
+        const PatternTest test(record);
+        QVERIFY(test.ready);
+        QCOMPARE(test.page->findChildren<TestPatternButton*>().size(), 11);
+        QCOMPARE(test.button("Tile")->grab().toImage().pixel(110, 100), kIdle);
+        test.press(""); // the gap stays a button with the missing code
+        QTRY_COMPARE(test.producer.bytes(), mireBytes(1));
+    }
+
+    void aPictureFillsItsFrameAndTheGridFitsTheSmallestWindow() {
+        const PatternTest test;
+        QVERIFY(test.ready);
+        const QImage white = test.button("White")->grab().toImage();
+        QCOMPARE(white.pixel(0, 29), 0xffffffff);
+        QCOMPARE(white.pixel(219, 159), 0xffffffff);
+        QVERIFY(test.page->minimumSizeHint().width() <= 1280);
+        QVERIFY(test.page->minimumSizeHint().height() <= 720 - 110);
+        QCOMPARE(test.button("Tile")->x(), test.button("None")->x());
+        QVERIFY(test.button("Tile")->y() > test.button("Vertical")->y());
+    }
+
+    void keysStayOnThePage() {
+        PatternTest test;
+        QVERIFY(test.ready);
+        QCOMPARE(QApplication::focusWidget(), test.page);
+        for (const int key : {Qt::Key_Space, Qt::Key_M, Qt::Key_Up, Qt::Key_Escape}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key(key));
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), test.button("None"));
+        const QImage focused = test.button("None")->grab().toImage();
+        test.button("OSD")->setFocus();
+        QVERIFY(test.button("None")->grab().toImage() != focused);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_P);
+        QCOMPARE(test.window.keys, 0);
+        QCOMPARE(test.producer.bytes(), QByteArray());
+    }
+};
+
+QTEST_MAIN(TestTestPatternPage)
+#include "tst_test_pattern_page.moc"
