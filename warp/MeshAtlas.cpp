@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr double kMargin = 2;           // transparent pixels around each part
+constexpr double kMargin = 1;           // transparent pixels around each part
 constexpr double kShareOfNumber = 0.9;  // of the circle's inside that a number may fill
 constexpr double kLargestDigits = 0.55; // height of the digits against the circle
 constexpr std::array kStates = {MeshPoint::State::Unselected, MeshPoint::State::Selected,

@@ -1,9 +1,10 @@
 #include "warp/MeshGridItem.h"
 
-#include "warp/MeshNodes.h"
-
 #include <QGuiApplication>
 #include <QQuickWindow>
+#include <QSet>
+#include <QTransform>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -43,6 +44,11 @@ void MeshGridItem::addPoint(MeshPoint* point, int number, double x, double y, do
     point->viewingRotation_ = rotation;
     point->place(x, y);
     points_.push_back(point);
+}
+
+void MeshGridItem::placePoint(int number, double x, double y) {
+    if (MeshPoint* moved = point(number))
+        moved->place(x, y);
 }
 
 void MeshGridItem::addLine(MeshLine* line, MeshPoint* from, MeshPoint* to) {
@@ -138,29 +144,22 @@ MeshStyle MeshGridItem::style() const {
     return result;
 }
 
-QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
-    if (points_.empty()) {
-        delete old;
-        return nullptr;
-    }
-    if (styleDirty_ || !atlas_) {
-        atlas_ = std::make_shared<const MeshAtlas>(style(), window()->effectiveDevicePixelRatio());
-        styleDirty_ = false;
-    }
-    MeshPicture picture;
-    picture.zoom = zoom_;
-    picture.atlas = atlas_;
-    picture.lines.reserve(lines_.size());
+MeshPicture MeshGridItem::picture() const {
+    MeshPicture result;
+    result.zoom = zoom_;
+    result.atlas = atlas_;
+    result.lines.reserve(lines_.size());
     for (const MeshLine* line : lines_) {
         if (line->fromPoint() && line->toPoint())
-            picture.lines.emplace_back(line->fromPoint()->x(), line->fromPoint()->y(),
-                                       line->toPoint()->x(), line->toPoint()->y());
+            result.lines.emplace_back(line->fromPoint()->x(), line->fromPoint()->y(),
+                                      line->toPoint()->x(), line->toPoint()->y());
     }
-    picture.points.reserve(points_.size());
+
     const MeshPoint* current = nullptr;
-    const auto add = [&picture](const MeshPoint& point) {
-        picture.points.push_back({QPointF(point.x(), point.y()), point.viewingRotation(),
-                                  point.pointNum(), point.selection()});
+    result.points.reserve(points_.size());
+    const auto add = [&result](const MeshPoint& point) {
+        result.points.push_back({QPointF(point.x(), point.y()), point.viewingRotation(),
+                                 point.pointNum(), true, point.selection()});
     };
     for (const MeshPoint* point : points_) {
         if (point->selection() == MeshPoint::State::Current)
@@ -171,8 +170,34 @@ QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     if (current)
         add(*current);
 
+    const QTransform toScreen = itemTransform(nullptr, nullptr);
+    const double turn = qRadiansToDegrees(std::atan2(toScreen.m12(), toScreen.m11()));
+    result.upright = std::abs(std::remainder(turn + result.points.front().rotation, 360)) < 1e-6;
+
+    // From the top down: a number that a point lies on cannot be read, so it is left out.
+    const double half = pointDiameter_ / 2 / zoom_;
+    QSet<std::pair<qint64, qint64>> taken; // cells with the middle of a point in them
+    taken.reserve(static_cast<qsizetype>(points_.size()));
+    for (auto point = result.points.rbegin(); point != result.points.rend(); ++point) {
+        const auto column = static_cast<qint64>(std::floor(point->position.x() / half));
+        const auto row = static_cast<qint64>(std::floor(point->position.y() / half));
+        point->isNumberSeen = !taken.contains({column, row});
+        taken.insert({column, row});
+    }
+    return result;
+}
+
+QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
+    if (points_.empty()) {
+        delete old;
+        return nullptr;
+    }
+    if (styleDirty_ || !atlas_) {
+        atlas_ = std::make_shared<const MeshAtlas>(style(), window()->effectiveDevicePixelRatio());
+        styleDirty_ = false;
+    }
     MeshNode* node = old ? MeshNode::from(old) : MeshNode::create(window());
-    node->setPicture(std::move(picture));
+    node->setPicture(picture());
     return node->node();
 }
 

@@ -2,6 +2,7 @@
 
 #include "warp/MeshAtlas.h"
 #include "warp/MeshLine.h"
+#include "warp/MeshNodes.h"
 #include "warp/MeshPoint.h"
 
 #include <QQuickItem>
@@ -43,6 +44,8 @@ public:
 
     /// Puts the point into the mesh as its next one; the point's owner is unchanged.
     Q_INVOKABLE void addPoint(MeshPoint* point, int number, double x, double y, double rotation);
+    /// Writes position and last written position of a point; a number that is none is ignored.
+    Q_INVOKABLE void placePoint(int number, double x, double y);
     /// Puts the line into the mesh; its ends must be points of the mesh.
     Q_INVOKABLE void addLine(MeshLine* line, MeshPoint* from, MeshPoint* to);
     /// Destroys all lines and points of the mesh.
@@ -83,6 +86,7 @@ private:
     void forgetLine(MeshLine* line);
     void onStyleChanged();
     MeshStyle style() const;
+    MeshPicture picture() const;
 
     std::vector<MeshPoint*> points_; // by number; points and lines belong to whoever created them
     std::vector<MeshLine*> lines_;

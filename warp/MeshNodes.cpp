@@ -37,41 +37,30 @@ int digitCount(int number) {
     return digits;
 }
 
-/// Draws lines, circles and digits as textured quads in one geometry, so that the order in which
-/// they cover each other is the order of the vertices.
-class MeshGeometryNode : public QSGGeometryNode, public MeshNode {
+/// Quads with parts of one picture on them; later ones cover earlier ones.
+class QuadsNode final : public QSGGeometryNode {
 public:
-    explicit MeshGeometryNode(QQuickWindow* window)
-        : window_(window), geometry_(QSGGeometry::defaultAttributes_TexturedPoint2D(), 0, 0,
-                                     QSGGeometry::UnsignedIntType) {
+    QuadsNode()
+        : geometry_(QSGGeometry::defaultAttributes_TexturedPoint2D(), 0, 0,
+                    QSGGeometry::UnsignedIntType) {
         geometry_.setDrawingMode(QSGGeometry::DrawTriangles);
         geometry_.setVertexDataPattern(QSGGeometry::DynamicPattern);
         geometry_.setIndexDataPattern(QSGGeometry::DynamicPattern);
         setGeometry(&geometry_);
         setMaterial(&material_);
+        setFlag(OwnedByParent);
     }
 
-    QSGNode* node() override { return this; }
-
-    void setPicture(MeshPicture picture) override {
-        if (picture.atlas != atlas_ || !texture_) {
-            atlas_ = picture.atlas;
-            texture_.reset(window_->createTextureFromImage(atlas_->image(),
-                                                           QQuickWindow::TextureHasAlphaChannel));
-            texture_->setFiltering(QSGTexture::Linear);
-            material_.setTexture(texture_.get());
-            material_.setFiltering(QSGTexture::Linear);
-            markDirty(DirtyMaterial);
-        }
-        build(picture);
-        markDirty(DirtyGeometry);
+    void setTexture(QSGTexture* texture, QSGTexture::Filtering filtering) {
+        if (texture == material_.texture() && filtering == material_.filtering())
+            return;
+        material_.setTexture(texture);
+        material_.setFiltering(filtering);
+        markDirty(DirtyMaterial);
     }
 
-private:
-    void build(const MeshPicture& picture) {
-        std::size_t quads = picture.lines.size() + picture.points.size();
-        for (const MeshPicture::Point& point : picture.points)
-            quads += static_cast<std::size_t>(digitCount(point.number));
+    /// To be followed by as many calls of quad().
+    void begin(std::size_t quads) {
         if (static_cast<int>(quads) * 4 != geometry_.vertexCount()) {
             geometry_.allocate(static_cast<int>(quads) * 4, static_cast<int>(quads) * 6);
             quint32* index = geometry_.indexDataAsUInt();
@@ -81,29 +70,7 @@ private:
             }
         }
         vertex_ = geometry_.vertexDataAsTexturedPoint2D();
-
-        const double pixel = 1 / picture.zoom;
-        const MeshAtlas::Part& section = atlas_->line();
-        for (const QLineF& line : picture.lines) {
-            const double length = std::hypot(line.dx(), line.dy());
-            const double half = length > 0 ? section.size.height() * pixel / 2 / length : 0;
-            const QPointF across(-line.dy() * half, line.dx() * half);
-            quad(line.p1() - across, line.p2() - across, line.p1() + across, line.p2() + across,
-                 section.texture);
-        }
-        for (const MeshPicture::Point& point : picture.points) {
-            const double angle = qDegreesToRadians(point.rotation);
-            const QPointF right = QPointF(std::cos(angle), std::sin(angle)) * pixel;
-            const QPointF down(-right.y(), right.x());
-            const auto sprite = [&](const MeshAtlas::Part& part, const QPointF& centre) {
-                const QPointF middle = point.position + right * centre.x() + down * centre.y();
-                const QPointF x = right * part.size.width() / 2;
-                const QPointF y = down * part.size.height() / 2;
-                quad(middle - x - y, middle + x - y, middle - x + y, middle + x + y, part.texture);
-            };
-            sprite(atlas_->circle(point.state), QPointF());
-            forEachDigit(*atlas_, point.state, point.number, sprite);
-        }
+        markDirty(DirtyGeometry);
     }
 
     void quad(const QPointF& topLeft, const QPointF& topRight, const QPointF& bottomLeft,
@@ -118,12 +85,84 @@ private:
         corner(bottomRight, texture.right(), texture.bottom());
     }
 
-    QQuickWindow* window_;
+private:
     QSGGeometry geometry_;
     QSGTextureMaterial material_;
-    std::unique_ptr<QSGTexture> texture_;
-    std::shared_ptr<const MeshAtlas> atlas_;
     QSGGeometry::TexturedPoint2D* vertex_ = nullptr;
+};
+
+/// Draws lines, circles and digits as quads.
+class MeshGeometryNode final : public QSGNode, public MeshNode {
+public:
+    explicit MeshGeometryNode(QQuickWindow* window) : window_(window) {
+        appendChildNode(lines_);
+        appendChildNode(sprites_);
+    }
+
+    QSGNode* node() override { return this; }
+
+    void setPicture(MeshPicture picture) override {
+        if (picture.atlas != atlas_ || !texture_) {
+            atlas_ = picture.atlas;
+            std::unique_ptr<QSGTexture> texture(window_->createTextureFromImage(
+                atlas_->image(), QQuickWindow::TextureHasAlphaChannel));
+            lines_->setTexture(texture.get(), QSGTexture::Linear);
+            sprites_->setTexture(texture.get(), QSGTexture::Linear);
+            texture_ = std::move(texture);
+        }
+        // A sprite covers as many pixels as it has; without interpolation each becomes exactly one
+        // of them, which is crisp and cheap.
+        sprites_->setTexture(texture_.get(),
+                             picture.upright ? QSGTexture::Nearest : QSGTexture::Linear);
+        drawLines(picture);
+        drawSprites(picture);
+    }
+
+private:
+    void drawLines(const MeshPicture& picture) {
+        const MeshAtlas::Part& section = atlas_->line();
+        lines_->begin(picture.lines.size());
+        for (const QLineF& line : picture.lines) {
+            const double length = std::hypot(line.dx(), line.dy());
+            const double half = length > 0 ? section.size.height() / picture.zoom / 2 / length : 0;
+            const QPointF across(-line.dy() * half, line.dx() * half);
+            lines_->quad(line.p1() - across, line.p2() - across, line.p1() + across,
+                         line.p2() + across, section.texture);
+        }
+    }
+
+    void drawSprites(const MeshPicture& picture) {
+        std::size_t quads = picture.points.size();
+        for (const MeshPicture::Point& point : picture.points)
+            quads += point.isNumberSeen ? static_cast<std::size_t>(digitCount(point.number)) : 0;
+        sprites_->begin(quads);
+        const double pixel = 1 / picture.zoom;
+        for (const MeshPicture::Point& point : picture.points) {
+            const double angle = qDegreesToRadians(point.rotation);
+            const QPointF right = QPointF(std::cos(angle), std::sin(angle)) * pixel;
+            const QPointF down(-right.y(), right.x());
+            // Off the middle between two pixels, where rounding errors would choose.
+            const QPointF position = point.position + (right + down) * kOffMiddle;
+            const auto sprite = [&](const MeshAtlas::Part& part, const QPointF& centre) {
+                const QPointF middle = position + right * centre.x() + down * centre.y();
+                const QPointF x = right * part.size.width() / 2;
+                const QPointF y = down * part.size.height() / 2;
+                sprites_->quad(middle - x - y, middle + x - y, middle - x + y, middle + x + y,
+                               part.texture);
+            };
+            sprite(atlas_->circle(point.state), QPointF());
+            if (point.isNumberSeen)
+                forEachDigit(*atlas_, point.state, point.number, sprite);
+        }
+    }
+
+    static constexpr double kOffMiddle = 1.0 / 64;
+
+    QQuickWindow* window_;
+    std::shared_ptr<const MeshAtlas> atlas_;
+    std::unique_ptr<QSGTexture> texture_;
+    QuadsNode* lines_ = new QuadsNode; // both are owned by this node
+    QuadsNode* sprites_ = new QuadsNode;
 };
 
 /// Draws a mesh with a painter where the window is drawn without a graphics interface; geometry of
@@ -174,13 +213,16 @@ public:
         // Circles and digits are drawn without the zoom, so that their pixels stay what they are.
         const double turn = qRadiansToDegrees(std::atan2(toWindow.m12(), toWindow.m11()));
         painter->setTransform(QTransform());
+        const double scale = window_->effectiveDevicePixelRatio();
         for (const MeshPicture::Point& point : picture_.points) {
-            const QPointF centre = toWindow.map(point.position);
-            const double angle = std::remainder(turn + point.rotation, 360);
-            const bool upright = std::abs(angle) < 1e-6;
-            if (!upright) {
+            QPointF centre = toWindow.map(point.position);
+            const bool upright = picture_.upright;
+            if (upright) {
+                centre =
+                    QPointF(std::round(centre.x() * scale), std::round(centre.y() * scale)) / scale;
+            } else {
                 painter->translate(centre);
-                painter->rotate(angle);
+                painter->rotate(turn + point.rotation);
             }
             const QPointF origin = upright ? centre : QPointF();
             const auto sprite = [&](const MeshAtlas::Part& part, const QPointF& offset) {
@@ -190,7 +232,8 @@ public:
                 painter->drawPixmap(target, pixmap_, part.pixels);
             };
             sprite(atlas.circle(point.state), QPointF());
-            forEachDigit(atlas, point.state, point.number, sprite);
+            if (point.isNumberSeen)
+                forEachDigit(atlas, point.state, point.number, sprite);
             if (!upright)
                 painter->setTransform(QTransform());
         }

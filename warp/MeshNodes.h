@@ -17,11 +17,13 @@ struct MeshPicture {
         QPointF position;
         double rotation; ///< of the number, degrees
         int number;
+        bool isNumberSeen; ///< false where other points lie on it
         MeshPoint::State state;
     };
     std::vector<QLineF> lines;
     std::vector<Point> points; ///< later ones lie above earlier ones
     double zoom = 1;
+    bool upright = true; ///< whether the numbers stand upright on the screen, pixel by pixel
     std::shared_ptr<const MeshAtlas> atlas;
 };
 

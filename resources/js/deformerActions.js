@@ -73,51 +73,60 @@ function rotator(scene) {
 
 // Writing points
 
-// Everything about the current item that writing its points needs, looked up once for any number of points.
+var toProducer = Rules.toProducer;
+var fromProducer = Rules.fromProducer;
+
+// The function that tells the Producer about a point of the entry's item.
+function tellerOf(scene, entry) {
+    const bridge = scene.bridge;
+    switch (scene.canvasCurrentItemType) {
+    case Rules.MEDIA: {
+        const move = bridge.moveMediaPoint, cueId = entry.mediaCueId, id = entry.mediaId, name = entry.mediaName;
+        return (pointId, x, y, isXy, selected) => move(cueId, id, name, pointId, x, y, 0, isXy, selected);
+    }
+    case Rules.TEXTURE: {
+        const move = bridge.moveTexturePoint, cueId = entry.textureCueId, id = entry.textureId, name = entry.textureName;
+        return (pointId, x, y, isXy, selected) => move(cueId, id, name, pointId, x, y, 0, isXy, selected);
+    }
+    case Rules.SCREEN: {
+        const move = bridge.moveScreenPoint, id = entry.screenId, name = entry.screenName;
+        return (pointId, x, y, isXy, selected) => move(id, name, pointId, x, y, 0, isXy, selected);
+    }
+    default: {
+        const move = bridge.moveScreenPartPoint, screenId = entry.screenId, id = entry.screenPartId;
+        let screenName; // never set: moves of a screen part carry no name
+        return (pointId, x, y, isXy, selected) => move(screenId, id, screenName, pointId, x, y, 0, isXy, selected);
+    }
+    }
+}
+
+// Everything about the current item that writing its points needs, looked up once for any number of points; null
+// without a current item.
 function pointWriter(scene, gridId) {
     const entry = getCurrentEntry(scene);
     if (!entry)
         return null;
     const item = entry.item;
+    const grid = item.deformerGrids[gridId];
     return {
-        bridge: scene.bridge,
-        type: scene.canvasCurrentItemType,
-        entry: entry,
+        place: grid.placePoint,
+        points: grid.pointsArray,
         isXy: gridId === Rules.XY_GRID,
         width: item.sourceWidth,
         height: item.sourceHeight,
-        points: item.deformerGrids[gridId].pointsArray
+        tell: tellerOf(scene, entry)
     };
 }
 
 // The one place where a point of the current item is written: into the scene, and to the Producer.
 function writePoint(writer, pointId, x, y) {
     const isXy = writer.isXy;
-    const producerX = Rules.toProducer(x, writer.width, isXy);
-    const producerY = Rules.toProducer(y, writer.height, isXy);
-    const point = writer.points[pointId];
-    point.place(Rules.fromProducer(producerX, writer.width, isXy), Rules.fromProducer(producerY, writer.height, isXy));
-    const selected = point.selected;
-    const entry = writer.entry;
-    let screenName; // never set: moves of a screen part carry no name
-    switch (writer.type) {
-    case Rules.MEDIA:
-        writer.bridge.moveMediaPoint(entry.mediaCueId, entry.mediaId, entry.mediaName, pointId, producerX, producerY, 0,
-                                     isXy, selected);
-        break;
-    case Rules.TEXTURE:
-        writer.bridge.moveTexturePoint(entry.textureCueId, entry.textureId, entry.textureName, pointId, producerX,
-                                       producerY, 0, isXy, selected);
-        break;
-    case Rules.SCREEN:
-        writer.bridge.moveScreenPoint(entry.screenId, entry.screenName, pointId, producerX, producerY, 0, isXy,
-                                      selected);
-        break;
-    case Rules.SCREEN_PART:
-        writer.bridge.moveScreenPartPoint(entry.screenId, entry.screenPartId, screenName, pointId, producerX, producerY,
-                                          0, isXy, selected);
-        break;
-    }
+    const width = writer.width;
+    const height = writer.height;
+    const producerX = toProducer(x, width, isXy);
+    const producerY = toProducer(y, height, isXy);
+    writer.place(pointId, fromProducer(producerX, width, isXy), fromProducer(producerY, height, isXy));
+    writer.tell(pointId, producerX, producerY, isXy, writer.points[pointId].selected);
 }
 
 function updatePoint(scene, gridId, pointId, x, y) {
@@ -290,8 +299,9 @@ function selectAllPoints(scene) {
     const last = writer.points.length - 1;
     if (last < 0)
         return;
+    const current = currentGridOf(scene, item).currentSelectedPointId;
     for (const point of writer.points) {
-        if (point.state !== SELECTED)
+        if (!point.selected || point.pointNum === current)
             writeState(writer, point, SELECTED);
     }
     selectCurrentPoint(scene, last);
@@ -491,22 +501,28 @@ function initializeDeformerQML(item, rows, columns, skipPatchCenter) {
     if (!pointComponent || !lineComponent)
         return;
     const rotation = -item.getFullRotation();
+    const width = item.width;
+    const height = item.height;
     const ends = Rules.lineEnds(rows, columns, skipPatchCenter);
+    const createPoint = pointComponent.createObject;
+    const createLine = lineComponent.createObject;
     for (let gridId = 0; gridId < 2; ++gridId) {
         const grid = item.deformerGrids[gridId];
+        const addPoint = grid.addPoint;
         const points = [];
         for (let row = 0; row < rows; ++row) {
-            const y = row * item.height / (rows - 1);
+            const y = row * height / (rows - 1);
             for (let column = 0; column < columns; ++column) {
-                const point = pointComponent.createObject(grid);
-                grid.addPoint(point, points.length, column * item.width / (columns - 1), y, rotation);
+                const point = createPoint(grid);
+                addPoint(point, points.length, column * width / (columns - 1), y, rotation);
                 points.push(point);
             }
         }
+        const addLine = grid.addLine;
         const lines = [];
         for (let end = 0; end < ends.length; end += 2) {
-            const line = lineComponent.createObject(grid);
-            grid.addLine(line, points[ends[end]], points[ends[end + 1]]);
+            const line = createLine(grid);
+            addLine(line, points[ends[end]], points[ends[end + 1]]);
             lines.push(line);
         }
         grid.pointsArray = points;

@@ -1,0 +1,372 @@
+// How fast the mesh editor answers with the largest mesh that its dialog can ask for: two grids of
+// 46 x 46 points of a media, beside the list, connected over a real socket. Needs a display and, as
+// it connects, a network namespace:
+//   scripts/in-namespace --display -- scene_bench
+
+#include "app/Configuration.h"
+#include "app/EventDispatcher.h"
+#include "network/AddMediaEvent.h"
+#include "network/ItemDataEvent.h"
+#include "network/LVNtc.h"
+#include "resources/CompanionResources.h"
+#include "warp/Canvas.h"
+#include "warp/MeshGridItem.h"
+#include "warp/WarpPage.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QQuickItem>
+#include <QQuickWidget>
+#include <QQuickWindow>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QThread>
+
+#include <benchmark/benchmark.h>
+
+#include <atomic>
+#include <memory>
+
+using namespace NetworkCompanion;
+
+namespace {
+
+constexpr int kSide = 46;
+constexpr int kPoints = kSide * kSide;
+constexpr unsigned int kCue = 11;
+constexpr int kMoveFrameSize = 4 + 9 + 298;
+constexpr QSize kMediaSize(1920, 1080);
+
+/// A Producer that only counts what it gets, on a thread of its own.
+class Peer {
+public:
+    Peer() {
+        thread_.start();
+        server_.moveToThread(&thread_);
+        QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] {
+            socket_ = server_.nextPendingConnection();
+            socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+            QObject::connect(socket_, &QTcpSocket::readyRead, socket_,
+                             [this] { received += socket_->readAll().size(); });
+        });
+        QMetaObject::invokeMethod(
+            &server_, [this] { server_.listen(QHostAddress::LocalHost); },
+            Qt::BlockingQueuedConnection);
+    }
+    ~Peer() {
+        QMetaObject::invokeMethod(
+            &server_,
+            [this] {
+                delete socket_;
+                server_.close();
+                server_.moveToThread(QCoreApplication::instance()->thread());
+            },
+            Qt::BlockingQueuedConnection);
+        thread_.quit();
+        thread_.wait();
+    }
+
+    quint16 port() const { return server_.serverPort(); }
+    void send(const QByteArray& bytes) {
+        QMetaObject::invokeMethod(
+            &server_,
+            [this, bytes] {
+                socket_->write(bytes);
+                while (socket_->bytesToWrite() > 0)
+                    socket_->waitForBytesWritten(1000);
+            },
+            Qt::BlockingQueuedConnection);
+    }
+
+    std::atomic<qint64> received = 0;
+
+private:
+    QThread thread_;
+    QTcpServer server_;
+    QTcpSocket* socket_ = nullptr;
+};
+
+/// The warp page with one media in it.
+class Editor {
+public:
+    static Editor& instance() {
+        static auto* editor = new Editor; // as the dispatcher, it lives until the process ends
+        return *editor;
+    }
+
+    QVariant evaluate(const QString& expression) const {
+        return QQmlExpression(qmlContext(view->rootObject()), view->rootObject(), expression)
+            .evaluate();
+    }
+    MeshGridItem* grid() const {
+        return evaluate("getCurrentItem().deformerGrids[0]").value<MeshGridItem*>();
+    }
+    void waitFor(qint64 bytes) const {
+        while (peer.received < bytes)
+            QCoreApplication::processEvents();
+    }
+    void drain() const {
+        qint64 before = -1;
+        while (before != peer.received) {
+            before = peer.received;
+            for (QElapsedTimer quiet = started(); quiet.elapsed() < 150;)
+                QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        }
+    }
+    void key(int key, Qt::KeyboardModifiers modifiers, const QString& text = {}) const {
+        QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
+        QCoreApplication::sendEvent(view, &press);
+    }
+    void releaseKey(int key, Qt::KeyboardModifiers modifiers) const {
+        QKeyEvent release(QEvent::KeyRelease, key, modifiers);
+        QCoreApplication::sendEvent(view, &release);
+    }
+    void mouse(QEvent::Type type, QPointF at) const {
+        QMouseEvent event(type, at, view->mapToGlobal(at),
+                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(view, &event);
+    }
+    static QElapsedTimer started() {
+        QElapsedTimer timer;
+        timer.start();
+        return timer;
+    }
+
+    Peer& peer = *new Peer;
+    Configuration configuration = makeConfiguration();
+    WarpPage* page = nullptr;
+    Canvas* canvas = nullptr;
+    QQuickWidget* view = nullptr;
+
+private:
+    Editor() {
+        EventDispatcher::getInstance()->client().connectToServer("127.0.0.1", peer.port());
+        page = new WarpPage(configuration, nullptr);
+        canvas = page->findChild<Canvas*>();
+        view = page->findChild<QQuickWidget*>();
+        page->resize(1280, 610);
+        page->show();
+        page->activateWindow();
+        while (!page->isActiveWindow())
+            QCoreApplication::processEvents();
+        send(AddMediaEvent(MediaType::Image, kCue, 1, 77, kMediaSize.width(), kMediaSize.height(),
+                           0, 0, "Media", false));
+        while (evaluate("canvasMediaItemArray[11] ? 1 : 0").toInt() == 0)
+            QCoreApplication::processEvents();
+        page->onAction(Action::SELECT_NEXT_SCREEN);
+        view->setFocus();
+        drain();
+        if (!view->rootObject()->hasActiveFocus())
+            qFatal("The editor has no keyboard focus");
+    }
+
+    void send(const Event& event) const { peer.send(framed(event)); }
+
+public:
+    static QByteArray framed(const Event& event) {
+        const LV_NTC_Header header{static_cast<std::uint32_t>(event.getSize()), event.type()};
+        return LVNtc::serializeWithLength(header, event);
+    }
+};
+
+QByteArray itemData() {
+    ItemDataEvent event(77);
+    constexpr unsigned int kNoItem = 0xFFFFFFFFU;
+    event.setDeformationModeEvent(
+        DeformationModeEvent(LV_NTC_DeformationType::None, kNoItem, 0, "", 2, 2, false));
+    event.setScreenPartDeformationModeEvent(ScreenPartDeformationModeEvent(
+        LV_NTC_DeformationType::Keystone, kNoItem, kNoItem, 0, "", 2, 2, false));
+    event.setMediaDeformationModeEvent(
+        MediaDeformationModeEvent(LV_NTC_ElementType::Media, LV_NTC_DeformationType::Bezier, kCue,
+                                  1, 77, "Media", kSide, kSide, false));
+    for (unsigned int point = 0; point < kPoints; ++point) {
+        const double column = point % kSide;
+        const double row = point / kSide;
+        event.addMediaMovePointEvent(
+            MediaMovePointEvent(kCue, 1, 77, "Media", point, column / (kSide - 1) * 1920 - 960,
+                                row / (kSide - 1) * 1080 - 540, 0, true, false));
+        event.addMediaMovePointEvent(MediaMovePointEvent(
+            kCue, 1, 77, "Media", point, column / (kSide - 1), row / (kSide - 1), 0, false, false));
+    }
+    return Editor::framed(event);
+}
+
+void loadMesh(const Editor& editor, int side = kSide) {
+    if (side != kSide) {
+        editor.canvas->onMediaDeformationMode(LV_NTC_ElementType::Media,
+                                              LV_NTC_DeformationType::Curve, kCue, 1, "", side,
+                                              side, false);
+        editor.drain();
+        return;
+    }
+    static const QByteArray bytes = itemData();
+    editor.peer.send(bytes);
+    while (editor.grid()->pointCount() != kPoints)
+        QCoreApplication::processEvents();
+    editor.evaluate("getCurrentItem().itemDeformer.adjustView()");
+    editor.drain();
+}
+
+void itemDataToScreen(benchmark::State& state) {
+    Editor& editor = Editor::instance();
+    const QByteArray bytes = itemData();
+    for (auto _ : state) {
+        editor.canvas->onMediaDeformationMode(
+            LV_NTC_ElementType::Media, LV_NTC_DeformationType::None, kCue, 1, "", 2, 2, false);
+        editor.peer.send(bytes.chopped(1));
+        editor.drain();
+        bool drawn = false;
+        const auto connection =
+            QObject::connect(editor.view->quickWindow(), &QQuickWindow::afterRendering, editor.view,
+                             [&] { drawn = drawn || editor.grid()->pointCount() == kPoints; });
+        QElapsedTimer timer = Editor::started();
+        editor.peer.send(bytes.last(1));
+        while (!drawn)
+            QCoreApplication::processEvents();
+        QCoreApplication::processEvents(); // onto the screen
+        state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
+        QObject::disconnect(connection);
+    }
+}
+
+void rebuildBothGrids(benchmark::State& state) {
+    Editor& editor = Editor::instance();
+    const auto type = static_cast<LV_NTC_DeformationType>(state.range(0));
+    for (auto _ : state) {
+        editor.canvas->onMediaDeformationMode(LV_NTC_ElementType::Media, type, kCue, 1, "", kSide,
+                                              kSide, false);
+    }
+}
+
+void dragAllPoints(benchmark::State& state) {
+    Editor& editor = Editor::instance();
+    loadMesh(editor);
+    editor.key(Qt::Key_A, Qt::ControlModifier);
+    editor.drain();
+    QPointF at = editor.grid()->mapToScene(QPointF(960, 540));
+    editor.mouse(QEvent::MouseButtonPress, at);
+    double step = 1;
+    for (auto _ : state) {
+        at += QPointF(step, step);
+        step = -step;
+        editor.mouse(QEvent::MouseMove, at);
+    }
+    editor.mouse(QEvent::MouseButtonRelease, at);
+    editor.drain();
+}
+
+void frameOfADrag(benchmark::State& state) {
+    Editor& editor = Editor::instance();
+    loadMesh(editor, static_cast<int>(state.range(0)));
+    editor.key(Qt::Key_A, Qt::ControlModifier);
+    editor.drain();
+    QPointF at = editor.grid()->mapToScene(
+        QPointF(editor.grid()->point(0)->x(), editor.grid()->point(0)->y()));
+    editor.mouse(QEvent::MouseButtonPress, at);
+    double step = 1;
+    int frames = 0;
+    const auto connection =
+        QObject::connect(editor.view->quickWindow(), &QQuickWindow::afterRendering, editor.view,
+                         [&frames] { ++frames; });
+    for (auto _ : state) {
+        at += QPointF(step, step);
+        step = -step;
+        editor.mouse(QEvent::MouseMove, at);
+        const int before = frames;
+        while (frames ==
+               before) { // from rendering to rendering; idle waiting is none of the frame's time
+            QElapsedTimer timer = Editor::started();
+            QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents();
+            if (frames != before)
+                state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
+        }
+    }
+    QObject::disconnect(connection);
+    editor.mouse(QEvent::MouseButtonRelease, at);
+    editor.drain();
+}
+
+void arrowKey(benchmark::State& state) {
+    Editor& editor = Editor::instance();
+    loadMesh(editor);
+    editor.key(Qt::Key_Escape, Qt::NoModifier);
+    editor.key(Qt::Key_Right, Qt::AltModifier);
+    editor.drain();
+    int key = Qt::Key_Right;
+    for (auto _ : state) {
+        const qint64 before = editor.peer.received;
+        QElapsedTimer timer = Editor::started();
+        editor.key(key, Qt::NoModifier);
+        while (editor.peer.received < before + kMoveFrameSize)
+            QCoreApplication::processEvents();
+        state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
+        editor.releaseKey(key, Qt::NoModifier);
+        key = key == Qt::Key_Right ? Qt::Key_Left : Qt::Key_Right;
+    }
+}
+
+void selectAll(benchmark::State& state) {
+    Editor& editor = Editor::instance();
+    loadMesh(editor);
+    for (auto _ : state) {
+        editor.key(Qt::Key_Escape, Qt::NoModifier);
+        editor.drain();
+        const qint64 before = editor.peer.received;
+        QElapsedTimer timer = Editor::started();
+        editor.key(Qt::Key_A, Qt::ControlModifier);
+        const qint64 called = timer.nsecsElapsed();
+        editor.waitFor(before + (kPoints + 1) * kMoveFrameSize);
+        state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
+        state.counters["call_ms"] = static_cast<double>(called) * 1e-6;
+    }
+}
+
+BENCHMARK(itemDataToScreen)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseManualTime()
+    ->Iterations(8);
+BENCHMARK(rebuildBothGrids)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->Arg(static_cast<int>(LV_NTC_DeformationType::Bezier))
+    ->Arg(static_cast<int>(LV_NTC_DeformationType::Curve))
+    ->Iterations(15);
+BENCHMARK(dragAllPoints)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->Iterations(200);
+BENCHMARK(frameOfADrag)
+    ->Arg(2)
+    ->Arg(16)
+    ->Arg(kSide)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseManualTime()
+    ->Iterations(100);
+BENCHMARK(arrowKey)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseManualTime()
+    ->Iterations(200);
+BENCHMARK(selectAll)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseManualTime()
+    ->Iterations(10);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    initCompanionResources();
+    QApplication application(argc, argv);
+    application.setStartDragDistance(0);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    std::_Exit(0); // the page is still up
+}
