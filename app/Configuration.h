@@ -163,6 +163,7 @@ inline constexpr QMargins kListMargins{6, 6, 0, 0};
 inline constexpr int kSearchHeight = 36;
 inline constexpr char kSearchName[] = "Search";
 inline constexpr char kFilterScreensText[] = "Filter screens";
+inline constexpr int kTapSlack = 10; // how far a finger that taps may slip
 inline constexpr char kListName[] = "Items";
 inline constexpr char kListArea[] = "background-color: transparent; border: none; color: #fff;";
 inline constexpr char kListScrollBar[] = "color: #0096ff; background-color: #323232;";

@@ -43,6 +43,7 @@ void ConnectPage::initIpList() {
 
 void ConnectPage::initConnectButton() {
     connectButton_ = new QPushButton(this);
+    connectButton_->setObjectName(QStringLiteral("connectButton"));
     connectButton_->setFixedSize(kConnectButtonSize);
     connectButton_->setStyleSheet(QLatin1StringView(kConnectButtonInitial));
     connectButton_->setCursor(Qt::ArrowCursor);
@@ -90,6 +91,7 @@ void ConnectPage::forget(const QString& ip) {
 
 void ConnectPage::onSelectedIpChanged(const QString& ip) {
     const bool selected = !ip.isEmpty();
+    connectButton_->setProperty("selected", selected); // for the application's style sheet
     connectButton_->setStyleSheet(
         QLatin1StringView(selected ? kConnectButtonOn : kConnectButtonOff));
     connectButton_->setCursor(selected ? Qt::PointingHandCursor : Qt::ArrowCursor);

@@ -71,6 +71,8 @@ void HeadBanner::initLogoWidget() {
 void HeadBanner::initConnectTitleLabel() {
     titleLabel_.setObjectName(QStringLiteral("connectTitle")); // the style sheet gives it its font
     titleLabel_.setText(configuration_.applicationName);
+    // As much to the right as the logo takes to the left: centred in the window.
+    titleLabel_.setContentsMargins(0, 0, logoArea_.width() + layout_.spacing(), 0);
 }
 
 void HeadBanner::initMenuWidget() {
