@@ -5,6 +5,9 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <algorithm>
+#include <utility>
+
 using namespace NetworkCompanion;
 
 namespace {

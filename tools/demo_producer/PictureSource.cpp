@@ -32,9 +32,12 @@ QBrush shade(const QPointF& from, const QPointF& to, const QColor& first, const 
     return gradient;
 }
 
+void drawNight(QPainter& painter, QSizeF size, double) {
+    painter.fillRect(QRectF({}, size), shade({0, 0}, {0, size.height()}, 0x071a3d, 0x1c6f93));
+}
+
 void drawWaves(QPainter& painter, QSizeF size, double seconds) {
     const double w = size.width(), h = size.height();
-    painter.fillRect(QRectF({}, size), shade({0, 0}, {0, h}, 0x071a3d, 0x1c6f93));
     painter.setPen(Qt::NoPen);
     const QPointF moon(w * (0.72 + 0.03 * std::sin(seconds * 0.3)), h * 0.24);
     for (int ring = 5; ring >= 0; --ring) {
@@ -87,11 +90,24 @@ void drawSkyline(QPainter& painter, QSizeF size, double) {
     }
 }
 
-void drawCamera(QPainter& painter, QSizeF size, double seconds) {
+void drawQuay(QPainter& painter, QSizeF size, double) {
     const double w = size.width(), h = size.height();
     painter.fillRect(QRectF({}, size), shade({0, 0}, {w * 0.2, h}, 0x39434a, 0x12171a));
     painter.setPen(QPen(QColor(150, 165, 172), h * 0.02));
     painter.drawLine(QPointF(0, h * 0.16), QPointF(w, h * 0.16));
+    painter.fillRect(QRectF(0, h * 0.86, w, h * 0.14), QColor(0x0b0e10));
+    painter.setPen(QPen(QColor(255, 255, 255, 150), h * 0.006));
+    for (const double x : {0.08, 0.92}) {
+        for (const double y : {0.08, 0.92}) {
+            const double inX = x < 0.5 ? 0.06 : -0.06, inY = y < 0.5 ? 0.1 : -0.1;
+            painter.drawLine(QPointF(w * x, h * y), QPointF(w * (x + inX), h * y));
+            painter.drawLine(QPointF(w * x, h * y), QPointF(w * x, h * (y + inY)));
+        }
+    }
+}
+
+void drawCamera(QPainter& painter, QSizeF size, double seconds) {
+    const double w = size.width(), h = size.height();
     const double trolley = w * (0.5 + 0.33 * std::sin(seconds * 0.5));
     const double hook = h * (0.52 + 0.12 * std::sin(seconds * 0.9));
     painter.setPen(QPen(QColor(190, 200, 205), h * 0.008));
@@ -104,15 +120,6 @@ void drawCamera(QPainter& painter, QSizeF size, double seconds) {
     for (int i = 1; i < 8; ++i)
         painter.drawLine(box.topLeft() + QPointF(box.width() * i / 8, 0),
                          box.bottomLeft() + QPointF(box.width() * i / 8, 0));
-    painter.fillRect(QRectF(0, h * 0.86, w, h * 0.14), QColor(0x0b0e10));
-    painter.setPen(QPen(QColor(255, 255, 255, 150), h * 0.006));
-    for (const double x : {0.08, 0.92}) {
-        for (const double y : {0.08, 0.92}) {
-            const double inX = x < 0.5 ? 0.06 : -0.06, inY = y < 0.5 ? 0.1 : -0.1;
-            painter.drawLine(QPointF(w * x, h * y), QPointF(w * (x + inX), h * y));
-            painter.drawLine(QPointF(w * x, h * y), QPointF(w * x, h * (y + inY)));
-        }
-    }
     painter.setPen(Qt::white);
     painter.setFont(fontOf(h * 0.075));
     const int frame = int(seconds * 25) % 25, second = int(seconds) % 60;
@@ -127,38 +134,43 @@ void drawCamera(QPainter& painter, QSizeF size, double seconds) {
     painter.drawEllipse(QPointF(w * 0.87, h * 0.925), h * 0.03, h * 0.03);
 }
 
-void drawRadar(QPainter& painter, QSizeF size, double seconds) {
+void drawScope(QPainter& painter, QSizeF size, double) {
     const double w = size.width(), h = size.height(), radius = 0.46 * std::min(w, h);
-    const QPointF centre(w / 2, h / 2);
     painter.fillRect(QRectF({}, size), QColor(0x041512));
     painter.setPen(QPen(QColor(60, 200, 150, 90), radius * 0.012));
     for (double x = 0; x <= 8; ++x) {
         painter.drawLine(QPointF(x / 8 * w, 0), QPointF(x / 8 * w, h));
         painter.drawLine(QPointF(0, x / 8 * h), QPointF(w, x / 8 * h));
     }
-    QConicalGradient sweep(centre, -std::fmod(seconds * 40, 360));
-    sweep.setColorAt(0, QColor(80, 255, 190, 210));
-    sweep.setColorAt(0.3, QColor(80, 255, 190, 0));
-    sweep.setColorAt(1, QColor(80, 255, 190, 0));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(sweep);
-    painter.drawEllipse(centre, radius, radius);
-    painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(QColor(120, 255, 200, 220), radius * 0.02));
     for (int ring = 1; ring <= 4; ++ring)
-        painter.drawEllipse(centre, radius * ring / 4, radius * ring / 4);
+        painter.drawEllipse(QPointF(w / 2, h / 2), radius * ring / 4, radius * ring / 4);
+}
+
+void drawRadar(QPainter& painter, QSizeF size, double seconds) {
+    const double w = size.width(), h = size.height(), radius = 0.46 * std::min(w, h);
+    const QPointF centre(w / 2, h / 2);
     painter.setPen(Qt::NoPen);
+    constexpr int kSlices = 12; // of the beam's tail
+    for (int slice = 0; slice < kSlices; ++slice) {
+        painter.setBrush(QColor(80, 255, 190, 190 - 190 * slice / kSlices));
+        painter.drawPie(QRectF(centre.x() - radius, centre.y() - radius, 2 * radius, 2 * radius),
+                        int((-seconds * 40 + slice * 8) * 16), 8 * 16);
+    }
+    painter.setBrush(QColor(220, 255, 235, 230));
     for (int echo = 0; echo < 7; ++echo) {
         const double angle = echo * 2.1 + seconds * 0.03, distance = radius * (0.3 + 0.09 * echo);
-        painter.setBrush(QColor(220, 255, 235, 230));
         painter.drawEllipse(centre + distance * QPointF(std::cos(angle), std::sin(angle)),
                             radius * 0.03, radius * 0.03);
     }
 }
 
+void drawPolarNight(QPainter& painter, QSizeF size, double) {
+    painter.fillRect(QRectF({}, size), shade({0, 0}, {0, size.height()}, 0x03081c, 0x0b2a3a));
+}
+
 void drawAurora(QPainter& painter, QSizeF size, double seconds) {
     const double w = size.width(), h = size.height();
-    painter.fillRect(QRectF({}, size), shade({0, 0}, {0, h}, 0x03081c, 0x0b2a3a));
     painter.setPen(Qt::NoPen);
     for (int band = 0; band < 4; ++band) {
         QPainterPath curtain;
@@ -225,17 +237,17 @@ void drawEmblem(QPainter& painter, QSizeF size, double) {
 
 struct Generated {
     const char* name;
-    Draw draw;
-    bool moves;
+    Draw still;  ///< once
+    Draw moving; ///< over it, again and again; null for a picture that stands still
 };
 
-constexpr std::array<Generated, 7> kPictures{{{"waves", drawWaves, true},
-                                              {"skyline", drawSkyline, false},
-                                              {"camera", drawCamera, true},
-                                              {"radar", drawRadar, true},
-                                              {"aurora", drawAurora, true},
-                                              {"bricks", drawBricks, false},
-                                              {"emblem", drawEmblem, false}}};
+constexpr std::array<Generated, 7> kPictures{{{"waves", drawNight, drawWaves},
+                                              {"skyline", drawSkyline, nullptr},
+                                              {"camera", drawQuay, drawCamera},
+                                              {"radar", drawScope, drawRadar},
+                                              {"aurora", drawPolarNight, drawAurora},
+                                              {"bricks", drawBricks, nullptr},
+                                              {"emblem", drawEmblem, nullptr}}};
 
 const Generated& generatedFor(const ShowItem& item) {
     for (const Generated& picture : kPictures) {
@@ -293,17 +305,19 @@ QImage PictureSource::picture(const ShowItem& item, double seconds) {
                             .arg(QLatin1String(generated.name))
                             .arg(size.width())
                             .arg(size.height());
-    if (!generated.moves) {
-        if (const auto still = stills_.constFind(key); still != stills_.cend())
-            return *still;
+    QImage& still = stills_[key];
+    if (still.isNull()) {
+        still = blank(size);
+        QPainter painter(&still);
+        painter.setRenderHint(QPainter::Antialiasing);
+        generated.still(painter, size, 0);
     }
-    QImage image = blank(size);
+    if (!generated.moving)
+        return still;
+    QImage image = still;
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    generated.draw(painter, size, seconds);
-    painter.end();
-    if (!generated.moves)
-        stills_.insert(key, image);
+    generated.moving(painter, size, seconds);
     return image;
 }
 

@@ -8,7 +8,9 @@
 #include <QMetaEnum>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 using namespace NetworkCompanion;
 

@@ -9,7 +9,7 @@ using namespace NetworkCompanion;
 
 namespace {
 
-constexpr int kAnimationMs = 80;
+constexpr int kAnimationMs = 125;
 constexpr int kRepaintMs = 30; ///< the least time between two repaints
 constexpr qint64 kFlashMs = 1800;
 constexpr qsizetype kLogKept = 60;
@@ -34,15 +34,16 @@ ProducerWindow::ProducerWindow(ProducerSession& session, const QString& name,
             &ProducerWindow::onQuickKeyExecuted);
     repaint_.setSingleShot(true);
     connect(&repaint_, &QTimer::timeout, this, qOverload<>(&QWidget::update));
-    connect(&animation_, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+    connect(&animation_, &QTimer::timeout, this, &ProducerWindow::repaintSoon);
     running_.start();
     if (!still)
         animation_.start(kAnimationMs);
 }
 
 void ProducerWindow::repaintSoon() {
+    // However long it takes to paint, half of the time is left for companions.
     if (!repaint_.isActive())
-        repaint_.start(kRepaintMs);
+        repaint_.start(std::max(kRepaintMs, int(lastPaintMs_)));
 }
 
 void ProducerWindow::showLine(const QString& line) {
@@ -59,6 +60,8 @@ void ProducerWindow::onQuickKeyExecuted(const QString& name, const QString& colo
 }
 
 void ProducerWindow::paintEvent(QPaintEvent*) {
+    QElapsedTimer painting;
+    painting.start();
     if (!still_)
         stage_.seconds = kStillSeconds + double(running_.elapsed()) / 1000.0;
     if (stage_.flash) {
@@ -71,6 +74,7 @@ void ProducerWindow::paintEvent(QPaintEvent*) {
     }
     QPainter painter(this);
     painter_.paint(painter, rect(), session_, stage_);
+    lastPaintMs_ = painting.elapsed();
 }
 
 void ProducerWindow::keyPressEvent(QKeyEvent* event) {

@@ -36,4 +36,5 @@ private:
     QElapsedTimer sinceFlash_;
     QTimer animation_;
     QTimer repaint_;
+    qint64 lastPaintMs_ = 0;
 };

@@ -31,8 +31,8 @@ constexpr double kFooterHeight = 150;
 constexpr double kLogLineHeight = 19;
 constexpr std::size_t kMostScreens = 12;
 constexpr std::size_t kMostElements = 7;
-/// Outputs are drawn so much larger than they are shown, which smoothes their edges.
-constexpr int kOversampling = 2;
+/// How much finer than it is shown the picture of a screen is made: it is stretched here and there.
+constexpr double kPictureScale = 1.4;
 
 QFont fontOf(int pixels, QFont::Weight weight = QFont::Normal) {
     QFont font;
@@ -117,18 +117,17 @@ QPolygonF line(const Surface& surface, const QTransform& transform, bool along, 
 }
 
 /// A lattice by which a bend can be read off any picture.
-void drawLattice(QPainter& painter, QSizeF size) {
-    painter.setPen(QPen(QColor(255, 255, 255, 46), 1.2));
-    constexpr int kColumns = 16, kRows = 9;
+void drawLattice(QPainter& painter, QSize size) {
+    const QColor line(255, 255, 255, 50), rim(255, 255, 255, 200);
+    constexpr int kColumns = 16, kRows = 9, kRim = 2;
     for (int i = 1; i < kColumns; ++i)
-        painter.drawLine(QPointF(size.width() * i / kColumns, 0),
-                         QPointF(size.width() * i / kColumns, size.height()));
+        painter.fillRect(size.width() * i / kColumns, 0, 1, size.height(), line);
     for (int i = 1; i < kRows; ++i)
-        painter.drawLine(QPointF(0, size.height() * i / kRows),
-                         QPointF(size.width(), size.height() * i / kRows));
-    painter.setPen(QPen(QColor(255, 255, 255, 190), 4));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(QRectF({}, size));
+        painter.fillRect(0, size.height() * i / kRows, size.width(), 1, line);
+    painter.fillRect(0, 0, size.width(), kRim, rim);
+    painter.fillRect(0, size.height() - kRim, size.width(), kRim, rim);
+    painter.fillRect(0, 0, kRim, size.height(), rim);
+    painter.fillRect(size.width() - kRim, 0, kRim, size.height(), rim);
 }
 
 /// The most tiles of the given proportions that fit, as large as they can be.
@@ -150,32 +149,40 @@ Tiling tilingFor(int count, QSizeF area, double proportions) {
     return best;
 }
 
-void drawShape(QPainter& painter, const QPointF& at, int shape, const QColor& color,
-               bool selected) {
+constexpr double kPointReach = 9; ///< from a point's middle to the edge of its picture
+
+/// A companion's point; size is 1 where there is room. Meshes have thousands of them, all alike.
+QImage pointImage(int shape, const QColor& color, bool selected, double size) {
     const double r = selected ? 6.0 : 4.0;
+    QImage image = blank(QSize(1, 1) * int(4 * kPointReach), Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(2, 2);
+    painter.translate(kPointReach, kPointReach);
+    painter.scale(size, size);
     painter.setBrush(selected ? QColor(color.red(), color.green(), color.blue(), 150)
                               : QColor(Qt::transparent));
-    const auto draw = [&] {
+    // First its shadow, so that it stands out on bright pictures.
+    for (const QPen& pen : {QPen(QColor(0, 0, 0, 170), 4), QPen(color, 2)}) {
+        painter.setPen(pen);
         switch (shape) {
         case 1:
             painter.setBrush(color);
-            painter.drawEllipse(at, r * 0.55, r * 0.55);
+            painter.drawEllipse(QPointF(), r * 0.55, r * 0.55);
             break;
         case 2:
-            painter.drawLine(at - QPointF(r, 0), at + QPointF(r, 0));
-            painter.drawLine(at - QPointF(0, r), at + QPointF(0, r));
+            painter.drawLine(QPointF(-r, 0), QPointF(r, 0));
+            painter.drawLine(QPointF(0, -r), QPointF(0, r));
             break;
         case 3:
-            painter.drawEllipse(at, r, r);
+            painter.drawEllipse(QPointF(), r, r);
             break;
         default:
-            painter.drawRect(QRectF(at.x() - r, at.y() - r, 2 * r, 2 * r));
+            painter.drawRect(QRectF(-r, -r, 2 * r, 2 * r));
         }
-    };
-    painter.setPen(QPen(QColor(0, 0, 0, 170), 4)); // so that it stands out on bright pictures
-    draw();
-    painter.setPen(QPen(color, 2));
-    draw();
+    }
+    painter.end();
+    return WarpRasterizer::halved(image);
 }
 
 } // namespace
@@ -286,7 +293,8 @@ void ShowPainter::paintHeader(QPainter& painter, const QRectF& area) const {
         const QColor color(companion.pointColor);
         const QPointF dot(chip.left() + 15, middle);
         if (companion.pointShape > 0) {
-            drawShape(painter, dot, companion.pointShape, color, false);
+            painter.drawImage(dot - QPointF(kPointReach, kPointReach),
+                              pointImage(companion.pointShape, color, false, 1.0));
         } else {
             painter.setPen(Qt::NoPen);
             painter.setBrush(QColor(0x3d, 0xdc, 0x84));
@@ -319,24 +327,24 @@ QImage ShowPainter::composition(const ShowItem& screen, QSize size) {
                              toRect(*item, placed(layer.area, QRectF(QPointF(), QSizeF(size)))));
     }
     QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
     drawLattice(painter, size);
     return image;
 }
 
 void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const ShowItem& screen) {
     const QSizeF fitted = QSizeF(screen.size).scaled(raster.size(), Qt::KeepAspectRatio);
-    const QRectF frame(raster.center() - QPointF(fitted.width(), fitted.height()) / 2, fitted);
+    const QRectF frame =
+        QRectF(raster.center() - QPointF(fitted.width(), fitted.height()) / 2, fitted).toRect();
     painter.fillRect(raster, Qt::black);
     const std::vector<const ShowItem*> parts = session_->show().partsOf(screen);
     const bool inParts = screen.mode == LV_NTC_ModeType::Parts && !parts.empty();
     painter.save();
     painter.setClipRect(frame);
     if (!screen.blinded) {
-        const QSize size = (frame.size() * kOversampling).toSize();
-        const QRectF whole({}, QSizeF(size));
-        const QImage picture = composition(screen, size);
-        QImage output = blank(size, Qt::transparent);
+        const QSize size = frame.size().toSize();
+        const QRectF whole({}, QSizeF(size) * 2);
+        const QImage picture = composition(screen, (frame.size() * kPictureScale).toSize());
+        QImage output = blank(size * 2, Qt::black);
         if (inParts) {
             for (const ShowItem* part : parts) {
                 if (!part->blinded)
@@ -349,7 +357,7 @@ void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const Sho
             WarpRasterizer::draw(output, picture, {0, 0, 1, 1}, warp.xySurface(), warp.uvSurface(),
                                  toRect(screen, whole));
         }
-        painter.drawImage(frame, output);
+        painter.drawImage(frame.topLeft(), WarpRasterizer::halved(output));
     }
     const auto overlay = [&](const ShowItem& item, const QRectF& area) {
         const QTransform transform = toRect(item, area);
@@ -403,12 +411,12 @@ void ShowPainter::paintElement(QPainter& painter, const QRectF& tile, const Show
     // While texture coordinates are edited the source is shown, with the mesh as it lies on it.
     const Warp warp = uv ? Warp::straight(Warp::Kind::None, 2, 2, item.size) : shownWarp(item);
     if (!item.blinded) {
-        QImage image = blank((tile.size() * kOversampling).toSize(), Qt::transparent);
+        QImage image = blank(tile.size().toSize() * 2, kPanel);
         QTransform transform = toRect(item, frame.translated(-tile.topLeft()));
-        transform *= QTransform::fromScale(kOversampling, kOversampling);
+        transform *= QTransform::fromScale(2, 2);
         WarpRasterizer::draw(image, pictureOf(item), {0, 0, 1, 1}, warp.xySurface(),
                              warp.uvSurface(), transform);
-        painter.drawImage(tile, image);
+        painter.drawImage(tile.topLeft(), WarpRasterizer::halved(image));
     }
     painter.setPen(QPen(QColor(255, 255, 255, 60), 1, Qt::DotLine));
     painter.setBrush(Qt::NoBrush);
@@ -462,11 +470,18 @@ void ShowPainter::paintRemotePoints(QPainter& painter, const ShowItem& item, boo
             continue;
         const QColor color(companion.pointColor);
         const auto& points = xy ? item.warp.xy : item.warp.uv;
+        // Large meshes get small points, so that the picture remains to be seen between them.
+        const QRectF shown =
+            toRaster.mapRect(QRectF(QPointF(), xy ? QSizeF(item.size) : QSizeF(1, 1)));
+        const double spacing = std::sqrt(shown.width() * shown.height() / double(points.size()));
+        const double size = std::clamp(spacing / 18.0, 0.25, 1.0);
         for (const bool selected : {false, true}) { // the selected ones on top
+            const QImage image = pointImage(companion.pointShape, color, selected, size);
             for (const ControlPoint& point : points) {
                 if (point.selected == selected)
-                    drawShape(painter, toRaster.map(point.place), companion.pointShape, color,
-                              selected);
+                    painter.drawImage(
+                        (toRaster.map(point.place) - QPointF(kPointReach, kPointReach)).toPoint(),
+                        image);
             }
         }
     }

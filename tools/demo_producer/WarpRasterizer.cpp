@@ -79,16 +79,70 @@ private:
     }
 
     void fillSpan(int y, int first, int end) {
-        quint32* const line = bits_ + y * stride_;
-        const bool affine = std::abs(q_.perX) + std::abs(q_.perY) < 1e-12;
-        const double divisor = affine ? 1.0 / q_.atOrigin : 0.0;
-        double u = u_.at(first + 0.5, y + 0.5), v = v_.at(first + 0.5, y + 0.5);
-        double q = q_.at(first + 0.5, y + 0.5);
-        for (int x = first; x < end; ++x, u += u_.perX, v += v_.perX, q += q_.perX) {
-            const double scale = affine ? divisor : 1.0 / q;
-            if (const quint32 texel = texelAt(u * scale, v * scale))
-                line[x] = over(line[x], texel);
+        const double centre = y + 0.5;
+        // In short runs, because texture coordinates change evenly over a short one even where the
+        // texture recedes, and because only a run that touches the rim has to look after it.
+        constexpr int kRun = 16;
+        for (int x = first; x < end;) {
+            const int count = std::min(kRun, end - x);
+            const double begin = x + 0.5, last = begin + count - 1;
+            const double q = q_.at(begin, centre), lastQ = q_.at(last, centre);
+            fillRun(bits_ + y * stride_ + x, count, u_.at(begin, centre) / q,
+                    v_.at(begin, centre) / q, u_.at(last, centre) / lastQ,
+                    v_.at(last, centre) / lastQ);
+            x += count;
         }
+    }
+
+    /// Pixels whose texture coordinates change evenly, from the first to the last one's.
+    void fillRun(quint32* pixels, int count, double u, double v, double lastU, double lastV) {
+        const double stepU = count > 1 ? (lastU - u) / (count - 1) : 0.0;
+        const double stepV = count > 1 ? (lastV - v) / (count - 1) : 0.0;
+        if (!isInner(u, v) || !isInner(lastU, lastV)) {
+            for (int i = 0; i < count; ++i)
+                draw(pixels[i], texelAt(u + stepU * i, v + stepV * i));
+            return;
+        }
+        // Nearly all runs: no rim to be looked after, so that whole numbers will do.
+        constexpr double kOne = 65536;
+        int fixedU = int((u - 0.5) * kOne), fixedV = int((v - 0.5) * kOne);
+        const int fixedStepU = int(stepU * kOne), fixedStepV = int(stepV * kOne);
+        const quint32* const origin = texels_ + part_.y() * textureStride_ + part_.x();
+        for (int i = 0; i < count; ++i, fixedU += fixedStepU, fixedV += fixedStepV) {
+            const quint32* const texel = origin + (fixedV >> 16) * textureStride_ + (fixedU >> 16);
+            draw(pixels[i],
+                 blend(texel[0], texel[1], texel[textureStride_], texel[textureStride_ + 1],
+                       quint32(fixedU >> 8) & 255, quint32(fixedV >> 8) & 255));
+        }
+    }
+
+    static void draw(quint32& pixel, quint32 texel) {
+        if ((texel >> 24) == 255)
+            pixel = texel;
+        else if (texel)
+            pixel = over(pixel, texel);
+    }
+
+    /// The four texels, weighted by how near the place is to each; across and down are 0 to 255.
+    static quint32 blend(quint32 topLeft, quint32 topRight, quint32 bottomLeft, quint32 bottomRight,
+                         quint32 across, quint32 down) {
+        const quint32 both = (across * down) >> 8; // the weights add up to 256
+        const quint64 sum = spread(topLeft) * (256 - across - down + both) +
+                            spread(topRight) * (across - both) +
+                            spread(bottomLeft) * (down - both) + spread(bottomRight) * both;
+        const quint64 mean = (sum >> 8) & kLanes;
+        return quint32(mean | (mean >> 24));
+    }
+    /// The four channels with room for a weight behind each.
+    static quint64 spread(quint32 pixel) {
+        return (quint64(pixel) | (quint64(pixel) << 24)) & kLanes;
+    }
+    static constexpr quint64 kLanes = 0x00ff00ff00ff00ff;
+
+    /// Whether all four texels around the place are in the part, with a little to spare for
+    /// rounding.
+    [[nodiscard]] bool isInner(double u, double v) const {
+        return u >= 1 && v >= 1 && u <= part_.width() - 2 && v <= part_.height() - 2;
     }
 
     /// Bilinear; the part's rim reaches one texel further than the part.
@@ -96,15 +150,14 @@ private:
         if (!(u >= -1 && v >= -1 && u <= part_.width() + 1 && v <= part_.height() + 1))
             return 0;
         const int right = part_.width() - 1, bottom = part_.height() - 1;
-        const int fixedU = int(std::clamp(u - 0.5, 0.0, double(right)) * 256);
-        const int fixedV = int(std::clamp(v - 0.5, 0.0, double(bottom)) * 256);
+        const int fixedU = std::clamp(int(u * 256) - 128, 0, right * 256);
+        const int fixedV = std::clamp(int(v * 256) - 128, 0, bottom * 256);
         const int x0 = fixedU >> 8, y0 = fixedV >> 8;
         const int x1 = std::min(x0 + 1, right), y1 = std::min(y0 + 1, bottom);
         const quint32* const upper = texels_ + (part_.y() + y0) * textureStride_ + part_.x();
         const quint32* const lower = texels_ + (part_.y() + y1) * textureStride_ + part_.x();
-        const quint32 across = quint32(fixedU & 255);
-        return mix(mix(upper[x0], upper[x1], across), mix(lower[x0], lower[x1], across),
-                   quint32(fixedV & 255));
+        return blend(upper[x0], upper[x1], lower[x0], lower[x1], quint32(fixedU & 255),
+                     quint32(fixedV & 255));
     }
 
     quint32* bits_;
@@ -128,12 +181,26 @@ void fillCell(TriangleFiller& filler, VertexAt vertexAt, int row, int column) {
 
 } // namespace
 
+QImage WarpRasterizer::halved(const QImage& image) {
+    QImage result(image.size() / 2, QImage::Format_ARGB32_Premultiplied);
+    constexpr quint32 kEven = 0x00ff00ff;
+    for (int y = 0; y < result.height(); ++y) {
+        const auto* upper = reinterpret_cast<const quint32*>(image.constScanLine(2 * y));
+        const auto* lower = reinterpret_cast<const quint32*>(image.constScanLine(2 * y + 1));
+        auto* const line = reinterpret_cast<quint32*>(result.scanLine(y));
+        for (int x = 0; x < result.width(); ++x, upper += 2, lower += 2) {
+            const auto sum = [&](int shift) {
+                return ((upper[0] >> shift) & kEven) + ((upper[1] >> shift) & kEven) +
+                       ((lower[0] >> shift) & kEven) + ((lower[1] >> shift) & kEven);
+            };
+            line[x] = ((sum(0) >> 2) & kEven) | ((sum(8) << 6) & ~kEven);
+        }
+    }
+    return result;
+}
+
 int WarpRasterizer::steps(int patches) {
-    return patches * (patches <= 1    ? 24
-                      : patches <= 3  ? 12
-                      : patches <= 8  ? 6
-                      : patches <= 24 ? 4
-                                      : 2);
+    return patches * (patches <= 1 ? 14 : patches <= 3 ? 8 : patches <= 8 ? 4 : 2);
 }
 
 void WarpRasterizer::draw(QImage& target, const QImage& picture, const QRectF& part,

@@ -16,6 +16,10 @@ namespace WarpRasterizer {
 void draw(QImage& target, const QImage& picture, const QRectF& part, const Surface& xy,
           const Surface& uv, const QTransform& toTarget);
 
+/// The image at half its size, which must be even; every pixel is the mean of four. Drawing at
+/// twice the size and halving is what smoothes the edges.
+QImage halved(const QImage& image);
+
 /// The number of steps along a direction of so many patches that makes the triangles small enough.
 int steps(int patches);
 

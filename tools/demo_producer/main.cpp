@@ -144,9 +144,9 @@ int main(int argc, char** argv) {
     // The kind of application decides whether a display is needed, so that this is looked up by
     // hand.
     const bool headless = std::any_of(argv, argv + argc, [](const char* argument) {
-        return QByteArrayView(argument) == "--headless" ||
-               QByteArrayView(argument).startsWith("--write-show") ||
-               QByteArrayView(argument) == "--help";
+        const QByteArrayView option(argument);
+        return option == "--headless" || option == "-h" || option == "-?" ||
+               option.startsWith("--help") || option.startsWith("--write-show");
     });
     const std::unique_ptr<QCoreApplication> application =
         headless ? std::make_unique<QCoreApplication>(argc, argv)
