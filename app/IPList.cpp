@@ -63,7 +63,10 @@ void IPList::onIpClicked(const QString& ip) {
     selectedIp_ = ip;
     emit selectedIpChanged(ip);
     for (const auto& button : buttons_) {
-        button->setStyleSheet(
-            QLatin1StringView(button->text() == ip ? kAddressButtonOn : kAddressButtonOff));
+        const QString style =
+            QLatin1StringView(button->text() == ip ? kAddressButtonOn : kAddressButtonOff);
+        if (button->styleSheet() != style) { // setting one costs a restyling
+            button->setStyleSheet(style);
+        }
     }
 }

@@ -26,7 +26,9 @@
 #include <QPushButton>
 #include <QQuickWidget>
 #include <QQuickWindow>
+#include <QSettings>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <optional>
@@ -97,12 +99,15 @@ private:
     void closeWindow();
     static CompanionClient& client() { return EventDispatcher::getInstance()->client(); }
 
+    QTemporaryDir settings_; // in the place of the operator's
     std::optional<MeshpadTest::MessageGuard> messages_;
     std::unique_ptr<FakeProducer> producer_;
     std::unique_ptr<GuiCompanion> window_;
 };
 
 void TestGuiCompanion::initTestCase() {
+    QVERIFY(settings_.isValid());
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings_.path());
     initCompanionResources();
     QFile styleSheet(QLatin1StringView(ShellLook::kStyleSheetPath));
     QVERIFY(styleSheet.open(QIODevice::ReadOnly));
