@@ -25,6 +25,7 @@
 #include "warp/ScreenItem.h"
 #include "warp/ScreenPartItem.h"
 #include "warp/TextureItem.h"
+#include "warp/TouchScroller.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -143,6 +144,7 @@ void MediaList::initMediaList() {
     scrollArea_->setWidget(content_);
     scrollArea_->setAccessibleName(QLatin1StringView(WarpLook::kListName));
     scrollArea_->installEventFilter(this);
+    new TouchScroller(scrollArea_);
     setFocusProxy(scrollArea_);
 
     auto* layout = new QVBoxLayout(this);

@@ -34,6 +34,7 @@
 #include <QMouseEvent>
 #include <QRandomGenerator>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
@@ -490,6 +491,41 @@ private slots:
         }
         container_->findChild<QLineEdit*>()->setText("1150");
         QTRY_COMPARE(row("1150")->pos().y(), 0);
+    }
+
+    void aFingerScrollsOrTaps() {
+        for (int i = 0; i < 100; ++i) {
+            addMedia(unsigned(i), QString::number(1000 + i), i);
+        }
+        QTRY_VERIFY(row("1003")->pos().y() > row("1002")->pos().y());
+        std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+        Item* touched = row("1003");
+        container_->findChild<QLineEdit*>()->setFocus();
+        const auto finger = [&] { return QTest::touchEvent(window_.get(), screen.get(), false); };
+        const QPoint start = touched->rect().center();
+        finger().press(0, start, touched).commit();
+        finger().move(0, start + QPoint(2, 3), touched).commit();
+        QVERIFY(getsNothing());
+        finger().release(0, start + QPoint(2, 3), touched).commit();
+        QVERIFY(gets(ItemDataEvent(3)));
+        QVERIFY(list_->isAncestorOf(focus()));
+
+        auto* eye = touched->findChild<BlindButton*>();
+        finger().press(0, eye->rect().center(), eye).commit();
+        finger().release(0, eye->rect().center(), eye).commit();
+        QVERIFY(gets(MediaBlindEvent(LV_NTC_ElementType::Media, 3, 0, 0, "1003", true)));
+
+        const QPoint down = row("1005")->mapTo(window_.get(), start);
+        auto* bar = container_->findChild<QScrollArea*>()->verticalScrollBar();
+        finger().press(0, down).commit();
+        for (int y = 10; y <= 150; y += 10) {
+            QTest::qWait(1); // a finger needs its time
+            finger().move(0, down - QPoint(0, y)).commit();
+        }
+        QTRY_VERIFY(bar->value() > 100);
+        finger().release(0, down - QPoint(0, 150)).commit();
+        QVERIFY(getsNothing());
+        QCOMPARE(list_->selection(), touched);
     }
 
     void aLongNameIsShortenedAndAStrangeOneIsPlainText() {
