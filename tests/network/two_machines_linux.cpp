@@ -220,7 +220,7 @@ void TwoMachinesTest::busyThreadLosesNobody() {
         QCOMPARE(discovery.getAvailableServers().size(), 1);
         QTest::qWait(60);
         // Ticks did not pile up meanwhile.
-        QVERIFY(pings(*machine_, producer) - before <= 4);
+        QVERIFY(pings(*machine_, producer) - before <= 6); // not ten
         QCOMPARE(timeouted.size(), 0);
     }
 }
