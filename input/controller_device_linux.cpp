@@ -128,7 +128,6 @@ public:
         if (!SDL_JoystickGetAttached(joystick_.get()))
             return ControllerResult::Failed;
         SDL_JoystickUpdate();
-        SDL_FlushEvents(SDL_JOYAXISMOTION, SDL_JOYBUTTONUP);
         for (std::size_t i = 0; i < axes_.size(); ++i)
             axes_[i].position = currentPosition(i);
         records_.clear();

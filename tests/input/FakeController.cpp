@@ -51,7 +51,7 @@ public:
         pad_->polled();
         if (pad_->pollResult != ControllerResult::InputLost)
             return pad_->pollResult;
-        pad_->acquired = false;
+        pad_->acquired = pad_->formatSet = false;
         return std::exchange(pad_->pollResult, ControllerResult::Ok);
     }
 
