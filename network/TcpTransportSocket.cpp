@@ -11,6 +11,8 @@
 #include <QSignalBlocker>
 #include <QtEndian>
 
+#include <cstring>
+
 namespace NetworkCompanion {
 
 namespace {
@@ -22,7 +24,8 @@ constexpr unsigned long kKeepAliveTime = 1000;    // ms
 // Events are handed over in slices of this many milliseconds, so that a flood of them leaves the
 // event loop its turn; what is waiting meanwhile is bounded, and the sender is slowed down.
 constexpr int kReceiveSlice = 8;
-constexpr qint64 kReadAhead = 1024 * 1024;
+constexpr int kFramesPerLookAtTheClock = 8;
+constexpr qint32 kReadAhead = 1024 * 1024;
 
 QUrl urlOf(const QString& host, int port) {
     QUrl url;
@@ -117,6 +120,7 @@ void TCPTransportSocket::resetReceiving() {
     expectedLength_ = 0;
     bytesToSkip_ = 0;
     buffer_.clear();
+    consumed_ = 0;
     resumeTimer_.stop();
 }
 
@@ -186,12 +190,13 @@ void TCPTransportSocket::onReadyRead() {
 void TCPTransportSocket::receive(const QDeadlineTimer& deadline) {
     const QPointer<TCPTransportSocket> alive(this);
     resumeTimer_.stop();
+    ++emitting_;
     do {
         {
             const std::scoped_lock lock(mutex_);
             takeAvailable();
         }
-        for (;;) {
+        for (int count = 1;; ++count) {
             std::optional<eventData> frame;
             {
                 const std::scoped_lock lock(mutex_);
@@ -202,24 +207,36 @@ void TCPTransportSocket::receive(const QDeadlineTimer& deadline) {
             handOver(*frame);
             if (!alive)
                 return;
-            if (deadline.hasExpired()) {
-                if (!buffer_.isEmpty() || socket_->bytesAvailable() > 0)
+            if (count % kFramesPerLookAtTheClock == 0 && deadline.hasExpired()) {
+                if (bytesWaiting() > 0 || socket_->bytesAvailable() > 0)
                     resumeTimer_.start(0);
+                --emitting_;
                 return;
             }
         }
         // More may have come while a receiver ran an event loop of its own.
     } while (!closing_ && socket_->bytesAvailable() > 0);
+    --emitting_;
 }
 
 /// Unless enough is waiting already, takes over what the socket has.
 void TCPTransportSocket::takeAvailable() {
-    if (waitingForLength_ ? buffer_.size() >= kReadAhead : buffer_.size() >= expectedLength_)
+    if (bytesWaiting() >= (waitingForLength_ ? kReadAhead : expectedLength_))
         return;
+    // Little is left at this point, and the same memory serves again, unless it was a giant's.
+    if (consumed_ > 0) {
+        const qsizetype left = bytesWaiting();
+        std::memmove(buffer_.data(), buffer_.constData() + consumed_,
+                     static_cast<std::size_t>(left));
+        buffer_.truncate(left);
+        consumed_ = 0;
+        if (left == 0 && buffer_.capacity() > 4 * kReadAhead)
+            buffer_.clear();
+    }
     while (const qint64 available = socket_->bytesAvailable()) {
         if (closing_ || bytesToSkip_ > 0) {
-            const qint64 wanted = closing_ ? available : qMin(available, bytesToSkip_);
-            const qint64 skipped = socket_->skip(wanted);
+            const qint64 skipped =
+                socket_->skip(closing_ ? available : qMin(available, bytesToSkip_));
             if (skipped <= 0)
                 return;
             bytesToSkip_ -= closing_ ? 0 : skipped;
@@ -236,9 +253,9 @@ void TCPTransportSocket::takeAvailable() {
 
 /// The next frame of the buffer, or nothing when reading stops until there are more bytes.
 std::optional<eventData> TCPTransportSocket::nextFrame() {
-    while (!buffer_.isEmpty()) {
+    while (bytesWaiting() > 0) {
         if (waitingForLength_) {
-            expectedLength_ = onReadHeader(buffer_, kLengthSize);
+            expectedLength_ = onReadHeader();
             if (expectedLength_ < 0) {
                 qCritical().nospace() << "Invalid frame length " << expectedLength_;
                 expectedLength_ = 0;
@@ -251,56 +268,42 @@ std::optional<eventData> TCPTransportSocket::nextFrame() {
             }
             waitingForLength_ = false;
         }
-        eventData frame;
-        if (!onReadData(buffer_, expectedLength_, frame))
+        if (bytesWaiting() < expectedLength_)
             return std::nullopt;
+        const eventData frame = LVNtc::read(QByteArrayView(buffer_).sliced(consumed_));
+        consumed_ += expectedLength_;
         waitingForLength_ = true;
         return frame;
     }
     return std::nullopt;
 }
 
-/// Takes the big-endian length off the buffer's front; 0 when there are fewer than size bytes.
-qint32 TCPTransportSocket::onReadHeader(QByteArray& buffer, int size) {
-    if (size > buffer.size()) {
-        qCritical().nospace() << "Invalid header size. Size must be at least " << size
-                              << " bytes, we read " << buffer.size();
+/// Takes a length off the bytes that are waiting; 0 when they are too few, which then stay.
+qint32 TCPTransportSocket::onReadHeader() {
+    if (bytesWaiting() < kLengthSize) {
+        qCritical().nospace() << "Invalid header size. Size must be at least " << kLengthSize
+                              << " bytes, we read " << bytesWaiting();
         return 0;
     }
-    const auto length = qFromBigEndian<qint32>(buffer.constData());
-    buffer.remove(0, size);
+    const auto length = qFromBigEndian<qint32>(buffer_.constData() + consumed_);
+    consumed_ += kLengthSize;
     return length;
-}
-
-/// Decodes the frame at the buffer's front and takes its size bytes off; false when they are not
-/// there yet.
-bool TCPTransportSocket::onReadData(QByteArray& buffer, int size, eventData& frame) {
-    if (size > buffer.size())
-        return false;
-    frame = LVNtc::deserialize(buffer);
-    buffer.remove(0, size);
-    return true;
 }
 
 void TCPTransportSocket::skipOversized() {
     qCritical().nospace() << "Frame of " << expectedLength_ << " bytes is too large, skipped";
-    const qsizetype here = qMin<qsizetype>(expectedLength_, buffer_.size());
+    const qsizetype here = qMin<qsizetype>(expectedLength_, bytesWaiting());
     bytesToSkip_ = expectedLength_ - here;
+    consumed_ += here;
     expectedLength_ = 0;
-    buffer_.remove(0, here);
 }
 
 void TCPTransportSocket::handOver(eventData frame) {
     static const QMetaMethod signal = QMetaMethod::fromSignal(&TCPTransportSocket::receivedEvent);
-    if (!isSignalConnected(signal)) {
+    if (isSignalConnected(signal))
+        emit receivedEvent(frame);
+    else
         delete frame.second;
-        return;
-    }
-    const QPointer<TCPTransportSocket> alive(this);
-    ++emitting_;
-    emit receivedEvent(frame);
-    if (alive)
-        --emitting_;
 }
 
 } // namespace NetworkCompanion

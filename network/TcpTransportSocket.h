@@ -78,9 +78,9 @@ private:
     void resetReceiving();
     void receive(const QDeadlineTimer& deadline);
     void takeAvailable();
+    qsizetype bytesWaiting() const { return buffer_.size() - consumed_; }
     std::optional<eventData> nextFrame();
-    qint32 onReadHeader(QByteArray& buffer, int size);
-    bool onReadData(QByteArray& buffer, int size, eventData& frame);
+    qint32 onReadHeader();
     void skipOversized();
     void handOver(eventData frame);
 
@@ -89,6 +89,7 @@ private:
     bool waitingForLength_ = true;
     QTcpSocket* socket_; // a child
     QByteArray buffer_;
+    qsizetype consumed_ = 0; // bytes at the buffer's front that are done with
     qint32 expectedLength_ = 0;
     std::mutex mutex_; // guards the flag, the buffer and the lengths; never held while emitting
 
