@@ -107,8 +107,10 @@ void QuickKeysButton::drawName(QPainter& painter) {
     name_.set(text(), font(), kSmallestQuickKeyFontSize, area.size());
     if (contrastOfWhite(ground()) < kReadableContrast) {
         painter.setPen(QColor(QLatin1StringView(kShadowColor)));
-        for (const QPoint offset : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)}) {
-            name_.draw(painter, area.translated(offset));
+        for (const int x : {-1, 0, 1}) {
+            for (const int y : {-1, 0, 1}) {
+                name_.draw(painter, area.translated(x, y));
+            }
         }
     }
     painter.setPen(QColor(QLatin1StringView(kTextColor)));

@@ -37,7 +37,7 @@ public:
     explicit PageTest(Configuration record = makeConfiguration())
         : configuration(std::move(record)) {
         initCompanionResources();
-        QFile sheet(QLatin1StringView(ShellLook::kStyleSheetPath));
+        QFile sheet{QLatin1StringView(ShellLook::kStyleSheetPath)};
         if (sheet.open(QFile::ReadOnly | QFile::Text)) {
             qApp->setStyleSheet(QString::fromUtf8(sheet.readAll()));
         }

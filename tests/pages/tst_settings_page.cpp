@@ -80,20 +80,6 @@ private slots:
         QTRY_COMPARE(test.producer.bytes(), again);
     }
 
-    void theColorOfEachNameIsSent() {
-        const SettingsTest test;
-        QVERIFY(test.ready);
-        test.box()->setChecked(true);
-        QByteArray expected = settingsBytes("#0000ff", 1);
-        for (const char* color : {"#00ffff", "#000080", "#008000", "#800000", "#00ff00", "#ff00ff",
-                                  "#ff0000", "#ffff00"}) {
-            test.color()->setCurrentIndex(test.color()->currentIndex() + 1);
-            expected += settingsBytes(color, 1);
-        }
-        QCOMPARE(test.color()->currentIndex(), test.color()->count() - 1);
-        QTRY_COMPARE(test.producer.bytes(), expected);
-    }
-
     void aLargerFontCutsNothingOff() {
         const QFont usual = QApplication::font();
         QFont larger = usual;

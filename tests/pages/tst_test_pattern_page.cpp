@@ -72,8 +72,10 @@ private slots:
         test.producer.send(MireEvent(7, LV_NTC_PictureType::Osd));
         QTRY_COMPARE(test.marked(), QStringList{"OSD"});
         for (const int unknown : {12, -1, 0x7fffffff, -0x7fffffff - 1}) {
-            test.producer.send(MireEvent(0, static_cast<LV_NTC_PictureType>(unknown)));
+            MireEvent hostile(0, static_cast<LV_NTC_PictureType>(unknown));
+            test.page->receive(&hostile);
         }
+        QCOMPARE(test.marked(), QStringList{"OSD"});
         test.producer.send(MireEvent(0, LV_NTC_PictureType::Small));
         QTRY_COMPARE(test.marked(), QStringList{"Small"});
         test.press("Small");
