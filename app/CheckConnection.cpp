@@ -7,7 +7,9 @@
 
 #include <algorithm>
 
-CheckConnection::CheckConnection(QObject* parent) : StoppableThread(parent) {}
+CheckConnection::CheckConnection(QObject* parent) : StoppableThread(parent) {
+    connect(this, &CheckConnection::seen, this, &CheckConnection::announce, Qt::QueuedConnection);
+}
 
 CheckConnection::~CheckConnection() {
     CheckConnection::stop();
@@ -24,24 +26,23 @@ void CheckConnection::stop() {
     announcementPending_ = false;
 }
 
-void CheckConnection::run() {
+void CheckConnection::loop() {
     if (!pause(firstCheckDelay)) {
         return;
     }
     do {
         if (isWatchedServerAvailable() && !announcementPending_.exchange(true)) {
-            const auto checked = Clock::now();
-            QMetaObject::invokeMethod(
-                this, [this, checked] { announce(checked); }, Qt::QueuedConnection);
+            seenAt_ = Clock::now();
+            emit seen(QPrivateSignal());
         }
     } while (pause(checkPeriod));
 }
 
-void CheckConnection::announce(Clock::time_point checked) {
+void CheckConnection::announce() {
     announcementPending_ = false;
     // Old news, as after an attempt to connect that took long, would only start the next attempt
     // before discovery had a chance to notice that the Producer is gone.
-    if (Clock::now() - checked < kCheckPeriod && isWatchedServerAvailable()) {
+    if (Clock::now() - seenAt_.load() < kCheckPeriod && isWatchedServerAvailable()) {
         emit serverAvailableAgain();
     }
 }

@@ -36,16 +36,20 @@ signals:
     /// for longer than a second.
     void serverAvailableAgain();
 
+    /// From the thread that runs: the watched Producer was listed at seenAt_.
+    void seen(QPrivateSignal);
+
 protected:
-    void run() override;
+    void loop() override;
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    void announce(Clock::time_point checked);
+    void announce();
     [[nodiscard]] bool isWatchedServerAvailable();
 
     std::mutex addressMutex_;
     QString watchedAddress_;
     std::atomic<bool> announcementPending_{false};
+    std::atomic<Clock::time_point> seenAt_;
 };

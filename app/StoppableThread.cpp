@@ -14,6 +14,14 @@ void StoppableThread::stop() {
     }
     wake_.notify_all();
     wait();
+    // Whatever the thread did has happened before this, also for tools that cannot look into
+    // wait().
+    static_cast<void>(over_.load());
+}
+
+void StoppableThread::run() {
+    loop();
+    over_.exchange(true); // takes over what an earlier run left behind
 }
 
 bool StoppableThread::pause(std::chrono::milliseconds duration) {

@@ -2,6 +2,7 @@
 
 #include <QThread>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -15,17 +16,22 @@ public:
     ~StoppableThread() override;
 
 public slots:
-    /// Requests interruption, wakes the loop and waits until run() has returned. Takes no longer
+    /// Requests interruption, wakes the loop and waits until the thread is over. Takes no longer
     /// than the round that is under way; does nothing while the thread is not running. A bare
     /// requestInterruption() works too, but is noticed only at the end of a pause.
     /// To be called from another thread than this one.
     virtual void stop();
 
 protected:
-    /// Called by run(): sleeps for `duration`. False as soon as interruption has been requested.
+    /// What the thread does until pause() tells it to end.
+    virtual void loop() = 0;
+    /// Called by loop(): sleeps for `duration`. False as soon as interruption has been requested.
     bool pause(std::chrono::milliseconds duration);
 
+    void run() final;
+
 private:
+    std::atomic<bool> over_{false};
     std::mutex mutex_;
     std::condition_variable wake_;
 };

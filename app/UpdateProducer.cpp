@@ -6,7 +6,7 @@ UpdateProducer::~UpdateProducer() {
     stop();
 }
 
-void UpdateProducer::run() {
+void UpdateProducer::loop() {
     while (pause(tickPeriod)) {
         emit updateProducer();
     }

@@ -21,5 +21,5 @@ signals:
     void updateProducer();
 
 protected:
-    void run() override;
+    void loop() override;
 };
