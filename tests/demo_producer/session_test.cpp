@@ -164,7 +164,7 @@ private slots:
         for (const ShowItem& item : session_->show().items()) {
             a_->forget();
             a_->ask(int(item.dataIndex));
-            const ItemDataEvent* const data = a_->last<ItemDataEvent>();
+            const auto* const data = a_->last<ItemDataEvent>();
             QVERIFY(data);
             QCOMPARE(data->callerId(), int(item.dataIndex));
             const bool screen = item.key.type == Element::Screen;
@@ -191,7 +191,7 @@ private slots:
     void aScreenInSimpleModeIsSeenWithoutItsMesh() {
         QVERIFY(session_->setMode(kFront, LV_NTC_ModeType::Simple));
         a_->ask(1);
-        const ItemDataEvent* const data = a_->last<ItemDataEvent>();
+        const auto* const data = a_->last<ItemDataEvent>();
         QCOMPARE(data->deformationMode().deformationType(), Kind::None);
         QVERIFY(data->screenPoints().empty());
         QVERIFY(session_->setMode(kFront, LV_NTC_ModeType::Deformation));

@@ -21,7 +21,8 @@ double distance(const QPointF& a, const QPointF& b) {
 /// The largest distance between two surfaces at the same parameters.
 double difference(const Surface& a, const Surface& b) {
     const std::vector<double> parameters = evenParameters(40);
-    const auto first = a.sample(parameters, parameters), second = b.sample(parameters, parameters);
+    const auto first = a.sample(parameters, parameters);
+    const auto second = b.sample(parameters, parameters);
     double largest = 0;
     for (std::size_t i = 0; i < first.size(); ++i)
         largest = std::max(largest, distance(first[i], second[i]));
@@ -221,7 +222,8 @@ private slots:
         const Surface surface = warp.xySurface();
         for (int i = 1; i < 40; ++i) {
             for (int j = 1; j < 40; ++j) {
-                const double s = i / 40.0, t = j / 40.0;
+                const double s = i / 40.0;
+                const double t = j / 40.0;
                 const QRgb pixel = target.pixel(toTarget.map(surface.at(s, t)).toPoint());
                 QCOMPARE(qAlpha(pixel), 255); // no hole between the triangles
                 QVERIFY(std::abs(qRed(pixel) - (100 + 100 * (0.1 + 0.8 * s))) < 2);

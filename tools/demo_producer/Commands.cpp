@@ -104,7 +104,8 @@ bool Commands::execute(const QString& line) {
         const ItemKey item = words.item();
         const auto kind = words.known(deformationNamed(words.text()));
         const bool grid = !words.isEmpty();
-        const int rows = grid ? words.integer() : 2, columns = grid ? words.integer() : 2;
+        const int rows = grid ? words.integer() : 2;
+        const int columns = grid ? words.integer() : 2;
         const bool reset = !words.isEmpty() && words.isOneOf(QStringLiteral("reset"), QString());
         return words.areRight() && session_.setDeformation(item, kind, rows, columns, reset);
     }
@@ -112,7 +113,8 @@ bool Commands::execute(const QString& line) {
         const ItemKey item = words.item();
         const bool xy = words.isOneOf(QStringLiteral("xy"), QStringLiteral("uv"));
         const int point = words.integer();
-        const double x = words.number(), y = words.number();
+        const double x = words.number();
+        const double y = words.number();
         return words.areRight() && session_.movePoint(item, xy, quint32(point), {x, y});
     }
     if (command == u"remove") {
@@ -130,7 +132,8 @@ bool Commands::execute(const QString& line) {
         return words.areRight() && session_.deleteQuickKey(quint32(id));
     }
     if (command == u"key-grid") {
-        const int rows = words.integer(), columns = words.integer();
+        const int rows = words.integer();
+        const int columns = words.integer();
         return words.areRight() && session_.setQuickKeyGrid(rows, columns);
     }
     return false;

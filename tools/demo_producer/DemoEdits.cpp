@@ -36,46 +36,47 @@ const ShowItem* DemoEdits::anyItem() {
 }
 
 void DemoEdits::edit() {
-    const ShowItem* const item = anyItem();
-    if (!item)
-        return run(QStringLiteral("new-show"));
-    const QString name = nameOf(item->key);
     const int choice = random_.bounded(1000);
-    if (choice < 880)
-        return bend();
+    if (choice < 880 && !session_.show().items().empty())
+        bend();
+    else
+        run(commandFor(choice));
+}
+
+QString DemoEdits::commandFor(int choice) {
+    const ShowItem* const item = anyItem();
+    if (!item || choice == 999)
+        return QStringLiteral("new-show");
+    const QString name = nameOf(item->key);
     if (choice < 920)
-        return run(QStringLiteral("blind %1 %2")
-                       .arg(name, item->blinded ? QStringLiteral("off") : QStringLiteral("on")));
+        return QStringLiteral("blind %1 %2")
+            .arg(name, item->blinded ? QStringLiteral("off") : QStringLiteral("on"));
     if (choice < 945) {
         static const QStringList kDeformations{
             QStringLiteral("keystone 2 2"), QStringLiteral("bezier 4 4"),
             QStringLiteral("bezier 7 10"),  QStringLiteral("curve 3 3"),
             QStringLiteral("curve 5 8"),    QStringLiteral("keystone 2 2 reset"),
             QStringLiteral("none")};
-        return run(QStringLiteral("deform %1 %2")
-                       .arg(name, kDeformations[random_.bounded(int(kDeformations.size()))]));
+        return QStringLiteral("deform %1 %2")
+            .arg(name, kDeformations[random_.bounded(int(kDeformations.size()))]);
     }
     if (choice < 965) {
-        const auto pattern =
-            random_.bounded(3) ? LV_NTC_PictureType::None : LV_NTC_PictureType(random_.bounded(12));
-        return run(QStringLiteral("pattern %1").arg(nameOf(pattern)));
+        const bool none = random_.bounded(3) > 0;
+        const auto pattern = LV_NTC_PictureType(none ? 0 : random_.bounded(12));
+        return QStringLiteral("pattern %1").arg(nameOf(pattern));
     }
     if (choice < 975)
-        return run(QStringLiteral("remove %1").arg(name));
+        return QStringLiteral("remove %1").arg(name);
     if (choice < 985)
-        return run(QStringLiteral("restore"));
+        return QStringLiteral("restore");
     if (choice < 992)
-        return run(QStringLiteral("key %1 #%2 Key %3")
-                       .arg(1 + random_.bounded(14))
-                       .arg(random_.bounded(0x1000000), 6, 16, QChar(u'0'))
-                       .arg(random_.bounded(100)));
+        return QStringLiteral("key %1 #%2 Key %3")
+            .arg(1 + random_.bounded(14))
+            .arg(random_.bounded(0x1000000), 6, 16, QChar(u'0'))
+            .arg(random_.bounded(100));
     if (choice < 997)
-        return run(QStringLiteral("delete-key %1").arg(1 + random_.bounded(14)));
-    if (choice < 998)
-        return run(QStringLiteral("key-grid %1 %2")
-                       .arg(1 + random_.bounded(4))
-                       .arg(1 + random_.bounded(5)));
-    run(QStringLiteral("new-show"));
+        return QStringLiteral("delete-key %1").arg(1 + random_.bounded(14));
+    return QStringLiteral("key-grid %1 %2").arg(1 + random_.bounded(4)).arg(1 + random_.bounded(5));
 }
 
 void DemoEdits::bend() {
@@ -86,7 +87,7 @@ void DemoEdits::bend() {
         const bool xy = item->key.type == LV_NTC_ElementType::Screen ||
                         item->key.type == LV_NTC_ElementType::ScreenPart || random_.bounded(4);
         const auto& points = xy ? item->warp.xy : item->warp.uv;
-        const std::size_t point = std::size_t(random_.bounded(int(points.size())));
+        const auto point = std::size_t(random_.bounded(int(points.size())));
         // Never far from where the straight mesh has it, so that pictures stay pictures.
         const Warp straight =
             Warp::straight(item->warp.kind, item->warp.rows, item->warp.columns, item->size);

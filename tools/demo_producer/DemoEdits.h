@@ -20,6 +20,8 @@ public:
 
 private:
     void bend();
+    /// Picks one by a number from 0 to 999.
+    [[nodiscard]] QString commandFor(int choice);
     void run(const QString& command) { commands_.execute(command); }
     [[nodiscard]] const ShowItem* anyItem();
 

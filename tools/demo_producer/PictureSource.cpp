@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <ranges>
 
 using namespace NetworkCompanion;
 
@@ -37,7 +38,8 @@ void drawNight(QPainter& painter, QSizeF size, double) {
 }
 
 void drawWaves(QPainter& painter, QSizeF size, double seconds) {
-    const double w = size.width(), h = size.height();
+    const double w = size.width();
+    const double h = size.height();
     painter.setPen(Qt::NoPen);
     const QPointF moon(w * (0.72 + 0.03 * std::sin(seconds * 0.3)), h * 0.24);
     for (int ring = 5; ring >= 0; --ring) {
@@ -62,7 +64,8 @@ void drawWaves(QPainter& painter, QSizeF size, double seconds) {
 }
 
 void drawSkyline(QPainter& painter, QSizeF size, double) {
-    const double w = size.width(), h = size.height();
+    const double w = size.width();
+    const double h = size.height();
     QLinearGradient sky(0, 0, 0, h);
     sky.setColorAt(0, 0x1b1238);
     sky.setColorAt(0.55, 0x9b3a63);
@@ -78,12 +81,13 @@ void drawSkyline(QPainter& painter, QSizeF size, double) {
             const QRectF house(x, h - height, width, height);
             painter.fillRect(house, wall);
             const double step = w * 0.016;
-            for (double wy = house.top() + step; wy < h - step; wy += step * 1.3) {
-                for (double wx = house.left() + step * 0.7; wx < house.right() - step; wx += step) {
-                    if (random.bounded(100) < 28)
-                        painter.fillRect(QRectF(wx, wy, step * 0.5, step * 0.6),
-                                         QColor(255, 214, 130, 110 + random.bounded(140)));
-                }
+            const int floors = int(height / (step * 1.3));
+            const int windows = int(width / step - 0.7);
+            for (int i = 0; i < floors * windows; ++i) {
+                const QPointF at((i % windows + 0.7) * step, (i / windows * 1.3 + 1) * step);
+                if (random.bounded(100) < 28)
+                    painter.fillRect(QRectF(house.topLeft() + at, QSizeF(step * 0.5, step * 0.6)),
+                                     QColor(255, 214, 130, 110 + random.bounded(140)));
             }
             x += width + w * 0.004;
         }
@@ -91,7 +95,8 @@ void drawSkyline(QPainter& painter, QSizeF size, double) {
 }
 
 void drawQuay(QPainter& painter, QSizeF size, double) {
-    const double w = size.width(), h = size.height();
+    const double w = size.width();
+    const double h = size.height();
     painter.fillRect(QRectF({}, size), shade({0, 0}, {w * 0.2, h}, 0x39434a, 0x12171a));
     painter.setPen(QPen(QColor(150, 165, 172), h * 0.02));
     painter.drawLine(QPointF(0, h * 0.16), QPointF(w, h * 0.16));
@@ -99,7 +104,8 @@ void drawQuay(QPainter& painter, QSizeF size, double) {
     painter.setPen(QPen(QColor(255, 255, 255, 150), h * 0.006));
     for (const double x : {0.08, 0.92}) {
         for (const double y : {0.08, 0.92}) {
-            const double inX = x < 0.5 ? 0.06 : -0.06, inY = y < 0.5 ? 0.1 : -0.1;
+            const double inX = x < 0.5 ? 0.06 : -0.06;
+            const double inY = y < 0.5 ? 0.1 : -0.1;
             painter.drawLine(QPointF(w * x, h * y), QPointF(w * (x + inX), h * y));
             painter.drawLine(QPointF(w * x, h * y), QPointF(w * x, h * (y + inY)));
         }
@@ -107,7 +113,8 @@ void drawQuay(QPainter& painter, QSizeF size, double) {
 }
 
 void drawCamera(QPainter& painter, QSizeF size, double seconds) {
-    const double w = size.width(), h = size.height();
+    const double w = size.width();
+    const double h = size.height();
     const double trolley = w * (0.5 + 0.33 * std::sin(seconds * 0.5));
     const double hook = h * (0.52 + 0.12 * std::sin(seconds * 0.9));
     painter.setPen(QPen(QColor(190, 200, 205), h * 0.008));
@@ -122,7 +129,8 @@ void drawCamera(QPainter& painter, QSizeF size, double seconds) {
                          box.bottomLeft() + QPointF(box.width() * i / 8, 0));
     painter.setPen(Qt::white);
     painter.setFont(fontOf(h * 0.075));
-    const int frame = int(seconds * 25) % 25, second = int(seconds) % 60;
+    const int frame = int(seconds * 25) % 25;
+    const int second = int(seconds) % 60;
     const int minute = 14 + int(seconds) / 60;
     painter.drawText(QRectF(w * 0.12, h * 0.87, w * 0.8, h * 0.11), Qt::AlignVCenter,
                      QStringLiteral("CAM 2   20:%1:%2:%3")
@@ -135,12 +143,14 @@ void drawCamera(QPainter& painter, QSizeF size, double seconds) {
 }
 
 void drawScope(QPainter& painter, QSizeF size, double) {
-    const double w = size.width(), h = size.height(), radius = 0.46 * std::min(w, h);
+    const double w = size.width();
+    const double h = size.height();
+    const double radius = 0.46 * std::min(w, h);
     painter.fillRect(QRectF({}, size), QColor(0x041512));
     painter.setPen(QPen(QColor(60, 200, 150, 90), radius * 0.012));
-    for (double x = 0; x <= 8; ++x) {
-        painter.drawLine(QPointF(x / 8 * w, 0), QPointF(x / 8 * w, h));
-        painter.drawLine(QPointF(0, x / 8 * h), QPointF(w, x / 8 * h));
+    for (int i = 0; i <= 8; ++i) {
+        painter.drawLine(QPointF(w * i / 8, 0), QPointF(w * i / 8, h));
+        painter.drawLine(QPointF(0, h * i / 8), QPointF(w, h * i / 8));
     }
     painter.setPen(QPen(QColor(120, 255, 200, 220), radius * 0.02));
     for (int ring = 1; ring <= 4; ++ring)
@@ -148,7 +158,9 @@ void drawScope(QPainter& painter, QSizeF size, double) {
 }
 
 void drawRadar(QPainter& painter, QSizeF size, double seconds) {
-    const double w = size.width(), h = size.height(), radius = 0.46 * std::min(w, h);
+    const double w = size.width();
+    const double h = size.height();
+    const double radius = 0.46 * std::min(w, h);
     const QPointF centre(w / 2, h / 2);
     painter.setPen(Qt::NoPen);
     constexpr int kSlices = 12; // of the beam's tail
@@ -159,7 +171,8 @@ void drawRadar(QPainter& painter, QSizeF size, double seconds) {
     }
     painter.setBrush(QColor(220, 255, 235, 230));
     for (int echo = 0; echo < 7; ++echo) {
-        const double angle = echo * 2.1 + seconds * 0.03, distance = radius * (0.3 + 0.09 * echo);
+        const double angle = echo * 2.1 + seconds * 0.03;
+        const double distance = radius * (0.3 + 0.09 * echo);
         painter.drawEllipse(centre + distance * QPointF(std::cos(angle), std::sin(angle)),
                             radius * 0.03, radius * 0.03);
     }
@@ -170,7 +183,8 @@ void drawPolarNight(QPainter& painter, QSizeF size, double) {
 }
 
 void drawAurora(QPainter& painter, QSizeF size, double seconds) {
-    const double w = size.width(), h = size.height();
+    const double w = size.width();
+    const double h = size.height();
     painter.setPen(Qt::NoPen);
     for (int band = 0; band < 4; ++band) {
         QPainterPath curtain;
@@ -180,11 +194,14 @@ void drawAurora(QPainter& painter, QSizeF size, double seconds) {
             const double phase = kTurn * (x * (0.8 + 0.3 * band) + seconds * 0.05 + band * 0.27);
             const double y = 0.5 + 0.1 * band - 0.14 * std::sin(phase) - 0.05 * std::sin(3 * phase);
             const QPointF top(x * w, (y - 0.42) * h);
-            i == 0 ? curtain.moveTo(top) : curtain.lineTo(top);
+            if (i == 0)
+                curtain.moveTo(top);
+            else
+                curtain.lineTo(top);
             lower.emplace_back(x * w, y * h);
         }
-        for (auto point = lower.rbegin(); point != lower.rend(); ++point)
-            curtain.lineTo(*point);
+        for (const QPointF& point : std::views::reverse(lower))
+            curtain.lineTo(point);
         const QColor colour = QColor::fromHsvF(float(0.34 + 0.14 * band), 0.7f, 1.0f);
         QLinearGradient fade(0, h * 0.0, 0, h * (0.65 + 0.08 * band));
         fade.setColorAt(0, QColor(colour.red(), colour.green(), colour.blue(), 0));
@@ -195,8 +212,10 @@ void drawAurora(QPainter& painter, QSizeF size, double seconds) {
 }
 
 void drawBricks(QPainter& painter, QSizeF size, double) {
-    const double w = size.width(), h = size.height();
-    constexpr int kRows = 12, kColumns = 6;
+    const double w = size.width();
+    const double h = size.height();
+    constexpr int kRows = 12;
+    constexpr int kColumns = 6;
     painter.fillRect(QRectF({}, size), QColor(0x3a322e));
     QRandomGenerator random(5);
     painter.setPen(Qt::NoPen);
@@ -213,7 +232,9 @@ void drawBricks(QPainter& painter, QSizeF size, double) {
 }
 
 void drawEmblem(QPainter& painter, QSizeF size, double) {
-    const double w = size.width(), h = size.height(), unit = std::min(w, h);
+    const double w = size.width();
+    const double h = size.height();
+    const double unit = std::min(w, h);
     painter.setPen(QPen(QColor(0xf2c14e), unit * 0.025));
     painter.setBrush(QColor(9, 28, 48, 225));
     painter.drawRoundedRect(QRectF(unit * 0.04, unit * 0.04, w - unit * 0.08, h - unit * 0.08),
@@ -264,7 +285,8 @@ constexpr std::array<const char*, 12> kPatternFiles{
 
 /// Stands in where the collection has no picture of the pattern.
 void drawPlainPattern(QPainter& painter, QSizeF size, LV_NTC_PictureType pattern) {
-    const double w = size.width(), h = size.height();
+    const double w = size.width();
+    const double h = size.height();
     painter.fillRect(QRectF({}, size),
                      pattern == LV_NTC_PictureType::White ? Qt::white : QColor(0x202020));
     if (pattern == LV_NTC_PictureType::White)
@@ -322,7 +344,7 @@ QImage PictureSource::picture(const ShowItem& item, double seconds) {
 }
 
 QImage PictureSource::pattern(LV_NTC_PictureType pattern, QSize size, double seconds) {
-    const std::size_t code = std::size_t(pattern);
+    const auto code = std::size_t(pattern);
     const QString key =
         QStringLiteral("pattern %1 %2x%3").arg(code).arg(size.width()).arg(size.height());
     QImage& still = stills_[key];

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ranges>
 #include <utility>
 
 using namespace NetworkCompanion;
@@ -214,13 +215,13 @@ QString ProducerSession::onMove(int id, const Move& move) {
     const auto& [key, xy, point, place, selected] = move;
     if (!show_.find(key))
         return unknown(key);
-    const QString what = QStringLiteral("%1 point %2 %3 %4, %5%6")
-                             .arg(nameOf(key))
-                             .arg(point)
-                             .arg(xy ? QStringLiteral("xy") : QStringLiteral("uv"))
-                             .arg(place.x())
-                             .arg(place.y())
-                             .arg(selected ? QStringLiteral(" selected") : QString());
+    QString what = QStringLiteral("%1 point %2 %3 %4, %5%6")
+                       .arg(nameOf(key))
+                       .arg(point)
+                       .arg(xy ? QStringLiteral("xy") : QStringLiteral("uv"))
+                       .arg(place.x())
+                       .arg(place.y())
+                       .arg(selected ? QStringLiteral(" selected") : QString());
     if (!show_.movePoint(key, xy, point, place, selected))
         return ignored(what);
     if (companions_[id].editing == key)
@@ -401,7 +402,8 @@ bool ProducerSession::setQuickKeyGrid(int rows, int columns) {
 bool ProducerSession::setQuickKey(quint32 id, const QuickKey& key) {
     if (id < Limits::kMinQuickKeyId || id > Limits::kMaxQuickKeyId)
         return false;
-    const QByteArray name = key.name.toUtf8(), color = key.color.toUtf8();
+    const QByteArray name = key.name.toUtf8();
+    const QByteArray color = key.color.toUtf8();
     if (show_.quickKeys.insert_or_assign(id, key).second) {
         AddQuickKeyEvent event(id, 0, 0, name.constData(), color.constData());
         server_.sendToAll(event);
@@ -427,9 +429,9 @@ void ProducerSession::startNewShow() {
     Show next = repertoire_[playing_];
     // Items go with the message, but keys stay with a companion until they are deleted one by one.
     // The highest comes first, so that empty pages of keys go at once.
-    for (auto key = show_.quickKeys.rbegin(); key != show_.quickKeys.rend(); ++key) {
-        if (!next.quickKeys.contains(key->first)) {
-            DeleteQuickKeyEvent event(key->first, 0);
+    for (const auto& [id, key] : std::views::reverse(show_.quickKeys)) {
+        if (!next.quickKeys.contains(id)) {
+            DeleteQuickKeyEvent event(id, 0);
             server_.sendToAll(event);
         }
     }

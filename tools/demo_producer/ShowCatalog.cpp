@@ -164,7 +164,9 @@ Show ShowCatalog::harbour() {
                  keystone(kSilo, {{{0.24, 0.22}, {-0.2, 0.1}, {0.05, -0.06}, {-0.06, -0.1}}}),
                  kSilo, {2.0 / 3, 0, 1.0 / 3, 1});
 
-    constexpr QSize kSkyline{1600, 1200}, kCamera{1280, 720}, kGrid{1024, 1024};
+    constexpr QSize kSkyline{1600, 1200};
+    constexpr QSize kCamera{1280, 720};
+    constexpr QSize kGrid{1024, 1024};
     builder.media(11, 1, MediaType::Video, QStringLiteral("Tide"), kFullHd, QStringLiteral("waves"),
                   Warp::straight(Kind::None, 2, 2, kFullHd));
     builder.media(12, 2, MediaType::Image, QStringLiteral("Skyline"), kSkyline,
@@ -174,7 +176,8 @@ Show ShowCatalog::harbour() {
                   keystone(kCamera, {{{0.1, 0.05}, {-0.05, 0.12}, {0.03, -0.1}, {-0.12, -0.04}}}));
     builder.media(14, 4, MediaType::Generated, QStringLiteral("Radar"), kGrid,
                   QStringLiteral("radar"), column(Kind::Bezier, 4, 4, kGrid, 0.12, 0.1));
-    constexpr QSize kBricks{512, 512}, kEmblem{1024, 512};
+    constexpr QSize kBricks{512, 512};
+    constexpr QSize kEmblem{1024, 512};
     Warp bricks = Warp::straight(Kind::Keystone, 2, 2, kBricks);
     for (ControlPoint& point : bricks.uv) // only the middle of it
         point.place = {0.25 + 0.5 * point.place.x(), 0.25 + 0.5 * point.place.y()};
@@ -224,9 +227,10 @@ Show ShowCatalog::large(int itemCount, quint32 seed) {
     QRandomGenerator random(seed);
     constexpr std::array<const char*, 6> kPictures{"waves", "skyline", "camera",
                                                    "radar", "aurora",  "bricks"};
-    quint32 screenId = 0, partId = 0;
+    quint32 screenId = 0;
+    quint32 partId = 0;
     for (int i = 0; i < itemCount; ++i) {
-        const quint32 number = quint32(i);
+        const auto number = quint32(i);
         const QString suffix = QStringLiteral(" %1").arg(i, 4, 10, QChar(u'0'));
         const QString picture = QString::fromLatin1(kPictures[number % kPictures.size()]);
         const QSize size = i % 3 ? kFullHd : QSize(1024, 768);

@@ -54,9 +54,9 @@ QJsonObject toJson(const Warp& warp) {
 std::vector<ControlPoint> pointsFrom(const QJsonObject& json, const QString& places,
                                      const QString& selection) {
     std::vector<ControlPoint> points;
-    for (const QJsonValue& place : json[places].toArray())
+    for (const auto& place : json[places].toArray())
         points.push_back({{place[0].toDouble(), place[1].toDouble()}, false});
-    for (const QJsonValue& id : json[selection].toArray()) {
+    for (const auto& id : json[selection].toArray()) {
         const int index = id.toInt(-1);
         if (index >= 0 && index < int(points.size()))
             points[std::size_t(index)].selected = true;
@@ -100,7 +100,7 @@ ShowItem itemFrom(const QJsonObject& json, quint32 freeDataIndex, QString& error
     if (const auto mode = modeNamed(text("mode")))
         item.mode = *mode;
     item.picture = text("picture");
-    for (const QJsonValue& value : json[QStringLiteral("layers")].toArray()) {
+    for (const auto& value : json[QStringLiteral("layers")].toArray()) {
         if (const auto layer = itemNamed(value[QStringLiteral("item")].toString()))
             item.layers.push_back({*layer, areaFrom(value[QStringLiteral("area")])});
     }
@@ -142,7 +142,8 @@ QJsonObject ShowFile::toJson(const ShowItem& item) {
 }
 
 QJsonObject ShowFile::toJson(const Show& show) {
-    QJsonArray items, keys;
+    QJsonArray items;
+    QJsonArray keys;
     for (const ShowItem& item : show.items())
         items.append(toJson(item));
     for (const auto& [id, key] : show.quickKeys)
@@ -171,7 +172,7 @@ std::optional<Show> ShowFile::fromJson(const QJsonObject& json, QString& error) 
     const QJsonObject quickKeys = json[QStringLiteral("quickKeys")].toObject();
     show.quickKeyRows = quickKeys[QStringLiteral("rows")].toInt(show.quickKeyRows);
     show.quickKeyColumns = quickKeys[QStringLiteral("columns")].toInt(show.quickKeyColumns);
-    for (const QJsonValue& value : quickKeys[QStringLiteral("keys")].toArray()) {
+    for (const auto& value : quickKeys[QStringLiteral("keys")].toArray()) {
         const qint64 id = value[QStringLiteral("id")].toInteger();
         if (id < Limits::kMinQuickKeyId || id > Limits::kMaxQuickKeyId)
             error = QStringLiteral("there is no quick key %1").arg(id);
@@ -186,7 +187,7 @@ std::optional<Show> ShowFile::fromJson(const QJsonObject& json, QString& error) 
         error = QStringLiteral("the grid of quick keys is impossible");
 
     quint32 freeDataIndex = 1;
-    for (const QJsonValue& value : json[QStringLiteral("items")].toArray()) {
+    for (const auto& value : json[QStringLiteral("items")].toArray()) {
         if (!error.isEmpty())
             return {};
         ShowItem item = itemFrom(value.toObject(), freeDataIndex, error);

@@ -108,7 +108,8 @@ std::optional<ItemKey> itemNamed(const QString& name) {
     const std::optional<LV_NTC_ElementType> type = valueIn(kElementTypes, match.captured(1));
     if (!match.hasMatch() || !type || match.hasCaptured(3) == (*type == LV_NTC_ElementType::Screen))
         return {};
-    bool idFits = false, subIdFits = true;
+    bool idFits = false;
+    bool subIdFits = true;
     ItemKey key{*type, match.captured(2).toUInt(&idFits), 0};
     if (match.hasCaptured(3))
         key.subId = match.captured(3).toUInt(&subIdFits);

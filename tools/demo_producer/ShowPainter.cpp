@@ -118,8 +118,11 @@ QPolygonF line(const Surface& surface, const QTransform& transform, bool along, 
 
 /// A lattice by which a bend can be read off any picture.
 void drawLattice(QPainter& painter, QSize size) {
-    const QColor line(255, 255, 255, 50), rim(255, 255, 255, 200);
-    constexpr int kColumns = 16, kRows = 9, kRim = 2;
+    const QColor line(255, 255, 255, 50);
+    const QColor rim(255, 255, 255, 200);
+    constexpr int kColumns = 16;
+    constexpr int kRows = 9;
+    constexpr int kRim = 2;
     for (int i = 1; i < kColumns; ++i)
         painter.fillRect(size.width() * i / kColumns, 0, 1, size.height(), line);
     for (int i = 1; i < kRows; ++i)
@@ -195,7 +198,8 @@ void ShowPainter::paint(QPainter& painter, const QRectF& area, const ProducerSes
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.fillRect(area, kBackground);
 
-    std::vector<const ShowItem*> screens, elements;
+    std::vector<const ShowItem*> screens;
+    std::vector<const ShowItem*> elements;
     for (const ShowItem& item : session.show().items()) {
         if (item.key.type == LV_NTC_ElementType::Screen && screens.size() < kMostScreens)
             screens.push_back(&item);
@@ -215,7 +219,8 @@ void ShowPainter::paint(QPainter& painter, const QRectF& area, const ProducerSes
     const double left =
         rest.center().x() - (outputs.columns * (outputs.tile.width() + kGap) - kGap) / 2;
     for (std::size_t i = 0; i < screens.size(); ++i) {
-        const int column = int(i) % outputs.columns, row = int(i) / outputs.columns;
+        const int column = int(i) % outputs.columns;
+        const int row = int(i) / outputs.columns;
         const QRectF tile(left + column * (outputs.tile.width() + kGap),
                           outputsArea.y() + row * (outputs.tile.height() + kCaptionHeight + kGap),
                           outputs.tile.width(), outputs.tile.height());
@@ -224,7 +229,7 @@ void ShowPainter::paint(QPainter& painter, const QRectF& area, const ProducerSes
     }
 
     if (!elements.empty()) {
-        const double count = double(elements.size());
+        const auto count = double(elements.size());
         const double height = std::clamp(rest.height() - kFooterHeight - strip, kLeastElementHeight,
                                          kMostElementHeight);
         const double width =
@@ -241,7 +246,7 @@ void ShowPainter::paint(QPainter& painter, const QRectF& area, const ProducerSes
     paintLog(painter, rest.adjusted(0, 0, -keysWidth - kGap, 0));
     paintQuickKeys(painter, rest.adjusted(rest.width() - keysWidth, 0, 0, 0));
     if (stage.flash)
-        paintFlash(painter, outputsArea);
+        paintFlash(painter, outputsArea, *stage.flash);
     session_ = nullptr;
     stage_ = nullptr;
 }
@@ -452,7 +457,8 @@ void ShowPainter::paintMesh(QPainter& painter, const ShowItem& item,
     const Surface surface = item.warp.xySurface();
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(QColor(255, 255, 255, 150), 1));
-    const int columns = surface.patchColumns(), rows = surface.patchRows();
+    const int columns = surface.patchColumns();
+    const int rows = surface.patchRows();
     for (int i = 0; i <= columns; ++i)
         painter.drawPolyline(
             line(surface, toRaster, false, double(i) / columns, WarpRasterizer::steps(rows)));
@@ -506,20 +512,26 @@ void ShowPainter::paintQuickKeys(QPainter& painter, const QRectF& area) const {
     const int count = int(show.quickKeys.size());
     if (count == 0)
         return;
-    const int columns = std::min(4, count), rows = (count + columns - 1) / columns;
-    const double gap = 8, width = (inside.width() - (columns - 1) * gap) / columns;
+    const int columns = std::min(4, count);
+    const int rows = (count + columns - 1) / columns;
+    const double gap = 8;
+    const double width = (inside.width() - (columns - 1) * gap) / columns;
     const double height = std::min(44.0, (inside.height() - (rows - 1) * gap) / rows);
     int index = 0;
     for (const auto& [id, key] : show.quickKeys) {
-        const QRectF button(inside.x() + index % columns * (width + gap),
-                            inside.y() + index / columns * (height + gap), width, height);
+        const int column = index % columns;
+        const int row = index / columns;
+        const QRectF button(inside.x() + column * (width + gap), inside.y() + row * (height + gap),
+                            width, height);
         ++index;
-        const bool pressed = stage_->flash && stage_->flash->name == key.name;
+        const double strength =
+            stage_->flash && stage_->flash->name == key.name ? stage_->flash->strength : 0.0;
+        const bool pressed = strength > 0.0;
         QColor color(key.color);
         if (!color.isValid())
             color = kLine;
         painter.setPen(pressed ? QPen(Qt::white, 2) : QPen(Qt::NoPen));
-        painter.setBrush(pressed ? color.lighter(100 + int(70 * stage_->flash->strength)) : color);
+        painter.setBrush(pressed ? color.lighter(100 + int(70 * strength)) : color);
         painter.drawRoundedRect(button, 6, 6);
         if (height >= 12)
             drawText(painter, button.adjusted(6, 0, -6, 0), Qt::AlignHCenter, key.name, 13,
@@ -527,8 +539,7 @@ void ShowPainter::paintQuickKeys(QPainter& painter, const QRectF& area) const {
     }
 }
 
-void ShowPainter::paintFlash(QPainter& painter, const QRectF& area) const {
-    const KeyFlash& flash = *stage_->flash;
+void ShowPainter::paintFlash(QPainter& painter, const QRectF& area, const KeyFlash& flash) {
     QColor color = flash.color;
     painter.setOpacity(std::clamp(flash.strength, 0.0, 1.0));
     const double width = textWidth(flash.name, 40, QFont::Bold) + 90;

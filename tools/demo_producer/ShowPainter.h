@@ -39,7 +39,7 @@ private:
     void paintElement(QPainter& painter, const QRectF& tile, const ShowItem& item);
     void paintLog(QPainter& painter, const QRectF& area) const;
     void paintQuickKeys(QPainter& painter, const QRectF& area) const;
-    void paintFlash(QPainter& painter, const QRectF& area) const;
+    static void paintFlash(QPainter& painter, const QRectF& area, const KeyFlash& flash);
     void paintMesh(QPainter& painter, const ShowItem& item, const QTransform& toRaster) const;
     void paintRemotePoints(QPainter& painter, const ShowItem& item, bool xy,
                            const QTransform& toRaster) const;

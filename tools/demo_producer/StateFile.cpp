@@ -7,6 +7,7 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -16,8 +17,8 @@ constexpr int kRestPerWriting = 4;
 
 } // namespace
 
-StateFile::StateFile(const ProducerSession& session, const QString& path, QObject* parent)
-    : QObject(parent), session_(session), path_(path) {
+StateFile::StateFile(const ProducerSession& session, QString path, QObject* parent)
+    : QObject(parent), session_(session), path_(std::move(path)) {
     delay_.setSingleShot(true);
     delay_.setInterval(kDelayMs);
     connect(&delay_, &QTimer::timeout, this, &StateFile::write);

@@ -21,7 +21,7 @@ class StateFile : public QObject {
 public:
     /// Writes at once, then after every change, but no more often than every 50 ms, and less often
     /// when the show is so large that writing it takes its time.
-    StateFile(const ProducerSession& session, const QString& path, QObject* parent);
+    StateFile(const ProducerSession& session, QString path, QObject* parent);
     ~StateFile() override;
 
     [[nodiscard]] static QJsonObject stateOf(const ProducerSession& session);

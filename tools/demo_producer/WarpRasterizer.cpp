@@ -51,7 +51,8 @@ public:
         if (!(std::abs(area) > 1e-9))
             return;
         const auto plane = [&](double Vertex::*value) {
-            const double ab = b.*value - a.*value, ac = c.*value - a.*value;
+            const double ab = b.*value - a.*value;
+            const double ac = c.*value - a.*value;
             const double perX = (ab * (c.y - a.y) - ac * (b.y - a.y)) / area;
             const double perY = (ac * (b.x - a.x) - ab * (c.x - a.x)) / area;
             return Plane{a.*value - perX * a.x - perY * a.y, perX, perY};
@@ -60,7 +61,8 @@ public:
         v_ = plane(&Vertex::v);
         q_ = plane(&Vertex::q);
         // Pixels whose centre is inside; two triangles at an edge compute the same limit for it.
-        const int first = firstCentre(a.y, height_), end = firstCentre(c.y, height_);
+        const int first = firstCentre(a.y, height_);
+        const int end = firstCentre(c.y, height_);
         for (int y = first; y < end; ++y) {
             const double centre = y + 0.5;
             const double onLong = crossing(a, c, centre);
@@ -85,8 +87,10 @@ private:
         constexpr int kRun = 16;
         for (int x = first; x < end;) {
             const int count = std::min(kRun, end - x);
-            const double begin = x + 0.5, last = begin + count - 1;
-            const double q = q_.at(begin, centre), lastQ = q_.at(last, centre);
+            const double begin = x + 0.5;
+            const double last = begin + count - 1;
+            const double q = q_.at(begin, centre);
+            const double lastQ = q_.at(last, centre);
             fillRun(bits_ + y * stride_ + x, count, u_.at(begin, centre) / q,
                     v_.at(begin, centre) / q, u_.at(last, centre) / lastQ,
                     v_.at(last, centre) / lastQ);
@@ -98,15 +102,18 @@ private:
     void fillRun(quint32* pixels, int count, double u, double v, double lastU, double lastV) {
         const double stepU = count > 1 ? (lastU - u) / (count - 1) : 0.0;
         const double stepV = count > 1 ? (lastV - v) / (count - 1) : 0.0;
-        if (!isInner(u, v) || !isInner(lastU, lastV)) {
+        const bool inner = isInner(u, v) && isInner(lastU, lastV);
+        if (!inner) {
             for (int i = 0; i < count; ++i)
                 draw(pixels[i], texelAt(u + stepU * i, v + stepV * i));
             return;
         }
         // Nearly all runs: no rim to be looked after, so that whole numbers will do.
         constexpr double kOne = 65536;
-        int fixedU = int((u - 0.5) * kOne), fixedV = int((v - 0.5) * kOne);
-        const int fixedStepU = int(stepU * kOne), fixedStepV = int(stepV * kOne);
+        int fixedU = int((u - 0.5) * kOne);
+        int fixedV = int((v - 0.5) * kOne);
+        const int fixedStepU = int(stepU * kOne);
+        const int fixedStepV = int(stepV * kOne);
         const quint32* const origin = texels_ + part_.y() * textureStride_ + part_.x();
         for (int i = 0; i < count; ++i, fixedU += fixedStepU, fixedV += fixedStepV) {
             const quint32* const texel = origin + (fixedV >> 16) * textureStride_ + (fixedU >> 16);
@@ -147,13 +154,18 @@ private:
 
     /// Bilinear; the part's rim reaches one texel further than the part.
     [[nodiscard]] quint32 texelAt(double u, double v) const {
-        if (!(u >= -1 && v >= -1 && u <= part_.width() + 1 && v <= part_.height() + 1))
+        // False for a coordinate that is no number, too.
+        const bool near = u >= -1 && v >= -1 && u <= part_.width() + 1 && v <= part_.height() + 1;
+        if (!near)
             return 0;
-        const int right = part_.width() - 1, bottom = part_.height() - 1;
+        const int right = part_.width() - 1;
+        const int bottom = part_.height() - 1;
         const int fixedU = std::clamp(int(u * 256) - 128, 0, right * 256);
         const int fixedV = std::clamp(int(v * 256) - 128, 0, bottom * 256);
-        const int x0 = fixedU >> 8, y0 = fixedV >> 8;
-        const int x1 = std::min(x0 + 1, right), y1 = std::min(y0 + 1, bottom);
+        const int x0 = fixedU >> 8;
+        const int y0 = fixedV >> 8;
+        const int x1 = std::min(x0 + 1, right);
+        const int y1 = std::min(y0 + 1, bottom);
         const quint32* const upper = texels_ + (part_.y() + y0) * textureStride_ + part_.x();
         const quint32* const lower = texels_ + (part_.y() + y1) * textureStride_ + part_.x();
         return blend(upper[x0], upper[x1], lower[x0], lower[x1], quint32(fixedU & 255),
@@ -172,7 +184,8 @@ private:
 /// Fills the cell below and to the right of a vertex of a mesh.
 template <typename VertexAt>
 void fillCell(TriangleFiller& filler, VertexAt vertexAt, int row, int column) {
-    const Vertex topLeft = vertexAt(row, column), topRight = vertexAt(row, column + 1);
+    const Vertex topLeft = vertexAt(row, column);
+    const Vertex topRight = vertexAt(row, column + 1);
     const Vertex bottomLeft = vertexAt(row + 1, column);
     const Vertex bottomRight = vertexAt(row + 1, column + 1);
     filler.fill(topLeft, topRight, bottomRight);
@@ -200,7 +213,14 @@ QImage WarpRasterizer::halved(const QImage& image) {
 }
 
 int WarpRasterizer::steps(int patches) {
-    return patches * (patches <= 1 ? 14 : patches <= 3 ? 8 : patches <= 8 ? 4 : 2);
+    int perPatch = 2;
+    if (patches <= 1)
+        perPatch = 14;
+    else if (patches <= 3)
+        perPatch = 8;
+    else if (patches <= 8)
+        perPatch = 4;
+    return patches * perPatch;
 }
 
 void WarpRasterizer::draw(QImage& target, const QImage& picture, const QRectF& part,
@@ -229,8 +249,10 @@ void WarpRasterizer::draw(QImage& target, const QImage& picture, const QRectF& p
 
     const int columns = steps(std::max(xy.patchColumns(), uv.patchColumns()));
     const int rows = steps(std::max(xy.patchRows(), uv.patchRows()));
-    const std::vector<double> s = evenParameters(columns), t = evenParameters(rows);
-    const std::vector<QPointF> places = xy.sample(s, t), coordinates = uv.sample(s, t);
+    const std::vector<double> s = evenParameters(columns);
+    const std::vector<double> t = evenParameters(rows);
+    const std::vector<QPointF> places = xy.sample(s, t);
+    const std::vector<QPointF> coordinates = uv.sample(s, t);
     const auto vertexAt = [&](int row, int column) {
         const std::size_t index = std::size_t(row) * s.size() + std::size_t(column);
         const QPointF place = toTarget.map(places[index]);
