@@ -113,17 +113,22 @@ void MeshPointerArea::mouseUngrabEvent() {
 
 void MeshPointerArea::touchEvent(QTouchEvent* event) {
     event->accept();
+    if (event->type() == QEvent::TouchBegin)
+        fingers_.clear();
     if (event->type() == QEvent::TouchCancel) {
+        fingers_.clear();
         endGesture();
         return;
     }
-    QList<QPointF> down;
     bool pressed = false;
     for (const QEventPoint& point : event->points()) {
-        if (point.state() != QEventPoint::Released)
-            down.append(point.position());
+        if (point.state() == QEventPoint::Released)
+            fingers_.remove(point.id());
+        else if (point.state() != QEventPoint::Stationary || !fingers_.contains(point.id()))
+            fingers_.insert(point.id(), point.position());
         pressed = pressed || point.state() == QEventPoint::Pressed;
     }
+    const QList<QPointF> down = fingers_.values();
     if (down.isEmpty()) {
         if (gesture_ == Gesture::Undecided && candidate_ >= 0) // a tap
             holdPoint(candidate_, touchStart_, candidateControl_);
@@ -133,10 +138,9 @@ void MeshPointerArea::touchEvent(QTouchEvent* event) {
             beginTouch(down.first(), event->modifiers().testFlag(Qt::ControlModifier));
         else
             continueTouch(down.first());
-    } else if (pressed || gesture_ != Gesture::Pinch) {
-        if (pressed)
-            beginPinch(down.at(0), down.at(1));
-    } else {
+    } else if (pressed) {
+        beginPinch(down.at(0), down.at(1));
+    } else if (gesture_ == Gesture::Pinch) {
         continuePinch(down.at(0), down.at(1));
     }
 }

@@ -4,6 +4,7 @@
 
 #include <QBasicTimer>
 #include <QElapsedTimer>
+#include <QMap>
 #include <QPointer>
 #include <QQuickItem>
 
@@ -85,6 +86,8 @@ private:
     QPointF lastPosition_;   // of the pointer, or between two fingers
     double lastSpan_ = 0;    // between two fingers
     int notchRemainder_ = 0; // of the wheel, in eighths of a degree
+
+    QMap<int, QPointF> fingers_; // that are down, by their ids
 
     // A finger that has not decided yet.
     int candidate_ = -1;

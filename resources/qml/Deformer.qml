@@ -59,12 +59,15 @@ Item {
             DeformerActions.unselectAllPoints(scene);
     }
 
+    // A deformer that is hidden takes no orders: nobody would see what they do.
     function manageKeyEvent(event) {
-        DeformerActions.manageKeyEvent(scene, event);
+        if (visible)
+            DeformerActions.manageKeyEvent(scene, event);
     }
 
     function manageAction(action) {
-        DeformerActions.manageAction(scene, action);
+        if (visible)
+            DeformerActions.manageAction(scene, action);
     }
 
     DeformerGrid {

@@ -1,8 +1,15 @@
 #include "tests/scene/SceneUnderTest.h"
 #include "tests/support/MessageGuard.h"
 
+#include "app/EventDispatcher.h"
+#include "network/DeformationModeEvent.h"
+#include "network/MediaDeformationModeEvent.h"
 #include "network/ScreenMovePointEvent.h"
+#include "network/ScreenPartDeformationModeEvent.h"
+#include "network/ScreenPartMovePointEvent.h"
 
+#include <QRandomGenerator>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <optional>
@@ -10,10 +17,19 @@
 using namespace NetworkCompanion;
 using MeshpadTest::SceneUnderTest;
 
+namespace {
+constexpr auto kAlt = Qt::AltModifier;
+constexpr auto kShift = Qt::ShiftModifier;
+constexpr auto kCtrl = Qt::ControlModifier;
+} // namespace
+
+/// The editor on the real bridge, used with real events; what it tells the Producer is read on the
+/// wire.
 class SceneTest : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase() { finger_ = QTest::createTouchDevice(); }
     void init() {
         messages_.emplace();
         scene_.emplace();
@@ -24,25 +40,145 @@ private slots:
         messages_.reset();
     }
 
+    void meshesOfEachDeformation();
+    void pressesSelect();
     void dragMovesSelection();
+    void dragIsCoalesced();
+    void keysMove_data();
+    void keysMove();
+    void keysSelect();
+    void keysForTheRestOfTheProgram();
+    void turnedView();
+    void zoneLocker();
+    void moveLocker();
+    void editingUv();
+    void mirrorsFlipsAndCopies();
+    void controller();
+    void incomingMoves();
+    void configurationDialog();
+    void rotationDialog();
+    void view();
+    void fingers();
+    void simpleMode();
+    void updatesWhileEdited();
+    void itemGoesWhileDragged_data();
+    void itemGoesWhileDragged();
+    void nothingIsLostInAnyGesture();
 
 private:
+    /// The button of the type; where there are several, the one with the id.
+    QQuickItem* button(const QString& type, int id = 0) const;
+    void pressButton(const QString& type, int id) const;
+    void pressItem(QQuickItem* item) const;
+    void compareWithProducer(bool xy);
+
     std::optional<MeshpadTest::MessageGuard> messages_;
     std::optional<SceneUnderTest> scene_;
+    QPointingDevice* finger_ = nullptr;
 };
+
+QQuickItem* SceneTest::button(const QString& type, int id) const {
+    QList<QQuickItem*> items{scene_->root()};
+    while (!items.isEmpty()) {
+        QQuickItem* item = items.takeLast();
+        if (item->property("type") == type && item->property("buttonId").toInt() == id)
+            return item;
+        items += item->childItems();
+    }
+    return nullptr;
+}
+
+void SceneTest::pressItem(QQuickItem* item) const {
+    QVERIFY(item && item->isVisible());
+    scene_->click(item->mapToScene(QRectF(QPointF(), item->size()).center()).toPoint());
+}
+
+void SceneTest::pressButton(const QString& type, int id) const {
+    if (type == "selectWarpToolButton" || type == "deformWarpToolButton")
+        scene_->evaluate(
+            QString("toolTabs.currentTab = %1").arg(type.startsWith("select") ? 0 : 1));
+    pressItem(button(type, id));
+}
+
+void SceneTest::compareWithProducer(bool xy) {
+    scene_->settle();
+    const auto told = scene_->told(xy);
+    const auto held = scene_->held(xy);
+    for (auto point = told.cbegin(); point != told.cend(); ++point) {
+        const SceneUnderTest::Told& mine = held[point.key()];
+        QVERIFY2(point->x == mine.x && point->y == mine.y && point->selected == mine.selected,
+                 qPrintable(QString("point %1: (%2, %3) %4 was told, (%5, %6) %7 is held")
+                                .arg(point.key())
+                                .arg(point->x, 0, 'g', 17)
+                                .arg(point->y, 0, 'g', 17)
+                                .arg(point->selected)
+                                .arg(mine.x, 0, 'g', 17)
+                                .arg(mine.y, 0, 'g', 17)
+                                .arg(mine.selected)));
+    }
+}
+
+void SceneTest::meshesOfEachDeformation() {
+    SceneUnderTest& s = *scene_;
+    const auto size = [&s] {
+        return std::pair(s.grid()->pointCount(),
+                         s.integer("getCurrentItem().deformerGrids[1].linesArray.length"));
+    };
+    s.selectScreen(1, 2, 2);
+    QCOMPARE(size(), std::pair(4, 4));
+    QCOMPARE(s.position(3), QPointF(1920, 1080));
+    s.deformScreen(3, 3, 4);
+    QCOMPARE(size(), std::pair(12, 17));
+    QCOMPARE(s.position(6), QPointF(1280, 540));
+    s.deformScreen(2, 4, 4);
+    QCOMPARE(size(), std::pair(16, 12));
+    s.key(Qt::Key_A, kCtrl);
+    QCOMPARE(s.currentPoint(), 15);
+
+    messages_->expect(QtWarningMsg,
+                      "updateDeformationMode: Unusable grid of 65 rows and 3 columns");
+    s.deformScreen(3, 65, 3);
+    messages_->expect(QtDebugMsg, "updateDeformationMode: Undefined mode");
+    s.deformScreen(4, 3, 3);
+    QCOMPARE(size(), std::pair(16, 12)); // neither was taken
+    QCOMPARE(s.currentPoint(), 15);
+    s.deformScreen(0, 2, 2);
+    QCOMPARE(size(), std::pair(0, 0));
+    QCOMPARE(s.string("currentPointText.text"), "Current point: --     X: -- px     Y: -- px");
+}
+
+void SceneTest::pressesSelect() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen(3, 4, 4);
+    s.click(s.onScreen(5));
+    QCOMPARE(s.state(5), "CURRENT");
+    QCOMPARE(s.string("currentPointText.text"),
+             "Current point: 5     X: 640.00 px     Y: 360.00 px");
+    s.click(s.onScreen(6), kCtrl);
+    s.click(s.onScreen(10), kCtrl);
+    s.click(s.onScreen(6), kCtrl); // adds once more, never takes away
+    QCOMPARE(s.selectedPoints(), (QList{5, 6, 10}));
+    QCOMPARE(s.currentPoint(), 6);
+    s.click(s.onScreen(5)); // one of the selected becomes current, the others stay
+    QCOMPARE(s.selectedPoints(), (QList{5, 6, 10}));
+    QCOMPARE(s.state(6), "SELECTED");
+    QCOMPARE(s.integer("getCurrentItem().deformerGrids[0].lastSelectedPointId"), 6);
+    s.click(s.onScreen(0));
+    QCOMPARE(s.selectedPoints(), QList{0});
+    compareWithProducer(true);
+    QVERIFY(!s.told(true)[10].selected);
+
+    // The current point lies on top of a later one in the same place.
+    s.evaluate("updatePoint(0, 1, getCurrentItem().deformerGrids[0].pointsArray[0].x, 0)");
+    s.click(s.onScreen(0));
+    QCOMPARE(s.currentPoint(), 0);
+}
 
 void SceneTest::dragMovesSelection() {
     SceneUnderTest& s = *scene_;
     s.selectScreen();
-    QCOMPARE(s.grid()->pointCount(), 9);
-    QCOMPARE(s.position(4), QPointF(960, 540));
-
     s.click(s.onScreen(0));
-    QCOMPARE(s.state(0), "CURRENT");
-    s.click(s.onScreen(4), Qt::ControlModifier);
-    QCOMPARE(s.selectedPoints(), (QList{0, 4}));
-    QCOMPARE(s.currentPoint(), 4);
-
+    s.click(s.onScreen(4), kCtrl);
     const double zoom = s.evaluate("mediaScaleFactor").toDouble();
     const QPoint start = s.onScreen(4);
     s.press(start);
@@ -50,13 +186,611 @@ void SceneTest::dragMovesSelection() {
     s.move(start + QPoint(20, 10));
     QCOMPARE(s.position(4), QPointF(960 + 20 / zoom, 540 + 10 / zoom));
     QCOMPARE(s.position(0), QPointF(20 / zoom, 10 / zoom));
-    s.release(start + QPoint(20, 10));
+
+    // A selection that changes under the pointer does not run away with it.
+    s.key(Qt::Key_Escape);
+    s.move(start + QPoint(60, 60));
+    QCOMPARE(s.position(4), QPointF(960 + 20 / zoom, 540 + 10 / zoom));
+    s.release(start + QPoint(60, 60));
     QVERIFY(!s.evaluate("isMovingPoint").toBool());
-    s.key(Qt::Key_Right);
-    QCOMPARE(s.position(4).x(), 961 + 20 / zoom);
+    compareWithProducer(true);
+}
+
+void SceneTest::dragIsCoalesced() {
+    SceneUnderTest& s = *scene_;
+    s.selectPart();
     s.settle();
-    QCOMPARE(s.told(true)[4].x, s.held(true)[4].x);
-    QVERIFY(s.told(true)[4].selected);
+    s.producer.forget();
+    const QPoint start = s.onScreen(4);
+    s.press(start);
+    for (int step = 1; step <= 30; ++step)
+        s.move(start + QPoint(step, 0));
+    s.release(start + QPoint(30, 0));
+    s.key(Qt::Key_Down); // at once, and after what the drag still had to tell
+    s.settle();
+    const auto moves = s.producer.eventsOf<ScreenPartMovePointEvent>();
+    QVERIFY2(moves.size() >= 3 && moves.size() < 8, qPrintable(QString::number(moves.size())));
+    QCOMPARE(moves.back()->y(), 1.0);
+    QCOMPARE(moves.back()->x(), s.held(true)[4].x);
+    QCOMPARE(moves.back()->name(), QString());
+    QCOMPARE(int(moves.back()->screenPartId()), SceneUnderTest::kPart);
+}
+
+void SceneTest::keysMove_data() {
+    QTest::addColumn<int>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<QPointF>("delta");
+    QTest::newRow("left") << int(Qt::Key_Left) << Qt::KeyboardModifiers() << QPointF(-1, 0);
+    QTest::newRow("fine up") << int(Qt::Key_Up) << Qt::KeyboardModifiers(kShift)
+                             << QPointF(0, -0.2);
+    QTest::newRow("coarse right") << int(Qt::Key_Right) << Qt::KeyboardModifiers(kCtrl)
+                                  << QPointF(10, 0);
+    QTest::newRow("any other") << int(Qt::Key_Down) << (kCtrl | kShift) << QPointF(0, 1);
+}
+
+void SceneTest::keysMove() {
+    QFETCH(int, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(QPointF, delta);
+    SceneUnderTest& s = *scene_;
+    s.selectMedia();
+    s.click(s.onScreen(4));
+    s.click(s.onScreen(8), kCtrl);
+    s.key(Qt::Key(key), modifiers);
+    QCOMPARE(s.position(4), QPointF(500, 300) + delta);
+    QCOMPARE(s.position(8), QPointF(1000, 600) + delta);
+    QCOMPARE(s.position(0), QPointF());
+
+    // A key that is held moves on in ticks until it is released.
+    QKeyEvent held(QEvent::KeyPress, key, modifiers, QString(), true);
+    QCoreApplication::sendEvent(s.view, &held);
+    QVERIFY(s.evaluate("isMovingPoint").toBool());
+    QTest::keyRelease(s.view, Qt::Key(key), modifiers);
+    QVERIFY(!s.evaluate("isMovingPoint").toBool());
+    QCOMPARE(s.position(4), QPointF(500, 300) + 2 * delta);
+    compareWithProducer(true);
+    QCOMPARE(s.told(true)[4].x, 2 * delta.x());
+}
+
+void SceneTest::keysSelect() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen(3, 4, 5);
+    s.key(Qt::Key_Right); // nothing is current: nothing moves, nothing is selected
+    QCOMPARE(s.selectedPoints(), QList<int>());
+    s.key(Qt::Key_Down, kAlt);
+    QCOMPARE(s.selectedPoints(), QList{0});
+    s.key(Qt::Key_Right, kAlt);
+    s.key(Qt::Key_Down, kAlt);
+    QCOMPARE(s.selectedPoints(), QList{6});
+    s.key(Qt::Key_Right, kAlt | kShift);
+    QCOMPARE(s.selectedPoints(), (QList{6, 7}));
+    s.key(Qt::Key_Up, kCtrl | kAlt);
+    QCOMPARE(s.selectedPoints(), (QList{2, 6, 7, 12, 17}));
+    QCOMPARE(s.currentPoint(), 17);
+    s.key(Qt::Key_Down, kAlt); // the last row
+    QCOMPARE(s.currentPoint(), 17);
+    s.key(Qt::Key_Up, kCtrl | kShift | kAlt);
+    QCOMPARE(s.selectedPoints(), (QList{2, 6, 7, 10, 11, 12, 13, 14, 17}));
+    s.key(Qt::Key_Right, kAlt); // the end of a row
+    QCOMPARE(s.currentPoint(), 14);
+    s.key(Qt::Key_Escape);
+    QCOMPARE(s.selectedPoints(), QList<int>());
+    s.key(Qt::Key_A, kCtrl);
+    QCOMPARE(s.selectedPoints().size(), 20);
+    QCOMPARE(s.currentPoint(), 19);
+    compareWithProducer(true);
+}
+
+void SceneTest::keysForTheRestOfTheProgram() {
+    SceneUnderTest& s = *scene_;
+    QList<int> keys;
+    connect(s.canvas.get(), &Canvas::keyEvent, this, [&keys](QKeyEvent* event) {
+        QCOMPARE(event->type(), QEvent::KeyPress);
+        keys.append(event->key());
+    });
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_P, Qt::Key_M, Qt::Key_T})
+        s.key(key);
+    QCOMPARE(keys, (QList<int>{Qt::Key_Space, Qt::Key_P, Qt::Key_M}));
+}
+
+void SceneTest::turnedView() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen(3, 3, 4);
+    s.key(Qt::Key_R);
+    QCOMPARE(s.integer("rotationDialog.selectedView"), 1);
+    QCOMPARE(s.grid()->point(5)->viewingRotation(), -90.0);
+    s.click(s.onScreen(5));
+    const QPoint before = s.onScreen(5);
+    s.key(Qt::Key_Up, kCtrl);
+    QCOMPARE(s.position(5), QPointF(640 - 10, 540)); // along the item's own x axis
+    QVERIFY(s.onScreen(5).y() < before.y() && s.onScreen(5).x() == before.x());
+    s.key(Qt::Key_Up, kAlt);
+    QCOMPARE(s.currentPoint(), 4);
+    s.key(Qt::Key_Left, kCtrl | kAlt); // what is a row on the screen
+    QCOMPARE(s.selectedPoints(), (QList{0, 4, 8}));
+    s.click(s.onScreen(5));
+    const QPoint start = s.onScreen(5);
+    s.press(start);
+    s.move(start + QPoint(0, 30));
+    s.release(start + QPoint(0, 30));
+    QCOMPARE(s.onScreen(5), start + QPoint(0, 30));
+
+    s.key(Qt::Key_R, kCtrl);
+    s.key(Qt::Key_R, kCtrl);
+    QCOMPARE(s.evaluate("getCurrentItem().viewingRotation").toInt(), -90);
+    QCOMPARE(s.integer("rotationDialog.selectedView"), 3);
+    s.selectMedia(); // the workspace stays turned
+    QCOMPARE(s.evaluate("getCurrentItem().viewingRotation").toInt(), 270);
+    QCOMPARE(s.grid()->point(0)->viewingRotation(), -270.0);
+}
+
+void SceneTest::zoneLocker() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen(3, 4, 4);
+    pressButton("warpToolBarButton", 0);
+    QVERIFY(s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
+    s.click(s.onScreen(5));
+    s.click(s.onScreen(6), kCtrl);
+    const QPoint start = s.onScreen(6);
+    s.press(start);
+    s.move(start - QPoint(900, 500));
+    QCOMPARE(s.position(5), QPointF(0, 0));
+    QCOMPARE(s.position(6), QPointF(640, 0));
+    s.move(start + QPoint(900, 0));
+    QCOMPARE(s.position(6).x(), 1920.0);
+    QCOMPARE(s.position(5).x(), 1280.0);
+    s.release(start + QPoint(900, 0));
+    for (int i = 0; i < 3; ++i)
+        s.key(Qt::Key_Right, kCtrl);
+    QCOMPARE(s.position(6).x(), 1920.0);
+    s.canvas->onLeftAxisMoved(1, 0);
+    s.canvas->onLeftAxisMoved(0, 0);
+    QCOMPARE(s.position(6).x(), 1920.0);
+    compareWithProducer(true);
+
+    s.selectMedia(); // another item: released
+    QVERIFY(!s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
+    s.selectScreen(3, 4, 4);
+    s.press(s.onScreen(0));
+    s.move(s.onScreen(0) - QPoint(30, 30));
+    QVERIFY(s.position(0).x() < 0);
+    s.release({});
+}
+
+void SceneTest::moveLocker() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen();
+    const QPoint start = s.onScreen(4);
+    const double x = s.evaluate("canvasMedia.x").toDouble();
+    pressButton("warpToolBarButton", 1);
+    s.press(start);
+    s.move(start + QPoint(40, 0));
+    s.release(start + QPoint(40, 0));
+    QCOMPARE(s.position(4), QPointF(960, 540));
+    QCOMPARE(s.selectedPoints(), QList<int>());
+    QVERIFY(s.evaluate("canvasMedia.x").toDouble() > x); // the canvas was dragged instead
+    pressButton("warpToolBarButton", 1);
+    s.click(s.onScreen(4));
+    QCOMPARE(s.selectedPoints(), QList{4});
+}
+
+void SceneTest::editingUv() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen();
+    QVERIFY(!s.evaluate("warpToolBar.mapButtonEnabled").toBool());
+    s.canvas->onAction(Action::TOGGLE_EDIT_UV);
+    QVERIFY(s.evaluate("isCurrentGridXy").toBool());
+
+    s.selectTexture();
+    s.canvas->onAction(Action::TOGGLE_EDIT_UV);
+    QVERIFY(s.evaluate("warpToolBar.mapButtonPushed").toBool());
+    QVERIFY(s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
+    pressButton("warpToolBarButton", 0); // texture coordinates of a texture stay locked
+    QVERIFY(s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
+    s.press(s.onScreen(0));
+    s.move(s.onScreen(0) + QPoint(80, -80));
+    s.release(s.onScreen(0));
+    QCOMPARE(s.position(0).y(), 0.0);
+    compareWithProducer(false);
+    QVERIFY(s.told(false)[0].x > 0 && s.told(false)[0].x < 1);
+    QVERIFY(s.told(true).isEmpty());
+
+    s.selectMedia(); // still texture coordinates, now free
+    QVERIFY(!s.evaluate("isCurrentGridXy").toBool());
+    QVERIFY(!s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
+    pressButton("warpToolBarButton", 3);
+    QVERIFY(s.evaluate("isCurrentGridXy").toBool());
+    QVERIFY(s.grid()->isVisible());
+    s.canvas->onAction(Action::TOGGLE_EDIT_UV);
+    s.selectScreen();
+    QVERIFY(s.evaluate("isCurrentGridXy && !warpToolBar.mapButtonPushed").toBool());
+}
+
+void SceneTest::mirrorsFlipsAndCopies() {
+    SceneUnderTest& s = *scene_;
+    s.selectMedia(3, 3, 3);
+    s.evaluate("updatePoint(0, 3, 100, 250)");
+    pressButton("deformWarpToolButton", 1);
+    QCOMPARE(s.position(5), QPointF(900, 250));
+    QCOMPARE(s.position(3), QPointF(0, 300));
+    pressButton("deformWarpToolButton", 4);
+    QCOMPARE(s.position(5), QPointF(900, 350));
+    QCOMPARE(s.position(0), QPointF(0, 600));
+    pressButton("deformWarpToolButton", 6); // to the texture coordinates
+    compareWithProducer(true);
+    compareWithProducer(false);
+    QCOMPARE(s.told(false)[5].x, 0.9);
+    s.producer.forget();
+    pressButton("deformWarpToolButton", 0);
+    s.settle();
+    QCOMPARE(int(s.producer.events().size()), 1); // nothing but the mark
+
+    s.selectScreen();
+    s.settle();
+    s.producer.forget();
+    s.canvas->onAction(Action::UV_TO_XY); // not for screens
+    s.settle();
+    QCOMPARE(int(s.producer.events().size()), 1);
+}
+
+void SceneTest::controller() {
+    SceneUnderTest& s = *scene_;
+    s.canvas->onLeftAxisMoved(1, 1); // no item: nothing
+    s.canvas->onAction(Action::SELECT_ALL_POINTS);
+    s.selectScreen(3, 3, 3);
+    s.canvas->onAction(Action::SELECT_NEIGHBOUR_TOP);
+    QCOMPARE(s.selectedPoints(), QList{0});
+    s.canvas->onAction(Action::SELECT_ADD_NEIGHBOUR_BOTTOM);
+    s.canvas->onAction(Action::SELECT_ADD_CURRENT_ROW);
+    QCOMPARE(s.selectedPoints(), (QList{0, 3, 4, 5}));
+    s.canvas->onAction(Action::TOGGLE_BLIND);
+
+    const double zoom = s.evaluate("mediaScaleFactor").toDouble();
+    s.canvas->onLeftAxisMoved(0.5F, 0);
+    QVERIFY(s.evaluate("isMovingPoint").toBool());
+    QCOMPARE(s.position(5).x(), 1920 + 0.5 * 0.5 / zoom);
+    s.canvas->onLeftAxisMoved(0, 0);
+    QVERIFY(!s.evaluate("isMovingPoint").toBool());
+    const double x = s.evaluate("canvasMedia.x").toDouble();
+    s.canvas->onRightAxisMoved(1, 0);
+    QCOMPARE(s.evaluate("canvasMedia.x").toDouble(), x - 2 / zoom);
+    s.canvas->onPressure(1);
+    QCOMPARE(s.evaluate("mediaScaleFactor").toDouble(), zoom - 0.01);
+    s.canvas->onAction(Action::UNSELECT_ALL_POINTS);
+    QCOMPARE(s.selectedPoints(), QList<int>());
+    compareWithProducer(true);
+}
+
+void SceneTest::incomingMoves() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen(3, 3, 3);
+    s.settle();
+    s.producer.forget();
+    const auto send = [&s](unsigned int point, double x, double y, bool xy) {
+        s.producer.send(
+            ScreenMovePointEvent(SceneUnderTest::kScreen, 100, "Screen", point, x, y, 0, xy, true));
+    };
+    s.click(s.onScreen(4));
+    s.press(s.onScreen(4));
+    send(4, 5, 5, true);
+    send(0, -900, -500.25, true);
+    send(1, 0.25, 0.5, false);
+    send(4'000'000'000U, 1, 1, true);
+    send(99, 1, 1, true);
+    QTRY_COMPARE(s.position(0), QPointF(60, 39.75));
+    QCOMPARE(s.position(4), QPointF(960, 540)); // the operator has it
+    QCOMPARE(s.evaluate("getCurrentItem().deformerGrids[1].pointsArray[1].x").toDouble(), 480.0);
+    s.release(s.onScreen(4));
+    send(4, 5, 5, true);
+    QTRY_COMPARE(s.position(4), QPointF(965, 545));
+    QCOMPARE(s.string("currentPointText.text"),
+             "Current point: 4     X: 965.00 px     Y: 545.00 px");
+    QCOMPARE(s.selectedPoints(), QList{4});
+    s.settle();
+    for (const auto* move : s.producer.eventsOf<ScreenMovePointEvent>())
+        QVERIFY(move->pointId() == 4 && move->x() == 0); // nothing that came in went out again
+}
+
+void SceneTest::configurationDialog() {
+    SceneUnderTest& s = *scene_;
+    s.selectMedia(2, 7, 10);
+    pressButton("warpToolBarButton", 2);
+    QVERIFY(s.evaluate("deformationDialog.visible").toBool());
+    QCOMPARE(s.string("deformationDialog.curve"), "Bezier");
+    QCOMPARE(s.integer("deformationDialog.columns"), 4);
+    QCOMPARE(s.integer("deformationDialog.rows"), 3);
+    const QPointF before = s.position(0);
+    s.key(Qt::Key_A, kCtrl); // out of reach
+    QCOMPARE(s.selectedPoints(), QList<int>());
+    s.key(Qt::Key_Down); // the next type of curve
+    QCOMPARE(s.string("deformationDialog.curve"), "Curve");
+    s.evaluate("deformationDialog.resetXY = true");
+    s.key(Qt::Key_Return);
+    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+    QCOMPARE(s.integer("deformationDialog.mode"), -1);
+    QCOMPARE(s.position(0), before);
+    s.settle();
+    auto modes = s.producer.eventsOf<MediaDeformationModeEvent>();
+    QCOMPARE(int(modes.size()), 1);
+    QCOMPARE(modes[0]->deformationType(), LV_NTC_DeformationType::Curve);
+    QCOMPARE(int(modes[0]->rows()), 3);
+    QCOMPARE(int(modes[0]->columns()), 4);
+    QVERIFY(modes[0]->reset());
+
+    // By pointer: "None" for a part, which cannot be without; the check box is clear again.
+    s.selectPart(3, 16, 16);
+    pressButton("warpToolBarButton", 2);
+    QVERIFY(!s.evaluate("deformationDialog.resetXY").toBool());
+    QCOMPARE(s.integer("deformationDialog.rows"), 16);
+    for (int i = 0; i < 3; ++i)
+        s.key(Qt::Key_Up);
+    pressItem(button("confirmButton"));
+    s.settle();
+    const auto parts = s.producer.eventsOf<ScreenPartDeformationModeEvent>();
+    QCOMPARE(int(parts.size()), 1);
+    QCOMPARE(parts[0]->deformationType(), LV_NTC_DeformationType::Keystone);
+
+    pressButton("warpToolBarButton", 2);
+    s.key(Qt::Key_Escape);
+    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+    s.key(Qt::Key_A, kCtrl); // the canvas has the keyboard again
+    QCOMPARE(s.selectedPoints().size(), 256);
+}
+
+void SceneTest::rotationDialog() {
+    SceneUnderTest& s = *scene_;
+    pressButton("canvasButton", 1); // no item
+    QVERIFY(!s.evaluate("rotationDialog.visible").toBool());
+    s.selectScreen();
+    pressButton("canvasButton", 1);
+    pressButton("rotationButton", 2);
+    QVERIFY(!s.evaluate("rotationDialog.visible").toBool());
+    QCOMPARE(s.integer("getCurrentItem().viewingRotation"), 180);
+    pressButton("canvasButton", 1);
+    s.selectNothing();
+    QVERIFY(!s.evaluate("rotationDialog.visible").toBool());
+}
+
+void SceneTest::view() {
+    SceneUnderTest& s = *scene_;
+    s.wheel(1); // no item
+    QCOMPARE(s.evaluate("mediaScaleFactor").toDouble(), 0.1);
+    s.selectScreen();
+    const double zoom = std::min(1060 / 1920.0, 610 / 1080.0) / 2.5;
+    QCOMPARE(s.evaluate("mediaScaleFactor").toDouble(), zoom);
+    QCOMPARE(s.onScreen(4), QPoint(530, 305));
+    s.wheel(2);
+    s.wheel(-1);
+    QCOMPARE(s.evaluate("mediaScaleFactor").toDouble(), zoom + 0.05);
+    s.wheel(-20);
+    QCOMPARE(s.evaluate("mediaScaleFactor").toDouble(), 0.1);
+    s.wheel(2);
+
+    s.press({600, 60});
+    s.move({620, 90});
+    s.release({620, 90});
+    QCOMPARE(s.onScreen(4), QPoint(550, 335));
+    s.canvas->resize(1260, 710);
+    QTRY_COMPARE(s.root()->size(), QSizeF(1260, 710));
+    QCOMPARE(s.onScreen(4), QPoint(650, 385)); // what was in the middle still is
+    pressButton("canvasButton", 0);
+    QCOMPARE(s.onScreen(4), QPoint(630, 355));
+
+    messages_->expect(QtDebugMsg,
+                      "Do NOT override the position of a WarpItem! Move the canvas.canvasMedia "
+                      "object instead!");
+    s.evaluate("getCurrentItem().x = 5");
+    QCOMPARE(s.integer("getCurrentItem().x"), 0);
+    s.selectNothing();
+    QVERIFY(!s.evaluate("zoomSlider.enabled").toBool());
+}
+
+void SceneTest::fingers() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen();
+    const QPoint centre = s.onScreen(4);
+    const auto touch = [this] { return QTest::touchEvent(scene_->view, finger_); };
+
+    touch().press(0, centre + QPoint(14, 8)); // beside the circle, within reach
+    touch().move(0, centre + QPoint(16, 9));  // a finger trembles
+    QCOMPARE(s.position(4), QPointF(960, 540));
+    touch().release(0, centre + QPoint(16, 9));
+    QCOMPARE(s.selectedPoints(), QList{4});
+    QCOMPARE(s.position(4), QPointF(960, 540));
+
+    touch().press(0, centre);
+    touch().move(0, centre + QPoint(30, 0));
+    QTRY_VERIFY(s.evaluate("isMovingPoint").toBool()); // moves of fingers come with the next frame
+    touch().move(0, centre + QPoint(50, 20));
+    touch().release(0, centre + QPoint(50, 20));
+    QVERIFY(!s.evaluate("isMovingPoint").toBool());
+    QCOMPARE(s.onScreen(4), centre + QPoint(50, 20));
+    compareWithProducer(true);
+
+    // Two fingers, the first of them on another point: neither selection nor points change.
+    const QPointF first = s.position(0);
+    const double zoom = s.evaluate("mediaScaleFactor").toDouble();
+    const QPoint corner = s.onScreen(0);
+    s.producer.forget();
+    touch().press(0, corner);
+    touch().stationary(0).press(1, corner + QPoint(100, 0));
+    touch().move(0, corner).move(1, corner + QPoint(200, 0));
+    QTRY_COMPARE(s.evaluate("mediaScaleFactor").toDouble(), 2 * zoom);
+    touch().release(0, corner).release(1, corner + QPoint(200, 0));
+    QCOMPARE(s.position(0), first);
+    QCOMPARE(s.selectedPoints(), QList{4});
+    QVERIFY((s.onScreen(0) - corner).manhattanLength() <= 1); // the fingers keep what they hold
+    s.settle();
+    QCOMPARE(int(s.producer.events().size()), 1);
+
+    // A second finger soon after the first: what that moved is taken back.
+    touch().press(0, s.onScreen(0));
+    touch().move(0, s.onScreen(0) + QPoint(40, 0));
+    QTRY_VERIFY(s.position(0) != first);
+    touch().stationary(0).press(1, QPoint(900, 500));
+    QCOMPARE(s.position(0), first);
+    touch().release(0, corner).release(1, QPoint(900, 500));
+    QVERIFY(!s.evaluate("isMovingPoint").toBool());
+    compareWithProducer(true);
+
+    const double x = s.evaluate("canvasMedia.x").toDouble();
+    touch().press(0, QPoint(600, 30));
+    touch().move(0, QPoint(640, 30));
+    touch().release(0, QPoint(640, 30));
+    QCOMPARE(s.evaluate("canvasMedia.x").toDouble(), x + 40 / (2 * zoom));
+}
+
+void SceneTest::simpleMode() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen();
+    s.click(s.onScreen(4));
+    s.canvas->onScreenMode(SceneUnderTest::kScreen, LV_NTC_ModeType::Simple);
+    QVERIFY(!s.grid()->isVisible());
+    QCOMPARE(s.string("currentPointText.text"), "Current point: --     X: -- px     Y: -- px");
+    s.key(Qt::Key_Left); // what cannot be seen is not moved
+    QCOMPARE(s.position(4), QPointF(960, 540));
+    pressButton("warpToolBarButton", 2);
+    QCOMPARE(s.string("deformationDialog.curve"), "None");
+    s.key(Qt::Key_Escape);
+    s.canvas->onScreenMode(SceneUnderTest::kScreen, LV_NTC_ModeType::Deformation);
+    QVERIFY(s.grid()->isVisible());
+    s.key(Qt::Key_Left);
+    QCOMPARE(s.position(4), QPointF(959, 540));
+}
+
+void SceneTest::updatesWhileEdited() {
+    SceneUnderTest& s = *scene_;
+    s.selectMedia(3, 3, 3);
+    s.canvas->onMediaItemAdded(1, SceneUnderTest::kMediaCue, 5, 50, 50, 90, "Renamed");
+    QCOMPARE(s.integer("getCurrentItem().sourceWidth"),
+             1000); // size and name are those of the first
+    QCOMPARE(s.string("getCurrentItem().name"), "Media");
+    QCOMPARE(s.integer("getCurrentItem().sourceRotation"), 90);
+    s.selectScreen(3, 3, 3);
+    s.canvas->onScreenItemAdded(SceneUnderTest::kScreen, 800, 600, 0, 90, "Renamed");
+    QCOMPARE(s.integer("getCurrentItem().sourceWidth"), 800);
+    QCOMPARE(s.string("getCurrentItem().name"), "Renamed");
+
+    // The mesh is rebuilt under a drag: the drag ends.
+    s.press(s.onScreen(4));
+    s.deformScreen(3, 4, 4);
+    QVERIFY(!s.evaluate("isMovingPoint").toBool());
+    s.move({100, 100});
+    s.release({100, 100});
+    QCOMPARE(s.selectedPoints(), QList<int>());
+    s.settle();
+    messages_->expect(QtDebugMsg, "Unable to remove media item");
+    s.canvas->onRemoveMediaItem(4711);
+}
+
+void SceneTest::itemGoesWhileDragged_data() {
+    QTest::addColumn<int>("how");
+    QTest::newRow("removed") << 0;
+    QTest::newRow("unselected, as when the link is lost") << 1;
+    QTest::newRow("replaced by another item") << 2;
+    QTest::newRow("removed with the dialog open") << 3;
+}
+
+void SceneTest::itemGoesWhileDragged() {
+    QFETCH(int, how);
+    SceneUnderTest& s = *scene_;
+    s.selectMedia(3, 4, 4);
+    s.key(Qt::Key_A, kCtrl);
+    s.press(s.onScreen(5));
+    s.move(s.onScreen(5) + QPoint(20, 0));
+    s.settle();
+    if (how == 3)
+        s.evaluate("deformationDialog.open(3, 4, 4)");
+    s.producer.forget();
+    if (how == 0 || how == 3) {
+        s.canvas->onRemoveMediaItem(SceneUnderTest::kMediaCue);
+        s.canvas->onSelectedItem(nullptr);
+    } else {
+        s.canvas->onSelectedItem(how == 1 ? nullptr : &s.screen);
+    }
+    QVERIFY(!s.evaluate("isMovingPoint").toBool());
+    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+    s.settle();
+    if (how == 0 || how == 3)
+        QCOMPARE(int(s.producer.events().size()), 1); // nothing is told of what is gone
+    s.producer.forget();
+    s.move({300, 300});
+    s.key(Qt::Key_Left);
+    s.canvas->onAction(Action::SELECT_ALL_POINTS);
+    s.release({300, 300});
+    QTest::qWait(0);
+    s.settle();
+    QCOMPARE(int(s.producer.events().size()), 1);
+    if (how != 2)
+        QCOMPARE(s.string("currentPointText.text"), "Current point: --     X: -- px     Y: -- px");
+}
+
+void SceneTest::nothingIsLostInAnyGesture() {
+    SceneUnderTest& s = *scene_;
+    UpdateProducer::tickPeriod = std::chrono::milliseconds(3);
+    QRandomGenerator random(20260217);
+    for (const bool xy : {true, false}) {
+        s.selectMedia(3, 5, 6);
+        s.settle();
+        s.producer.forget();
+        if (!xy)
+            s.canvas->onAction(Action::TOGGLE_EDIT_UV);
+        for (int gesture = 0; gesture < 500; ++gesture) {
+            const int point = random.bounded(30);
+            const auto modifiers = random.bounded(3) == 0 ? kCtrl : Qt::NoModifier;
+            switch (random.bounded(8)) {
+            case 0:
+            case 1:
+            case 2: {
+                QPoint at = s.onScreen(point);
+                s.press(at, modifiers);
+                for (int step = random.bounded(12); step > 0; --step) {
+                    at += QPoint(random.bounded(41) - 20, random.bounded(41) - 20);
+                    s.move(at, modifiers);
+                    if (random.bounded(6) == 0)
+                        QTest::qWait(4); // into a tick
+                }
+                s.release(at, modifiers);
+                break;
+            }
+            case 3:
+                s.key(Qt::Key(Qt::Key_Left + random.bounded(4)),
+                      Qt::KeyboardModifiers::fromInt(random.bounded(8) << 25));
+                break;
+            case 4: {
+                QKeyEvent held(QEvent::KeyPress, Qt::Key_Left + random.bounded(4), Qt::NoModifier,
+                               QString(), true);
+                QCoreApplication::sendEvent(s.view, &held);
+                QTest::keyRelease(s.view, Qt::Key(held.key()));
+                break;
+            }
+            case 5:
+                s.canvas->onLeftAxisMoved(static_cast<float>(random.generateDouble() - 0.5), 0.1F);
+                s.canvas->onLeftAxisMoved(0, 0);
+                break;
+            case 6:
+                pressButton("warpToolBarButton", 0);
+                break;
+            default: {
+                const Action actions[] = {Action::SELECT_ALL_POINTS, Action::UNSELECT_ALL_POINTS,
+                                          Action::H_FLIP, Action::VERTICAL_MIRROR,
+                                          Action::SELECT_ADD_CURRENT_ROW};
+                const Action action = actions[random.bounded(5)];
+                if (action != Action::SELECT_ADD_CURRENT_ROW || s.currentPoint() != -1)
+                    s.canvas->onAction(action);
+                break;
+            }
+            }
+            if (gesture % 50 == 49) {
+                s.evaluate("getCurrentItem().itemDeformer.adjustView()");
+                compareWithProducer(xy);
+            }
+            if (QTest::currentTestFailed())
+                return;
+        }
+        QVERIFY(s.told(xy).size() == 30);
+    }
+    UpdateProducer::tickPeriod = UpdateProducer::kTickPeriod;
 }
 
 QTEST_MAIN(SceneTest)
