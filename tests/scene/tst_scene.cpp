@@ -29,7 +29,8 @@ class SceneTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { finger_ = QTest::createTouchDevice(); }
+    void initTestCase() { finger_.reset(QTest::createTouchDevice()); }
+    void cleanupTestCase() { finger_.reset(); }
     void init() {
         messages_.emplace();
         scene_.emplace();
@@ -74,7 +75,7 @@ private:
 
     std::optional<MeshpadTest::MessageGuard> messages_;
     std::optional<SceneUnderTest> scene_;
-    QPointingDevice* finger_ = nullptr;
+    std::unique_ptr<QPointingDevice> finger_;
 };
 
 QQuickItem* SceneTest::button(const QString& type, int id) const {
@@ -589,7 +590,7 @@ void SceneTest::fingers() {
     SceneUnderTest& s = *scene_;
     s.selectScreen();
     const QPoint centre = s.onScreen(4);
-    const auto touch = [this] { return QTest::touchEvent(scene_->view, finger_); };
+    const auto touch = [this] { return QTest::touchEvent(scene_->view, finger_.get()); };
 
     touch().press(0, centre + QPoint(14, 8)); // beside the circle, within reach
     touch().move(0, centre + QPoint(16, 9));  // a finger trembles
