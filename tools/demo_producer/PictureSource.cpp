@@ -319,6 +319,13 @@ QImage blank(QSize size) {
 
 } // namespace
 
+QImage& PictureSource::still(const QString& name) {
+    constexpr qsizetype kMostStills = 48;
+    if (stills_.size() >= kMostStills && !stills_.contains(name))
+        stills_.clear();
+    return stills_[name];
+}
+
 QImage PictureSource::picture(const ShowItem& item, double seconds) {
     const Generated& generated = generatedFor(item);
     const QSize size =
@@ -327,43 +334,43 @@ QImage PictureSource::picture(const ShowItem& item, double seconds) {
                             .arg(QLatin1String(generated.name))
                             .arg(size.width())
                             .arg(size.height());
-    QImage& still = stills_[key];
-    if (still.isNull()) {
-        still = blank(size);
-        QPainter painter(&still);
+    QImage& image = still(key);
+    if (image.isNull()) {
+        image = blank(size);
+        QPainter painter(&image);
         painter.setRenderHint(QPainter::Antialiasing);
         generated.still(painter, size, 0);
     }
     if (!generated.moving)
-        return still;
-    QImage image = still;
-    QPainter painter(&image);
+        return image;
+    QImage moved = image;
+    QPainter painter(&moved);
     painter.setRenderHint(QPainter::Antialiasing);
     generated.moving(painter, size, seconds);
-    return image;
+    return moved;
 }
 
 QImage PictureSource::pattern(LV_NTC_PictureType pattern, QSize size, double seconds) {
     const auto code = std::size_t(pattern);
     const QString key =
         QStringLiteral("pattern %1 %2x%3").arg(code).arg(size.width()).arg(size.height());
-    QImage& still = stills_[key];
-    if (still.isNull()) {
-        still = blank(size);
-        QPainter painter(&still);
+    QImage& image = still(key);
+    if (image.isNull()) {
+        image = blank(size);
+        QPainter painter(&image);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
         const QImage file(
             QStringLiteral(":/patterns/%1.png").arg(QLatin1String(kPatternFiles[code])));
         if (file.isNull())
             drawPlainPattern(painter, size, pattern);
         else
-            painter.drawImage(still.rect(),
+            painter.drawImage(image.rect(),
                               file.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     }
     const bool byProcessor = pattern == LV_NTC_PictureType::FramerateCpu;
     if (!byProcessor && pattern != LV_NTC_PictureType::FramerateGpu)
-        return still;
-    QImage moving = still;
+        return image;
+    QImage moving = image;
     QPainter painter(&moving);
     drawSweep(painter, size, seconds,
               byProcessor ? QColor(0x00, 0x96, 0xff) : QColor(0x3d, 0xdc, 0x84));

@@ -18,5 +18,9 @@ public:
     QImage pattern(NetworkCompanion::LV_NTC_PictureType pattern, QSize size, double seconds);
 
 private:
+    /// The image of that name: as it was left, or null. What a window of many sizes leaves behind
+    /// is forgotten now and then.
+    QImage& still(const QString& name);
+
     QHash<QString, QImage> stills_;
 };
