@@ -1,5 +1,6 @@
-// How long an operator waits for the window, and what it takes. Each round starts a process of its own, so that
-// loading, static initialisation and the style sheet are in the figure. Needs a display.
+// How long an operator waits for the window, and what it takes. Each round starts a process of its
+// own, so that loading, static initialisation and the style sheet are in the figure. Needs a
+// display.
 
 #include "app/Configuration.h"
 #include "app/GuiCompanion.h"
