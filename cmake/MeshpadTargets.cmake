@@ -17,6 +17,9 @@ if(MESHPAD_SANITIZERS)
     add_compile_options(-fsanitize=${MESHPAD_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${MESHPAD_SANITIZERS})
 endif()
+if(MESHPAD_BUILD_FUZZERS)
+    add_compile_options(-fsanitize=fuzzer-no-link) # what is fuzzed has to tell which paths it took
+endif()
 
 # meshpad_library(<target> SOURCES <file>... [LINK <target>...]): a static library.
 function(meshpad_library target)

@@ -1,0 +1,55 @@
+// Frames: whatever the bytes are, they decode to nothing or to an event that encodes to the same
+// event again, and no byte outside them is read.
+
+#include "network/LVNtc.h"
+
+#include <QByteArray>
+#include <QtEndian>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+using namespace NetworkCompanion;
+
+namespace {
+
+void silent(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+void decode(const std::vector<char>& bytes) {
+    const eventData decoded = LVNtc::read({bytes.data(), qsizetype(bytes.size())});
+    const std::unique_ptr<Event> event(decoded.second);
+    if (!event)
+        return;
+    const LV_NTC_Header header{static_cast<std::uint32_t>(event->getSize()), event->type()};
+    QByteArray frame = LVNtc::serialize(header, *event);
+    const std::unique_ptr<Event> again(LVNtc::deserialize(frame).second);
+    if (!again || !(*again == *event))
+        std::abort();
+    QString line;
+    QDebug(&line) << *event;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    qInstallMessageHandler(silent);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // Vectors of exactly that size, so that the sanitizer sees every read behind the end.
+    const std::vector<char> bytes(data, data + size);
+    decode(bytes);
+    // The same behind an honest header.
+    if (size == 0)
+        return 0;
+    std::vector<char> frame(9 + size - 1);
+    qToBigEndian(qint32(9), frame.data());
+    qToBigEndian(qint32(size - 1), frame.data() + 4);
+    frame[8] = bytes[0];
+    std::memcpy(frame.data() + 9, bytes.data() + 1, size - 1);
+    decode(frame);
+    return 0;
+}

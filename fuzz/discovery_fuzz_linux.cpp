@@ -1,0 +1,72 @@
+// Discovery datagrams: only the exact words have an effect, at a socket of the answering end and,
+// without a socket, at the asking end.
+
+#include "network/NetworkUtils.h"
+
+#include <QCoreApplication>
+#include <QUdpSocket>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <net/if.h>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+using namespace NetworkCompanion;
+
+namespace {
+
+constexpr quint16 kPort = 62330;
+
+void silent(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+/// In a network namespace of its own, where loopback is all there is.
+void leaveTheNetwork() {
+    ifreq request{};
+    std::snprintf(request.ifr_name, sizeof request.ifr_name, "lo");
+    request.ifr_flags = IFF_UP | IFF_RUNNING;
+    const int socket = unshare(CLONE_NEWNET) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0
+                           ? ::socket(AF_INET, SOCK_DGRAM, 0)
+                           : -1;
+    if (socket < 0 || ioctl(socket, SIOCSIFFLAGS, &request) != 0) {
+        std::fprintf(stderr, "needs a network namespace of its own\n");
+        std::exit(1);
+    }
+    close(socket);
+}
+
+struct Ends {
+    NetworkUtils answering{kPort, 62331, true};
+    NetworkUtils asking{62331, kPort, false};
+    QUdpSocket sender;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+    leaveTheNetwork();
+    qInstallMessageHandler(silent);
+    static QCoreApplication application(*argc, *argv);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Ends ends;
+    const QByteArray word(reinterpret_cast<const char*>(data), qsizetype(size));
+
+    ends.answering.getClientsOnNetwork(); // forgets those seen before
+    if (ends.sender.writeDatagram(word, QHostAddress::LocalHost, kPort) == word.size()) {
+        ends.answering.onReadyRead();
+        if (ends.answering.clients().isEmpty() == (word == "GiveClient"))
+            std::abort();
+    }
+    const QHostAddress producer(size == 0 ? 0x0a000001U : 0x0a000000U + data[0]);
+    ends.asking.processDatagram(word, producer);
+    if (ends.asking.getAvailableServers().isEmpty() == (word == "PingReceived"))
+        std::abort();
+    ends.asking.serverHasDisconnected(producer.toString());
+    return 0;
+}
