@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
     // A press that moves at all may start to drag a point.
     QApplication::setStartDragDistance(0);
 
-    QFile styleSheet(QLatin1StringView(ShellLook::kStyleSheetPath));
+    QFile styleSheet{QLatin1StringView(ShellLook::kStyleSheetPath)};
     if (styleSheet.open(QIODevice::ReadOnly | QIODevice::Text)) {
         application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
         styleSheet.close();
