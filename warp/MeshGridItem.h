@@ -6,6 +6,7 @@
 #include "warp/MeshPoint.h"
 
 #include <QQuickItem>
+#include <QtQmlIntegration>
 
 #include <memory>
 #include <vector>
@@ -14,6 +15,7 @@
 /// Points keep their size on the screen at every zoom. Positions are in the item's pixels.
 class MeshGridItem : public QQuickItem {
     Q_OBJECT
+    QML_ELEMENT
     /// Screen pixels that one of the item's pixels takes; above 0.
     Q_PROPERTY(double zoom READ zoom WRITE setZoom NOTIFY zoomChanged)
 

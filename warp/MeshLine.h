@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QtQmlIntegration>
 
 class MeshGridItem;
 
@@ -11,6 +12,7 @@ class MeshGridItem;
 /// direction are computed when somebody asks.
 class MeshLine : public QObject {
     Q_OBJECT
+    QML_ELEMENT
     Q_PROPERTY(MeshPoint* fromPoint READ fromPoint WRITE setFromPoint NOTIFY endsChanged)
     Q_PROPERTY(MeshPoint* toPoint READ toPoint WRITE setToPoint NOTIFY endsChanged)
     /// Distance of the ends in the item's pixels; 0 while an end is missing.

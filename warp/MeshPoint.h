@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QtQmlIntegration>
 
 class MeshGridItem;
 
@@ -9,6 +10,7 @@ class MeshGridItem;
 /// grid that draws all points of the mesh at once.
 class MeshPoint : public QObject {
     Q_OBJECT
+    QML_ELEMENT
     /// Position in the item's pixels, origin at the item's top left corner.
     Q_PROPERTY(double x READ x WRITE setX NOTIFY moved)
     Q_PROPERTY(double y READ y WRITE setY NOTIFY moved)

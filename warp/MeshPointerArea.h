@@ -7,6 +7,7 @@
 #include <QMap>
 #include <QPointer>
 #include <QQuickItem>
+#include <QtQmlIntegration>
 
 #include <optional>
 
@@ -18,6 +19,7 @@
 /// and end a drag.
 class MeshPointerArea : public QQuickItem {
     Q_OBJECT
+    QML_ELEMENT
     /// The mesh whose points can be taken hold of; null for none.
     Q_PROPERTY(MeshGridItem* grid READ grid WRITE setGrid NOTIFY gridChanged)
     /// How far from its centre a finger reaches a point, in pixels of the screen.

@@ -1,19 +1,13 @@
 #include "warp/MeshTypes.h"
 
-#include "warp/MeshGridItem.h"
-#include "warp/MeshLine.h"
-#include "warp/MeshPoint.h"
-#include "warp/MeshPointerArea.h"
+#include <QtGlobal>
 
-#include <QtQml>
+// Generated from the classes that are QML elements.
+void qml_register_types_Meshpad_Scene();
 
 void registerMeshTypes() {
     static const bool registered = [] {
-        constexpr const char* kModule = "Meshpad.Scene";
-        qmlRegisterType<MeshPoint>(kModule, 1, 0, "MeshPoint");
-        qmlRegisterType<MeshLine>(kModule, 1, 0, "MeshLine");
-        qmlRegisterType<MeshGridItem>(kModule, 1, 0, "MeshGridItem");
-        qmlRegisterType<MeshPointerArea>(kModule, 1, 0, "MeshPointerArea");
+        qml_register_types_Meshpad_Scene();
         return true;
     }();
     Q_UNUSED(registered)
