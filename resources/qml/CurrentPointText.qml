@@ -15,4 +15,12 @@ Text {
     font.pixelSize: Theme.fontSize
     textFormat: Text.PlainText
     Component.onCompleted: clear()
+
+    Rectangle {
+        anchors { fill: parent; margins: -6 }
+        color: "#000000"
+        opacity: 0.6
+        radius: Theme.radius
+        z: -1 // readable with a mesh behind it
+    }
 }

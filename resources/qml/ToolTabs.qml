@@ -62,7 +62,7 @@ Rectangle {
                     width: 34
                     height: 34
                     source: tab.modelData
-                    sourceSize: Qt.size(width, height)
+                    sourceSize { width: picture.width; height: picture.height }
                     opacity: tab.current ? 1 : 0.6
                 }
 
@@ -107,11 +107,10 @@ Rectangle {
         }
     }
 
-    Grid {
+    Flow {
         anchors { top: header.bottom; topMargin: Theme.spacing; horizontalCenter: parent.horizontalCenter }
-        columns: 2
-        columnSpacing: 12
-        rowSpacing: 4
+        width: 112
+        spacing: 12
         enabled: tabs.scene.buttonsEnabled
         visible: tabs.currentTab === 1
 
@@ -124,11 +123,14 @@ Rectangle {
                 readonly property bool isPicture: modelData.startsWith("qrc:")
 
                 buttonId: index
+                heading: index === 0
                 scene: tabs.scene
                 source: isPicture ? modelData : ""
                 text: isPicture ? "" : modelData
                 toolTip: deformButtonsToolTips[index]
                 type: "deformWarpToolButton"
+                width: heading ? 112 : implicitWidth
+                height: heading ? 24 : implicitHeight
             }
         }
     }

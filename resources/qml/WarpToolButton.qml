@@ -13,6 +13,7 @@ Item {
     property url source // a picture, or
     property string text // a label, or
     property var choices: [] // two labels of which the one that holds is marked
+    property bool heading: false // only names what stands below
     property bool pushed: false
     property bool checkable: false
     property string toolTip
@@ -38,22 +39,24 @@ Item {
         anchors.fill: parent
         border { left: 8; top: 8; right: 8; bottom: 8 }
         source: buttonBackgroundImagesPath[button.pushed && button.choices.length === 0 ? 1 : 0]
+        visible: !button.heading
     }
 
     Rectangle {
         anchors.fill: parent
         radius: Theme.radius
         color: Theme.text
-        opacity: button.held ? 0.25 : mouseArea.containsMouse ? 0.08 : 0
+        opacity: button.heading ? 0 : button.held ? 0.25 : mouseArea.containsMouse ? 0.08 : 0
     }
 
     Image {
+        id: picture
+
         anchors.centerIn: parent
         width: Math.min(button.width, button.height) - 12
         height: width
         source: button.source
-        sourceSize: Qt.size(width, height)
-        visible: button.source.toString() !== ""
+        sourceSize { width: picture.width; height: picture.height }
     }
 
     Text {
