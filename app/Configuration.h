@@ -162,6 +162,7 @@ inline constexpr int kListWidth = 220; // without the scroll bar
 inline constexpr QMargins kListMargins{6, 6, 0, 0};
 inline constexpr int kSearchHeight = 36;
 inline constexpr char kSearchName[] = "Search";
+inline constexpr char kClearSearchName[] = "Clear the search";
 inline constexpr char kFilterScreensText[] = "Filter screens";
 inline constexpr int kTapSlack = 10; // how far a finger that taps may slip
 inline constexpr char kListName[] = "Items";

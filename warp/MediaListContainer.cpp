@@ -8,6 +8,7 @@
 
 #include <QCheckBox>
 #include <QKeyEvent>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace NetworkCompanion;
@@ -37,6 +38,10 @@ void MediaListContainer::initControls() {
     searchBox_->setPlaceholderText(QLatin1StringView(WarpLook::kSearchName));
     searchBox_->setAccessibleName(QLatin1StringView(WarpLook::kSearchName));
     searchBox_->setClearButtonEnabled(true);
+    if (auto* clearButton = searchBox_->findChild<QToolButton*>()) {
+        clearButton->setAccessibleName(QLatin1StringView(WarpLook::kClearSearchName));
+        clearButton->setToolTip(QLatin1StringView(WarpLook::kClearSearchName));
+    }
     screenCheckBox_->setMinimumHeight(WarpLook::kSearchHeight);
     connect(searchBox_, &QLineEdit::textChanged, this, &MediaListContainer::onSearchTextChanged);
     connect(screenCheckBox_, &QCheckBox::stateChanged, this,
