@@ -51,6 +51,15 @@ void MeshGridItem::placePoint(int number, double x, double y) {
         moved->place(x, y);
 }
 
+QList<int> MeshGridItem::selectedNumbers() const {
+    QList<int> numbers;
+    for (int number = 0; number < pointCount(); ++number) {
+        if (points_[static_cast<std::size_t>(number)]->isSelected())
+            numbers.append(number);
+    }
+    return numbers;
+}
+
 void MeshGridItem::addLine(MeshLine* line, MeshPoint* from, MeshPoint* to) {
     if (!line || line->grid_)
         return;

@@ -50,6 +50,8 @@ public:
     Q_INVOKABLE void placePoint(int number, double x, double y);
     /// Puts the line into the mesh; its ends must be points of the mesh.
     Q_INVOKABLE void addLine(MeshLine* line, MeshPoint* from, MeshPoint* to);
+    /// Numbers of the selected points, ascending.
+    Q_INVOKABLE QList<int> selectedNumbers() const;
     /// Destroys all lines and points of the mesh.
     Q_INVOKABLE void erase();
     /// Turns the numbers of all points.

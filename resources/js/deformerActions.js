@@ -217,17 +217,18 @@ function selectCurrentPoint(scene, pointId) {
     updateCurrentPointText(scene);
 }
 
-function unselectOthers(writer, pointId) {
-    for (const point of writer.points) {
-        if (point.selected && point.pointNum !== pointId)
-            writeState(writer, point, UNSELECTED);
+function unselectOthers(grid, writer, pointId) {
+    for (const selected of grid.selectedNumbers()) {
+        if (selected !== pointId)
+            writeState(writer, writer.points[selected], UNSELECTED);
     }
 }
 
 function selectPoint(scene, pointId) {
-    if (!currentItemOf(scene, "selectPoint"))
+    const item = currentItemOf(scene, "selectPoint");
+    if (!item)
         return;
-    unselectOthers(pointWriter(scene, getCurrentGridId(scene)), pointId);
+    unselectOthers(currentGridOf(scene, item), pointWriter(scene, getCurrentGridId(scene)), pointId);
     selectCurrentPoint(scene, pointId);
 }
 
@@ -265,7 +266,7 @@ function pointPressed(scene, pointId) {
     if (point.state === UNSELECTED) {
         grid.lastSelectedPointId = -1;
         selectCurrentPoint(scene, pointId);
-        unselectOthers(pointWriter(scene, getCurrentGridId(scene)), pointId);
+        unselectOthers(grid, pointWriter(scene, getCurrentGridId(scene)), pointId);
     } else if (point.state === SELECTED) {
         demoteCurrentPoint(grid);
         selectCurrentPoint(scene, pointId);
@@ -311,8 +312,9 @@ function unselectAllPoints(scene) {
     const item = currentItemOf(scene, "unselectAllPoints");
     if (!item)
         return;
-    unselectOthers(pointWriter(scene, getCurrentGridId(scene)), -1);
-    currentGridOf(scene, item).currentSelectedPointId = -1;
+    const grid = currentGridOf(scene, item);
+    unselectOthers(grid, pointWriter(scene, getCurrentGridId(scene)), -1);
+    grid.currentSelectedPointId = -1;
     updateCurrentPointText(scene);
 }
 
@@ -369,22 +371,26 @@ function moveSelectedPoints(scene, dx, dy) {
     const item = currentItemOf(scene, "moveSelectedPoints");
     if (!item)
         return;
-    const currentId = currentGridOf(scene, item).currentSelectedPointId;
+    const grid = currentGridOf(scene, item);
+    const currentId = grid.currentSelectedPointId;
     if (currentId === -1 || !Number.isFinite(dx) || !Number.isFinite(dy))
         return;
     const writer = pointWriter(scene, getCurrentGridId(scene));
     const current = writer.points[currentId];
     const previousX = current.previousX;
     const previousY = current.previousY;
-    const selection = writer.points.filter(point => point.selected);
+    const selection = grid.selectedNumbers();
     if (isZoneLocked(scene)) {
-        const delta = Rules.clampedDelta(selection, writer.width, writer.height, dx, dy);
+        const points = Array.from(selection, number => writer.points[number]);
+        const delta = Rules.clampedDelta(points, writer.width, writer.height, dx, dy);
         dx = delta.dx;
         dy = delta.dy;
     }
-    for (const point of selection) {
-        if (point !== current)
-            writePoint(writer, point.pointNum, point.x + dx, point.y + dy);
+    for (let i = 0; i < selection.length; ++i) {
+        const pointId = selection[i];
+        const point = writer.points[pointId];
+        if (pointId !== currentId)
+            writePoint(writer, pointId, point.x + dx, point.y + dy);
     }
     writePoint(writer, currentId, previousX + dx, previousY + dy);
     updateCurrentPointText(scene);

@@ -1,6 +1,5 @@
 import QtQuick
 import Meshpad.Scene
-import "../js/actions.js" as Actions
 import "../js/deformerActions.js" as DeformerActions
 import "../js/itemActions.js" as ItemActions
 import "../js/meshRules.js" as Rules
