@@ -138,6 +138,35 @@ QList<int> SceneUnderTest::selectedPoints() const {
     return points;
 }
 
+QString SceneUnderTest::faultInPicture(int point) const {
+    const QImage image = view->grabFramebuffer();
+    const double ratio = image.devicePixelRatio();
+    const QPoint centre = onScreen(point);
+    const QMap<QString, QList<QColor>> colors{{"UNSELECTED", {"#323232", "#0096ff"}},
+                                              {"SELECTED", {"#b3dffe", "#004c99"}},
+                                              {"CURRENT", {"#b3dffe", "#0096ff"}}};
+    const auto differs = [&](QPoint offset, const QColor& expected, const char* what) {
+        const QColor seen = image.pixelColor((QPointF(centre + offset) * ratio).toPoint());
+        const int distance = std::abs(seen.red() - expected.red()) +
+                             std::abs(seen.green() - expected.green()) +
+                             std::abs(seen.blue() - expected.blue());
+        return distance > 60 ? QString("%1 of point %2 is %3 instead of %4")
+                                   .arg(what)
+                                   .arg(point)
+                                   .arg(seen.name(), expected.name())
+                             : QString();
+    };
+    const QList<QColor> expected = colors[state(point)];
+    for (const QString& fault :
+         {differs({0, 6}, expected[0], "inside"), differs({0, -6}, expected[0], "inside"),
+          differs({0, 9}, expected[1], "border"), differs({-9, 0}, expected[1], "border"),
+          differs({6, 13}, "#303030", "what is beside"), differs({16, 0}, "#dddddd", "line")}) {
+        if (!fault.isEmpty())
+            return fault;
+    }
+    return {};
+}
+
 void SceneUnderTest::press(QPoint at, Qt::KeyboardModifiers modifiers) const {
     QTest::mousePress(view, Qt::LeftButton, modifiers, at);
 }

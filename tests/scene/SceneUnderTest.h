@@ -61,6 +61,10 @@ public:
     }
     QList<int> selectedPoints() const;
 
+    /// What the view shows wrongly of a point on its own, with a line to its right; empty when all
+    /// is as it should be: circle, border and line have their colours and their size on the screen.
+    QString faultInPicture(int point) const;
+
     // Real events on the view.
     void press(QPoint at, Qt::KeyboardModifiers modifiers = {}) const;
     void move(QPoint to, Qt::KeyboardModifiers modifiers = {}) const;

@@ -42,6 +42,7 @@ private slots:
     }
 
     void meshesOfEachDeformation();
+    void pictureWithoutGraphicsInterface();
     void pressesSelect();
     void dragMovesSelection();
     void dragIsCoalesced();
@@ -146,6 +147,20 @@ void SceneTest::meshesOfEachDeformation() {
     s.deformScreen(0, 2, 2);
     QCOMPARE(size(), std::pair(0, 0));
     QCOMPARE(s.string("currentPointText.text"), "Current point: --     X: -- px     Y: -- px");
+}
+
+void SceneTest::pictureWithoutGraphicsInterface() {
+    SceneUnderTest& s = *scene_;
+    s.selectMedia(3, 4, 4);
+    s.click(s.onScreen(5));
+    s.click(s.onScreen(9), kCtrl);
+    for (const double zoom : {0.37, 0.9}) {
+        s.evaluate(QString("zoomSlider.value = %1").arg(zoom));
+        for (const int point : {5, 9, 6})
+            QCOMPARE(s.faultInPicture(point), QString());
+    }
+    s.deformMedia(0, 2, 2);
+    QCOMPARE(s.view->grabFramebuffer().pixelColor(s.view->rect().center()), QColor("#303030"));
 }
 
 void SceneTest::pressesSelect() {

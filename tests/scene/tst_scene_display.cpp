@@ -57,8 +57,17 @@ void SceneDisplayTest::pictures() {
     s.click(s.onScreen(3));
     shot(s, "keystone");
 
+    s.selectMedia(2, 7, 7);
+    s.click(s.onScreen(24));
+    for (const double zoom : {0.4, 0.8}) {
+        s.evaluate(QString("zoomSlider.value = %1").arg(zoom));
+        QCOMPARE(s.faultInPicture(24), QString());
+        QCOMPARE(s.faultInPicture(22), QString());
+        QVERIFY(s.faultInPicture(16).startsWith("line")); // a handle in a patch has none
+    }
+
     s.selectMedia(2, 13, 13);
-    const auto wave = [&s](int columns, double height) {
+    const auto wave = [&s](double height) {
         for (int id = 0; id < s.grid()->pointCount(); ++id) {
             const QPointF at = s.position(id);
             const double x = at.x() + height * std::sin(at.y() / 120.0);
@@ -66,9 +75,8 @@ void SceneDisplayTest::pictures() {
             s.evaluate(
                 QString("updatePoint(getCurrentGridId(), %1, %2, %3)").arg(id).arg(x).arg(y));
         }
-        Q_UNUSED(columns)
     };
-    wave(13, 30);
+    wave(30);
     s.evaluate("getCurrentItem().itemDeformer.adjustView()");
     s.click(s.onScreen(42));
     s.key(Qt::Key_Right, Qt::ControlModifier | Qt::AltModifier);
@@ -77,7 +85,7 @@ void SceneDisplayTest::pictures() {
     shot(s, "bezier-zoomed");
 
     s.selectScreen(3, 16, 16);
-    wave(16, 40);
+    wave(40);
     s.evaluate("getCurrentItem().itemDeformer.adjustView()");
     s.click(s.onScreen(120));
     s.key(Qt::Key_Up, Qt::ControlModifier | Qt::AltModifier);
