@@ -96,6 +96,9 @@ void ConnectPage::onSelectedIpChanged(const QString& ip) {
         QLatin1StringView(selected ? kConnectButtonOn : kConnectButtonOff));
     connectButton_->setCursor(selected ? Qt::PointingHandCursor : Qt::ArrowCursor);
     connectButton_->setFocusPolicy(selected ? Qt::StrongFocus : Qt::NoFocus);
+    if (!selected) {
+        connectButton_->clearFocus();
+    }
     connectButton_->setToolTip(selected ? QString(QLatin1StringView(kConnectButtonName))
                                         : QString());
 }

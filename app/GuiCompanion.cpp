@@ -83,7 +83,7 @@ void GuiCompanion::initInput() {
     // The controller is read only while the application has the focus.
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, &gamepad_,
             [this](Qt::ApplicationState state) {
-                if (state == Qt::ApplicationActive) {
+                if (state == Qt::ApplicationActive && !overlay_) {
                     gamepad_.onFocusGained();
                 } else {
                     gamepad_.onFocusLost();
@@ -145,6 +145,7 @@ void GuiCompanion::showOverlay() {
     overlay_ = std::make_unique<DisconnectOverlay>(configuration_, this);
     connect(overlay_.get(), SIGNAL(disconnection()), this, SLOT(onDisconnectFromServer()));
     content_->lockCurrentPage();
+    gamepad_.onFocusLost(); // nor does a controller reach what is under the veil
     focusBeforeOverlay_ = focusWidget();
     overlay_->show();
     overlay_->setFocus();
@@ -161,6 +162,9 @@ void GuiCompanion::removeOverlay() {
     overlay_->hide();
     // Its own button may have brought us here.
     overlay_.release()->deleteLater();
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive) {
+        gamepad_.onFocusGained();
+    }
 }
 
 void GuiCompanion::goToPageFromMenu(int tab) {

@@ -2,9 +2,8 @@
 
 #include "app/IPage.h"
 
-/// What the control pages share: the keyboard belongs to the page that is shown. A key that none of
-/// its controls takes ends here, so that no letter typed on this page mutes or selects an item of
-/// the list, which the operator does not see at that moment.
+/// What the control pages share: shown, they take the focus, so that the first Tab leads to the
+/// first control. Keys that no control takes go on to the window, as on every page.
 class ControlPage : public IPage {
     Q_OBJECT
 
@@ -12,6 +11,5 @@ public:
     explicit ControlPage(QWidget* parent);
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 };

@@ -489,7 +489,8 @@ void MediaList::updateScreenMode(int screenId, LV_NTC_ModeType mode) {
         }
         screen->hideParts();
     }
-    changedRows_.insert(screen);
+    applyFilters(screen);
+    unselectIfHidden();
     emit screenMode(screenId, mode);
 }
 

@@ -11,8 +11,16 @@
 #include <limits>
 
 namespace {
+
 constexpr double kUnbounded = std::numeric_limits<double>::max();
+
+/// The number of a cell along one axis; all that lies absurdly far out shares the outermost one.
+qint64 cellOf(double place) {
+    constexpr double kOutermost = 1e15;
+    return static_cast<qint64>(std::floor(qBound(-kOutermost, place, kOutermost)));
 }
+
+} // namespace
 
 MeshGridItem::MeshGridItem(QQuickItem* parent)
     : QQuickItem(parent), dragMinimumX_(-kUnbounded), dragMaximumX_(kUnbounded),
@@ -188,8 +196,8 @@ MeshPicture MeshGridItem::picture() const {
     QSet<std::pair<qint64, qint64>> taken; // cells with the middle of a point in them
     taken.reserve(static_cast<qsizetype>(points_.size()));
     for (auto point = result.points.rbegin(); point != result.points.rend(); ++point) {
-        const auto column = static_cast<qint64>(std::floor(point->position.x() / half));
-        const auto row = static_cast<qint64>(std::floor(point->position.y() / half));
+        const auto column = cellOf(point->position.x() / half);
+        const auto row = cellOf(point->position.y() / half);
         point->isNumberSeen = !taken.contains({column, row});
         taken.insert({column, row});
     }

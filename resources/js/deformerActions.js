@@ -125,6 +125,10 @@ function writePoint(writer, pointId, x, y) {
     const height = writer.height;
     const producerX = toProducer(x, width, isXy);
     const producerY = toProducer(y, height, isXy);
+    if (!Number.isFinite(producerX) || !Number.isFinite(producerY)) { // an item without a size has no such place
+        writer.place(pointId, x, y);
+        return;
+    }
     writer.place(pointId, fromProducer(producerX, width, isXy), fromProducer(producerY, height, isXy));
     writer.tell(pointId, producerX, producerY, isXy, writer.points[pointId].selected);
 }
@@ -147,11 +151,13 @@ function writeState(writer, point, state) {
 function applyIncomingMove(scene, item, pointId, x, y, isXy) {
     const grid = item.deformerGrids[isXy ? Rules.XY_GRID : Rules.UV_GRID];
     const point = grid.pointsArray[pointId];
-    if (!point || !Number.isFinite(x) || !Number.isFinite(y))
+    if (!point || scene.isMovingPoint && point.selected)
         return;
-    if (scene.isMovingPoint && point.selected)
+    const sceneX = Rules.fromProducer(x, item.sourceWidth, isXy);
+    const sceneY = Rules.fromProducer(y, item.sourceHeight, isXy);
+    if (!Number.isFinite(sceneX) || !Number.isFinite(sceneY))
         return;
-    point.place(Rules.fromProducer(x, item.sourceWidth, isXy), Rules.fromProducer(y, item.sourceHeight, isXy));
+    point.place(sceneX, sceneY);
     if (grid.currentSelectedPointId === pointId && isXy === scene.isCurrentGridXy && item === getCurrentItem(scene))
         updateCurrentPointText(scene);
 }
@@ -315,6 +321,19 @@ function unselectAllPoints(scene) {
     const grid = currentGridOf(scene, item);
     unselectOthers(grid, pointWriter(scene, getCurrentGridId(scene)), -1);
     grid.currentSelectedPointId = -1;
+    updateCurrentPointText(scene);
+}
+
+// In both meshes of the current item, whichever is edited.
+function unselectBothGrids(scene) {
+    for (let gridId = 0; gridId < 2; ++gridId) {
+        const writer = pointWriter(scene, gridId);
+        if (!writer)
+            return;
+        const grid = getCurrentItem(scene).deformerGrids[gridId];
+        unselectOthers(grid, writer, -1);
+        grid.currentSelectedPointId = -1;
+    }
     updateCurrentPointText(scene);
 }
 
@@ -536,19 +555,20 @@ function initializeDeformerQML(item, rows, columns, skipPatchCenter) {
     }
 }
 
+// Whether the mesh is now as described.
 function updateDeformationMode(scene, item, deformationType, row, col, reset) {
     if (!item) {
         console.log("updateDeformationMode: currentItem is null!");
-        return;
+        return false;
     }
     const hasMesh = deformationType === Rules.BEZIER || deformationType === Rules.CURVE;
     if (hasMesh && !(Rules.isGridSize(row) && Rules.isGridSize(col))) {
         console.warn("updateDeformationMode: Unusable grid of " + row + " rows and " + col + " columns");
-        return;
+        return false;
     }
     if (!hasMesh && deformationType !== Rules.NONE && deformationType !== Rules.KEYSTONE) {
         console.log("updateDeformationMode: Undefined mode");
-        return;
+        return false;
     }
     const isCurrent = item === getCurrentItem(scene);
     if (isCurrent)
@@ -566,6 +586,7 @@ function updateDeformationMode(scene, item, deformationType, row, col, reset) {
     }
     if (isCurrent)
         updateCurrentPointText(scene);
+    return true;
 }
 
 function hideGrid(grid) {
@@ -611,7 +632,7 @@ function adjustView(scene) {
         x = (scene.width - item.sourceWidth) / 2;
         y = (scene.height - item.sourceHeight) / 2;
         const box = Rules.boundingBox(currentGridOf(scene, item).pointsArray);
-        if (box) {
+        if (box && Number.isFinite(box.x + box.y + box.width + box.height)) {
             zoom = Math.min(scene.width / box.width, scene.height / box.height) / 2.5;
             x = (scene.width - box.width) / 2 - box.x;
             y = (scene.height - box.height) / 2 - box.y;
@@ -731,9 +752,11 @@ function stickStep(scene, x, y) {
 }
 
 function leftStickMoved(scene, x, y) {
-    if (!getCurrentItem(scene))
+    const item = getCurrentItem(scene);
+    if (!item)
         return;
-    const moving = x !== 0 || y !== 0;
+    const canMove = item.itemDeformer.visible && !scene.isDialogOpen;
+    const moving = canMove && (x !== 0 || y !== 0);
     setMoving(scene, MOVED_BY_STICK, moving);
     if (!moving)
         return;
@@ -742,7 +765,7 @@ function leftStickMoved(scene, x, y) {
 }
 
 function rightStickMoved(scene, x, y) {
-    if (!getCurrentItem(scene))
+    if (!getCurrentItem(scene) || scene.isDialogOpen)
         return;
     const step = stickStep(scene, x, y);
     scene.canvasMedia.x -= step.x;
@@ -750,6 +773,6 @@ function rightStickMoved(scene, x, y) {
 }
 
 function triggerPressed(scene, value) {
-    if (getCurrentItem(scene))
+    if (getCurrentItem(scene) && !scene.isDialogOpen)
         scene.zoomSlider.value -= value / 100 * value * value;
 }

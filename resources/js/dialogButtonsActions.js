@@ -19,8 +19,9 @@ function counts(smallest, largest) {
     return list;
 }
 
-function indexOfCount(count, smallest) {
-    return count < smallest ? 0 : count - smallest;
+// A count that the list does not hold stands for the nearest one it does.
+function indexOfCount(count, smallest, largest) {
+    return count < smallest ? 0 : Math.min(count, largest) - smallest;
 }
 
 function hasCounts(deformationType) {

@@ -96,6 +96,12 @@ function removeTextureItem(scene, cueId) {
                 "Unable to remove texture item");
 }
 
+// The locked zone of the current item follows its size.
+function renewZone(scene, itemIsCurrent) {
+    if (itemIsCurrent && scene.warpToolBar.zoneLockerButtonPushed)
+        WarpToolButtonsActions.lockZone(scene, true);
+}
+
 function addScreenItem(scene, idNum, sourceWidth, sourceHeight, sourceRotation, sourceDeformerRotation, name) {
     const known = scene.canvasScreenItemArray[idNum];
     if (known) {
@@ -104,6 +110,7 @@ function addScreenItem(scene, idNum, sourceWidth, sourceHeight, sourceRotation, 
         known.screenRotation = sourceRotation;
         known.screenDeformerRotation = sourceDeformerRotation;
         known.screenName = name;
+        renewZone(scene, isCurrent(scene, Rules.SCREEN, idNum));
         return;
     }
     const entry = createEntry(scene, "ScreenItem", {
@@ -133,6 +140,7 @@ function addScreenPartItem(scene, screenId, screenPartId, sourceWidth, sourceHei
         known.screenPartHeight = sourceHeight;
         known.screenPartDeformerRotation = sourceDeformerRotation;
         known.screenPartName = name;
+        renewZone(scene, isCurrent(scene, Rules.SCREEN_PART, screenId, screenPartId));
         return;
     }
     const entry = createEntry(scene, "ScreenPartItem", {
@@ -169,13 +177,13 @@ function movePoint(scene, item, pointId, x, y, isXy) {
 }
 
 function updateDeformationMode(scene, item, deformationType, row, col, reset) {
-    if (item)
-        DeformerActions.updateDeformationMode(scene, item, deformationType, row, col, reset);
+    return item && DeformerActions.updateDeformationMode(scene, item, deformationType, row, col, reset);
 }
 
 function updateScreenDeformationMode(scene, id, deformationType, row, col, reset) {
-    updateDeformationMode(scene, itemAt(scene.canvasScreenItemArray, id), deformationType, row, col, reset);
-    updateScreenMode(scene, id, deformationType === Rules.NONE ? Rules.SIMPLE_MODE : Rules.DEFORMATION_MODE);
+    const item = itemAt(scene.canvasScreenItemArray, id);
+    if (updateDeformationMode(scene, item, deformationType, row, col, reset))
+        updateScreenMode(scene, id, deformationType === Rules.NONE ? Rules.SIMPLE_MODE : Rules.DEFORMATION_MODE);
 }
 
 function updateScreenMode(scene, screenId, modeType) {
@@ -215,8 +223,7 @@ function leaveItem(scene) {
     const entry = DeformerActions.getCurrentEntry(scene);
     if (!entry)
         return; // removed while it was current
-    if (entry.item.deformerGrids[DeformerActions.getCurrentGridId(scene)].currentSelectedPointId !== -1)
-        DeformerActions.unselectAllPoints(scene);
+    DeformerActions.unselectBothGrids(scene);
     entry.visible = false;
     DeformerActions.hideGrid(entry.item.deformerGrids[Rules.XY_GRID]);
 }

@@ -92,8 +92,10 @@ function canvasButtonClicked(scene, buttonId) {
         return;
     if (buttonId === ADJUST_VIEW)
         DeformerActions.adjustView(scene);
-    else if (buttonId === OPEN_ROTATION_DIALOG)
+    else if (buttonId === OPEN_ROTATION_DIALOG) {
+        DeformerActions.endMoves(scene);
         scene.rotationDialog.open();
+    }
 }
 
 function toolButtonClicked(scene, action) {
@@ -180,7 +182,7 @@ function openDeformationDialog(scene) {
     const item = entry.item;
     const isSimple = DeformerActions.isInSimpleMode(scene, entry);
     const type = isSimple ? Rules.NONE : item.deformerDeformationType;
-    const isBezier = type === Rules.BEZIER;
+    const isBezier = item.deformerDeformationType === Rules.BEZIER;
     scene.deformationDialog.open(type,
                                  isBezier ? Rules.patchCorners(item.deformerColsNumber) : item.deformerColsNumber,
                                  isBezier ? Rules.patchCorners(item.deformerRowsNumber) : item.deformerRowsNumber);

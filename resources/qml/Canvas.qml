@@ -229,6 +229,7 @@ Rectangle {
         id: pointerArea
 
         anchors.fill: parent
+        enabled: !canvas.isDialogOpen
         touchReach: 22
         onPointPressed: (pointId, control) => {
             DeformerActions.pointerPressed(canvas, pointId, control || canvas.ctrlPressed);

@@ -70,7 +70,10 @@ Rectangle {
             box.forceActiveFocus();
             list.visible = !list.visible;
         }
-        onWheel: wheel => box.step(wheel.angleDelta.y > 0 ? -1 : 1)
+        onWheel: wheel => {
+            if (wheel.angleDelta.y !== 0)
+                box.step(wheel.angleDelta.y > 0 ? -1 : 1);
+        }
     }
 
     Rectangle {
@@ -85,6 +88,11 @@ Rectangle {
         onVisibleChanged: {
             if (visible)
                 view.positionViewAtIndex(box.currentIndex, ListView.Center);
+        }
+
+        MouseArea { // what the list does not use must not reach the boxes under it
+            anchors.fill: parent
+            onWheel: wheel => wheel.accepted = true
         }
 
         ListView {

@@ -35,12 +35,13 @@ DialogFrame {
     }
 
     function fillLists() {
-        const smallestColumns = DialogButtonsActions.smallestCount(chosenMode, curveMinCols);
-        const smallestRows = DialogButtonsActions.smallestCount(chosenMode, curveMinRows);
+        const type = curveBox.currentIndex; // chosenMode may still be that of before
+        const smallestColumns = DialogButtonsActions.smallestCount(type, curveMinCols);
+        const smallestRows = DialogButtonsActions.smallestCount(type, curveMinRows);
         columnsBox.model = DialogButtonsActions.counts(smallestColumns, curveMaxCols);
-        columnsBox.currentIndex = DialogButtonsActions.indexOfCount(columnsNumber, smallestColumns);
+        columnsBox.currentIndex = DialogButtonsActions.indexOfCount(columnsNumber, smallestColumns, curveMaxCols);
         rowsBox.model = DialogButtonsActions.counts(smallestRows, curveMaxRows);
-        rowsBox.currentIndex = DialogButtonsActions.indexOfCount(rowsNumber, smallestRows);
+        rowsBox.currentIndex = DialogButtonsActions.indexOfCount(rowsNumber, smallestRows, curveMaxRows);
     }
 
     title: "Configuration"

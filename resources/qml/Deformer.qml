@@ -51,11 +51,12 @@ Item {
     }
 
     function selectAllPoints() {
-        DeformerActions.selectAllPoints(scene);
+        if (visible)
+            DeformerActions.selectAllPoints(scene);
     }
 
     function unselectAllPoints() {
-        if (hasCurrentPoint())
+        if (visible && hasCurrentPoint())
             DeformerActions.unselectAllPoints(scene);
     }
 

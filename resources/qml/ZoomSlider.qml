@@ -67,6 +67,6 @@ Item {
         preventStealing: true
         onPressed: mouse => slider.setFromPointer(mouse.x)
         onPositionChanged: mouse => slider.setFromPointer(mouse.x)
-        onWheel: wheel => slider.value += wheel.angleDelta.y > 0 ? 0.05 : -0.05
+        onWheel: wheel => slider.value += 0.05 * wheel.angleDelta.y / 120
     }
 }

@@ -533,6 +533,18 @@ void SceneTest::configurationDialog() {
     QCOMPARE(int(modes[0]->columns()), 4);
     QVERIFY(modes[0]->reset());
 
+    // A kind with another smallest count: the lists are those of the kind that is chosen.
+    s.selectScreen(1, 2, 2);
+    pressButton("warpToolBarButton", 2);
+    QCOMPARE(s.string("deformationDialog.curve"), "Keystone");
+    s.key(Qt::Key_Down);
+    QCOMPARE(s.integer("deformationDialog.rows"), 2);
+    s.key(Qt::Key_Down);
+    QCOMPARE(s.string("deformationDialog.curve"), "Curve");
+    QCOMPARE(s.integer("deformationDialog.rows"), 3);
+    QCOMPARE(s.integer("deformationDialog.columns"), 3);
+    s.key(Qt::Key_Escape);
+
     // By pointer: "None" for a part, which cannot be without; the check box is clear again.
     s.selectPart(3, 16, 16);
     pressButton("warpToolBarButton", 2);
@@ -664,6 +676,10 @@ void SceneTest::simpleMode() {
     QVERIFY(!s.grid()->isVisible());
     QCOMPARE(s.string("currentPointText.text"), "Current point: --     X: -- px     Y: -- px");
     s.key(Qt::Key_Left); // what cannot be seen is not moved
+    s.key(Qt::Key_A, kCtrl);
+    s.canvas->onLeftAxisMoved(1, 0);
+    s.canvas->onLeftAxisMoved(0, 0);
+    QCOMPARE(s.selectedPoints(), QList<int>({4}));
     QCOMPARE(s.position(4), QPointF(960, 540));
     pressButton("warpToolBarButton", 2);
     QCOMPARE(s.string("deformationDialog.curve"), "None");

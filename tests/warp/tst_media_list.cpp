@@ -295,6 +295,14 @@ private slots:
         send(ScreenModeEvent(Mode::Parts, 9, 10, ""));
         QVERIFY(allArrived());
         QCOMPARE(modes.size(), 2);
+
+        // A filter that is on stays on, whatever modes come in.
+        list_->filterByText("nowhere");
+        send(ScreenModeEvent(Mode::Parts, 1, 10, ""));
+        QTRY_COMPARE(modes.size(), 3);
+        QCOMPARE(shownRows(), QStringList());
+        list_->filterByText("");
+        QCOMPARE(shownRows(), QStringList({"Wall, Left"}));
     }
 
     void blindsAreAskedForAndShown() {
