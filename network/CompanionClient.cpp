@@ -1,6 +1,7 @@
 #include "network/CompanionClient.h"
 
 #include <QMetaMethod>
+#include <QPointer>
 
 namespace NetworkCompanion {
 
@@ -18,8 +19,9 @@ bool CompanionClient::connectToServer(const QString& host, unsigned short port) 
     url.setHost(host);
     url.setPort(port);
     connect(&transport_, &TCPTransportSocket::receivedEvent, this,
-            &CompanionClient::onReceivedEvent);
-    connect(&transport_, &TCPTransportSocket::disconnected, this, &CompanionClient::onDisconnected);
+            &CompanionClient::onReceivedEvent, Qt::UniqueConnection);
+    connect(&transport_, &TCPTransportSocket::disconnected, this, &CompanionClient::onDisconnected,
+            Qt::UniqueConnection);
     transport_.startReading();
     if (transport_.tryToConnect(url) && transport_.waitForConnected(kConnectTimeout))
         return true;
@@ -29,8 +31,14 @@ bool CompanionClient::connectToServer(const QString& host, unsigned short port) 
 }
 
 bool CompanionClient::disconnectFromServer() {
+    // A receiver of the signal may delete this object, and the connection with it.
+    const QPointer<CompanionClient> alive(this);
     transport_.disconnect();
+    if (!alive)
+        return true;
     const bool ok = transport_.waitForDisconnected(kDisconnectTimeout);
+    if (!alive)
+        return true;
     transport_.stopReading();
     stopForwarding();
     return ok;

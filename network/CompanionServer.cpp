@@ -28,9 +28,12 @@ quint16 CompanionServer::port() const {
 }
 
 void CompanionServer::close() {
+    const QPointer<CompanionServer> alive(this);
     server_.close();
-    for (const int id : companionIds())
-        disconnectCompanion(id);
+    for (const int id : companionIds()) {
+        if (alive)
+            disconnectCompanion(id);
+    }
 }
 
 QList<int> CompanionServer::companionIds() const {
@@ -59,8 +62,9 @@ bool CompanionServer::send(int companionId, Event& event) {
 }
 
 void CompanionServer::sendToAll(Event& event, int exceptCompanionId) {
+    const QPointer<CompanionServer> alive(this);
     for (const int id : companionIds()) {
-        if (id != exceptCompanionId)
+        if (alive && id != exceptCompanionId)
             send(id, event);
     }
 }

@@ -158,16 +158,18 @@ void NetworkUtils::addClientNewSockets(const QList<QHostAddress>& addresses) {
 /// Where a socket bound to an interface's address is not given what is broadcast to everybody, one
 /// that is bound to the broadcast address is. Where there is no such binding, none is needed.
 void NetworkUtils::followBroadcasts() {
-    if (sockets_.empty() == (broadcastSocket_ == nullptr))
+    if (sockets_.empty()) {
+        if (broadcastSocket_) {
+            broadcastSocket_->close();
+            broadcastSocket_->deleteLater();
+            broadcastSocket_ = nullptr;
+        }
         return;
-    if (broadcastSocket_) {
-        broadcastSocket_->close();
-        broadcastSocket_->deleteLater();
-        broadcastSocket_ = nullptr;
-    } else {
-        broadcastSocket_ = newSocket();
-        bindSocket(broadcastSocket_, QHostAddress::Broadcast);
     }
+    if (!broadcastSocket_)
+        broadcastSocket_ = newSocket();
+    if (broadcastSocket_->state() != QAbstractSocket::BoundState)
+        bindSocket(broadcastSocket_, QHostAddress::Broadcast);
 }
 
 QUdpSocket* NetworkUtils::newSocket() {
@@ -248,8 +250,14 @@ void NetworkUtils::serverAnswered(const QString& sender) {
 }
 
 void NetworkUtils::getClients(const QString&) {
-    if (!isServer_ && !sockets_.empty())
-        send(sockets_.front().socket, kGiveClient, QHostAddress::Broadcast);
+    if (isServer_)
+        return;
+    // Writing to one that is not bound would bind it, to any port.
+    const auto bound = std::find_if(sockets_.begin(), sockets_.end(), [](const auto& candidate) {
+        return candidate.socket->state() == QAbstractSocket::BoundState;
+    });
+    if (bound != sockets_.end())
+        send(bound->socket, kGiveClient, QHostAddress::Broadcast);
 }
 
 void NetworkUtils::giveClient(const QString& sender) {

@@ -1,5 +1,6 @@
 #include "network/TcpTransportSocket.h"
 
+#include "network/ItemDataEvent.h"
 #include "network/KeepAlive.h"
 #include "network/LVNtc.h"
 #include "network/ProtocolLimits.h"
@@ -24,8 +25,14 @@ constexpr unsigned long kKeepAliveTime = 1000;    // ms
 // Events are handed over in slices of this many milliseconds, so that a flood of them leaves the
 // event loop its turn; what is waiting meanwhile is bounded, and the sender is slowed down.
 constexpr int kReceiveSlice = 8;
-constexpr int kFramesPerLookAtTheClock = 8;
+// Every eighth small frame, and every large one, is followed by a look at the clock.
+constexpr qint64 kBytesPerLookAtTheClock = 4096;
+constexpr qint64 kCostOfAFrame = kBytesPerLookAtTheClock / 8; // in bytes
 constexpr qint32 kReadAhead = 1024 * 1024;
+
+// A frame whose length is too small borrows from the bytes behind it, but never more than this:
+// otherwise many small ones could each make the decoder go through all that follows.
+constexpr qsizetype kDecoderSight = LVNtc::kHeaderSize + ItemDataEvent::wireSize();
 
 QUrl urlOf(const QString& host, int port) {
     QUrl url;
@@ -56,10 +63,12 @@ TCPTransportSocket::~TCPTransportSocket() {
     if (state() == Connected)
         socket_->flush();
     if (emitting_ > 0) {
-        // The socket may be in the middle of its own signal: it has to outlive this object.
-        socket_->setParent(nullptr);
-        socket_->abort();
-        socket_->deleteLater();
+        // A socket may be in the middle of its own signal: it has to outlive this object.
+        for (QTcpSocket* socket : findChildren<QTcpSocket*>()) {
+            socket->setParent(nullptr);
+            socket->abort();
+            socket->deleteLater();
+        }
     }
 }
 
@@ -69,7 +78,18 @@ void TCPTransportSocket::initSocket() {
     connect(socket_, &QTcpSocket::disconnected, this, &TCPTransportSocket::onDisconnected);
     connect(socket_, &QTcpSocket::bytesWritten, this, &TCPTransportSocket::onBytesWritten);
     resumeTimer_.setSingleShot(true);
-    connect(&resumeTimer_, &QTimer::timeout, this, &TCPTransportSocket::onReadyRead);
+    connect(&resumeTimer_, &QTimer::timeout, this, &TCPTransportSocket::onReadyRead,
+            Qt::UniqueConnection);
+}
+
+/// A socket in the middle of its own signal cannot be connected again. It stays until none is.
+void TCPTransportSocket::replaceSocket() {
+    QObject::disconnect(socket_, nullptr, this, nullptr);
+    socket_ = new QTcpSocket(this);
+    socket_->setProxy(QNetworkProxy::applicationProxy());
+    initSocket();
+    if (reading_)
+        connect(socket_, &QTcpSocket::readyRead, this, &TCPTransportSocket::onReadyRead);
 }
 
 void TCPTransportSocket::onConnected() {
@@ -85,10 +105,19 @@ bool TCPTransportSocket::tryToConnect(const QUrl& url) {
         url_ = url;
         resetReceiving();
         closing_ = false;
+        ended_ = false;
     }
     if (socket_->state() != QAbstractSocket::UnconnectedState) {
         const QSignalBlocker blocker(socket_); // the end of an old connection is no news
         socket_->abort();
+    }
+    if (emitting_ > 0) {
+        replaceSocket();
+    } else {
+        for (QTcpSocket* socket : findChildren<QTcpSocket*>()) {
+            if (socket != socket_)
+                delete socket;
+        }
     }
     socket_->connectToHost(url.host(), static_cast<quint16>(url.port(-1)), QIODevice::ReadWrite,
                            QAbstractSocket::AnyIPProtocol);
@@ -111,8 +140,12 @@ void TCPTransportSocket::disconnect() {
         closing_ = true;
     }
     // The signals that this causes must find the mutex free.
+    const QPointer<TCPTransportSocket> alive(this);
     socket_->flush();
-    socket_->disconnectFromHost();
+    if (alive)
+        socket_->disconnectFromHost();
+    if (alive && ended_)
+        reportEnd();
 }
 
 void TCPTransportSocket::resetReceiving() {
@@ -125,13 +158,20 @@ void TCPTransportSocket::resetReceiving() {
 }
 
 void TCPTransportSocket::startReading() {
+    reading_ = true;
     connect(socket_, &QTcpSocket::readyRead, this, &TCPTransportSocket::onReadyRead,
             Qt::UniqueConnection);
+    if (state() == Connected && hasMoreToRead())
+        resumeTimer_.start(0);
 }
 
 void TCPTransportSocket::stopReading() {
+    reading_ = false;
     QObject::disconnect(socket_, &QTcpSocket::readyRead, this, &TCPTransportSocket::onReadyRead);
-    resumeTimer_.stop();
+    if (ended_)
+        resumeTimer_.start(0);
+    else
+        resumeTimer_.stop();
 }
 
 bool TCPTransportSocket::write(Event& event) {
@@ -164,14 +204,19 @@ void TCPTransportSocket::activeKeepAlive(unsigned long interval, unsigned long t
 }
 
 void TCPTransportSocket::onDisconnected() {
-    const QPointer<TCPTransportSocket> alive(this);
+    ended_ = true;
     // What a peer said before it went still counts, and comes first.
     if (resumeTimer_.isActive() || emitting_ > 0)
-        receive(QDeadlineTimer(QDeadlineTimer::Forever));
-    if (!alive)
-        return;
+        onReadyRead();
+    else
+        reportEnd();
+}
+
+void TCPTransportSocket::reportEnd() {
+    ended_ = false;
     // Before the signal: its receiver may connect and start reading again.
     stopReading();
+    const QPointer<TCPTransportSocket> alive(this);
     ++emitting_;
     emit disconnected(socketId_);
     if (alive)
@@ -184,38 +229,50 @@ void TCPTransportSocket::onBytesWritten(qint64 sizeWritten) {
 }
 
 void TCPTransportSocket::onReadyRead() {
-    receive(QDeadlineTimer(kReceiveSlice));
+    const QPointer<TCPTransportSocket> alive(this);
+    receive();
+    if (alive && ended_ && !resumeTimer_.isActive())
+        reportEnd();
 }
 
-void TCPTransportSocket::receive(const QDeadlineTimer& deadline) {
+/// Hands over what is waiting, for one slice of time; the timer is active when there is more.
+void TCPTransportSocket::receive() {
     const QPointer<TCPTransportSocket> alive(this);
+    const QDeadlineTimer deadline(kReceiveSlice);
+    qint64 sinceLookAtTheClock = 0;
     resumeTimer_.stop();
     ++emitting_;
-    do {
+    while (reading_) {
         {
             const std::scoped_lock lock(mutex_);
             takeAvailable();
         }
-        for (int count = 1;; ++count) {
+        while (reading_) {
             std::optional<eventData> frame;
             {
                 const std::scoped_lock lock(mutex_);
                 frame = nextFrame();
+                sinceLookAtTheClock += kCostOfAFrame + expectedLength_;
             }
             if (!frame)
                 break;
             handOver(*frame);
             if (!alive)
                 return;
-            if (count % kFramesPerLookAtTheClock == 0 && deadline.hasExpired()) {
-                if (bytesWaiting() > 0 || socket_->bytesAvailable() > 0)
+            if (sinceLookAtTheClock < kBytesPerLookAtTheClock)
+                continue;
+            sinceLookAtTheClock = 0;
+            if (deadline.hasExpired()) {
+                if (reading_ && hasMoreToRead())
                     resumeTimer_.start(0);
                 --emitting_;
                 return;
             }
         }
         // More may have come while a receiver ran an event loop of its own.
-    } while (!closing_ && socket_->bytesAvailable() > 0);
+        if (closing_ || socket_->bytesAvailable() == 0)
+            break;
+    }
     --emitting_;
 }
 
@@ -270,7 +327,9 @@ std::optional<eventData> TCPTransportSocket::nextFrame() {
         }
         if (bytesWaiting() < expectedLength_)
             return std::nullopt;
-        const eventData frame = LVNtc::read(QByteArrayView(buffer_).sliced(consumed_));
+        const qsizetype inSight =
+            qMin(bytesWaiting(), qMax<qsizetype>(expectedLength_, kDecoderSight));
+        const eventData frame = LVNtc::read(QByteArrayView(buffer_).sliced(consumed_, inSight));
         consumed_ += expectedLength_;
         waitingForLength_ = true;
         return frame;

@@ -12,8 +12,6 @@
 #include <mutex>
 #include <optional>
 
-class QDeadlineTimer;
-
 namespace NetworkCompanion {
 
 /// Carries events over one TCP connection: a length of 4 bytes in front of each frame on the way
@@ -43,7 +41,7 @@ public:
     /// Forgets what was received and closes once everything written is out. Nothing is received
     /// any more.
     void disconnect();
-    /// Events are received between these two only.
+    /// Events are received between these two only; what came meanwhile waits for the first.
     void startReading();
     void stopReading();
     /// Sends the event in one write that is neither awaited nor flushed. False, without a word,
@@ -74,11 +72,14 @@ public slots:
 
 private:
     void initSocket();
+    void replaceSocket();
     void onConnected();
     void resetReceiving();
-    void receive(const QDeadlineTimer& deadline);
+    void receive();
+    void reportEnd();
     void takeAvailable();
     qsizetype bytesWaiting() const { return buffer_.size() - consumed_; }
+    bool hasMoreToRead() const { return bytesWaiting() > 0 || socket_->bytesAvailable() > 0; }
     std::optional<eventData> nextFrame();
     qint32 onReadHeader();
     void skipOversized();
@@ -95,6 +96,8 @@ private:
 
     qint64 bytesToSkip_ = 0; // what is left of a frame that is too long to be stored
     bool closing_ = false;   // by disconnect(): whatever still arrives is of no interest
+    bool reading_ = false;
+    bool ended_ = false; // the connection is gone, which is told once its last event was
     int emitting_ = 0;
     QTimer resumeTimer_; // continues a long read after the event loop had its turn
 };

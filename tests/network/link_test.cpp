@@ -50,13 +50,16 @@ private slots:
     void lostAndConnectedAgain_data();
     void lostAndConnectedAgain();
     void disconnectAndConnectAgain();
+    void reconnectFromTheSignal_data();
     void reconnectFromTheSignal();
     void receiverDestroysTheClient();
+    void receiverOfTheEndDestroysTheClient();
     void withoutReceiver();
 
     void serverKnowsItsCompanions();
     void serverIsDestroyedByItsReceiver();
     void serverCloses();
+    void serverIsDestroyedWhileItCloses();
     void serverLetsGoWhoDoesNotRead();
 
 private:
@@ -187,20 +190,28 @@ void LinkTest::disconnectAndConnectAgain() {
     QTRY_COMPARE(companion.events.size(), 1U);
 }
 
+void LinkTest::reconnectFromTheSignal_data() {
+    QTest::addColumn<Qt::ConnectionType>("connection");
+    QTest::newRow("within") << Qt::DirectConnection;
+    QTest::newRow("afterwards") << Qt::QueuedConnection;
+}
+
 void LinkTest::reconnectFromTheSignal() {
+    QFETCH(Qt::ConnectionType, connection);
     FakeProducer producer;
     QVERIFY(producer.listen());
     Companion companion;
     connect(
         &companion.client, &CompanionClient::disconnected, this,
-        [&] { QVERIFY(companion.client.connectToServer(kHost, producer.port())); },
-        Qt::QueuedConnection);
+        [&] { QVERIFY(companion.client.connectToServer(kHost, producer.port())); }, connection);
     QVERIFY(companion.client.connectToServer(kHost, producer.port()));
     QTRY_COMPARE(producer.connectionCount(), 1);
-    producer.abortConnections();
-    QTRY_COMPARE(producer.acceptedCount(), 2);
-    producer.send(MsgEvent("again"));
-    QTRY_COMPARE(companion.events.size(), 1U);
+    for (std::size_t round = 1; round <= 2; ++round) {
+        producer.abortConnections();
+        QTRY_COMPARE(producer.acceptedCount(), int(round) + 1);
+        producer.send(MsgEvent("again"));
+        QTRY_COMPARE(companion.events.size(), round);
+    }
     disconnect(&companion.client, nullptr, this, nullptr);
 }
 
@@ -218,6 +229,16 @@ void LinkTest::receiverDestroysTheClient() {
     producer.sendRaw(press + press + press);
     QTRY_VERIFY(!client);
     QTRY_COMPARE(producer.connectionCount(), 0);
+}
+
+void LinkTest::receiverOfTheEndDestroysTheClient() {
+    FakeProducer producer;
+    QVERIFY(producer.listen());
+    auto client = std::make_unique<CompanionClient>(nullptr);
+    connect(client.get(), &CompanionClient::disconnected, this, [&] { client.reset(); });
+    QVERIFY(client->connectToServer(kHost, producer.port()));
+    QVERIFY(client->disconnectFromServer());
+    QVERIFY(!client);
 }
 
 void LinkTest::withoutReceiver() {
@@ -337,6 +358,19 @@ void LinkTest::serverCloses() {
     QVERIFY(first.client.connectToServer(kHost, port));
 }
 
+void LinkTest::serverIsDestroyedWhileItCloses() {
+    auto server = std::make_unique<CompanionServer>(nullptr);
+    connect(server.get(), &CompanionServer::companionDisconnected, this, [&] { server.reset(); });
+    QVERIFY(server->listen(QHostAddress::LocalHost, 0));
+    Companion first, second;
+    QVERIFY(first.client.connectToServer(kHost, server->port()));
+    QVERIFY(second.client.connectToServer(kHost, server->port()));
+    QTRY_COMPARE(server->companionIds().size(), 2);
+    server->close();
+    QVERIFY(!server);
+    QTRY_VERIFY(first.lost.size() == 1 && second.lost.size() == 1);
+}
+
 void LinkTest::serverLetsGoWhoDoesNotRead() {
     CompanionServer server(nullptr);
     QSignalSpy disconnected(&server, &CompanionServer::companionDisconnected);
@@ -352,11 +386,13 @@ void LinkTest::serverLetsGoWhoDoesNotRead() {
     ItemDataEvent large;
     for (unsigned int i = 0; i < 50'000; ++i)
         large.addScreenMovePointEvent({1, 2, "Wall", i, 0, 0, 0, true, false});
-    messages_->expect(QtWarningMsg, "Companion 1 does not read what it is sent, disconnected");
+    // On a slow machine the system gives the connection up before that much has piled up.
+    messages_->allow(
+        QRegularExpression("^Companion 1 does not read what it is sent, disconnected$"));
     for (std::size_t sent = 1; disconnected.isEmpty(); ++sent) {
         QVERIFY2(sent * std::size_t(large.getSize()) < 2 * Limits::kMaxUnsentBytes, "never");
         server.sendToAll(large);
-        QTRY_COMPARE(reading.events.size(), sent);
+        QTRY_COMPARE_WITH_TIMEOUT(reading.events.size(), sent, 30'000);
         reading.events.back().reset();
     }
     QCOMPARE(server.companionIds(), QList<int>({2}));
