@@ -41,7 +41,6 @@ using MeshpadTest::FakeProducer;
 namespace {
 
 const QHostAddress kProducerAddress(QStringLiteral("10.77.0.1")); // this test's virtual interface
-constexpr int kReconnectTimeout = 30'000; // ms; a first packet that is lost costs seconds
 constexpr quint16 kProducerPort = 62330;
 
 class KeyRecorder : public KeyEventListener {
@@ -369,7 +368,7 @@ void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
         QVERIFY(shows<QuickKeysPage>());
 
         startProducer();
-        QTRY_VERIFY_WITH_TIMEOUT(client().isConnected(), kReconnectTimeout);
+        QTRY_VERIFY(client().isConnected());
         QVERIFY(overlay() == nullptr);
         QTRY_VERIFY(producer_->events().size() == 2);
         QVERIFY(*producer_->events()[0] == MsgEvent("getResources"));
@@ -388,7 +387,7 @@ void TestGuiCompanion::aFailedReconnectionIsTriedAgain() {
     QVERIFY(shows<WarpPage>());
     producer_->forget();
     QVERIFY(producer_->listen(kProducerAddress, kProducerPort));
-    QTRY_VERIFY_WITH_TIMEOUT(client().isConnected(), kReconnectTimeout);
+    QTRY_VERIFY(client().isConnected());
     QTRY_VERIFY(producer_->events().size() == 2);
 }
 
@@ -406,7 +405,7 @@ void TestGuiCompanion::aConnectionThatBreaksAtOnceIsALoss() {
     QVERIFY(shows<WarpPage>());
     producer_->disconnect();
     startProducer();
-    QTRY_VERIFY_WITH_TIMEOUT(client().isConnected(), kReconnectTimeout);
+    QTRY_VERIFY(client().isConnected());
     QVERIFY(overlay() == nullptr);
 }
 
@@ -447,7 +446,7 @@ void TestGuiCompanion::theOperatorsDisconnectIsForGood() {
     connectByHand();
     loseConnection();
     startProducer();
-    QTRY_VERIFY_WITH_TIMEOUT(client().isConnected(), kReconnectTimeout);
+    QTRY_VERIFY(client().isConnected());
 }
 
 void TestGuiCompanion::theWindowMayGoInAnyState_data() {
