@@ -23,8 +23,9 @@ constexpr QByteArrayView kGiveClient = "GiveClient";
 constexpr qint64 kLongestWord =
     std::max({kPingServers.size(), kPingReceived.size(), kGetClients.size(), kGiveClient.size()});
 
-// Datagrams taken from a socket at a time; further ones wait for the next turn of the event loop.
-constexpr int kDatagramsPerTurn = 1024;
+// Datagrams taken from a socket at a time, each of which may become a button of the window; further
+// ones wait for the next turn of the event loop.
+constexpr int kDatagramsPerTurn = 16;
 
 bool isUsable(const QHostAddress& address) {
     static const QPair<QHostAddress, int> linkLocal = QHostAddress::parseSubnet("169.254.0.0/16");
@@ -179,7 +180,7 @@ QUdpSocket* NetworkUtils::newSocket() {
     return socket;
 }
 
-bool NetworkUtils::bindSocket(QUdpSocket* socket, const QHostAddress& address) {
+bool NetworkUtils::bindSocket(QUdpSocket* socket, const QHostAddress& address) const {
     return socket->bind(address, localPort_, QAbstractSocket::ReuseAddressHint);
 }
 
@@ -190,8 +191,8 @@ void NetworkUtils::send(QUdpSocket* socket, QByteArrayView word,
 
 void NetworkUtils::onReadyRead() {
     struct Datagram {
-        std::array<char, kLongestWord + 1> data;
-        qint64 size;
+        std::array<char, kLongestWord + 1> data{};
+        qint64 size = 0;
         QHostAddress sender;
     };
     // First taken, then acted on: a slot of a signal may change the sockets or delete this object.

@@ -90,7 +90,7 @@ private:
     void addClientNewSockets(const QList<QHostAddress>& addresses);
     void followBroadcasts();
     QUdpSocket* newSocket();
-    bool bindSocket(QUdpSocket* socket, const QHostAddress& address);
+    bool bindSocket(QUdpSocket* socket, const QHostAddress& address) const;
     void send(QUdpSocket* socket, QByteArrayView word, const QHostAddress& receiver) const;
 
     const quint16 localPort_;

@@ -13,6 +13,7 @@
 #include <QtEndian>
 
 #include <cstring>
+#include <utility>
 
 namespace NetworkCompanion {
 
@@ -60,8 +61,10 @@ TCPTransportSocket::TCPTransportSocket(int socketId, QTcpSocket* socket, QObject
 
 TCPTransportSocket::~TCPTransportSocket() {
     QObject::disconnect(socket_, nullptr, this, nullptr);
-    if (state() == Connected)
+    if (state() == Connected) {
+        sendWaiting();
         socket_->flush();
+    }
     if (emitting_ > 0) {
         // A socket may be in the middle of its own signal: it has to outlive this object.
         for (QTcpSocket* socket : findChildren<QTcpSocket*>()) {
@@ -104,6 +107,7 @@ bool TCPTransportSocket::tryToConnect(const QUrl& url) {
             return false;
         url_ = url;
         resetReceiving();
+        waiting_.clear();
         closing_ = false;
         ended_ = false;
     }
@@ -141,6 +145,7 @@ void TCPTransportSocket::disconnect() {
     }
     // The signals that this causes must find the mutex free.
     const QPointer<TCPTransportSocket> alive(this);
+    sendWaiting();
     socket_->flush();
     if (alive)
         socket_->disconnectFromHost();
@@ -179,7 +184,17 @@ bool TCPTransportSocket::write(Event& event) {
         return false;
     const LV_NTC_Header header{static_cast<std::uint32_t>(event.getSize()), event.type()};
     const QByteArray message = LVNtc::serializeWithLength(header, event);
+    // The socket hands what it is given to the system piece by piece, one a turn of the event loop.
+    if (socket_->bytesToWrite() > 0) {
+        waiting_.append(message);
+        return true;
+    }
     return socket_->write(message) == message.size();
+}
+
+void TCPTransportSocket::sendWaiting() {
+    if (!waiting_.isEmpty())
+        socket_->write(std::exchange(waiting_, {}));
 }
 
 int TCPTransportSocket::state() const {
@@ -226,6 +241,10 @@ void TCPTransportSocket::reportEnd() {
 void TCPTransportSocket::onBytesWritten(qint64 sizeWritten) {
     if (sizeWritten == 0)
         qWarning("Error when sent an event, no data was send");
+    if (socket_->bytesToWrite() == 0 && !waiting_.isEmpty()) {
+        sendWaiting();
+        socket_->flush(); // what else is due, a frame for instance, may take a while
+    }
 }
 
 void TCPTransportSocket::onReadyRead() {
@@ -287,7 +306,7 @@ void TCPTransportSocket::takeAvailable() {
                      static_cast<std::size_t>(left));
         buffer_.truncate(left);
         consumed_ = 0;
-        if (left == 0 && buffer_.capacity() > 4 * kReadAhead)
+        if (left == 0 && buffer_.capacity() > qsizetype{4} * kReadAhead)
             buffer_.clear();
     }
     while (const qint64 available = socket_->bytesAvailable()) {

@@ -44,8 +44,8 @@ public:
     /// Events are received between these two only; what came meanwhile waits for the first.
     void startReading();
     void stopReading();
-    /// Sends the event in one write that is neither awaited nor flushed. False, without a word,
-    /// when not connected.
+    /// Sends the event in one write that is neither awaited nor flushed; events that are written
+    /// while others are on their way leave together. False, without a word, when not connected.
     bool write(Event& event);
 
     int state() const;
@@ -57,7 +57,7 @@ public:
     QUrl url() const { return url_; }
     QHostAddress peerAddress() const { return socket_->peerAddress(); }
     /// Bytes written that the operating system has not taken yet.
-    qint64 unsentBytes() const { return socket_->bytesToWrite(); }
+    qint64 unsentBytes() const { return socket_->bytesToWrite() + waiting_.size(); }
 
 signals:
     /// One frame arrived; its event is null when it was none. The receiver owns the event. Without
@@ -74,6 +74,7 @@ private:
     void initSocket();
     void replaceSocket();
     void onConnected();
+    void sendWaiting();
     void resetReceiving();
     void receive();
     void reportEnd();
@@ -89,6 +90,7 @@ private:
     int socketId_ = -1;
     bool waitingForLength_ = true;
     QTcpSocket* socket_; // a child
+    QByteArray waiting_; // frames for when the socket has sent what it has
     QByteArray buffer_;
     qsizetype consumed_ = 0; // bytes at the buffer's front that are done with
     qint32 expectedLength_ = 0;
