@@ -416,10 +416,10 @@ void Canvas::newCurveDeformation(int rowNumber, int colNumber, bool resetXY) {
 }
 
 void Canvas::initializeDeformation(LV_NTC_DeformationType type, int rows, int cols, bool reset) {
+    updateProducer(); // what was moved before is told before
     if (currentItem_ == nullptr) {
         return;
     }
-    updateProducer(); // what was moved before is told before
     const QByteArray name = currentItem_->name().toUtf8();
     const unsigned int id = wireNumber(currentItem_->id());
     const unsigned int dataIndex = wireNumber(currentItem_->dataIndex());

@@ -161,17 +161,17 @@ private:
         bool xy, selected;
     };
     struct CuePointData {
-        unsigned int cueId;
-        unsigned int elementId;
+        unsigned int cueId = 0;
+        unsigned int elementId = 0;
         PointState point;
     };
     struct ScreenPointData {
-        unsigned int screenId;
+        unsigned int screenId = 0;
         PointState point;
     };
     struct ScreenPartPointData {
-        unsigned int screenId;
-        unsigned int screenPartId;
+        unsigned int screenId = 0;
+        unsigned int screenPartId = 0;
         PointState point;
     };
 

@@ -93,8 +93,8 @@ bool isBuildable(const DeformationEvent& event) {
     };
     switch (event.deformationType()) {
     case LV_NTC_DeformationType::None:
+    case LV_NTC_DeformationType::Keystone: // its size is known
         return true;
-    case LV_NTC_DeformationType::Keystone:
     case LV_NTC_DeformationType::Bezier:
     case LV_NTC_DeformationType::Curve:
         if (isGridSize(event.rows()) && isGridSize(event.columns())) {
@@ -914,7 +914,9 @@ void MediaList::notified(QKeyEvent* keyEvent) {
         onAction(Action::SELECT_PREVIOUS_SCREEN);
         break;
     case Qt::Key_Space:
-        onAction(Action::TOGGLE_BLIND);
+        if (!keyEvent->isAutoRepeat()) { // held, it would make the output flicker
+            onAction(Action::TOGGLE_BLIND);
+        }
         break;
     default:
         return;

@@ -70,6 +70,27 @@ void MediaListContainer::initMediaList() {
     connect(list, &MediaList::emitKeyEvent, this, &Container::onEmitKeyEvent);
     connect(this, &Container::keyEvent, mediaList_, &MediaList::notified);
     connect(this, &Container::action, mediaList_, &MediaList::onAction);
+
+    connect(list, &MediaList::mediaItemAdded, this, &Container::searchAgain);
+    connect(list, &MediaList::textureItemAdded, this, &Container::searchAgain);
+    connect(list, &MediaList::screenItemAdded, this, &Container::searchAgain);
+    connect(list, &MediaList::screenPartItemAdded, this, &Container::searchAgain);
+    connect(list, &MediaList::screenMode, this, &Container::searchAgain);
+    connect(list, &MediaList::itemRemoved, this, &Container::searchAgain);
+}
+
+/// Once for all rows that come and go in a turn of the event loop: the search box tells whether
+/// anything is found.
+void MediaListContainer::searchAgain() {
+    if (isSearchDue_ || searchBox_->text().isEmpty()) {
+        return;
+    }
+    isSearchDue_ = true;
+    const auto search = [this] {
+        isSearchDue_ = false;
+        onSearchTextChanged(searchBox_->text());
+    };
+    QMetaObject::invokeMethod(this, search, Qt::QueuedConnection);
 }
 
 void MediaListContainer::notified(QKeyEvent* keyEvent) {

@@ -101,9 +101,11 @@ signals:
 private:
     void initControls();
     void initMediaList();
+    void searchAgain();
 
     const Configuration& configuration_;
     QLineEdit* searchBox_;
     QCheckBox* screenCheckBox_;
     MediaList* mediaList_;
+    bool isSearchDue_ = false; // rows came or went since the last search
 };

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
+#include <vector>
 
 namespace {
 
@@ -91,6 +93,28 @@ MeshAtlas::MeshAtlas(const MeshStyle& style, double devicePixelRatio) {
             top += rowHeight;
         }
     }
+}
+
+std::shared_ptr<const MeshAtlas> MeshAtlas::shared(const MeshStyle& style,
+                                                   double devicePixelRatio) {
+    struct Known {
+        MeshStyle style;
+        double devicePixelRatio;
+        std::weak_ptr<const MeshAtlas> atlas;
+    };
+    static std::mutex mutex;
+    static std::vector<Known> known;
+    const std::scoped_lock lock(mutex);
+    std::erase_if(known, [](const Known& each) { return each.atlas.expired(); });
+    for (const Known& each : known) {
+        if (each.style == style && each.devicePixelRatio == devicePixelRatio) {
+            if (auto atlas = each.atlas.lock())
+                return atlas;
+        }
+    }
+    auto atlas = std::make_shared<const MeshAtlas>(style, devicePixelRatio);
+    known.push_back({style, devicePixelRatio, atlas});
+    return atlas;
 }
 
 const MeshAtlas::Part& MeshAtlas::digit(MeshPoint::State state, int digits, int value) const {

@@ -8,6 +8,7 @@
 #include <QRectF>
 
 #include <array>
+#include <memory>
 
 /// How points and lines of a mesh look. Lengths are in device-independent pixels of the screen.
 struct MeshStyle {
@@ -15,6 +16,8 @@ struct MeshStyle {
         QColor fill;
         QColor border;
         QColor text;
+
+        friend bool operator==(const Colors&, const Colors&) = default;
     };
     std::array<Colors, 3> states; ///< by MeshPoint::State
     double pointDiameter = 20;
@@ -22,6 +25,8 @@ struct MeshStyle {
     double lineThickness = 2;
     QColor lineColor;
     QFont font;
+
+    friend bool operator==(const MeshStyle&, const MeshStyle&) = default;
 };
 
 /// One picture with everything a mesh is drawn from: a circle for each state of a point, the cross
@@ -38,6 +43,9 @@ public:
 
     MeshAtlas() = default;
     MeshAtlas(const MeshStyle& style, double devicePixelRatio);
+    /// The same one for all who ask for the same look while anybody has it: a show has thousands of
+    /// meshes. From any thread.
+    static std::shared_ptr<const MeshAtlas> shared(const MeshStyle& style, double devicePixelRatio);
 
     bool isNull() const { return image_.isNull(); }
     const QImage& image() const { return image_; }

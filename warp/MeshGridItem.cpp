@@ -1,8 +1,9 @@
 #include "warp/MeshGridItem.h"
 
+#include "warp/MeshOcclusion.h"
+
 #include <QGuiApplication>
 #include <QQuickWindow>
-#include <QSet>
 #include <QTransform>
 #include <QtMath>
 
@@ -13,12 +14,6 @@
 namespace {
 
 constexpr double kUnbounded = std::numeric_limits<double>::max();
-
-/// The number of a cell along one axis; all that lies absurdly far out shares the outermost one.
-qint64 cellOf(double place) {
-    constexpr double kOutermost = 1e15;
-    return static_cast<qint64>(std::floor(qBound(-kOutermost, place, kOutermost)));
-}
 
 } // namespace
 
@@ -54,6 +49,7 @@ void MeshGridItem::addPoint(MeshPoint* point, int number, double x, double y, do
     points_.push_back(point);
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): the points are part of the grid
 void MeshGridItem::placePoint(int number, double x, double y) {
     if (MeshPoint* moved = point(number))
         moved->place(x, y);
@@ -176,7 +172,7 @@ MeshPicture MeshGridItem::picture() const {
     result.points.reserve(points_.size());
     const auto add = [&result](const MeshPoint& point) {
         result.points.push_back({QPointF(point.x(), point.y()), point.viewingRotation(),
-                                 point.pointNum(), true, point.selection()});
+                                 point.pointNum(), true, point.selection(), MeshPicture::kAll});
     };
     for (const MeshPoint* point : points_) {
         if (point->selection() == MeshPoint::State::Current)
@@ -191,26 +187,18 @@ MeshPicture MeshGridItem::picture() const {
     const double turn = qRadiansToDegrees(std::atan2(toScreen.m12(), toScreen.m11()));
     result.upright = std::abs(std::remainder(turn + result.points.front().rotation, 360)) < 1e-6;
 
-    // From the top down: a number that a point lies on cannot be read, so it is left out.
-    const double half = pointDiameter_ / 2 / zoom_;
-    QSet<std::pair<qint64, qint64>> taken; // cells with the middle of a point in them
-    taken.reserve(static_cast<qsizetype>(points_.size()));
-    for (auto point = result.points.rbegin(); point != result.points.rend(); ++point) {
-        const auto column = cellOf(point->position.x() / half);
-        const auto row = cellOf(point->position.y() / half);
-        point->isNumberSeen = !taken.contains({column, row});
-        taken.insert({column, row});
-    }
+    leaveOutHidden(result, pointDiameter_);
     return result;
 }
 
 QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
-    if (points_.empty()) {
+    // Of a show's meshes one is looked at; the others need nothing to be drawn with.
+    if (points_.empty() || !isVisible()) {
         delete old;
         return nullptr;
     }
     if (styleDirty_ || !atlas_) {
-        atlas_ = std::make_shared<const MeshAtlas>(style(), window()->effectiveDevicePixelRatio());
+        atlas_ = MeshAtlas::shared(style(), window()->effectiveDevicePixelRatio());
         styleDirty_ = false;
     }
     MeshNode* node = old ? MeshNode::from(old) : MeshNode::create(window());
@@ -221,6 +209,8 @@ QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
 void MeshGridItem::itemChange(ItemChange change, const ItemChangeData& data) {
     if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) {
         styleDirty_ = true;
+        update();
+    } else if (change == ItemVisibleHasChanged) {
         update();
     }
     QQuickItem::itemChange(change, data);

@@ -16,7 +16,7 @@ namespace {
 /// centre in pixels of the screen, unturned.
 template <typename Draw>
 void forEachDigit(const MeshAtlas& atlas, MeshPoint::State state, int number, Draw draw) {
-    std::array<int, 10> values;
+    std::array<int, 10> values{};
     int digits = 0;
     do {
         values[static_cast<std::size_t>(digits++)] = number % 10;
@@ -150,10 +150,27 @@ private:
                 sprites_->quad(middle - x - y, middle + x - y, middle - x + y, middle + x + y,
                                part.texture);
             };
-            sprite(atlas_->circle(point.state), QPointF());
+            drawCircle(atlas_->circle(point.state), position, right, down, point.seen);
             if (point.isNumberSeen)
                 forEachDigit(*atlas_, point.state, point.number, sprite);
         }
+    }
+
+    /// What is seen of a circle; `right` and `down` are as long as a pixel.
+    void drawCircle(const MeshAtlas::Part& circle, const QPointF& centre, const QPointF& right,
+                    const QPointF& down, const QRectF& seen) {
+        const QSizeF size = circle.size;
+        const QRectF square(QPointF(-size.width() / 2, -size.height() / 2), size);
+        const QRectF part = seen & square;
+        const auto corner = [&](double x, double y) { return centre + right * x + down * y; };
+        const double u = circle.texture.width() / size.width();
+        const double v = circle.texture.height() / size.height();
+        const QRectF texture(circle.texture.x() + (part.x() - square.x()) * u,
+                             circle.texture.y() + (part.y() - square.y()) * v, part.width() * u,
+                             part.height() * v);
+        sprites_->quad(corner(part.left(), part.top()), corner(part.right(), part.top()),
+                       corner(part.left(), part.bottom()), corner(part.right(), part.bottom()),
+                       texture);
     }
 
     static constexpr double kOffMiddle = 1.0 / 64;

@@ -13,12 +13,17 @@ class QQuickWindow;
 /// Everything that the drawing of a mesh needs to know, copied out of the mesh so that it can be
 /// drawn on another thread.
 struct MeshPicture {
+    static constexpr QRectF kAll{-1e3, -1e3, 2e3, 2e3};
+
     struct Point {
         QPointF position;
-        double rotation; ///< of the number, degrees
-        int number;
-        bool isNumberSeen; ///< false where other points lie on it
-        MeshPoint::State state;
+        double rotation = 0; ///< of the number, degrees
+        int number = 0;
+        bool isNumberSeen = true; ///< false where other points lie on it
+        MeshPoint::State state = MeshPoint::State::Unselected;
+        /// What is seen of its square, from the point's centre in pixels of the screen, unturned;
+        /// the rest lies under other points.
+        QRectF seen = kAll;
     };
     std::vector<QLineF> lines;
     std::vector<Point> points; ///< later ones lie above earlier ones

@@ -1,8 +1,10 @@
 #include "warp/MeshPointerArea.h"
 
 #include <QCursor>
+#include <QGuiApplication>
 #include <QLineF>
 #include <QMouseEvent>
+#include <QStyleHints>
 #include <QTimerEvent>
 #include <QTouchEvent>
 #include <QWheelEvent>
@@ -36,18 +38,36 @@ void MeshPointerArea::endGesture() {
     releasePoint();
 }
 
+void MeshPointerArea::ignoreSecondTap() {
+    firstTapTime_.start();
+}
+
 int MeshPointerArea::movablePointAt(const QPointF& position, double reach) const {
     if (!grid_ || !grid_->isVisible() || !grid_->pointsMovable())
         return -1;
     return grid_->pointAt(mapToItem(grid_, position), reach);
 }
 
+bool MeshPointerArea::isSecondTap() const {
+    return firstTapTime_.isValid() &&
+           firstTapTime_.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval();
+}
+
+void MeshPointerArea::takeOffset() {
+    const MeshPoint* point = grid_->point(draggedPoint_);
+    if (!point)
+        return;
+    grabOffset_ = QPointF(point->x(), point->y()) - mapToItem(grid_, lastPosition_);
+    grabView_ = grid_->itemTransform(this, nullptr);
+}
+
 void MeshPointerArea::holdPoint(int pointId, const QPointF& position, bool control) {
     const MeshPoint* point = grid_->point(pointId);
-    grabOffset_ = QPointF(point->x(), point->y()) - mapToItem(grid_, position);
     pointStart_ = QPointF(point->x(), point->y());
     gesture_ = Gesture::Drag;
     draggedPoint_ = pointId;
+    lastPosition_ = position;
+    takeOffset();
     emit draggingChanged();
     emit pointPressed(pointId, control);
 }
@@ -55,6 +75,9 @@ void MeshPointerArea::holdPoint(int pointId, const QPointF& position, bool contr
 void MeshPointerArea::dragPointTo(const QPointF& position) {
     if (!grid_ || draggedPoint_ < 0)
         return;
+    if (grid_->itemTransform(this, nullptr) != grabView_)
+        takeOffset(); // turning or zooming the view moves no point
+    lastPosition_ = position;
     const QPointF target = grid_->boundedForDrag(mapToItem(grid_, position) + grabOffset_);
     emit pointDragged(draggedPoint_, target.x(), target.y());
 }
@@ -81,13 +104,15 @@ void MeshPointerArea::finish() {
 
 void MeshPointerArea::mousePressEvent(QMouseEvent* event) {
     finish();
+    event->accept();
+    if (isSecondTap())
+        return;
     lastPosition_ = event->position();
     const int point = movablePointAt(event->position(), 0);
     if (point >= 0)
         holdPoint(point, event->position(), event->modifiers().testFlag(Qt::ControlModifier));
     else
         gesture_ = Gesture::Pan;
-    event->accept();
 }
 
 void MeshPointerArea::mouseMoveEvent(QMouseEvent* event) {
@@ -121,7 +146,9 @@ void MeshPointerArea::touchEvent(QTouchEvent* event) {
         return;
     }
     bool pressed = false;
+    bool released = false;
     for (const QEventPoint& point : event->points()) {
+        released = released || point.state() == QEventPoint::Released;
         if (point.state() == QEventPoint::Released)
             fingers_.remove(point.id());
         else if (point.state() != QEventPoint::Stationary || !fingers_.contains(point.id()))
@@ -138,8 +165,8 @@ void MeshPointerArea::touchEvent(QTouchEvent* event) {
             beginTouch(down.first(), event->modifiers().testFlag(Qt::ControlModifier));
         else
             continueTouch(down.first());
-    } else if (pressed) {
-        beginPinch(down.at(0), down.at(1));
+    } else if (pressed || (released && gesture_ == Gesture::Pinch)) {
+        beginPinch(down.at(0), down.at(1)); // of what may be another two
     } else if (gesture_ == Gesture::Pinch) {
         continuePinch(down.at(0), down.at(1));
     }
@@ -147,6 +174,8 @@ void MeshPointerArea::touchEvent(QTouchEvent* event) {
 
 void MeshPointerArea::beginTouch(const QPointF& position, bool control) {
     finish();
+    if (isSecondTap())
+        return;
     touchTime_.start();
     touchStart_ = lastPosition_ = position;
     moved_ = false;

@@ -7,6 +7,7 @@
 #include <QMap>
 #include <QPointer>
 #include <QQuickItem>
+#include <QTransform>
 #include <QtQmlIntegration>
 
 #include <optional>
@@ -35,6 +36,9 @@ public:
 
     /// Lets go of whatever is held; the pointers that are down do nothing until they are lifted.
     Q_INVOKABLE void endGesture();
+    /// For the time of a double click no press is taken: what was tapped is gone, and a second tap
+    /// was not meant for what lies behind.
+    Q_INVOKABLE void ignoreSecondTap();
 
 signals:
     void gridChanged();
@@ -69,6 +73,8 @@ private:
     enum class Gesture { None, Undecided, Drag, Pan, Pinch };
 
     int movablePointAt(const QPointF& position, double reach) const;
+    bool isSecondTap() const;
+    void takeOffset();
     void holdPoint(int pointId, const QPointF& position, bool control);
     void dragPointTo(const QPointF& position);
     void releasePoint();
@@ -85,11 +91,13 @@ private:
     Gesture gesture_ = Gesture::None;
     int draggedPoint_ = -1;
     QPointF grabOffset_;     // from the pointer to the point, in the mesh
+    QTransform grabView_;    // of the mesh, at that moment
     QPointF lastPosition_;   // of the pointer, or between two fingers
     double lastSpan_ = 0;    // between two fingers
     int notchRemainder_ = 0; // of the wheel, in eighths of a degree
 
     QMap<int, QPointF> fingers_; // that are down, by their ids
+    QElapsedTimer firstTapTime_;
 
     // A finger that has not decided yet.
     int candidate_ = -1;

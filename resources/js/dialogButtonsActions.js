@@ -19,9 +19,9 @@ function counts(smallest, largest) {
     return list;
 }
 
-// A count that the list does not hold stands for the nearest one it does.
-function indexOfCount(count, smallest, largest) {
-    return count < smallest ? 0 : Math.min(count, largest) - smallest;
+// Where a count stands in the list; one that is too small stands for the first.
+function indexOfCount(count, smallest) {
+    return Math.max(Math.floor(count) - smallest, 0);
 }
 
 function hasCounts(deformationType) {
@@ -38,7 +38,9 @@ function connectButton(scene, button) {
         break;
     default:
         console.log("Dialog button connect error!");
+        return;
     }
+    button.clicked.connect(() => scene.pointerArea.ignoreSecondTap());
 }
 
 // Asks the Producer for what the dialog shows.

@@ -70,9 +70,15 @@ function handlerOf(type) {
     case "warpToolBarButton":
         return warpToolBarButtonClicked;
     case "rotationButton":
-        return (scene, buttonId) => scene.rotationDialog.selectView(buttonId);
+        return (scene, buttonId) => {
+            scene.rotationDialog.selectView(buttonId);
+            scene.pointerArea.ignoreSecondTap();
+        };
     case "closeButton":
-        return scene => scene.rotationDialog.close();
+        return scene => {
+            scene.rotationDialog.close();
+            scene.pointerArea.ignoreSecondTap();
+        };
     default:
         return null;
     }

@@ -23,6 +23,7 @@ DialogFrame {
         curveBox.currentIndex = deformationType;
         fillLists();
         visible = true;
+        curveBox.forceActiveFocus();
     }
 
     // The closed dialog holds values that no item has, so that the next opening refreshes every field.
@@ -36,12 +37,15 @@ DialogFrame {
 
     function fillLists() {
         const type = curveBox.currentIndex; // chosenMode may still be that of before
-        const smallestColumns = DialogButtonsActions.smallestCount(type, curveMinCols);
-        const smallestRows = DialogButtonsActions.smallestCount(type, curveMinRows);
-        columnsBox.model = DialogButtonsActions.counts(smallestColumns, curveMaxCols);
-        columnsBox.currentIndex = DialogButtonsActions.indexOfCount(columnsNumber, smallestColumns, curveMaxCols);
-        rowsBox.model = DialogButtonsActions.counts(smallestRows, curveMaxRows);
-        rowsBox.currentIndex = DialogButtonsActions.indexOfCount(rowsNumber, smallestRows, curveMaxRows);
+        fillList(columnsBox, DialogButtonsActions.smallestCount(type, curveMinCols), curveMaxCols, columnsNumber);
+        fillList(rowsBox, DialogButtonsActions.smallestCount(type, curveMinRows), curveMaxRows, rowsNumber);
+    }
+
+    // A mesh that is larger than what can be chosen is still shown as it is.
+    function fillList(box, smallest, largest, count) {
+        const shown = curveBox.currentIndex === mode ? count : Math.min(count, largest);
+        box.model = DialogButtonsActions.counts(smallest, Math.max(largest, shown));
+        box.currentIndex = DialogButtonsActions.indexOfCount(shown, smallest);
     }
 
     title: "Configuration"

@@ -106,7 +106,10 @@ Item {
         hoverEnabled: true
         onClicked: button.clicked()
         onPressed: forgetToolTip()
-        onPressAndHold: button.scene.toolTip.showFor(button, button.toolTip, 0)
+        onPressAndHold: mouse => {
+            button.scene.toolTip.showFor(button, button.toolTip, 0);
+            mouse.accepted = mouse.source !== Qt.MouseEventNotSynthesized; // a finger asks, a mouse only is slow
+        }
         onContainsMouseChanged: {
             if (containsMouse)
                 button.scene.toolTip.showFor(button, button.toolTip, Theme.toolTipDelay);
