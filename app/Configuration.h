@@ -193,6 +193,7 @@ inline constexpr int kPatternColumns = 4;
 inline constexpr int kPatternRadius = 5;
 inline constexpr int kPatternTextHeight = 28;
 inline constexpr int kPatternPenWidth = 2;
+inline constexpr char kHoverColor[] = "#6a6a6a"; ///< of a pattern's border under the pointer
 inline constexpr char kActivePatternDescription[] = "Shown on the outputs";
 
 inline constexpr QSize kSmallestQuickKey{72, 48}; ///< a finger still hits it; larger grids scroll
@@ -217,6 +218,7 @@ inline constexpr char kPageSpinBox[] =
     "url(:/img/arrow-left-hover) 1;}QSpinBox::down-button:pressed {border-image: "
     "url(:/img/arrow-left-pressed) 1;}";
 
+inline constexpr double kSettingsFontScale = 4.0 / 3; ///< of the usual font, for arm's length
 inline constexpr int kSettingsMargin = 100;
 inline constexpr QSize kSettingsLargest{300, 250};
 inline constexpr int kSettingsHorizontalSpacing = 20;

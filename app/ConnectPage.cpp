@@ -4,6 +4,7 @@
 #include "app/EventDispatcher.h"
 #include "app/IPList.h"
 
+#include <QGuiApplication>
 #include <QPushButton>
 #include <QScrollArea>
 
@@ -104,6 +105,9 @@ void ConnectPage::onSelectedIpChanged(const QString& ip) {
 }
 
 void ConnectPage::onConnectToProducer() {
+    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
+        return; // a finger that slides off the button takes its press back
+    }
     const QString ip = ipList_->selectedIp();
     if (ip.isEmpty()) {
         return;

@@ -2,6 +2,7 @@
 
 #include "app/Configuration.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
@@ -44,6 +45,9 @@ void DisconnectOverlay::initOverlay() {
 }
 
 void DisconnectOverlay::onDisconnect() {
+    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
+        return; // a finger that slides off the button takes its press back
+    }
     emit disconnection();
 }
 

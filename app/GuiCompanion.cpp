@@ -8,6 +8,7 @@
 #include "input/key_event_manager.h"
 #include "network/MsgEvent.h"
 
+#include <QApplication>
 #include <QDebug>
 #include <QGuiApplication>
 #include <QIcon>
@@ -80,15 +81,17 @@ void GuiCompanion::initInput() {
             &ActionMapper::onButtonReleased);
     connect(&actionMapper_, &ActionMapper::action, content_.get(), &Content::onAction);
 
-    // The controller is read only while the application has the focus.
-    connect(qGuiApp, &QGuiApplication::applicationStateChanged, &gamepad_,
-            [this](Qt::ApplicationState state) {
-                if (state == Qt::ApplicationActive && !overlay_) {
-                    gamepad_.onFocusGained();
-                } else {
-                    gamepad_.onFocusLost();
-                }
-            });
+    // The controller is read only while the application has the focus, which a window that opens
+    // behind another one may not get.
+    const auto follow = [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive && !overlay_) {
+            gamepad_.onFocusGained();
+        } else {
+            gamepad_.onFocusLost();
+        }
+    };
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, &gamepad_, follow);
+    follow(QGuiApplication::applicationState());
 }
 
 void GuiCompanion::onConnectToServer(const QString& ip) {
@@ -146,6 +149,9 @@ void GuiCompanion::showOverlay() {
     connect(overlay_.get(), SIGNAL(disconnection()), this, SLOT(onDisconnectFromServer()));
     content_->lockCurrentPage();
     gamepad_.onFocusLost(); // nor does a controller reach what is under the veil
+    while (QWidget* popup = QApplication::activePopupWidget()) {
+        popup->close(); // an open list would stay above the veil
+    }
     focusBeforeOverlay_ = focusWidget();
     overlay_->show();
     overlay_->setFocus();

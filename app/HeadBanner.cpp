@@ -4,6 +4,7 @@
 #include "app/EventDispatcher.h"
 
 #include <QDebug>
+#include <QGuiApplication>
 #include <QImageReader>
 #include <QVBoxLayout>
 
@@ -161,6 +162,9 @@ void HeadBanner::detach(QWidget& widget) {
 }
 
 void HeadBanner::onDisconnectFromProducer() {
+    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
+        return; // a finger that slides off the button takes its press back
+    }
     emit disconnection();
 }
 

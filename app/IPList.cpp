@@ -37,7 +37,8 @@ void IPList::addIP(const QString& ip) {
     }
     const auto& button = buttons_.emplace_back(std::make_unique<QPushButton>(ip, this));
     button->setFixedSize(kAddressButtonSize);
-    button->setStyleSheet(QLatin1StringView(kAddressButtonOff));
+    button->setStyleSheet(
+        QLatin1StringView(ip == selectedIp_ ? kAddressButtonOn : kAddressButtonOff));
     button->setCursor(Qt::PointingHandCursor);
     connect(button.get(), &QPushButton::released, &mapper_, qOverload<>(&QSignalMapper::map));
     mapper_.setMapping(button.get(), ip);

@@ -1,5 +1,6 @@
 #include "app/Configuration.h"
 #include "app/GuiCompanion.h"
+#include "app/KeyRepeatFilter.h"
 #include "resources/CompanionResources.h"
 
 #include <QApplication>
@@ -20,6 +21,8 @@ int main(int argc, char** argv) {
         styleSheet.close();
     }
 
+    KeyRepeatFilter keyRepeats(nullptr);
+    application.installEventFilter(&keyRepeats);
     GuiCompanion window(nullptr);
     window.show();
     return QApplication::exec();
