@@ -5,6 +5,8 @@
 #include <SDL.h>
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 /// Controllers on Linux come from SDL's joysticks. What SDL tells is brought into the form in which
 /// DirectInput tells it: numbered inputs, positions from 0 to 65535, hats in hundredths of a
@@ -14,9 +16,15 @@ namespace {
 
 constexpr AnalogRange kAxisRange{0, 65535};
 constexpr std::uint32_t kFullDeadZone = 10000;
+constexpr std::size_t kSixAxes = 6;
+constexpr Sint16 kLowEnd = -32000; // as good as the lowest
 constexpr std::uint32_t kFirstUnmappedAxis = 24;
-constexpr int kSixAxes = 6;
 constexpr std::uint32_t kNoAxis = 0xFFFFFFFF;
+// As many as the standard joystick state has room for; what a device has beyond them is left out.
+constexpr int kMaxAxes = 8;
+constexpr int kMaxHats = 4;
+constexpr int kMaxButtons = 32;
+constexpr int kRetries = 5;
 constexpr std::chrono::milliseconds kLookPeriod{1000};
 constexpr int kEventsAtOnce = 64;
 
@@ -24,9 +32,26 @@ constexpr int kEventsAtOnce = 64;
 /// a pad in the order of their codes, which is left stick, left trigger, right stick, right
 /// trigger; what a pad lacks is left out. With four axes there are two sticks and no analog
 /// trigger, with three or five one axis stands for both triggers.
-std::vector<std::uint32_t> standardAxes(int count) {
+///
+/// With six axes some drivers have another order. A trigger that nobody touches is at its low end,
+/// a stick in the middle: `resting` says which axes are at their low end now.
+std::vector<std::uint32_t> standardAxes(int count, const std::array<bool, kSixAxes>& resting) {
     using namespace ControllerOffset;
-    switch (std::min(count, kSixAxes)) {
+    if (count >= static_cast<int>(kSixAxes) &&
+        std::count(resting.begin() + 2, resting.end(), true) == 2) {
+        std::vector<std::uint32_t> axes{kX, kY};
+        // Side by side at the end, the right one comes first.
+        const bool rightFirst = resting[4] && resting[5];
+        std::vector<std::uint32_t> triggers{rightFirst ? kRz : kZ, rightFirst ? kZ : kRz};
+        std::vector<std::uint32_t> stick{kRx, kRy};
+        for (std::size_t i = 2; i < resting.size(); ++i) {
+            std::vector<std::uint32_t>& next = resting[i] ? triggers : stick;
+            axes.push_back(next.front());
+            next.erase(next.begin());
+        }
+        return axes;
+    }
+    switch (count) {
     case 0:
         return {};
     case 1:
@@ -92,13 +117,17 @@ public:
         : joystick_(std::move(joystick)), id_(SDL_JoystickInstanceID(joystick_.get())) {}
 
     ControllerResult setDataFormat() override {
-        const std::vector<std::uint32_t> standard =
-            standardAxes(SDL_JoystickNumAxes(joystick_.get()));
+        const int count = SDL_JoystickNumAxes(joystick_.get());
+        SDL_JoystickUpdate();
+        std::array<bool, kSixAxes> resting{};
+        for (std::size_t i = 0; i < resting.size(); ++i)
+            resting[i] = SDL_JoystickGetAxis(joystick_.get(), static_cast<int>(i)) <= kLowEnd;
+        const std::vector<std::uint32_t> standard = standardAxes(count, resting);
         axes_.clear();
-        for (int i = 0; i < SDL_JoystickNumAxes(joystick_.get()); ++i) {
+        for (int i = 0; i < std::min(count, kMaxAxes); ++i) {
             const auto index = static_cast<std::size_t>(i);
             const std::uint32_t extra =
-                kFirstUnmappedAxis + 4 * static_cast<std::uint32_t>(i - kSixAxes);
+                kFirstUnmappedAxis + 4 * static_cast<std::uint32_t>(i - static_cast<int>(kSixAxes));
             axes_.push_back({index < standard.size() ? standard[index] : extra, 0, 0});
         }
         return ControllerResult::Ok;
@@ -197,7 +226,7 @@ private:
     }
 
     void takeEvents() {
-        std::array<SDL_Event, kEventsAtOnce> events;
+        std::array<SDL_Event, kEventsAtOnce> events{};
         int count = 0;
         do {
             count = SDL_PeepEvents(events.data(), kEventsAtOnce, SDL_GETEVENT, SDL_JOYAXISMOTION,
@@ -214,13 +243,13 @@ private:
                 recordAxis(axes_[event.jaxis.axis], event.jaxis.value);
             break;
         case SDL_JOYHATMOTION:
-            if (event.jhat.which == id_)
+            if (event.jhat.which == id_ && event.jhat.hat < kMaxHats)
                 record({ControllerOffset::kHat + 4U * event.jhat.hat,
                         hundredthsOfDegree(event.jhat.value)});
             break;
         case SDL_JOYBUTTONDOWN:
         case SDL_JOYBUTTONUP:
-            if (event.jbutton.which == id_)
+            if (event.jbutton.which == id_ && event.jbutton.button < kMaxButtons)
                 record({ControllerOffset::button(event.jbutton.button),
                         event.jbutton.state == SDL_PRESSED ? kButtonDown : 0});
             break;
@@ -282,10 +311,13 @@ public:
         const int count = SDL_NumJoysticks();
         if (count < 0)
             return std::nullopt;
+        // Whoever is listed now need not be announced any more.
+        SDL_FlushEvents(SDL_JOYDEVICEADDED, SDL_JOYDEVICEREMOVED);
         std::vector<AttachedController> controllers;
+        controllers.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
-            controllers.push_back(
-                {QString::fromUtf8(SDL_JoystickNameForIndex(i)), [i] { return openDevice(i); }});
+            controllers.push_back({QString::fromUtf8(SDL_JoystickNameForIndex(i)),
+                                   [this, i] { return openDevice(i); }});
         }
         return controllers;
     }
@@ -300,18 +332,27 @@ public:
         SDL_JoystickUpdate();
         const bool changed = SDL_HasEvents(SDL_JOYDEVICEADDED, SDL_JOYDEVICEREMOVED) == SDL_TRUE;
         SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
-        return changed;
+        if (changed)
+            retries_ = kRetries;
+        return changed || std::exchange(openFailed_, false);
     }
 
 private:
-    static std::unique_ptr<ControllerDevice> openDevice(int index) {
+    /// The system may hand a new controller over a moment after announcing it, so one that cannot
+    /// be opened is worth some more looks; not endless ones, as each is logged.
+    std::unique_ptr<ControllerDevice> openDevice(int index) {
         JoystickPointer joystick(SDL_JoystickOpen(index));
-        if (!joystick)
+        if (!joystick) {
+            openFailed_ = retries_ > 0;
+            retries_ = std::max(0, retries_ - 1);
             return nullptr;
+        }
         return std::make_unique<SdlControllerDevice>(std::move(joystick));
     }
 
     bool opened_ = false;
+    bool openFailed_ = false;
+    int retries_ = kRetries;
 };
 
 } // namespace

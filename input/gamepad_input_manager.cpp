@@ -4,6 +4,8 @@
 #include <QDebug>
 #include <QTimerEvent>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int kPollPeriodMs = 16;
@@ -104,8 +106,10 @@ GamepadInputManager::~GamepadInputManager() {
 
 bool GamepadInputManager::nativeEventFilter(const QByteArray& eventType, void* message,
                                             qintptr* /*result*/) {
-    if (!device_ && system_->announcesChange(eventType, message))
+    if (system_->announcesChange(eventType, message)) {
+        changeMissed_ = device_ != nullptr;
         discoverAvailableDevices();
+    }
     return false;
 }
 
@@ -144,6 +148,7 @@ bool GamepadInputManager::configureAndAcquireDevice() {
         axes_[i].range = {};
         const ControllerResult result = device_->range(kAxisTraits[i].offset, axes_[i].range);
         axes_[i].present = succeeded(result);
+        axes_[i].known = axes_[i].value != 0;
         if (!axes_[i].present && result != ControllerResult::NoSuchInput)
             return false;
     }
@@ -158,12 +163,14 @@ bool GamepadInputManager::configureAndAcquireDevice() {
         return false;
     initGamepadState();
     startActiveTimer();
-    return device_ != nullptr; // who is told about a held button may have run an event loop
+    return true;
 }
 
+/// What is held already is told at the next poll: whoever has just made this object could not hear
+/// it yet, and nothing is to be told without the focus.
 void GamepadInputManager::initGamepadState() {
-    device_->poll();
-    catchUpWithState(StateScope::Buttons);
+    noteLoss(device_->poll());
+    stateWanted_ = true;
 }
 
 void GamepadInputManager::deinitGamepad() {
@@ -175,18 +182,25 @@ void GamepadInputManager::deinitGamepad() {
         device_.reset();
     }
     stopActiveTimer();
+    inputLost_ = stateWanted_ = false;
     letGoOfEverything();
 }
 
 void GamepadInputManager::onFocusGained() {
     focused_ = true;
-    if (device_)
-        startActiveTimer();
+    if (!device_ || timerId_ != kNoTimer)
+        return;
+    dropRecords();
+    stateWanted_ = true;
+    startActiveTimer();
 }
 
+/// Sticks come to rest at this moment, as nobody would tell later that they have. Buttons stay held
+/// until they are seen to be up, so that none acts a second time for being held across the break.
 void GamepadInputManager::onFocusLost() {
     focused_ = false;
     stopActiveTimer();
+    centreSticks();
 }
 
 void GamepadInputManager::startActiveTimer() {
@@ -228,20 +242,27 @@ void GamepadInputManager::timerEvent(QTimerEvent* event) {
 }
 
 void GamepadInputManager::readDeviceDataAndUpdate() {
-    switch (device_->poll()) {
+    switch (inputLost_ ? ControllerResult::InputLost : device_->poll()) {
     case ControllerResult::Ok:
     case ControllerResult::NoEffect:
     case ControllerResult::BufferOverflow:
         break;
-    case ControllerResult::InputLost:
-        if (!succeeded(device_->setDataFormat()) || !configureAndAcquireDevice()) {
+    case ControllerResult::InputLost: {
+        inputLost_ = false;
+        const bool recovered = succeeded(device_->setDataFormat()) && configureAndAcquireDevice();
+        if (!recovered)
             qDebug("Failed to reconfigure device after loosing it.");
-            deinitGamepad();
-            updateLookTimer();
-            return;
-        }
-        catchUpWithState(StateScope::ButtonsAndMovedAxes);
-        break;
+        // Another one may be in its place since it was last heard of. A device that is then taken
+        // for the old one can be acquired, but stays silent.
+        const bool replaced = std::exchange(changeMissed_, false);
+        if (recovered && !replaced)
+            break;
+        deinitGamepad();
+        if (replaced || system_->attachedChanged())
+            discoverAvailableDevices();
+        updateLookTimer();
+        return;
+    }
     case ControllerResult::NotAcquired:
         qDebug("Device is not acquired!");
         return;
@@ -250,10 +271,14 @@ void GamepadInputManager::readDeviceDataAndUpdate() {
         qWarning("Got error while polling gamepad data");
         return;
     }
+    if (std::exchange(stateWanted_, false))
+        catchUpWithState();
+    if (!isReading())
+        return;
 
     std::array<ControllerRecord, ControllerDevice::kBufferSize> records;
     std::size_t count = 0;
-    const ControllerResult result = device_->bufferedData(records, count);
+    const ControllerResult result = noteLoss(device_->bufferedData(records, count));
     if (!succeeded(result)) {
         qWarning("Got error while getting gamepad data despite polling being ok");
         return;
@@ -261,49 +286,106 @@ void GamepadInputManager::readDeviceDataAndUpdate() {
     const bool overflowed = result == ControllerResult::BufferOverflow;
     if (overflowed)
         qWarning("Input buffer overflowed, some imputs may have been lost.");
-    for (std::size_t i = 0; i < count && device_; ++i)
+    for (std::size_t i = 0; i < count && isReading(); ++i)
         processRecord(records[i]);
-    if (overflowed)
-        catchUpWithState(StateScope::Everything);
-    reportMovement();
+    if (overflowed) {
+        for (Axis& axis : axes_)
+            axis.mayHaveMoved = true;
+        catchUpWithState();
+    }
+    if (isReading())
+        reportMovement();
+}
+
+/// Whoever is told of an input may take the focus away or let an unplugged controller go.
+bool GamepadInputManager::isReading() const {
+    return device_ && timerId_ != kNoTimer && !inputLost_;
+}
+
+/// A loss is told once, by whichever call comes first; the next poll has to know of it.
+ControllerResult GamepadInputManager::noteLoss(ControllerResult result) {
+    if (result == ControllerResult::InputLost)
+        inputLost_ = true;
+    return result;
+}
+
+/// Forgets what was done while nobody was meant to see it.
+void GamepadInputManager::dropRecords() {
+    noteLoss(device_->poll());
+    std::array<ControllerRecord, ControllerDevice::kBufferSize> records;
+    std::size_t count = records.size();
+    while (!inputLost_ && count == records.size()) {
+        const ControllerResult result = noteLoss(device_->bufferedData(records, count));
+        if (!succeeded(result))
+            return;
+        for (std::size_t i = 0; i < kAxisCount; ++i) {
+            axes_[i].mayHaveMoved =
+                axes_[i].mayHaveMoved || result == ControllerResult::BufferOverflow;
+            axes_[i].known =
+                axes_[i].known ||
+                std::any_of(records.begin(), records.begin() + static_cast<std::ptrdiff_t>(count),
+                            [&](const ControllerRecord& record) {
+                                return record.offset == kAxisTraits[i].offset;
+                            });
+        }
+    }
 }
 
 /// Takes over what the device's records did not tell, so that no button stays held and no stick
-/// stays pushed that is not. A device may not know its axes before one of them has moved, so one at
-/// rest is believed to be there unless records are known to be lost.
-void GamepadInputManager::catchUpWithState(StateScope scope) {
+/// stays pushed that is not. A device may not know an axis before it has moved, so one that never
+/// has is believed to be at rest. So is one whose record may have been lost, if it stands where a
+/// trigger rests, at an end of its range.
+void GamepadInputManager::catchUpWithState() {
     ControllerState state;
-    if (!device_ || !succeeded(device_->state(state)))
+    if (!isReading() || !succeeded(noteLoss(device_->state(state))))
         return;
     for (std::size_t i = 0; i < kAxisCount; ++i) {
-        const bool wanted = scope == StateScope::Everything ||
-                            (scope == StateScope::ButtonsAndMovedAxes && axes_[i].value != 0);
-        if (wanted && axes_[i].present)
+        Axis& axis = axes_[i];
+        const std::int32_t position = state.axes[i];
+        const bool mayBeTriggerAtRest =
+            i != X && i != Y && (position == axis.range.min || position == axis.range.max);
+        axis.known = axis.known || (axis.mayHaveMoved && !mayBeTriggerAtRest);
+        axis.mayHaveMoved = false;
+    }
+    if (axes_[Z].known || axes_[Rz].known) {
+        axes_[Z].known = axes_[Rz].known = true;
+        triggersAligned_ = true;
+    }
+    for (std::size_t i = 0; i < kAxisCount; ++i) {
+        if (axes_[i].known && axes_[i].present)
             updateAxis(static_cast<AxisIndex>(i), static_cast<std::uint32_t>(state.axes[i]));
     }
-    for (std::size_t i = 0; i < kMappedButtons; ++i)
+    for (std::size_t i = 0; i < kMappedButtons && isReading(); ++i)
         updateButton(i, state.buttons[i]);
-    updateHat(state.hat);
+    if (isReading())
+        updateHat(state.hat);
 }
 
 void GamepadInputManager::processRecord(const ControllerRecord& record) {
     switch (record.offset) {
     case ControllerOffset::kX:
-        return updateAxis(X, record.data);
+        updateAxis(X, record.data);
+        return;
     case ControllerOffset::kY:
-        return updateAxis(Y, record.data);
+        updateAxis(Y, record.data);
+        return;
     case ControllerOffset::kRx:
-        return updateAxis(Rx, record.data);
+        updateAxis(Rx, record.data);
+        return;
     case ControllerOffset::kRy:
-        return updateAxis(Ry, record.data);
+        updateAxis(Ry, record.data);
+        return;
     case ControllerOffset::kZ:
         alignTriggers();
-        return updateAxis(Z, record.data);
+        updateAxis(Z, record.data);
+        return;
     case ControllerOffset::kRz:
         alignTriggers();
-        return updateAxis(Rz, record.data);
+        updateAxis(Rz, record.data);
+        return;
     case ControllerOffset::kHat:
-        return updateHat(record.data);
+        updateHat(record.data);
+        return;
     case ControllerOffset::button(8):
         qDebug("TODO-JOYSTICK DIJOFS_BUTTON(8) --> %lu", printable(record.data));
         return;
@@ -325,6 +407,7 @@ void GamepadInputManager::processRecord(const ControllerRecord& record) {
 void GamepadInputManager::updateAxis(AxisIndex axis, std::uint32_t data) {
     const AxisTraits& traits = kAxisTraits[axis];
     Axis& current = axes_[axis];
+    current.known = true;
     const float before = current.value;
     current.value = remapAnalogValue(data, current.range, traits.outMin, traits.outMax);
     if (before == 0 || current.value != 0)
@@ -342,7 +425,7 @@ void GamepadInputManager::alignTriggers() {
     if (triggersAligned_ || !device_)
         return;
     ControllerState state;
-    if (axes_[Z].present && axes_[Rz].present && succeeded(device_->state(state))) {
+    if (axes_[Z].present && axes_[Rz].present && succeeded(noteLoss(device_->state(state)))) {
         updateAxis(Z, static_cast<std::uint32_t>(state.axes[Z]));
         updateAxis(Rz, static_cast<std::uint32_t>(state.axes[Rz]));
     }
@@ -392,10 +475,16 @@ void GamepadInputManager::letGoOfEverything() {
     for (std::size_t i = 0; i < kMappedButtons; ++i)
         updateButton(i, false);
     updateHat(ControllerDevice::kHatCentred);
+    centreSticks();
+    for (Axis& axis : axes_)
+        axis.known = false;
+    triggersAligned_ = false;
+}
+
+void GamepadInputManager::centreSticks() {
     leftStickCentred_ = axes_[X].value != 0 || axes_[Y].value != 0;
     rightStickCentred_ = axes_[Rx].value != 0 || axes_[Ry].value != 0;
     for (Axis& axis : axes_)
         axis.value = 0;
-    triggersAligned_ = false;
     reportMovement();
 }

@@ -16,7 +16,8 @@ class GamepadInputManager : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
 public:
-    /// Takes the first controller that works, if one is plugged in, and starts to read it.
+    /// Takes the first controller that works, if one is plugged in, and starts to read it; the
+    /// focus is taken for granted until onFocusLost().
     explicit GamepadInputManager(QObject* parent = nullptr);
 
     /// The same with another source of controllers.
@@ -30,7 +31,9 @@ public:
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
 public slots:
+    /// What was done without the focus is not told any more, only what is held now.
     void onFocusGained();
+    /// Sticks that are off their centre are reported with zeros.
     void onFocusLost();
 
 signals:
@@ -54,11 +57,12 @@ private:
     static constexpr std::size_t kMappedButtons = 8;
 
     enum AxisIndex : std::size_t { X, Y, Z, Rx, Ry, Rz, kAxisCount };
-    enum class StateScope { Buttons, ButtonsAndMovedAxes, Everything };
 
     /// One axis as the device in use has it, and where it stands after remapping.
     struct Axis {
         bool present = false;
+        bool known = false;        ///< the device has told where it is
+        bool mayHaveMoved = false; ///< it may have told, but the record was lost
         AnalogRange range;
         float value = 0;
     };
@@ -74,7 +78,10 @@ private:
     void updateLookTimer();
 
     void readDeviceDataAndUpdate();
-    void catchUpWithState(StateScope scope);
+    bool isReading() const;
+    ControllerResult noteLoss(ControllerResult result);
+    void dropRecords();
+    void catchUpWithState();
     void processRecord(const ControllerRecord& record);
     void updateAxis(AxisIndex axis, std::uint32_t data);
     void alignTriggers();
@@ -82,12 +89,16 @@ private:
     void updateButton(std::size_t index, bool down);
     void reportMovement();
     void letGoOfEverything();
+    void centreSticks();
 
     std::unique_ptr<ControllerSystem> system_; ///< null when the platform's interface did not open
     std::unique_ptr<ControllerDevice> device_; ///< the controller in use
     int timerId_ = kNoTimer;
     int lookTimerId_ = kNoTimer;
     bool focused_ = true;
+    bool inputLost_ = false;    ///< told by another call than a poll
+    bool stateWanted_ = false;  ///< the next poll tells what is held and where the sticks are
+    bool changeMissed_ = false; ///< controllers came or went while one was in use
 
     std::array<Axis, kAxisCount> axes_;
     bool triggersAligned_ = false;
