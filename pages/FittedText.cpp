@@ -2,11 +2,15 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
 
 namespace {
 
 /// With an invisible place to wrap: names are often those of files.
 constexpr QStringView kBreakableUnderscore = u"_\u200b";
+constexpr QChar kEllipsis = u'\u2026';
 
 } // namespace
 
@@ -68,7 +72,18 @@ void FittedText::elide() {
         QFontMetricsF(layout_.font()).elidedText(text.mid(start), Qt::ElideRight, box_.width());
     elided_ = end != text.mid(start);
     layout_.setText(text.left(start) + end);
-    static_cast<void>(layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere));
+    if (layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere)) {
+        return;
+    }
+    // Ended, the line may wrap elsewhere or be higher: letters go until it fits.
+    elided_ = true;
+    QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, text);
+    letters.setPosition(std::min(text.size(), start + end.size()));
+    do {
+        letters.toPreviousBoundary();
+        layout_.setText(text.left(std::max<qsizetype>(letters.position(), 0)) + kEllipsis);
+    } while (!layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere) &&
+             letters.position() > 0);
 }
 
 void FittedText::draw(QPainter& painter, const QRect& area) const {

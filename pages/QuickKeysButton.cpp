@@ -42,6 +42,7 @@ QuickKeysButton::QuickKeysButton(const QSize& size, QWidget* parent) : QPushButt
     bold.setWeight(QFont::Bold);
     setFont(bold);
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus); // a key that a finger pressed is not executed by Space
 }
 
 void QuickKeysButton::setName(const QString& name) {
@@ -65,6 +66,10 @@ QSize QuickKeysButton::sizeHint() const {
 
 QSize QuickKeysButton::minimumSizeHint() const {
     return kSmallestQuickKey;
+}
+
+bool QuickKeysButton::hitButton(const QPoint& position) const {
+    return isDown() || QPushButton::hitButton(position);
 }
 
 bool QuickKeysButton::event(QEvent* event) {
@@ -118,5 +123,5 @@ void QuickKeysButton::drawName(QPainter& painter) {
 }
 
 QColor QuickKeysButton::ground() const {
-    return QColor(isDown() ? QString::fromLatin1(kActiveColor) : bckgColor_);
+    return {isDown() ? QString::fromLatin1(kActiveColor) : bckgColor_};
 }

@@ -31,6 +31,8 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    /// A finger that slides off the key and back has not pressed it again.
+    bool hitButton(const QPoint& position) const override;
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 

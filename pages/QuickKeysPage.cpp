@@ -26,9 +26,9 @@ constexpr int kMaxId = static_cast<int>(Limits::kMaxQuickKeyId);
 constexpr int kMinGrid = static_cast<int>(Limits::kMinQuickKeyGrid);
 constexpr int kMaxGrid = static_cast<int>(Limits::kMaxQuickKeyGrid);
 
-/// Keys up to this one get their buttons at once; pages behind it when they are shown, so that a
-/// key costs next to nothing however many there are.
-constexpr int kKeysFilledAtOnce = 256;
+/// How many buttons a page gets in a turn of the event loop: more than there is room for in sight,
+/// and few enough that the operator feels nothing.
+constexpr int kButtonsInATurn = 128;
 
 constexpr LV_NTC_EventType kEventTypes[] = {
     LV_NTC_EventType::AddQuickKey, LV_NTC_EventType::DeleteQuickKey,
@@ -67,6 +67,8 @@ QuickKeysPage::QuickKeysPage(const Configuration& configuration, QWidget* parent
     layout_->addWidget(area);
 
     connect(mapper_, &QSignalMapper::mappedInt, this, &QuickKeysPage::onButtonPressed);
+    update_.setSingleShot(true);
+    connect(&update_, &QTimer::timeout, this, &QuickKeysPage::updateStack);
     for (const LV_NTC_EventType type : kEventTypes) {
         EventDispatcher::getInstance()->addListener(this, type);
     }
@@ -125,21 +127,12 @@ void QuickKeysPage::addQuickKey(int id, const char* name, const char* color) {
     if (!isIdInBounds(id) || keysPerPage() == 0) {
         return;
     }
-    while (static_cast<int>(places_.size()) < id) {
-        addQuickKeysPage();
+    if (pageOf(id) >= pageCount_) {
+        setPageCount(pageOf(id) + 1);
     }
-    updateSpinBox();
     highestId_ = std::max(highestId_, id);
-
-    Place& added = place(id);
-    added.name = QString::fromUtf8(name);
-    added.color = QString::fromUtf8(color);
-    added.isUsed = true;
-    showKey(id);
-    if (id <= kKeysFilledAtOnce) {
-        fillPage(pageOf(id));
-    }
-    fillPage(stack_->currentIndex());
+    place(id).isUsed = true;
+    updateQuickKey(id, name, color);
 }
 
 void QuickKeysPage::updateQuickKey(int id, const char* name, const char* color) {
@@ -148,147 +141,161 @@ void QuickKeysPage::updateQuickKey(int id, const char* name, const char* color) 
     }
     place(id).name = QString::fromUtf8(name);
     place(id).color = QString::fromUtf8(color);
-    showKey(id);
+    showKey(button(id), id);
 }
 
 void QuickKeysPage::deleteQuickKey(int id) {
     if (!isIdInBounds(id) || !isKnown(id)) {
         return;
     }
-    Place& deleted = place(id);
-    deleted.isUsed = false;
-    showKey(id);
+    place(id) = Place();
+    showKey(button(id), id);
 
     if (id == highestId_) {
-        int highest = static_cast<int>(places_.size());
+        int highest = id;
         while (highest > 0 && !isKnown(highest)) {
             --highest;
         }
-        if (highest > 0) {
+        if (highest > 0) { // without a key left, number and pages stay
             highestId_ = highest;
+            setPageCount(pageOf(highest) + 1);
         }
-        deletePagesBehind(pageOf(highestId_));
     }
 }
 
 void QuickKeysPage::configQuickKey(int rows, int columns) {
-    if (!isGridInBounds(rows, columns) || (rows == rows_ && columns == columns_)) {
+    if (!isGridInBounds(rows, columns)) {
         return;
     }
     // The view stays with the key in its first place.
     const int firstShown = (spinBox_->value() - 1) * keysPerPage() + 1;
     rows_ = rows;
     columns_ = columns;
-    if (stack_->count() > 0) {
-        rebuildPages(pageOf(firstShown));
+    if (pageCount_ == 0) {
+        return;
+    }
+    isGridOutdated_ = true;
+    places_.resize(static_cast<std::size_t>(highestId_));
+    // Where the highest key fills a page, this is one page more than the keys take: a new grid has
+    // room for the next key. Deleting the highest key is what tidies up: it leaves no page behind
+    // the one with the highest key, a spare one neither.
+    setPageCount(highestId_ / keysPerPage() + 1);
+    showSpinBoxPage(pageOf(firstShown) + 1);
+}
+
+void QuickKeysPage::setPageCount(int count) {
+    pageCount_ = count;
+    places_.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(keysPerPage()));
+    showSpinBoxPage(std::min(spinBox_->value(), count));
+    if (count < 2) {
+        keepFocusFrom(spinBox_);
+    }
+    spinBox_->setVisible(count > 1);
+    updateSoon();
+}
+
+void QuickKeysPage::showSpinBoxPage(int page) {
+    const QSignalBlocker silent(spinBox_); // the stack follows with the rest
+    spinBox_->setMaximum(pageCount_);
+    spinBox_->setValue(page);
+}
+
+void QuickKeysPage::updateSoon() {
+    if (isVisible()) {
+        update_.start();
     }
 }
 
-void QuickKeysPage::rebuildPages(int page) {
-    keepFocusFrom(stack_);
-    stack_->setCurrentIndex(0); // so that no other one is shown while they go
-    for (int i = stack_->count() - 1; i >= 0; --i) {
-        delete stack_->widget(i);
-    }
-    for (Place& gone : places_) {
-        gone.button = nullptr;
-    }
-    places_.resize(static_cast<std::size_t>(highestId_));
+void QuickKeysPage::showEvent(QShowEvent* event) {
+    updateStack();
+    ControlPage::showEvent(event);
+}
 
-    const int count = highestId_ / keysPerPage() + 1;
-    for (int i = 0; i < count; ++i) {
+void QuickKeysPage::updateStack() {
+    if (isGridOutdated_) {
+        keepFocusFrom(stack_);
+        for (int i = 0; i < stack_->count(); ++i) {
+            emptyPage(stack_->widget(i));
+        }
+        isGridOutdated_ = false;
+    }
+    while (stack_->count() < pageCount_) {
         addQuickKeysPage();
     }
-    updateSpinBox();
-    spinBox_->setValue(page + 1);
-    navigateToPage(spinBox_->value());
-    for (int i = 0; i < count && i * keysPerPage() < kKeysFilledAtOnce; ++i) {
-        fillPage(i);
+    const int shown = spinBox_->value() - 1;
+    if (shown != stack_->currentIndex()) {
+        keepFocusFrom(stack_);
+        stack_->setCurrentIndex(shown);
+    }
+    while (stack_->count() > pageCount_) {
+        deleteQuickKeysPage();
+    }
+    if (pageCount_ > 0) {
+        fillPage(shown);
     }
 }
 
 void QuickKeysPage::addQuickKeysPage() {
     stack_->addWidget(new QWidget(stack_));
-    const auto room = static_cast<std::size_t>(stack_->count() * keysPerPage());
-    places_.resize(std::max(places_.size(), room)); // while pages are rebuilt, keys are there first
+}
+
+void QuickKeysPage::deleteQuickKeysPage() {
+    delete stack_->widget(stack_->count() - 1);
+}
+
+void QuickKeysPage::emptyPage(QWidget* grid) {
+    delete grid->layout();
+    qDeleteAll(grid->findChildren<QuickKeysButton*>(Qt::FindDirectChildrenOnly));
 }
 
 void QuickKeysPage::fillPage(int page) {
     QWidget* grid = stack_->widget(page);
-    if (grid->layout() != nullptr) {
+    auto* layout = static_cast<QGridLayout*>(grid->layout());
+    if (layout == nullptr) {
+        layout = new QGridLayout(grid);
+        layout->setAlignment(Qt::AlignCenter);
+        layout->setSpacing(kSpacing);
+    }
+    const int first = layout->count();
+    if (first == keysPerPage()) {
         return;
     }
+    const int end = std::min(first + kButtonsInATurn, keysPerPage());
     // Out of sight: buttons that come into a visible page have it laid out anew, one by one.
-    const bool isShown = !grid->isHidden();
     grid->hide();
-    auto* layout = new QGridLayout(grid);
-    layout->setAlignment(Qt::AlignCenter);
-    layout->setSpacing(kSpacing);
-    for (int i = 0; i < keysPerPage(); ++i) {
+    for (int i = first; i < end; ++i) {
         const int id = page * keysPerPage() + i + 1;
         auto* button = new QuickKeysButton(configuration_.patternButtonSize, grid);
         button->setEnabled(false);
         connect(button, &QuickKeysButton::pressed, mapper_, qOverload<>(&QSignalMapper::map));
         mapper_->setMapping(button, id);
         layout->addWidget(button, i / columns_, i % columns_);
-        place(id).button = button;
-        if (place(id).isUsed) {
-            showKey(id);
-        }
+        showKey(button, id);
+        button->ensurePolished(); // which takes the longest, and would wait for the last one
     }
-    grid->setVisible(isShown);
-}
-
-void QuickKeysPage::showKey(int id) {
-    const Place& shown = place(id);
-    if (shown.button == nullptr) {
-        return;
-    }
-    if (shown.isUsed) {
-        shown.button->setName(shown.name);
-        shown.button->setBckgColor(shown.color);
-        shown.button->setId(id);
-        shown.button->setEnabled(true);
+    if (end == keysPerPage()) {
+        grid->show();
     } else {
-        keepFocusFrom(shown.button);
-        shown.button->setName(QString());
-        shown.button->setStyleSheet(QString());
-        shown.button->setEnabled(false);
+        updateSoon();
     }
 }
 
-void QuickKeysPage::deletePagesBehind(int page) {
-    const int remaining = page + 1;
-    if (stack_->count() <= remaining) {
+void QuickKeysPage::showKey(QuickKeysButton* button, int id) {
+    if (button == nullptr) {
         return;
     }
-    // The view moves to the new last page, once, before the others go.
-    spinBox_->setValue(remaining);
-    while (stack_->count() > remaining) {
-        deleteQuickKeysPage();
+    const Place& shown = place(id);
+    if (shown.isUsed) {
+        button->setName(shown.name);
+        button->setBckgColor(shown.color);
+        button->setId(id);
+        button->setEnabled(true);
+    } else if (button->isEnabled()) {
+        keepFocusFrom(button);
+        button->setName(QString());
+        button->setStyleSheet(QString());
+        button->setEnabled(false);
     }
-    updateSpinBox();
-}
-
-void QuickKeysPage::deleteQuickKeysPage() {
-    QWidget* page = stack_->widget(stack_->count() - 1);
-    const auto first = places_.end() - keysPerPage();
-    std::for_each(first, places_.end(), [](const Place& gone) { delete gone.button; });
-    places_.erase(first, places_.end());
-    stack_->removeWidget(page);
-    page->deleteLater();
-}
-
-void QuickKeysPage::updateSpinBox() {
-    const int pages = stack_->count();
-    if (spinBox_->maximum() == pages) {
-        return;
-    }
-    spinBox_->setMaximum(pages);
-    if (pages < 2) {
-        keepFocusFrom(spinBox_);
-    }
-    spinBox_->setVisible(pages > 1);
 }
 
 void QuickKeysPage::keepFocusFrom(const QWidget* leaving) {
@@ -303,15 +310,20 @@ bool QuickKeysPage::isKnown(int id) const {
            places_[static_cast<std::size_t>(id - 1)].isUsed;
 }
 
+QuickKeysButton* QuickKeysPage::button(int id) const {
+    const QWidget* grid = isGridOutdated_ ? nullptr : stack_->widget(pageOf(id));
+    const QLayout* layout = grid == nullptr ? nullptr : grid->layout();
+    const QLayoutItem* item =
+        layout == nullptr ? nullptr : layout->itemAt((id - 1) % keysPerPage());
+    return item == nullptr ? nullptr : static_cast<QuickKeysButton*>(item->widget());
+}
+
 void QuickKeysPage::navigateToPage(int page) {
-    if (page < 1 || page > stack_->count()) {
+    if (page < 1 || page > pageCount_) {
         return;
     }
-    if (page - 1 != stack_->currentIndex()) {
-        keepFocusFrom(stack_);
-    }
-    fillPage(page - 1);
-    stack_->setCurrentIndex(page - 1);
+    showSpinBoxPage(page);
+    updateStack();
 }
 
 void QuickKeysPage::onButtonPressed(int id) {

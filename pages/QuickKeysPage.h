@@ -6,6 +6,7 @@
 #include <QSignalMapper>
 #include <QSpinBox>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <vector>
@@ -16,6 +17,10 @@ class QuickKeysButton;
 /// The Producer's quick keys, screenful by screenful, in the grid that the Producer configured.
 /// Keys and grid keep to the bounds of the protocol: an event outside of them is dropped with one
 /// warning. Whatever arrives before the grid is known is ignored, as are unknown keys.
+///
+/// Events change what is known of the keys, and the spin box, at once; the grid pages follow once
+/// in a turn of the event loop, while the page is shown. So a Producer may send as much as it
+/// likes, and the window still answers the operator.
 class QuickKeysPage final : public ControlPage, public EventListener {
     Q_OBJECT
 
@@ -37,7 +42,8 @@ public:
     void lockPage() override;
 
 public slots:
-    /// `page` counts from 1; a page that is not there is ignored.
+    /// Shows grid page `page`, counted from 1, in stack and spin box; one that is not there is
+    /// ignored.
     void navigateToPage(int page);
     /// Has the Producer execute the key.
     void onButtonPressed(int id);
@@ -45,24 +51,30 @@ public slots:
 signals:
     void buttonClicked(int id);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
-    /// Where a key is or could be: its button, and what the button shows once there is one.
+    /// Where a key is or could be, and what its button shows once there is one.
     struct Place {
         QString name;
         QString color;
         bool isUsed = false;
-        QuickKeysButton* button = nullptr; ///< null until the page is filled
     };
 
     void initNavSpinBox();
+    void setPageCount(int count);
+    void showSpinBoxPage(int page);
+
+    // The grid pages.
+    void updateSoon();
+    void updateStack();
     void addQuickKeysPage();
     void deleteQuickKeysPage();
-    void deletePagesBehind(int page);
-    void rebuildPages(int page);
-    /// Gives the page its buttons, unless it has them.
+    static void emptyPage(QWidget* grid);
+    /// Gives the page its buttons, so many in a turn; until it has them all, it is not shown.
     void fillPage(int page);
-    void updateSpinBox();
-    void showKey(int id);
+    void showKey(QuickKeysButton* button, int id);
     /// Takes the keyboard from a control that is about to go, lest it lands on the next key.
     void keepFocusFrom(const QWidget* leaving);
 
@@ -71,6 +83,8 @@ private:
     [[nodiscard]] int pageOf(int id) const { return (id - 1) / keysPerPage(); }
     [[nodiscard]] Place& place(int id) { return places_[static_cast<std::size_t>(id - 1)]; }
     [[nodiscard]] bool isKnown(int id) const;
+    /// Null while the key's page waits for its buttons.
+    [[nodiscard]] QuickKeysButton* button(int id) const;
 
     const Configuration& configuration_;
     // Children of the page.
@@ -79,7 +93,10 @@ private:
     QStackedWidget* stack_; ///< a grid page for each screenful of keys
     QSignalMapper* mapper_;
     std::vector<Place> places_; ///< of all pages; the key `id` is at `id - 1`
+    int pageCount_ = 0;
     int rows_ = 0;
     int columns_ = 0;
     int highestId_ = 0;
+    bool isGridOutdated_ = false; ///< the grid pages are of earlier rows and columns
+    QTimer update_;
 };

@@ -4,7 +4,9 @@
 #include "app/EventDispatcher.h"
 #include "network/UpdateSettingsEvent.h"
 
+#include <QAbstractItemView>
 #include <QEvent>
+#include <QFontInfo>
 
 using namespace NetworkCompanion;
 using namespace PagesLook;
@@ -13,6 +15,11 @@ namespace {
 
 /// Code of the shape that stands for no points at all; the shapes to choose from follow it.
 constexpr int kNoShape = 0;
+
+/// A label's text as the name of what it stands before.
+QString withoutColon(const QString& label) {
+    return label.endsWith(QLatin1Char(':')) ? label.chopped(1) : label;
+}
 
 } // namespace
 
@@ -35,7 +42,14 @@ void SettingsPage::initPointsElements() {
     pointsLayout_->setVerticalSpacing(kSettingsVerticalSpacing);
     layout_->addWidget(points_, 0, Qt::AlignHCenter);
 
-    QFont bold = usePoints_->font();
+    QFont larger = font();
+    larger.setPointSizeF(QFontInfo(larger).pointSizeF() * kSettingsFontScale);
+    for (QWidget* text : {static_cast<QWidget*>(colorLabel_), static_cast<QWidget*>(color_),
+                          static_cast<QWidget*>(color_->view()), static_cast<QWidget*>(shapeLabel_),
+                          static_cast<QWidget*>(shape_), static_cast<QWidget*>(shape_->view())}) {
+        text->setFont(larger);
+    }
+    QFont bold = larger;
     bold.setWeight(QFont::Bold);
     usePoints_->setFont(bold);
     usePoints_->setLayoutDirection(Qt::RightToLeft);
@@ -44,12 +58,12 @@ void SettingsPage::initPointsElements() {
     color_->addItems(configuration_.pointColors.keys());
     pointsLayout_->addWidget(colorLabel_, 1, 0);
     pointsLayout_->addWidget(color_, 1, 1);
-    color_->setAccessibleName(configuration_.pointsColorText);
+    color_->setAccessibleName(withoutColon(configuration_.pointsColorText));
 
     shape_->addItems(configuration_.pointShapes.mid(kNoShape + 1));
     pointsLayout_->addWidget(shapeLabel_, 2, 0);
     pointsLayout_->addWidget(shape_, 2, 1);
-    shape_->setAccessibleName(configuration_.pointsShapeText);
+    shape_->setAccessibleName(withoutColon(configuration_.pointsShapeText));
 
     for (QWidget* control : {static_cast<QWidget*>(colorLabel_), static_cast<QWidget*>(color_),
                              static_cast<QWidget*>(shapeLabel_), static_cast<QWidget*>(shape_)}) {
@@ -99,11 +113,11 @@ void SettingsPage::onPointsColorChanged(int index) const {
     sendNewSettings();
 }
 
-void SettingsPage::onPointsShapeChanged(int index) {
+void SettingsPage::onPointsShapeChanged(int index) const {
     Q_UNUSED(index)
     sendNewSettings();
 }
 
-void SettingsPage::onMeshpadConnected() {
+void SettingsPage::onMeshpadConnected() const {
     sendNewSettings();
 }

@@ -26,8 +26,8 @@ public:
 public slots:
     void onUsePointsCheckBoxStateChanged(int state);
     void onPointsColorChanged(int index) const;
-    void onPointsShapeChanged(int index);
-    void onMeshpadConnected();
+    void onPointsShapeChanged(int index) const;
+    void onMeshpadConnected() const;
 
 protected:
     bool event(QEvent* event) override;

@@ -4,10 +4,12 @@
 
 #include <QPainter>
 
+// NOLINTNEXTLINE(modernize-pass-by-value): whoever builds pages keeps the pattern
 TestPatternButton::TestPatternButton(const Pattern& pattern, const QSize& size, QWidget* parent)
     : QAbstractButton(parent), pattern_(pattern), size_(size) {
     setCursor(Qt::PointingHandCursor);
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::TabFocus); // a finger leaves no ring beside the mark
+    setAttribute(Qt::WA_Hover);
     setAccessibleName(pattern_.name);
 }
 
@@ -19,6 +21,7 @@ void TestPatternButton::paintEvent(QPaintEvent* event) {
     drawName(painter);
     preparePicture();
     drawPicture(painter);
+    drawBorder(painter);
     if (hasFocus()) {
         drawFocusRing(painter, rect(), radius_);
     }
@@ -62,4 +65,17 @@ void TestPatternButton::drawPicture(QPainter& painter) const {
     if (!picture_.isNull()) {
         painter.drawPixmap(pictureArea(), picture_);
     }
+}
+
+void TestPatternButton::drawBorder(QPainter& painter) const {
+    if (!isDown() && !underMouse()) {
+        return;
+    }
+    constexpr qreal kInset = PagesLook::kPatternPenWidth / 2.0;
+    painter.setPen(
+        QPen(isDown() ? QColor(textColor_) : QColor(QLatin1StringView(PagesLook::kHoverColor)),
+             penWidth_));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(kInset, kInset, -kInset, -kInset), radius_,
+                            radius_);
 }

@@ -32,6 +32,8 @@ private:
     void drawFrame(QPainter& painter) const;
     void drawName(QPainter& painter) const;
     void drawPicture(QPainter& painter) const;
+    /// Tells the pointer over the button, and the finger on it, as on every other button.
+    void drawBorder(QPainter& painter) const;
     [[nodiscard]] QRect pictureArea() const;
 
     Pattern pattern_;
