@@ -84,7 +84,8 @@ void drawSkyline(QPainter& painter, QSizeF size, double) {
             const int floors = int(height / (step * 1.3));
             const int windows = int(width / step - 0.7);
             for (int i = 0; i < floors * windows; ++i) {
-                const QPointF at((i % windows + 0.7) * step, (i / windows * 1.3 + 1) * step);
+                const int floor = i / windows;
+                const QPointF at((i % windows + 0.7) * step, (floor * 1.3 + 1) * step);
                 if (random.bounded(100) < 28)
                     painter.fillRect(QRectF(house.topLeft() + at, QSizeF(step * 0.5, step * 0.6)),
                                      QColor(255, 214, 130, 110 + random.bounded(140)));

@@ -69,8 +69,8 @@ ShowEvents::EventPointer moved(EventClass&& event) {
 ShowEvents::EventPointer ShowEvents::added(const ShowItem& item) {
     const QByteArray name = item.name.toUtf8();
     const auto [type, id, subId] = item.key;
-    const quint32 width = quint32(item.size.width());
-    const quint32 height = quint32(item.size.height());
+    const auto width = quint32(item.size.width());
+    const auto height = quint32(item.size.height());
     switch (type) {
     case LV_NTC_ElementType::Media:
         return std::make_unique<AddMediaEvent>(item.mediaType, id, subId, item.dataIndex, width,

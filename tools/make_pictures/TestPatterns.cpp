@@ -28,12 +28,12 @@ QImage paint(const std::function<void(QPainter&)>& draw) {
 
 QColor grey(double percent) {
     const int level = qRound(percent * 255 / 100);
-    return QColor(level, level, level);
+    return {level, level, level};
 }
 
 /// Red, green and blue in percent of the full level.
 QColor levels(double red, double green, double blue) {
-    return QColor(qRound(red * 2.55), qRound(green * 2.55), qRound(blue * 2.55));
+    return {qRound(red * 2.55), qRound(green * 2.55), qRound(blue * 2.55)};
 }
 
 /// A label that can be read on a patch of that level.
@@ -284,7 +284,8 @@ void drawFrameRateLines(QPainter& painter) {
         const double field = static_cast<double>(kWidth - kLeft) / rate;
         const int current = rate * 5 / 12;
         for (int frame = 0; frame < rate; ++frame) {
-            const QColor color = frame == current ? kAccent : frame % 2 == 0 ? grey(85) : grey(15);
+            const QColor plain = grey(frame % 2 == 0 ? 85 : 15);
+            const QColor color = frame == current ? kAccent : plain;
             const double left = std::round(kLeft + frame * field);
             const double right = std::round(kLeft + (frame + 1) * field);
             painter.fillRect(QRectF(left, y, right - left, kRow - 24), color);

@@ -21,8 +21,10 @@ const QColor kPulledPoint(0x00, 0x96, 0xff);
 
 /// Where the point (u, v) of a square sheet lies after bending, in a square of 1 x 1.
 QPointF bent(double u, double v) {
-    const QPointF topLeft(0.17, 0.25), topRight(0.81, 0.19), bottomLeft(0.21, 0.83),
-        bottomRight(0.79, 0.85);
+    const QPointF topLeft(0.17, 0.25);
+    const QPointF topRight(0.81, 0.19);
+    const QPointF bottomLeft(0.21, 0.83);
+    const QPointF bottomRight(0.79, 0.85);
     const QPointF flat =
         (topLeft * (1 - u) + topRight * u) * (1 - v) + (bottomLeft * (1 - u) + bottomRight * u) * v;
     const double waveU = std::sin(M_PI * u);
