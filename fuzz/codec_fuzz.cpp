@@ -1,6 +1,7 @@
 // Frames: whatever the bytes are, they decode to nothing or to an event that encodes to the same
 // event again, and no byte outside them is read.
 
+#include "fuzz/Harness.h"
 #include "network/LVNtc.h"
 
 #include <QByteArray>
@@ -14,8 +15,6 @@
 using namespace NetworkCompanion;
 
 namespace {
-
-void silent(QtMsgType, const QMessageLogContext&, const QString&) {}
 
 void decode(const std::vector<char>& bytes) {
     const eventData decoded = LVNtc::read({bytes.data(), qsizetype(bytes.size())});
@@ -34,7 +33,7 @@ void decode(const std::vector<char>& bytes) {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    qInstallMessageHandler(silent);
+    dropMessages();
     return 0;
 }
 

@@ -1,6 +1,7 @@
 // Discovery datagrams: only the exact words have an effect, at a socket of the answering end and,
 // without a socket, at the asking end.
 
+#include "fuzz/Harness.h"
 #include "network/NetworkUtils.h"
 
 #include <QCoreApplication>
@@ -20,8 +21,6 @@ using namespace NetworkCompanion;
 namespace {
 
 constexpr quint16 kPort = 62330;
-
-void silent(QtMsgType, const QMessageLogContext&, const QString&) {}
 
 /// In a network namespace of its own, where loopback is all there is.
 void leaveTheNetwork() {
@@ -48,7 +47,7 @@ struct Ends {
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     leaveTheNetwork();
-    qInstallMessageHandler(silent);
+    dropMessages();
     static QCoreApplication application(*argc, *argv);
     return 0;
 }
@@ -57,16 +56,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static Ends ends;
     const QByteArray word(reinterpret_cast<const char*>(data), qsizetype(size));
 
-    ends.answering.getClientsOnNetwork(); // forgets those seen before
     if (ends.sender.writeDatagram(word, QHostAddress::LocalHost, kPort) == word.size()) {
         ends.answering.onReadyRead();
         if (ends.answering.clients().isEmpty() == (word == "GiveClient"))
             std::abort();
+        if (!ends.answering.clients().isEmpty())
+            ends.answering.getClientsOnNetwork(); // forgets it
     }
     const QHostAddress producer(size == 0 ? 0x0a000001U : 0x0a000000U + data[0]);
     ends.asking.processDatagram(word, producer);
     if (ends.asking.getAvailableServers().isEmpty() == (word == "PingReceived"))
         std::abort();
-    ends.asking.serverHasDisconnected(producer.toString());
+    if (word == "PingReceived")
+        ends.asking.serverHasDisconnected(producer.toString());
     return 0;
 }
