@@ -13,22 +13,19 @@
 #include "pages/QuickKeysPage.h"
 #include "pages/SettingsPage.h"
 #include "pages/TestPatternPage.h"
-#include "resources/CompanionResources.h"
 #include "tests/support/FakeProducer.h"
 #include "tests/support/MessageGuard.h"
+#include "tests/support/WindowUnderTest.h"
 #include "warp/WarpPage.h"
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QFile>
+#include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QQuickWidget>
-#include <QQuickWindow>
-#include <QSettings>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <optional>
@@ -99,19 +96,14 @@ private:
     void closeWindow();
     static CompanionClient& client() { return EventDispatcher::getInstance()->client(); }
 
-    QTemporaryDir settings_; // in the place of the operator's
+    MeshpadTest::WindowUnderTest application_;
     std::optional<MeshpadTest::MessageGuard> messages_;
     std::unique_ptr<FakeProducer> producer_;
     std::unique_ptr<GuiCompanion> window_;
 };
 
 void TestGuiCompanion::initTestCase() {
-    QVERIFY(settings_.isValid());
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings_.path());
-    initCompanionResources();
-    QFile styleSheet{QLatin1StringView(ShellLook::kStyleSheetPath)};
-    QVERIFY(styleSheet.open(QIODevice::ReadOnly));
-    qApp->setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
+    QVERIFY(application_.prepare());
 }
 
 void TestGuiCompanion::init() {
@@ -137,14 +129,10 @@ void TestGuiCompanion::cleanup() {
     messages_.reset();
 }
 
-/// Without what Qt Quick would keep for later scenes: pictures, and their textures, which only a
-/// frame lets go.
 void TestGuiCompanion::closeWindow() {
     find<Content>()->setPage(Page::Warp);
     auto* scene = find<QQuickWidget>();
-    scene->setSource({});
-    QQuickWindow().releaseResources();
-    scene->grabFramebuffer();
+    MeshpadTest::WindowUnderTest::clear(scene);
     window_.reset();
 }
 
@@ -359,6 +347,12 @@ void TestGuiCompanion::theVeilKeepsKeysAway() {
 
 void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
     connectByHand();
+    find<Content>()->setPage(Page::Settings);
+    QTest::mouseClick(find<SettingsPage>()->findChild<QCheckBox*>(), Qt::LeftButton);
+    for (auto* choice : find<SettingsPage>()->findChildren<QComboBox*>()) {
+        QTest::keyClick(choice, Qt::Key_End); // the last colour, the last shape
+    }
+    QTRY_VERIFY(*producer_->events().back() == UpdateSettingsEvent("#ffff00", 4));
     QSignalSpy forgotten(&EventDispatcher::getInstance()->networkUtils(),
                          &NetworkUtils::serverDisconnected);
     for (int loss = 1; loss <= 3; ++loss) {
@@ -372,6 +366,7 @@ void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
         QVERIFY(overlay() == nullptr);
         QTRY_VERIFY(producer_->events().size() == 2);
         QVERIFY(*producer_->events()[0] == MsgEvent("getResources"));
+        QVERIFY(*producer_->events()[1] == UpdateSettingsEvent("#ffff00", 4));
         QVERIFY(shows<WarpPage>());
         QCOMPARE(button(find<HeadBanner>(), QStringLiteral("Warp"))->styleSheet(),
                  QLatin1StringView(ShellLook::kTabOn));

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
 
 #include <optional>
 
@@ -78,6 +79,16 @@ private slots:
             banner_->updateBanner();
         });
         QPushButton* button = buttons(configuration_.disconnectButtonText).first();
+        // Sliding off takes the press back.
+        QWindow* window = banner_->window()->windowHandle();
+        const QPoint on = button->mapTo(banner_->window(), button->rect().center());
+        const QPoint off = on - QPoint(button->width(), 0);
+        QTest::mousePress(window, Qt::LeftButton, {}, on);
+        QTest::mouseMove(window, off);
+        QVERIFY(!button->isDown());
+        QTest::mouseRelease(window, Qt::LeftButton, {}, off);
+        QCOMPARE(disconnections.count(), 0);
+
         QTest::mousePress(button, Qt::LeftButton);
         QCOMPARE(disconnections.count(), 0);
         QTest::mouseRelease(button, Qt::LeftButton);

@@ -49,27 +49,36 @@ public:
     ControllerResult poll() override {
         ++pad_->polls;
         pad_->polled();
-        if (pad_->pollResult != ControllerResult::InputLost)
-            return pad_->pollResult;
-        pad_->acquired = pad_->formatSet = false;
-        return std::exchange(pad_->pollResult, ControllerResult::Ok);
+        if (pad_->pollResult == ControllerResult::InputLost)
+            return tellOnce(pad_->pollResult);
+        return pad_->acquired ? pad_->pollResult : ControllerResult::NotAcquired;
     }
 
     ControllerResult state(ControllerState& state) override {
         state = pad_->state;
-        return pad_->acquired ? ControllerResult::Ok : ControllerResult::NotAcquired;
+        return pad_->acquired ? tellOnce(pad_->stateResult) : ControllerResult::NotAcquired;
     }
 
     ControllerResult bufferedData(std::span<ControllerRecord> records,
                                   std::size_t& count) override {
-        for (count = 0; count < records.size() && !pad_->records.empty(); ++count) {
+        const ControllerResult result = tellOnce(pad_->dataResult);
+        count = 0;
+        if (result != ControllerResult::Ok && result != ControllerResult::BufferOverflow)
+            return result;
+        for (; count < records.size() && !pad_->records.empty(); ++count) {
             records[count] = pad_->records.front();
             pad_->records.pop_front();
         }
-        return std::exchange(pad_->dataResult, ControllerResult::Ok);
+        return result;
     }
 
 private:
+    ControllerResult tellOnce(ControllerResult& result) {
+        if (result == ControllerResult::InputLost)
+            pad_->acquired = pad_->formatSet = false;
+        return std::exchange(result, ControllerResult::Ok);
+    }
+
     std::shared_ptr<FakePad> pad_;
 };
 

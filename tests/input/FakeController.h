@@ -10,7 +10,8 @@
 namespace MeshpadTest {
 
 /// A controller that a test holds in its hand: it sets what the device answers and sees what was
-/// asked of it. As with a real one, properties can only be set while it is not acquired.
+/// asked of it. As with a real one, properties can only be set while it is not acquired, and once
+/// the input is lost it has to be acquired again.
 struct FakePad {
     QString name = "Pad";
     std::map<std::uint32_t, AnalogRange> axes{
@@ -23,8 +24,9 @@ struct FakePad {
     ControllerResult rangeResult = ControllerResult::Ok;
     ControllerResult acquireResult = ControllerResult::Ok;
     ControllerResult unacquireResult = ControllerResult::Ok;
-    ControllerResult pollResult = ControllerResult::Ok; ///< InputLost is told once
-    ControllerResult dataResult = ControllerResult::Ok; ///< told once
+    ControllerResult pollResult = ControllerResult::Ok;  ///< InputLost is told once
+    ControllerResult dataResult = ControllerResult::Ok;  ///< told once
+    ControllerResult stateResult = ControllerResult::Ok; ///< told once
 
     int created = 0;
     bool open = false;

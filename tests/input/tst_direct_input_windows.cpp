@@ -2,8 +2,11 @@
 #include "tests/input/InputLog.h"
 #include "tests/support/MessageGuard.h"
 
+#include <QAbstractNativeEventFilter>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QTest>
+#include <QThread>
 #include <QWindow>
 
 #include <windows.h>
@@ -36,6 +39,24 @@ private:
     std::unique_ptr<ControllerSystem> real_;
 };
 
+/// Whether Windows has told since that controllers have come or gone.
+class ChangeListener : public QAbstractNativeEventFilter {
+public:
+    explicit ChangeListener(const ControllerSystem& system) : system_(system) {
+        QCoreApplication::instance()->installNativeEventFilter(this);
+    }
+
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* /*result*/) override {
+        heard_ = heard_ || system_.announcesChange(type, message);
+        return false;
+    }
+    bool heard() const { return heard_; }
+
+private:
+    const ControllerSystem& system_;
+    bool heard_ = false;
+};
+
 } // namespace
 
 /// The real source of controllers on Windows. With MESHPAD_PAD_COMMANDS, a file whose lines
@@ -52,6 +73,7 @@ private slots:
     void everyInputOfAController();
     void deadZones();
     void overflowIsToldAndCaughtUp();
+    void restsWhileTheFocusIsAway();
     void unpluggedAndPluggedInAgain();
 
 private:
@@ -59,6 +81,8 @@ private:
     void plugIn();
     void command(const QByteArray& lines);
     void waitFor(const QString& events);
+    std::unique_ptr<ControllerDevice> watch();
+    static bool arrived(ControllerDevice& device, std::size_t button);
 
     std::unique_ptr<ControllerSystem> system_; ///< a second look at the controllers
     std::unique_ptr<QWindow> window_;
@@ -175,28 +199,65 @@ void TestDirectInput::deadZones() {
     waitFor("left 0.5 0");
 }
 
+/// Another look at the same controller; it learns only of what is done from now on.
+std::unique_ptr<ControllerDevice> TestDirectInput::watch() {
+    auto device = system_->attachedControllers()->front().create();
+    device->setDataFormat();
+    device->acquire();
+    return device;
+}
+
+/// Waits until the button is held, which should be one that comes after those that matter: the two
+/// looks do not learn of it at the same moment. Runs no event loop, so that nobody polls meanwhile.
+bool TestDirectInput::arrived(ControllerDevice& device, std::size_t button) {
+    ControllerState state;
+    for (QDeadlineTimer deadline(5000); !deadline.hasExpired(); QThread::msleep(1)) {
+        device.poll();
+        device.state(state);
+        if (state.buttons[button])
+            return true;
+    }
+    return false;
+}
+
 void TestDirectInput::overflowIsToldAndCaughtUp() {
     plugIn();
     command("button 0 1\naxis 3 32767\n");
     waitFor("press 0, right 1 0");
-    manager_->onFocusLost();
+    const auto watcher = watch();
     for (int i = 0; i < 20; ++i)
         command("button 9 1\nbutton 9 0\n");
-    command("button 0 0\naxis 3 0\nbutton 1 1\n");
-    // Another look at the same controller tells when all of it has arrived.
-    const auto device = system_->attachedControllers()->front().create();
-    device->setDataFormat();
-    device->acquire();
-    const auto everythingArrived = [&] {
-        ControllerState state;
-        device->poll();
-        device->state(state);
-        return state.buttons[1];
-    };
-    QTRY_VERIFY(everythingArrived());
+    command("button 0 0\naxis 3 0\nbutton 1 1\nbutton 10 1\n");
+    QVERIFY(arrived(*watcher, 10));
     messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
-    manager_->onFocusGained();
     waitFor("release 0, press 1, right 0 0");
+}
+
+void TestDirectInput::restsWhileTheFocusIsAway() {
+    plugIn();
+    command("button 0 1\naxis 0 32767\n");
+    waitFor("press 0, left 1 0");
+    manager_->onFocusLost();
+    waitFor("left 0 0");
+    auto watcher = watch();
+    command("button 3 1\nbutton 3 0\nbutton 0 0\nbutton 1 1\nbutton 10 1\n");
+    QVERIFY(arrived(*watcher, 10));
+    manager_->onFocusGained();
+    waitFor("release 0, press 1, left 1 0");
+
+    // Another one in its place is found as well.
+    watcher.reset();
+    manager_->onFocusLost();
+    command("unplug\n");
+    QTRY_VERIFY(system_->attachedControllers()->empty());
+    ChangeListener arrival(*system_);
+    command("plug\n");
+    QTRY_VERIFY(arrival.heard() && !system_->attachedControllers()->empty());
+    log_->take();
+    manager_->onFocusGained();
+    waitFor("release 1");
+    command("button 2 1\n");
+    waitFor("press 2");
 }
 
 void TestDirectInput::unpluggedAndPluggedInAgain() {

@@ -51,11 +51,15 @@ private slots:
 
     void overflowLosesNothingThatLasts();
     void inputLostAndRecovered();
+    void inputLossToldByAnyCall_data();
+    void inputLossToldByAnyCall();
     void inputLostForGood();
     void failedReadsAreLoggedAndSurvived();
     void unpluggedAndPluggedInAgain();
     void looksForControllersWhereNoMessageTells();
     void readsOnlyWithFocus();
+    void restsWhileTheFocusIsAway();
+    void swappedWhileTheFocusIsAway();
 
 private:
     void start();
@@ -251,6 +255,7 @@ void TestGamepadInputManager::triggersOfTheirOwnCancelAtRest() {
 
 void TestGamepadInputManager::deviceIsConfigured() {
     using namespace ControllerOffset;
+    pad_->state.buttons[4] = true; // held at launch
     pad_->axes.erase(kRz);
     pad_->axes.erase(kRy);
     messages_->expect(QtDebugMsg, "Found device 'Pad'");
@@ -263,7 +268,7 @@ void TestGamepadInputManager::deviceIsConfigured() {
     // An axis that is not there stands still, whatever the device says of it.
     pad_->state.axes[5] = 0;
     feed({{kZ, 65535}});
-    QCOMPARE(log_->take(), QString("pressure 1"));
+    QCOMPARE(log_->take(), QString("press 8, pressure 1"));
 }
 
 void TestGamepadInputManager::brokenControllersAreSkippedAndOthersIgnored() {
@@ -315,7 +320,9 @@ void TestGamepadInputManager::overflowLosesNothingThatLasts() {
     start();
     feed({{48, kDown}, {ControllerOffset::kX, 0}});
     log_->take();
-    // What was lost: button 0 went up, button 1 down and the stick back; what came: the hat.
+    // What was lost: button 0 went up, button 1 down and the stick back; what came: the hat. An
+    // axis that was never heard of and stands at its end is a trigger at rest.
+    pad_->state.axes[3] = 0;
     pad_->state.buttons[1] = true;
     pad_->state.hat = 0;
     pad_->dataResult = ControllerResult::BufferOverflow;
@@ -335,6 +342,29 @@ void TestGamepadInputManager::inputLostAndRecovered() {
     feed({{51, kDown}});
     QVERIFY(pad_->acquired);
     QCOMPARE(log_->take(), QString("release 1, press 2, press 3, left 0 0, right 1 0"));
+}
+
+void TestGamepadInputManager::inputLossToldByAnyCall_data() {
+    QTest::addColumn<bool>("byRecords");
+    QTest::addRow("reading the records") << true;
+    QTest::addRow("reading the state") << false;
+}
+
+void TestGamepadInputManager::inputLossToldByAnyCall() {
+    QFETCH(const bool, byRecords);
+    start();
+    nextPoll();
+    if (byRecords)
+        messages_->expect(QtWarningMsg,
+                          "Got error while getting gamepad data despite polling being ok");
+    else
+        manager_->onFocusLost();
+    ControllerResult& result = byRecords ? pad_->dataResult : pad_->stateResult;
+    result = ControllerResult::InputLost;
+    manager_->onFocusGained();
+    QTRY_COMPARE(result, ControllerResult::Ok);
+    pad_->records = {{48, kDown}};
+    QTRY_COMPARE(log_->text(), QString("press 0"));
 }
 
 void TestGamepadInputManager::inputLostForGood() {
@@ -420,14 +450,12 @@ void TestGamepadInputManager::readsOnlyWithFocus() {
     nextPoll();
     manager_->onFocusLost();
     const int polls = pad_->polls;
-    QTest::qWait(0);
-    QSignalSpy pressed(manager_.get(), &GamepadInputManager::buttonPressed);
-    pad_->records = {{48, kDown}};
-    QVERIFY(!pressed.wait(100));
+    QTest::qWait(100);
     QCOMPARE(pad_->polls, polls);
     manager_->onFocusGained();
     manager_->onFocusGained();
-    QVERIFY(pressed.wait());
+    feed({{48, kDown}});
+    QCOMPARE(log_->take(), QString("press 0"));
 
     // One that arrives while another application is in front waits for the focus, too.
     pad_->pollResult = ControllerResult::InputLost;
@@ -436,14 +464,59 @@ void TestGamepadInputManager::readsOnlyWithFocus() {
     manager_->onFocusLost();
     manager_->onFocusGained();
     manager_->onFocusLost();
+    log_->take();
     pads_.pads.clear();
     pad_ = pads_.plugIn();
+    pad_->state.buttons[1] = true;
     announceChange();
-    pad_->records = {{49, kDown}};
     QVERIFY(manager_->isGamepadConnected());
-    QVERIFY(!pressed.wait(100));
+    QTest::qWait(50);
+    QCOMPARE(log_->take(), QString());
     manager_->onFocusGained();
-    QVERIFY(pressed.wait());
+    QTRY_COMPARE(log_->text(), QString("press 1"));
+}
+
+/// What moved stands still at once; what was done meanwhile is not caught up on, what is done at
+/// the end of it is known.
+void TestGamepadInputManager::restsWhileTheFocusIsAway() {
+    start();
+    feed({{48, kDown},
+          {49, kDown},
+          {ControllerOffset::kX, 0},
+          {ControllerOffset::kRx, 65535},
+          {ControllerOffset::kZ, 65535}});
+    log_->take();
+    manager_->onFocusLost();
+    QCOMPARE(log_->take(), QString("left 0 0, right 0 0"));
+    manager_->onFocusLost();
+    QCOMPARE(log_->take(), QString());
+    // Button 2 is pressed and let go of, more often than a buffer holds; button 1 is let go of and
+    // the right stick returns; button 0 and the left stick are held all the time.
+    for (int i = 0; i < 40; ++i)
+        pad_->records.push_back({50, i % 2 == 0 ? kDown : 0});
+    pad_->records.push_back({49, 0});
+    pad_->state.buttons = {true, false};
+    pad_->state.axes = {0, 32768, 65535, 32768, 32768, 32768};
+    manager_->onFocusGained();
+    nextPoll();
+    QCOMPARE(log_->take(), QString("release 1, left -1 0, pressure 1"));
+    QVERIFY(pad_->records.empty());
+}
+
+/// The old one can be acquired as if it were still there.
+void TestGamepadInputManager::swappedWhileTheFocusIsAway() {
+    start();
+    manager_->onFocusLost();
+    pad_->pollResult = ControllerResult::InputLost;
+    pads_.pads.clear();
+    announceChange();
+    pad_ = pads_.plugIn("Other");
+    announceChange();
+    messages_->expect(QtDebugMsg, "Found device 'Other'");
+    manager_->onFocusGained();
+    QTRY_VERIFY(pad_->open);
+    feed({{48, kDown}});
+    QCOMPARE(log_->take(), QString("press 0"));
 }
 
 QTEST_GUILESS_MAIN(TestGamepadInputManager)

@@ -56,6 +56,7 @@ private slots:
     void silenceIsNoticedByASlowThread();
     void serverMode();
     void takenPort();
+    void takenInPart();
     void socketsAreLeftAlone();
     void vanishedPeerIsNoticed();
 
@@ -277,6 +278,44 @@ void TwoMachinesTest::takenPort() {
     QTest::qWait(200);
     QCOMPARE(pings(*machine_, producer), 0);
     holder.close();
+    QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
+}
+
+/// Of two addresses one is not free, and neither is what everybody's broadcasts come to: what can
+/// be used is, and the rest as soon as it is free.
+void TwoMachinesTest::takenInPart() {
+    QVERIFY(PeerNamespace::ipHere("address add 10.78.0.9/24 broadcast + dev here0"));
+    QVERIFY(machine_->ip("route add default dev there0"));
+    QUdpSocket ofAddress, ofBroadcasts;
+    QVERIFY(ofAddress.bind(QHostAddress("10.78.0.1"), 62331, QUdpSocket::DontShareAddress));
+    QVERIFY(ofBroadcasts.bind(QHostAddress::Broadcast, 62331, QUdpSocket::DontShareAddress));
+    const auto server =
+        machine_->make<NetworkUtils>([] { return new NetworkUtils(62330, 62331, true); });
+    messages_->expect(QtCriticalMsg,
+                      "NetworkCompanion: Socket not bound when constructing NetworkUtils!");
+    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
+
+    // It answers from the address that it has, and does not take another port for the other one.
+    const auto clients = [&] {
+        QStringList found;
+        machine_->run([&] { found = server->clients(); });
+        return found;
+    };
+    discovery.processDatagram("GetClients", QHostAddress("10.78.0.2"));
+    QTRY_COMPARE(clients(), QStringList({"10.78.0.9"}));
+
+    // Asked by a broadcast it hears that only after somebody else has let go.
+    machine_->run([&] { server->getClientsOnNetwork(); });
+    QTest::qWait(200);
+    QCOMPARE(clients(), QStringList());
+    ofBroadcasts.close();
+    ofAddress.close();
+    const auto isHeard = [&] {
+        machine_->run([&] { server->getClientsOnNetwork(); });
+        return QTest::qWaitFor([&] { return !clients().isEmpty(); }, 200);
+    };
+    QTRY_VERIFY(isHeard());
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 }
 

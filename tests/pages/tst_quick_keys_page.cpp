@@ -7,7 +7,9 @@
 #include "tests/pages/PageTest.h"
 #include "tests/support/ProtocolBytes.h"
 
+#include <QElapsedTimer>
 #include <QGridLayout>
+#include <QMouseEvent>
 #include <QSpinBox>
 #include <QStackedWidget>
 
@@ -22,11 +24,18 @@ class KeysTest : public PageTest<QuickKeysPage> {
 public:
     QSpinBox* spinBox() const { return page->findChild<QSpinBox*>(); }
     QStackedWidget* stack() const { return page->findChild<QStackedWidget*>(); }
-    int pages() const { return stack()->count(); }
-    int shownPage() const { return stack()->currentIndex() + 1; }
+    int pages() const {
+        QCoreApplication::processEvents(); // the grid pages follow within a turn
+        return stack()->count();
+    }
+    int shownPage() const {
+        QCoreApplication::processEvents();
+        return stack()->currentIndex() + 1;
+    }
 
     /// The button at a place of the shown page.
     QuickKeysButton* at(int row, int column) const {
+        QCoreApplication::processEvents();
         auto* grid = qobject_cast<QGridLayout*>(stack()->currentWidget()->layout());
         return qobject_cast<QuickKeysButton*>(grid->itemAtPosition(row, column)->widget());
     }
@@ -37,6 +46,7 @@ public:
     }
     /// Names of the keys that can be pressed, page by page: "1 2 3|7".
     QString layout() const {
+        const int view = shownPage();
         QStringList names;
         for (int i = 0; i < pages(); ++i) {
             page->navigateToPage(i + 1);
@@ -48,7 +58,7 @@ public:
             }
             names << row.join(' ');
         }
-        page->navigateToPage(spinBox()->value());
+        page->navigateToPage(view);
         return names.join('|');
     }
 };
@@ -102,7 +112,15 @@ private slots:
         QCOMPARE(test.spinBox()->maximum(), 2);
         QCOMPARE(test.shownPage(), 1);
 
-        QTest::mouseClick(test.at(1, 2), Qt::LeftButton);
+        // One press, though the finger slides off the key and back.
+        QuickKeysButton* sixth = test.at(1, 2);
+        QTest::mousePress(sixth, Qt::LeftButton);
+        for (const QPoint place : {QPoint(-20, 9), QPoint(9, 9), QPoint(9, -20), QPoint(9, 9)}) {
+            QMouseEvent move(QEvent::MouseMove, place, sixth->mapToGlobal(QPointF(place)),
+                             Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(sixth, &move);
+        }
+        QTest::mouseRelease(sixth, Qt::LeftButton);
         QTest::mouseClick(test.at(0, 1), Qt::LeftButton); // no key there
         QTest::keyClick(test.spinBox(), Qt::Key_Up);
         QCOMPARE(test.shownPage(), 2);
@@ -126,7 +144,8 @@ private slots:
         QTest::newRow("not the highest") << QList<int>{2} << "1 -|- -|- 6|- 8";
         QTest::newRow("last place of a page") << QList<int>{8} << "1 2|- -|- 6";
         QTest::newRow("over a gap") << QList<int>{8, 6} << "1 2";
-        QTest::newRow("all") << QList<int>{1, 2, 6, 8} << "- -|- -|- -|- -";
+        QTest::newRow("all") << QList<int>{8, 6, 2, 1} << "- -";
+        QTest::newRow("all, the highest last") << QList<int>{1, 2, 6, 8} << "- -|- -|- -|- -";
         QTest::newRow("unknown") << QList<int>{3, 9, 10000} << "1 2|- -|- 6|- 8";
     }
     void deletingTheHighestKeyTakesEmptyPagesAway() {
@@ -156,6 +175,7 @@ private slots:
         QTest::newRow("fewer columns") << 2 << 1 << "1 2|3 -|5 6|7 -" << 3;
         QTest::newRow("single keys") << 1 << 1 << "1|2|3|-|5|6|7|-" << 5;
         QTest::newRow("the same") << 2 << 2 << "1 2 3 -|5 6 7 -" << 2;
+        QTest::newRow("filled by the highest") << 1 << 7 << "1 2 3 - 5 6 7|- - - - - - -" << 1;
     }
     void anotherGridKeepsTheKeysAndTheView() {
         QFETCH(const int, rows);
@@ -169,6 +189,7 @@ private slots:
         test.page->configQuickKey(rows, columns);
         QCOMPARE(test.layout(), layout);
         QTEST(test.spinBox()->value(), "shown");
+        QTEST(test.shownPage(), "shown");
         QCOMPARE(test.spinBox()->maximum(), test.pages());
 
         // Each button still executes its own key, the new ones as well.
@@ -250,6 +271,10 @@ private slots:
         QTest::newRow("file") << "backgroundvideo_final_final_v3.mov" << true;
         QTest::newRow("Greek and Cyrillic") << "Έναρξη Начало представления" << true;
         QTest::newRow("Arabic and Hebrew") << "مرحبا بالجمهور שלום" << true;
+        QTest::newRow("Chinese and Japanese")
+            << "红色警戒场景 とても長いキーの名前がここに入ります" << true;
+        QTest::newRow("emoji") << QString::fromUtf8("🎉👩‍👩‍👧‍👦").repeated(4)
+                               << true;
         QTest::newRow("lines") << "one\ntwo\r\nthree\u2028four" << true;
         QTest::newRow("255 letters") << QString(255, 'W') << false;
         QTest::newRow("255 bytes of words") << QString("word ").repeated(51) << true;
@@ -287,6 +312,7 @@ private slots:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
         test.at(0, 0)->setFocus();
         test.page->configQuickKey(1, 3);
+        QCOMPARE(test.pages(), 2);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
         QCOMPARE(test.window.keys, 3); // what no key takes goes on to the window
         QTRY_COMPARE(test.producer.bytes(), executeBytes(1));
@@ -297,19 +323,68 @@ private slots:
         QVERIFY(!test.spinBox()->hasFocus());
     }
 
-    void aHugeSetOfKeysCostsWhatIsShown() {
+    void spinBoxAndPageAlwaysAgree() {
         const KeysTest test;
         QVERIFY(test.ready);
-        test.page->configQuickKey(4, 6);
-        for (int id = 10'000; id > 0; --id) {
-            test.add({id});
+        test.page->configQuickKey(1, 2);
+        test.add({5});
+        for (const auto& [asked, shown] :
+             {std::pair{2, 2}, {3, 3}, {4, 3}, {0, 3}, {-1, 3}, {1, 1}}) {
+            test.page->navigateToPage(asked);
+            QCOMPARE(test.stack()->currentIndex() + 1, shown);
+            QCOMPARE(test.spinBox()->value(), shown);
         }
-        test.page->configQuickKey(5, 7);
-        QCOMPARE(test.pages(), 286);
-        QVERIFY(test.page->findChildren<QuickKeysButton*>().size() < 400);
-        test.spinBox()->setValue(286);
-        QTest::mouseClick(test.at(3, 3), Qt::LeftButton);
-        QTRY_COMPARE(test.producer.bytes(), executeBytes(10'000));
+        // An arrow without a way to go looks it.
+        const auto arrows = [&test] { return test.spinBox()->grab().toImage(); };
+        const QImage first = arrows();
+        test.spinBox()->setValue(2);
+        const QImage middle = arrows();
+        test.spinBox()->setValue(3);
+        const QImage last = arrows();
+        const QRect left(0, 0, 30, 35);
+        const QRect right(90, 0, 30, 35);
+        QVERIFY(first.copy(left) != middle.copy(left));
+        QCOMPARE(first.copy(right), middle.copy(right));
+        QCOMPARE(last.copy(left), middle.copy(left));
+        QVERIFY(last.copy(right) != middle.copy(right));
+    }
+
+    void aFloodOfGridsAndKeysLeavesTheWindowFree() {
+        KeysTest test;
+        QVERIFY(test.ready);
+        // Grids of the largest size, and pages by the thousand, in turns.
+        const auto flood = [&test] {
+            for (int i = 0; i < 20; ++i) {
+                test.producer.send(ConfigQuickKeyEvent(64, 64, 0));
+                test.producer.send(AddQuickKeyEvent(10'000, 0, 0, "last", "#00ff00"));
+                test.producer.send(ConfigQuickKeyEvent(1, 1, 0));
+                test.producer.send(DeleteQuickKeyEvent(10'000, 0));
+            }
+            test.producer.send(ConfigQuickKeyEvent(64, 64, 0));
+        };
+        for (std::uint32_t id = 1; id < 4096; ++id) {
+            test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
+        }
+        // The longest time in which the operator could have done nothing.
+        QElapsedTimer turn;
+        qint64 longest = 0;
+        QTimer pulse;
+        connect(&pulse, &QTimer::timeout, this,
+                [&] { longest = std::max(longest, turn.restart()); });
+        turn.start();
+        pulse.start(0);
+        for (int i = 0; i < 10; ++i) {
+            flood();
+            QTest::qWait(10);
+        }
+        for (std::uint32_t id = 1; id <= 4096; ++id) {
+            test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
+        }
+        QTRY_COMPARE(test.page->findChildren<QuickKeysButton*>().size(), 4096);
+        QTRY_VERIFY(test.at(63, 63)->isVisible());
+        QVERIFY2(longest < 1000, qPrintable(QString::number(longest) + " ms"));
+        QTest::mouseClick(test.at(63, 63), Qt::LeftButton);
+        QTRY_COMPARE(test.producer.bytes(), executeBytes(4096));
     }
 };
 

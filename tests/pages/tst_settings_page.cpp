@@ -21,8 +21,8 @@ public:
         }
         qFatal("no such combo box");
     }
-    QComboBox* color() const { return combo("Points color:"); }
-    QComboBox* shape() const { return combo("Points shape:"); }
+    QComboBox* color() const { return combo("Points color"); }
+    QComboBox* shape() const { return combo("Points shape"); }
     int visibleControls() const {
         int count = 0;
         for (const auto* label : page->findChildren<QLabel*>()) {

@@ -58,6 +58,15 @@ private slots:
         QCOMPARE(test.marked(), QStringList{"White"}); // before anything can have come back
         QCOMPARE(test.frameOf("None"), kIdle);
         test.press("White");
+        auto* logo = test.button("LV Logo");
+        const auto border = [logo] { return logo->grab().toImage().pixel(110, 0); };
+        QCOMPARE(border(), kIdle);
+        QTest::mouseMove(logo);
+        QTRY_VERIFY(border() != kIdle);
+        const QRgb hovered = border();
+        logo->setDown(true); // as under a finger
+        QVERIFY(border() != hovered);
+        logo->setDown(false);
         test.button("Tile")->setFocus();
         QTest::keyClick(test.button("Tile"), Qt::Key_Space);
         QCOMPARE(test.marked(), QStringList{"Tile"});

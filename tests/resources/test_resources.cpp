@@ -158,7 +158,8 @@ private slots:
         QDirIterator files(":/img");
         while (files.hasNext()) {
             const QString path = files.next();
-            if (path.contains("/menu-") || path.contains("/button-")) {
+            if (path.contains("/menu-") || path.contains("/button-") ||
+                path.contains(QRegularExpression("/arrow-.*-off"))) {
                 continue; // backgrounds reach the edge
             }
             const QImage image = drawn(path, 4);

@@ -140,7 +140,7 @@ QList<int> SceneUnderTest::selectedPoints() const {
 
 QString SceneUnderTest::faultInPicture(int point) const {
     const QImage image = view->grabFramebuffer();
-    const double ratio = image.devicePixelRatio();
+    const double ratio = double(image.width()) / view->width();
     const QPoint centre = onScreen(point);
     const QMap<QString, QList<QColor>> colors{{"UNSELECTED", {"#323232", "#0096ff"}},
                                               {"SELECTED", {"#b3dffe", "#004c99"}},

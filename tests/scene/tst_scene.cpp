@@ -10,6 +10,7 @@
 
 #include <QRandomGenerator>
 #include <QSignalSpy>
+#include <QStyleHints>
 #include <QTest>
 
 #include <optional>
@@ -54,7 +55,8 @@ private slots:
     void zoneLocker();
     void moveLocker();
     void editingUv();
-    void mirrorsFlipsAndCopies();
+    void toolsThatSelect();
+    void toolsThatDeform();
     void controller();
     void incomingMoves();
     void configurationDialog();
@@ -203,6 +205,13 @@ void SceneTest::dragMovesSelection() {
     QCOMPARE(s.position(4), QPointF(960 + 20 / zoom, 540 + 10 / zoom));
     QCOMPARE(s.position(0), QPointF(20 / zoom, 10 / zoom));
 
+    // Turning the view under the pointer moves no point.
+    s.key(Qt::Key_R);
+    s.move(start + QPoint(20, 10));
+    QCOMPARE(s.position(4), QPointF(960 + 20 / zoom, 540 + 10 / zoom));
+    s.key(Qt::Key_R, kCtrl);
+    s.move(start + QPoint(20, 10));
+
     // A selection that changes under the pointer does not run away with it.
     s.key(Qt::Key_Escape);
     s.move(start + QPoint(60, 60));
@@ -275,26 +284,17 @@ void SceneTest::keysSelect() {
     QCOMPARE(s.selectedPoints(), QList<int>());
     s.key(Qt::Key_Down, kAlt);
     QCOMPARE(s.selectedPoints(), QList{0});
+    s.key(Qt::Key_Left, kAlt); // the edges of the mesh
+    s.key(Qt::Key_Up, kAlt | kShift);
+    s.key(Qt::Key_Up, kCtrl | kShift | kAlt);
+    s.key(Qt::Key_Left, kCtrl | kShift | kAlt);
+    QCOMPARE(s.selectedPoints(), QList{0});
+    s.click(s.onScreen(19));
     s.key(Qt::Key_Right, kAlt);
     s.key(Qt::Key_Down, kAlt);
-    QCOMPARE(s.selectedPoints(), QList{6});
-    s.key(Qt::Key_Right, kAlt | kShift);
-    QCOMPARE(s.selectedPoints(), (QList{6, 7}));
-    s.key(Qt::Key_Up, kCtrl | kAlt);
-    QCOMPARE(s.selectedPoints(), (QList{2, 6, 7, 12, 17}));
-    QCOMPARE(s.currentPoint(), 17);
-    s.key(Qt::Key_Down, kAlt); // the last row
-    QCOMPARE(s.currentPoint(), 17);
-    s.key(Qt::Key_Up, kCtrl | kShift | kAlt);
-    QCOMPARE(s.selectedPoints(), (QList{2, 6, 7, 10, 11, 12, 13, 14, 17}));
-    s.key(Qt::Key_Right, kAlt); // the end of a row
-    QCOMPARE(s.currentPoint(), 14);
-    s.key(Qt::Key_Escape);
-    QCOMPARE(s.selectedPoints(), QList<int>());
-    s.key(Qt::Key_A, kCtrl);
-    QCOMPARE(s.selectedPoints().size(), 20);
-    QCOMPARE(s.currentPoint(), 19);
-    compareWithProducer(true);
+    s.key(Qt::Key_Down, kCtrl | kShift | kAlt);
+    s.key(Qt::Key_Right, kCtrl | kShift | kAlt);
+    QCOMPARE(s.selectedPoints(), QList{19});
 }
 
 void SceneTest::keysForTheRestOfTheProgram() {
@@ -362,6 +362,13 @@ void SceneTest::zoneLocker() {
     s.canvas->onLeftAxisMoved(1, 0);
     s.canvas->onLeftAxisMoved(0, 0);
     QCOMPARE(s.position(6).x(), 1920.0);
+    const auto touch = [this] { return QTest::touchEvent(scene_->view, finger_.get()); };
+    const QPoint held = s.onScreen(6);
+    touch().press(0, held);
+    touch().move(0, held - QPoint(950, 0));
+    QTRY_COMPARE(s.position(5).x(), 0.0);
+    touch().release(0, held - QPoint(950, 0));
+    QCOMPARE(s.position(6).x(), 640.0);
     compareWithProducer(true);
 
     s.selectMedia(); // another item: released
@@ -422,29 +429,132 @@ void SceneTest::editingUv() {
     QVERIFY(s.evaluate("isCurrentGridXy && !warpToolBar.mapButtonPushed").toBool());
 }
 
-void SceneTest::mirrorsFlipsAndCopies() {
+/// Every tool that selects, by each of its ways: keys, action of a controller, button. Of four rows
+/// of five points, 7 is current before.
+void SceneTest::toolsThatSelect() {
+    struct Tool {
+        const char* keys;
+        Action action;
+        int button;
+        const char* selection;
+        int current;
+    };
+    const Tool tools[]{
+        {"Ctrl+A", Action(3), 0, "0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19", 19},
+        {"Esc", Action(4), 1, "", -1},
+        {"Alt+Up", Action(5), 5, "2", 2},
+        {"Alt+Right", Action(6), 2, "8", 8},
+        {"Alt+Down", Action(7), 4, "12", 12},
+        {"Alt+Left", Action(8), 3, "6", 6},
+        {"Shift+Alt+Up", Action(9), 7, "2 7", 2},
+        {"Shift+Alt+Right", Action(10), 9, "7 8", 8},
+        {"Shift+Alt+Down", Action(11), 8, "7 12", 12},
+        {"Shift+Alt+Left", Action(12), 6, "6 7", 6},
+        {"Ctrl+Alt+Up, Ctrl+Alt+Down", Action(13), 10, "2 7 12 17", 17},
+        {"Ctrl+Alt+Left, Ctrl+Alt+Right", Action(14), 11, "5 6 7 8 9", 9},
+        {"Ctrl+Alt+Shift+Up", Action(15), 13, "0 1 2 3 4 7", 4},
+        {"Ctrl+Alt+Shift+Right", Action(16), 15, "3 7 8 13 18", 18},
+        {"Ctrl+Alt+Shift+Down", Action(17), 14, "7 10 11 12 13 14", 14},
+        {"Ctrl+Alt+Shift+Left", Action(18), 12, "1 6 7 11 16", 16},
+    };
     SceneUnderTest& s = *scene_;
-    s.selectMedia(3, 3, 3);
-    s.evaluate("updatePoint(0, 3, 100, 250)");
-    pressButton("deformWarpToolButton", 1);
-    QCOMPARE(s.position(5), QPointF(900, 250));
-    QCOMPARE(s.position(3), QPointF(0, 300));
-    pressButton("deformWarpToolButton", 4);
-    QCOMPARE(s.position(5), QPointF(900, 350));
-    QCOMPARE(s.position(0), QPointF(0, 600));
-    pressButton("deformWarpToolButton", 6); // to the texture coordinates
-    compareWithProducer(true);
-    compareWithProducer(false);
-    QCOMPARE(s.told(false)[5].x, 0.9);
+    s.selectMedia(3, 4, 5);
+    for (const Tool& tool : tools) {
+        const QKeySequence keys(tool.keys);
+        for (int way = -2; way < keys.count(); ++way) {
+            s.deformMedia(3, 4, 5);
+            s.settle();
+            s.producer.forget();
+            s.click(s.onScreen(7));
+            if (way == -2)
+                s.canvas->onAction(tool.action);
+            else if (way == -1)
+                pressButton("selectWarpToolButton", tool.button);
+            else
+                s.key(keys[uint(way)].key(), keys[uint(way)].keyboardModifiers());
+            QStringList selection;
+            for (const int point : s.selectedPoints())
+                selection << QString::number(point);
+            QCOMPARE(selection.join(' '), QString(tool.selection));
+            QCOMPARE(s.currentPoint(), tool.current);
+            compareWithProducer(true);
+        }
+    }
+}
+
+/// Every tool that deforms, as action and as button.
+void SceneTest::toolsThatDeform() {
+    struct Tool {
+        Action action;
+        int button;
+        QPointF (*place)(const QMap<int, QPointF>& before, int row, int column);
+    };
+    using Places = const QMap<int, QPointF>&;
+    const Tool tools[]{
+        {Action(19), 1,
+         [](Places before, int row, int column) {
+             const QPointF from = before[row * 4 + 3 - column];
+             return QPointF(1000 - from.x(), from.y());
+         }},
+        {Action(20), 2,
+         [](Places before, int row, int column) {
+             const QPointF from = before[(2 - row) * 4 + column];
+             return QPointF(from.x(), 600 - from.y());
+         }},
+        {Action(21), 3,
+         [](Places before, int row, int column) {
+             const QPointF from = before[row * 4 + column];
+             return QPointF(1000 - from.x(), from.y());
+         }},
+        {Action(22), 4,
+         [](Places before, int row, int column) {
+             const QPointF from = before[row * 4 + column];
+             return QPointF(from.x(), 600 - from.y());
+         }},
+        {Action(23), 5, // from the texture coordinates, where nothing was moved
+         [](Places, int row, int column) { return QPointF(column * 1000.0 / 3, row * 300); }},
+    };
+    SceneUnderTest& s = *scene_;
+    s.selectMedia(3, 3, 4);
+    for (const Tool& tool : tools) {
+        for (const bool byAction : {true, false}) {
+            s.deformMedia(3, 3, 4);
+            s.evaluate("updatePoint(0, 4, 70, 230)");
+            s.evaluate("updatePoint(0, 2, 500, 40)");
+            QMap<int, QPointF> before;
+            for (int id = 0; id < 12; ++id)
+                before[id] = s.position(id);
+            if (byAction)
+                s.canvas->onAction(tool.action);
+            else
+                pressButton("deformWarpToolButton", tool.button);
+            for (int id = 0; id < 12; ++id)
+                QCOMPARE(s.position(id), tool.place(before, id / 4, id % 4));
+            compareWithProducer(true);
+        }
+    }
     s.producer.forget();
-    pressButton("deformWarpToolButton", 0);
+    pressButton("deformWarpToolButton", 0); // the heading
     s.settle();
     QCOMPARE(int(s.producer.events().size()), 1); // nothing but the mark
+
+    s.evaluate("updatePoint(0, 4, 250, 150)");
+    for (const bool byAction : {true, false}) {
+        s.evaluate("updatePoint(1, 4, 0, 0)");
+        if (byAction)
+            s.canvas->onAction(Action(24));
+        else
+            pressButton("deformWarpToolButton", 6);
+        compareWithProducer(false);
+        QCOMPARE(s.told(false)[4].x, 0.25);
+        QCOMPARE(s.told(false)[4].y, 0.25);
+    }
 
     s.selectScreen();
     s.settle();
     s.producer.forget();
     s.canvas->onAction(Action::UV_TO_XY); // not for screens
+    s.canvas->onAction(Action::XY_TO_UV);
     s.settle();
     QCOMPARE(int(s.producer.events().size()), 1);
 }
@@ -545,6 +655,18 @@ void SceneTest::configurationDialog() {
     QCOMPARE(s.integer("deformationDialog.columns"), 3);
     s.key(Qt::Key_Escape);
 
+    // A mesh beyond the lists is shown as it is, and confirmed as it is.
+    s.selectScreen(2, 58, 64);
+    pressButton("warpToolBarButton", 2);
+    QCOMPARE(s.integer("deformationDialog.rows"), 20);
+    s.key(Qt::Key_Down);
+    QCOMPARE(s.integer("deformationDialog.columns"), 16); // as another kind it cannot be so large
+    s.key(Qt::Key_Up);
+    s.key(Qt::Key_Return);
+    s.settle();
+    QCOMPARE(int(s.producer.eventsOf<DeformationModeEvent>().back()->rows()), 58);
+    QCOMPARE(int(s.producer.eventsOf<DeformationModeEvent>().back()->columns()), 64);
+
     // By pointer: "None" for a part, which cannot be without; the check box is clear again.
     s.selectPart(3, 16, 16);
     pressButton("warpToolBarButton", 2);
@@ -559,10 +681,29 @@ void SceneTest::configurationDialog() {
     QCOMPARE(parts[0]->deformationType(), LV_NTC_DeformationType::Keystone);
 
     pressButton("warpToolBarButton", 2);
+    s.key(Qt::Key_Tab);
     s.key(Qt::Key_Escape);
     QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
     s.key(Qt::Key_A, kCtrl); // the canvas has the keyboard again
     QCOMPARE(s.selectedPoints().size(), 256);
+    pressButton("warpToolBarButton", 2);
+    s.key(Qt::Key_Down); // the keyboard is where it was at first
+    QCOMPARE(s.string("deformationDialog.curve"), "Curve");
+    s.key(Qt::Key_Up);
+
+    // Behind the button lies a point, which a second tap does not reach.
+    QQuickItem* cancel = button("cancelButton");
+    const QPoint at = cancel->mapToScene(QRectF(QPointF(), cancel->size()).center()).toPoint();
+    const QPointF behind = s.grid()->mapFromScene(at);
+    s.evaluate(QString("updatePoint(0, 3, %1, %2)").arg(behind.x()).arg(behind.y()));
+    s.click(at);
+    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+    s.click(at);
+    QCOMPARE(s.selectedPoints().size(), 256);
+    QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    QCOMPARE(s.currentPoint(), 255);
+    s.click(s.onScreen(3));
+    QVERIFY(s.currentPoint() != 255);
 }
 
 void SceneTest::rotationDialog() {
@@ -660,6 +801,17 @@ void SceneTest::fingers() {
     touch().release(0, corner).release(1, QPoint(900, 500));
     QVERIFY(!s.evaluate("isMovingPoint").toBool());
     compareWithProducer(true);
+
+    // A third finger comes and one of the first two goes: the view stays where it is.
+    const QPoint seen = s.onScreen(4);
+    touch().press(0, QPoint(400, 300));
+    touch().stationary(0).press(1, QPoint(500, 300));
+    touch().stationary(0).stationary(1).press(2, QPoint(700, 200));
+    touch().release(0, QPoint(400, 300)).stationary(1).stationary(2);
+    QCOMPARE(s.onScreen(4), seen);
+    touch().move(1, QPoint(520, 310)).move(2, QPoint(720, 210));
+    QTRY_COMPARE(s.onScreen(4), seen + QPoint(20, 10));
+    touch().release(1, QPoint(520, 310)).release(2, QPoint(720, 210));
 
     const double x = s.evaluate("canvasMedia.x").toDouble();
     touch().press(0, QPoint(600, 30));

@@ -335,6 +335,10 @@ private slots:
         QTest::mouseClick(row("Sea"), Qt::LeftButton);
         QTest::keyClick(focus(), Qt::Key_Space);
         QVERIFY(gets(ItemDataEvent(0), MediaBlindEvent(Type::Texture, 2, 20, 0, "Sea", false)));
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", true);
+        list_->notified(&held); // the output does not flicker under a resting thumb
+        QVERIFY(held.isAccepted());
+        QVERIFY(getsNothing());
     }
 
     void deformationsAreToldAndKept() {
@@ -439,6 +443,10 @@ private slots:
         QTest::keyClicks(focus(), "?");
         QCOMPARE(shownRows(), QStringList());
         QVERIFY(box->styleSheet().contains("color: red;"));
+        addMedia(5, "floor, floor?"); // the sign follows what comes and goes
+        QTRY_COMPARE(box->styleSheet(), normal);
+        list_->removeMedia(5);
+        QTRY_VERIFY(box->styleSheet() != normal);
         box->clear();
         QCOMPARE(box->styleSheet(), normal);
         QCOMPARE(shownRows().size(), 6);

@@ -1,0 +1,140 @@
+#include "tests/chaos/ChaosProxy.h"
+
+#include <QTcpSocket>
+
+#include <sys/socket.h>
+
+namespace {
+
+constexpr int kMostSingleBytes = 1500; // about five events; further ones go in pieces
+constexpr int kLargestPiece = 700;     // bytes
+constexpr int kSlowPortion = 256;      // bytes a millisecond
+constexpr int kLongestPause = 3;       // ms
+constexpr int kLongestStall = 80;      // ms
+constexpr int kPortionsToAStall = 12;
+constexpr qint64 kBrightening = 4096; // bytes, after which portions are twice as large, and so on
+
+} // namespace
+
+ChaosProxy::ChaosProxy(quint16 producerPort, quint32 seed, QObject* parent)
+    : QObject(parent), producerPort_(producerPort), random_(seed) {
+    connect(&server_, &QTcpServer::newConnection, this, &ChaosProxy::onNewConnection);
+    for (Pipe* pipe : {&companion_, &producer_}) {
+        pipe->next.setSingleShot(true);
+        pipe->next.setTimerType(Qt::PreciseTimer);
+        connect(&pipe->next, &QTimer::timeout, this, [=, this] { deliver(*pipe); });
+    }
+}
+
+bool ChaosProxy::listen(const QHostAddress& address, quint16 port) {
+    return server_.isListening() || server_.listen(address, port);
+}
+
+void ChaosProxy::cutAfter(qint64 bytes, End end) {
+    untilCut_ = bytes;
+    cutEnd_ = end;
+}
+
+void ChaosProxy::onNewConnection() {
+    while (QTcpSocket* arrived = server_.nextPendingConnection()) {
+        if (companion_.socket)
+            cut(End::Closed); // of two companions the newer one counts
+        sent_ = 0;
+        companion_.socket = arrived;
+        arrived->setParent(this);
+        producer_.socket = new QTcpSocket(this);
+        producer_.socket->connectToHost(QHostAddress::LocalHost, producerPort_);
+        for (QTcpSocket* socket : {companion_.socket, producer_.socket}) {
+            socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+            Pipe& other = socket == companion_.socket ? producer_ : companion_;
+            connect(socket, &QTcpSocket::readyRead, this,
+                    [=, this, &other] { take(socket, other); });
+            connect(socket, &QTcpSocket::disconnected, this, [=, this] { end(socket); });
+        }
+        connect(producer_.socket, &QTcpSocket::connected, this, [this] { deliver(producer_); });
+        take(companion_.socket, producer_);
+    }
+}
+
+void ChaosProxy::take(QTcpSocket* from, Pipe& to) {
+    to.waiting += from->readAll();
+    if (!to.next.isActive())
+        deliver(to);
+}
+
+void ChaosProxy::deliver(Pipe& to) {
+    if (!to.socket || to.socket->state() != QAbstractSocket::ConnectedState)
+        return;
+    if (!to.waiting.isEmpty()) {
+        auto [size, pause] = portion(to.waiting.size());
+        const bool last = &to == &companion_ && untilCut_ >= 0 && size >= untilCut_;
+        if (last)
+            size = qsizetype(untilCut_);
+        else if (&to == &companion_ && untilCut_ >= 0)
+            untilCut_ -= size;
+        to.socket->write(to.waiting.constData(), size);
+        to.socket->flush();
+        sent_ += size;
+        to.waiting.remove(0, size);
+        if (last)
+            return cut(cutEnd_);
+        if (!to.waiting.isEmpty())
+            return to.next.start(pause);
+    }
+    if (to.sourceEnded)
+        to.socket->disconnectFromHost();
+}
+
+std::pair<qsizetype, int> ChaosProxy::portion(qsizetype waiting) {
+    const int scale = 1 + int(sent_ / kBrightening);
+    const auto piece = [&](int largest) {
+        return qMin<qsizetype>(waiting, random_.bounded(1, largest * scale));
+    };
+    switch (weather_) {
+    case Weather::Bytewise:
+        if (sent_ < kMostSingleBytes)
+            return {1, 0};
+        [[fallthrough]];
+    case Weather::Pieces:
+        return {piece(kLargestPiece), random_.bounded(kLongestPause)};
+    case Weather::Slow:
+        return {qMin<qsizetype>(waiting, kSlowPortion * scale), 1};
+    case Weather::Stalling:
+        return {piece(4 * kLargestPiece),
+                random_.bounded(kPortionsToAStall) == 0 ? random_.bounded(kLongestStall) : 0};
+    case Weather::Clear:
+        break;
+    }
+    return {waiting, 0};
+}
+
+void ChaosProxy::cut(End end) {
+    untilCut_ = -1;
+    cuts_ += companion_.socket ? 1 : 0;
+    for (Pipe* pipe : {&companion_, &producer_}) {
+        pipe->next.stop();
+        pipe->waiting.clear();
+        pipe->sourceEnded = false;
+        QTcpSocket* socket = std::exchange(pipe->socket, nullptr);
+        if (!socket)
+            continue;
+        socket->disconnect(this);
+        if (end == End::Reset) {
+            const linger hard{1, 0};
+            setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+        }
+        socket->abort();
+        socket->deleteLater();
+    }
+}
+
+/// What the one side had said before it went still reaches the other one.
+void ChaosProxy::end(QTcpSocket* which) {
+    Pipe& other = which == companion_.socket ? producer_ : companion_;
+    other.sourceEnded = true;
+    if (!other.socket || other.socket->state() != QAbstractSocket::ConnectedState)
+        return cut(End::Closed);
+    connect(other.socket, &QTcpSocket::disconnected, this, [this] { cut(End::Closed); });
+    if (!other.next.isActive())
+        deliver(other);
+}

@@ -1,0 +1,417 @@
+#include "app/CheckConnection.h"
+#include "app/ConnectPage.h"
+#include "app/DisconnectOverlay.h"
+#include "app/EventDispatcher.h"
+#include "app/GuiCompanion.h"
+#include "tests/chaos/ProducerMachine.h"
+#include "tests/support/MessageGuard.h"
+#include "tests/support/PeerNamespace.h"
+#include "tests/support/WindowUnderTest.h"
+#include "tools/demo_producer/ShowNames.h"
+#include "warp/Canvas.h"
+#include "warp/MediaItem.h"
+#include "warp/MediaList.h"
+#include "warp/MeshGridItem.h"
+#include "warp/ScreenItem.h"
+#include "warp/ScreenPartItem.h"
+#include "warp/TextureItem.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QQuickItem>
+#include <QQuickWidget>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <optional>
+
+using namespace NetworkCompanion;
+using namespace std::chrono_literals;
+using Weather = ChaosProxy::Weather;
+using Cut = ChaosProxy::End;
+using Element = LV_NTC_ElementType;
+
+namespace {
+
+const QHostAddress kHere(QStringLiteral("10.78.0.1"));
+const QHostAddress kThere(QStringLiteral("10.78.0.2"));
+constexpr int kUsualLosses = 60;
+constexpr int kLongest = 20'000;      // ms, for anything to come right
+constexpr int kBytesOfAShow = 12'000; // that a companion gets to hear at first, about
+
+template <typename Condition>
+bool soon(Condition condition) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!condition()) {
+        if (waited.hasExpired(kLongest))
+            return false;
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QThread::usleep(200);
+    }
+    return true;
+}
+
+ItemKey keyOf(const Item& row) {
+    const auto id = quint32(row.id());
+    switch (row.elementType()) {
+    case Element::Media:
+        return {Element::Media, id, quint32(static_cast<const MediaItem&>(row).mediaId())};
+    case Element::Texture:
+        return {Element::Texture, id, quint32(static_cast<const TextureItem&>(row).textureId())};
+    case Element::ScreenPart:
+        return {Element::ScreenPart,
+                quint32(static_cast<const ScreenPartItem&>(row).screenItem()->id()), id};
+    default:
+        return {Element::Screen, id, 0};
+    }
+}
+
+int environmentNumber(const char* name, int otherwise) {
+    bool good = false;
+    const int number = qEnvironmentVariableIntValue(name, &good);
+    return good ? number : otherwise;
+}
+
+} // namespace
+
+/// The whole window and a real Producer on two machines, with a network between them that breaks
+/// at any byte and any moment. Whatever was going on: once there is a connection again, the window
+/// shows what the Producer has.
+class ChaosTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void everyLossIsRecoveredFrom();
+    void cableIsPulledAndPluggedIn();
+
+private:
+    template <typename Widget>
+    Widget* find() const {
+        return window_->findChild<Widget*>();
+    }
+    bool isVeiled() const;
+    Show show() const;
+    void edit(int times) {
+        machine_->run([=, this] { producer_->edit(times); });
+    }
+    int losses() const { return int(lost_->size()); }
+
+    QHash<ItemKey, Item*> rows() const;
+    QString listDifference() const;
+    QString pointsDifference(const ItemKey& key) const;
+    /// What the window shows otherwise than the Producer has it, for as long as anything could
+    /// take.
+    QString lastingDifference() const;
+    void operate();
+    bool waitForEarlyBreak(int lossesBefore);
+    QVariant evaluate(const char* expression) const;
+
+    MeshpadTest::WindowUnderTest application_;
+    QRandomGenerator random_;
+    quint32 seed_ = quint32(environmentNumber("MESHPAD_CHAOS_SEED", 1));
+    std::optional<MeshpadTest::MessageGuard> messages_;
+    std::unique_ptr<MeshpadTest::PeerNamespace> machine_;
+    std::shared_ptr<ProducerMachine> producer_;
+    std::unique_ptr<GuiCompanion> window_;
+    std::optional<QSignalSpy> lost_;
+};
+
+void ChaosTest::initTestCase() {
+    QVERIFY(application_.prepare());
+    CheckConnection::firstCheckDelay = 5ms;
+    CheckConnection::checkPeriod = 5ms;
+    UpdateProducer::tickPeriod = 20ms;
+}
+
+void ChaosTest::init() {
+    messages_.emplace();
+    // A length that comes in pieces is worth a line each time.
+    messages_->allow(QRegularExpression("^Invalid header size. Size must be at least 4 bytes"));
+    random_.seed(seed_);
+    machine_ = std::make_unique<MeshpadTest::PeerNamespace>();
+    QVERIFY(machine_->isValid());
+    QVERIFY(machine_->link("here0", kHere.toString(), "there0", kThere.toString()));
+    producer_ = machine_->make<ProducerMachine>(
+        [this] { return new ProducerMachine(kThere, kHere, seed_); });
+    QVERIFY(producer_->isUp());
+
+    window_ = std::make_unique<GuiCompanion>(nullptr);
+    window_->show();
+    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    lost_.emplace(EventDispatcher::getInstance(), &EventDispatcher::disconnected);
+    EventDispatcher::getInstance()->networkUtils().updateClientSockets(); // need not wait a second
+    window_->onConnectToServer(kThere.toString());
+    QCOMPARE(lastingDifference(), QString());
+}
+
+void ChaosTest::cleanup() {
+    window_->onDisconnectFromServer();
+    auto* scene = find<QQuickWidget>();
+    MeshpadTest::WindowUnderTest::clear(scene);
+    window_.reset();
+    EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kThere.toString());
+    producer_.reset();
+    MeshpadTest::PeerNamespace::ipHere("link delete here0");
+    machine_.reset();
+    messages_->verify();
+    messages_.reset();
+}
+
+bool ChaosTest::isVeiled() const {
+    const auto overlays = window_->findChildren<DisconnectOverlay*>();
+    return std::ranges::any_of(overlays, &DisconnectOverlay::isVisible);
+}
+
+Show ChaosTest::show() const {
+    Show copy;
+    machine_->run([&] { copy = producer_->show(); });
+    return copy;
+}
+
+QHash<ItemKey, Item*> ChaosTest::rows() const {
+    QHash<ItemKey, Item*> rows;
+    for (int i = 0; Item* row = find<MediaList>()->getItemFromLayout(i); ++i)
+        rows.insert(keyOf(*row), row);
+    return rows;
+}
+
+QString ChaosTest::listDifference() const {
+    if (!EventDispatcher::getInstance()->client().isConnected())
+        return "not connected";
+    if (isVeiled())
+        return "veiled";
+    const Show expected = show();
+    const auto rows = this->rows();
+    if (rows.size() != qsizetype(expected.items().size()))
+        return QString("%1 rows for %2 items").arg(rows.size()).arg(expected.items().size());
+    for (const ShowItem& item : expected.items()) {
+        const QString name = nameOf(item.key) + ": ";
+        const Item* row = rows.value(item.key);
+        if (!row)
+            return name + "has no row";
+        if (row->name() != item.name || quint32(row->dataIndex()) != item.dataIndex ||
+            QSize(row->sourceWidth(), row->sourceHeight()) != item.size)
+            return name + "is another item";
+        if (row->isBlinded() != item.blinded)
+            return name + "blind";
+        const Item::Deformation& seen = row->deformation();
+        if (seen.type != int(item.shownKind()))
+            return name +
+                   QString("deformation %1 for %2").arg(seen.type).arg(int(item.shownKind()));
+        if (item.shownKind() != Warp::Kind::None &&
+            (seen.rows != item.warp.rows || seen.columns != item.warp.columns))
+            return name + QString("grid of %1 x %2").arg(seen.rows).arg(seen.columns);
+        if (item.key.type == Element::Screen &&
+            static_cast<const ScreenItem*>(row)->mode() != item.mode)
+            return name + "mode";
+    }
+    return {};
+}
+
+QVariant ChaosTest::evaluate(const char* expression) const {
+    QQuickItem* root = find<QQuickWidget>()->rootObject();
+    return QQmlExpression(qmlContext(root), root, QString::fromLatin1(expression)).evaluate();
+}
+
+QString ChaosTest::pointsDifference(const ItemKey& key) const {
+    const Show now = show();
+    const ShowItem* item = now.find(key);
+    if (!item)
+        return "not in the show";
+    const QString name = nameOf(key) + ": ";
+    for (const bool xy : {true, false}) {
+        const auto* grid =
+            evaluate(xy ? "getCurrentItem().deformerGrids[0]" : "getCurrentItem().deformerGrids[1]")
+                .value<MeshGridItem*>();
+        const int shown = grid ? grid->pointCount() : 0;
+        const bool bent = item->shownKind() != Warp::Kind::None;
+        const auto& points = xy ? item->warp.xy : item->warp.uv;
+        const int expected = bent ? int(points.size()) : 0;
+        if (shown != expected)
+            return name + QString("%1 points for %2").arg(shown).arg(expected);
+        for (int id = 0; id < expected; ++id) {
+            const QPointF wanted = points[std::size_t(id)].place;
+            const MeshPoint* point = grid->point(id);
+            const QPointF size(item->size.width(), item->size.height());
+            const QPointF seen = xy ? QPointF(point->x(), point->y()) - size / 2
+                                    : QPointF(point->x() / size.x(), point->y() / size.y());
+            // Which points are selected is the operator's choice; a Producer only follows it.
+            if ((seen - wanted).manhattanLength() > 1e-6)
+                return name + QString("%1 point %2 at %3 %4 for %5 %6")
+                                  .arg(xy ? "xy" : "uv")
+                                  .arg(id)
+                                  .arg(seen.x())
+                                  .arg(seen.y())
+                                  .arg(wanted.x())
+                                  .arg(wanted.y());
+        }
+    }
+    return {};
+}
+
+QString ChaosTest::lastingDifference() const {
+    if (!soon([this] { return listDifference().isEmpty(); }))
+        return listDifference();
+    const Show expected = show();
+    for (const ShowItem& item : expected.items()) {
+        const auto isEqual = [&] {
+            // A show that started anew a moment ago may still take the selection away.
+            if (Item* row = rows().value(item.key); row != find<MediaList>()->selection())
+                find<MediaList>()->onSelectedItem(row);
+            return pointsDifference(item.key).isEmpty();
+        };
+        if (!soon(isEqual))
+            return pointsDifference(item.key);
+    }
+    return listDifference();
+}
+
+/// Something that an operator does, with a network or without: by key, or with a finger on a point.
+void ChaosTest::operate() {
+    QWindow* target = window_->windowHandle();
+    const auto key = [&](Qt::Key code, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(target, code, modifiers);
+    };
+    constexpr Qt::Key kArrows[] = {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down};
+    const Qt::Key arrow = kArrows[random_.bounded(4)];
+    switch (random_.bounded(8)) {
+    case 0:
+        return key(random_.bounded(2) ? Qt::Key_M : Qt::Key_P);
+    case 1:
+        return key(arrow, Qt::AltModifier);
+    case 2:
+        return key(arrow);
+    case 3:
+        return key(Qt::Key_Space);
+    case 4:
+        key(Qt::Key_A, Qt::ControlModifier);
+        return key(arrow, Qt::ControlModifier);
+    case 5:
+        return key(Qt::Key_Escape);
+    default:
+        break;
+    }
+    auto* grid =
+        evaluate("getCurrentItem() ? getCurrentItem().deformerGrids[getCurrentGridId()] : null")
+            .value<MeshGridItem*>();
+    if (!grid || grid->pointCount() == 0 || isVeiled())
+        return;
+    const MeshPoint* point = grid->point(random_.bounded(grid->pointCount()));
+    auto* view = find<QQuickWidget>();
+    const QPoint start =
+        view->mapTo(window_.get(), grid->mapToScene({point->x(), point->y()}).toPoint());
+    QTest::mousePress(target, Qt::LeftButton, {}, start);
+    for (int step = 1; step <= 5; ++step) {
+        QTest::mouseMove(target, start + step * QPoint(random_.bounded(-8, 8), 3));
+        QCoreApplication::processEvents(); // in which the connection may break
+    }
+    QTest::mouseRelease(target, Qt::LeftButton, {}, start + QPoint(20, 15));
+}
+
+/// Until the connection breaks, or everything got through before that. Whether it broke.
+bool ChaosTest::waitForEarlyBreak(int lossesBefore) {
+    static_cast<void>(
+        soon([=, this] { return losses() > lossesBefore || listDifference().isEmpty(); }));
+    int pending = 0;
+    machine_->run([&] {
+        producer_->network().cutAfter(-1, Cut::Closed);
+        pending = producer_->network().cuts();
+    });
+    return soon([=, this] { return losses() >= pending; }) && losses() > lossesBefore;
+}
+
+void ChaosTest::everyLossIsRecoveredFrom() {
+    const int wanted = environmentNumber("MESHPAD_CHAOS_LOSSES", kUsualLosses);
+    int recoveries = 0, early = 0;
+    QElapsedTimer timer;
+    timer.start();
+    while (losses() < wanted) {
+        const int before = losses();
+        const QString where = QString(" (seed %1, loss %2)").arg(seed_).arg(before + 1);
+        const auto cut = random_.bounded(2) ? Cut::Closed : Cut::Reset;
+
+        // In the middle of work, behind any byte of what comes in.
+        const bool atOnce = random_.bounded(5) == 0;
+        const int bytes = random_.bounded(3'000);
+        machine_->run([&] {
+            if (!atOnce)
+                producer_->network().cutAfter(bytes, cut);
+        });
+        const bool broke = soon([&] {
+            edit(random_.bounded(1, 4));
+            operate();
+            if (atOnce && random_.bounded(4) == 0)
+                machine_->run([&] { producer_->network().cut(cut); });
+            return losses() > before;
+        });
+        QVERIFY2(broke, qPrintable("the break was not noticed" + where));
+
+        // Meanwhile the show goes on, the operator tries, and the next network is no better.
+        edit(random_.bounded(20));
+        operate();
+        const auto weather = Weather(random_.bounded(5));
+        const bool breaksEarly = random_.bounded(3) == 0;
+        const bool refuses = random_.bounded(8) == 0;
+        const int firstBytes = random_.bounded(kBytesOfAShow);
+        machine_->run([&] {
+            producer_->network().setWeather(weather);
+            if (breaksEarly)
+                producer_->network().cutAfter(firstBytes, cut);
+            if (refuses)
+                producer_->refuse();
+        });
+        if (refuses) {
+            QTest::qWait(random_.bounded(40));
+            machine_->run([&] { producer_->accept(); });
+        }
+        if (breaksEarly && (waitForEarlyBreak(before + 1)))
+            ++early;
+        const QString difference = lastingDifference();
+        QVERIFY2(difference.isEmpty(), qPrintable(difference + where));
+        ++recoveries;
+    }
+    qInfo("seed %u: %d connections lost, %d of them while the show was still coming; %d times "
+          "everything was compared and equal; %.1f s",
+          seed_, losses(), early, recoveries, double(timer.elapsed()) / 1000);
+}
+
+void ChaosTest::cableIsPulledAndPluggedIn() {
+    const auto link = [](const char* state) {
+        return MeshpadTest::PeerNamespace::ipHere(QString("link set here0 %1").arg(state));
+    };
+    // Shorter than what a connection bears: nothing is lost, not even what was said meanwhile.
+    for (const int pause : {50, 400, 1500}) {
+        QVERIFY(machine_->ip("link set there0 down"));
+        edit(10);
+        operate();
+        QTest::qWait(pause);
+        edit(10);
+        QVERIFY(machine_->ip("link set there0 up"));
+        QCOMPARE(lastingDifference(), QString());
+        QCOMPARE(losses(), 0);
+    }
+    // Longer, at either end.
+    QVERIFY(link("down"));
+    QVERIFY(soon([this] { return isVeiled(); }));
+    edit(30);
+    QVERIFY(link("up"));
+    QCOMPARE(lastingDifference(), QString());
+    QCOMPARE(losses(), 1);
+
+    QVERIFY(machine_->ip("link set there0 down"));
+    QVERIFY(soon([this] { return isVeiled(); }));
+    QVERIFY(machine_->ip("link set there0 up"));
+    QCOMPARE(lastingDifference(), QString());
+    QCOMPARE(losses(), 2);
+}
+
+QTEST_MAIN(ChaosTest)
+#include "tst_chaos_linux.moc"
