@@ -5,6 +5,7 @@
 
 #include "app/Configuration.h"
 #include "app/EventDispatcher.h"
+#include "bench/Peer.h"
 #include "network/AddMediaEvent.h"
 #include "network/ItemDataEvent.h"
 #include "network/LVNtc.h"
@@ -22,13 +23,9 @@
 #include <QQuickItem>
 #include <QQuickWidget>
 #include <QQuickWindow>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QThread>
 
 #include <benchmark/benchmark.h>
 
-#include <atomic>
 #include <memory>
 
 using namespace NetworkCompanion;
@@ -40,55 +37,6 @@ constexpr int kPoints = kSide * kSide;
 constexpr unsigned int kCue = 11;
 constexpr int kMoveFrameSize = 4 + 9 + 298;
 constexpr QSize kMediaSize(1920, 1080);
-
-/// A Producer that only counts what it gets, on a thread of its own.
-class Peer {
-public:
-    Peer() {
-        thread_.start();
-        server_.moveToThread(&thread_);
-        QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] {
-            socket_ = server_.nextPendingConnection();
-            socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-            QObject::connect(socket_, &QTcpSocket::readyRead, socket_,
-                             [this] { received += socket_->readAll().size(); });
-        });
-        QMetaObject::invokeMethod(
-            &server_, [this] { server_.listen(QHostAddress::LocalHost); },
-            Qt::BlockingQueuedConnection);
-    }
-    ~Peer() {
-        QMetaObject::invokeMethod(
-            &server_,
-            [this] {
-                delete socket_;
-                server_.close();
-                server_.moveToThread(QCoreApplication::instance()->thread());
-            },
-            Qt::BlockingQueuedConnection);
-        thread_.quit();
-        thread_.wait();
-    }
-
-    quint16 port() const { return server_.serverPort(); }
-    void send(const QByteArray& bytes) {
-        QMetaObject::invokeMethod(
-            &server_,
-            [this, bytes] {
-                socket_->write(bytes);
-                while (socket_->bytesToWrite() > 0)
-                    socket_->waitForBytesWritten(1000);
-            },
-            Qt::BlockingQueuedConnection);
-    }
-
-    std::atomic<qint64> received = 0;
-
-private:
-    QThread thread_;
-    QTcpServer server_;
-    QTcpSocket* socket_ = nullptr;
-};
 
 /// The warp page with one media in it.
 class Editor {
