@@ -189,6 +189,10 @@ void rebuildBothGrids(benchmark::State& state) {
     for (auto _ : state) {
         editor.canvas->onMediaDeformationMode(LV_NTC_ElementType::Media, type, kCue, 1, "", kSide,
                                               kSide, false);
+        for (const char* grid : {"[0]", "[1]"}) { // points and lines are made when asked for
+            editor.evaluate(QLatin1String("getCurrentItem().deformerGrids") + QLatin1String(grid) +
+                            QLatin1String(".pointsArray.length"));
+        }
     }
 }
 

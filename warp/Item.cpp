@@ -4,6 +4,7 @@
 #include "warp/OutOfSight.h"
 
 #include <QEvent>
+#include <QHBoxLayout>
 #include <QImageReader>
 #include <QPainter>
 #include <QPixmapCache>
@@ -32,20 +33,10 @@ QPixmap sharpPicture(const QString& path, qreal devicePixelRatio) {
 Item::Item(LV_NTC_ElementType elementType, int id, int dataIndex, int sourceWidth, int sourceHeight,
            const QString& name, const Configuration& configuration, QWidget* parent)
     : QWidget(parent), elementType_(elementType), dataIndex_(dataIndex), sourceWidth_(sourceWidth),
-      sourceHeight_(sourceHeight), configuration_(&configuration), layout_(this), label_(this),
-      blindButton_(this) {
+      sourceHeight_(sourceHeight), configuration_(&configuration) {
     setFixedWidth(WarpLook::kRowWidth);
-    initBlind();
     initDeformer(elementType, id, name);
     setLabelText(name);
-    label_.setFixedWidth(WarpLook::kRowLabelWidth);
-    blindButton_.setFixedSize(WarpLook::kRowWidth - WarpLook::kRowLabelWidth -
-                                  WarpLook::kRowLeftMargin,
-                              WarpLook::kRowHeight);
-    layout_.setContentsMargins(WarpLook::kRowLeftMargin, 0, 0, 0);
-    layout_.setSpacing(0);
-    layout_.addWidget(&label_);
-    layout_.addWidget(&blindButton_, 0, Qt::AlignRight);
     setCursor(Qt::PointingHandCursor);
 }
 
@@ -56,23 +47,44 @@ void Item::initDeformer(LV_NTC_ElementType elementType, int id, const QString& n
     deformation_ = Deformation();
 }
 
-void Item::initBlind() {
-    showBlindPicture();
-    blindButton_.setToolTip(QLatin1StringView(WarpLook::kBlindToolTip));
-    connect(&blindButton_, &BlindButton::blindPressed, this, &Item::onBlindPressed);
-}
+void Item::furnish() {
+    if (label_ != nullptr) {
+        return;
+    }
+    label_ = new NameLabel(this);
+    label_->setFixedWidth(WarpLook::kRowLabelWidth);
+    blindButton_ = new BlindButton(this);
+    blindButton_->setFixedSize(WarpLook::kRowWidth - WarpLook::kRowLabelWidth -
+                                   WarpLook::kRowLeftMargin,
+                               WarpLook::kRowHeight);
+    blindButton_->setToolTip(QLatin1StringView(WarpLook::kBlindToolTip));
+    connect(blindButton_, &BlindButton::blindPressed, this, &Item::onBlindPressed);
 
-void Item::showBlindPicture() {
-    const QString path = configuration_->visibilityImagesPath.value(blinded_ ? 0 : 1);
-    blindButton_.setPixmap(sharpPicture(path, devicePixelRatioF()));
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(WarpLook::kRowLeftMargin, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(label_);
+    layout->addWidget(blindButton_, 0, Qt::AlignRight);
+
+    showLabelText();
+    showBlindPicture();
+    showActive();
 }
 
 void Item::setLabelText(const QString& text) {
-    label_.setName(text);
+    labelText_ = text;
     sortKey_ = text.toUtf8().toLower(); // lowers ASCII only
     setAccessibleName(text);
-    blindButton_.setAccessibleName(QLatin1StringView(WarpLook::kBlindName) + QLatin1Char(' ') +
-                                   text);
+    showLabelText();
+}
+
+void Item::showLabelText() {
+    if (label_ == nullptr) {
+        return;
+    }
+    label_->setName(labelText_);
+    blindButton_->setAccessibleName(QLatin1StringView(WarpLook::kBlindName) + QLatin1Char(' ') +
+                                    labelText_);
 }
 
 void Item::setBlinded(bool blinded) {
@@ -80,13 +92,28 @@ void Item::setBlinded(bool blinded) {
     showBlindPicture();
 }
 
+void Item::showBlindPicture() {
+    if (blindButton_ == nullptr) {
+        return;
+    }
+    const QString path = configuration_->visibilityImagesPath.value(blinded_ ? 0 : 1);
+    blindButton_->setPixmap(sharpPicture(path, devicePixelRatioF()));
+}
+
 void Item::setActive(bool active) {
     active_ = active;
+    showActive();
+}
+
+void Item::showActive() {
+    if (label_ == nullptr) {
+        return;
+    }
     const QString color =
-        active ? QString(QLatin1StringView(WarpLook::kActiveLabelColor)) : labelColor_.name();
-    label_.setStyleSheet(QStringLiteral("color: ") + color + QLatin1Char(';'));
+        active_ ? QString(QLatin1StringView(WarpLook::kActiveLabelColor)) : labelColor_.name();
+    label_->setStyleSheet(QStringLiteral("color: ") + color + QLatin1Char(';'));
     setStyleSheet(
-        QLatin1StringView(active ? WarpLook::kActiveRowBackground : WarpLook::kRowBackground));
+        QLatin1StringView(active_ ? WarpLook::kActiveRowBackground : WarpLook::kRowBackground));
 }
 
 void Item::onBlindPressed() {

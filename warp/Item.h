@@ -6,7 +6,6 @@
 
 #include <QByteArray>
 #include <QColor>
-#include <QHBoxLayout>
 #include <QString>
 #include <QWidget>
 
@@ -49,7 +48,7 @@ public:
     void setDeformation(const Deformation& deformation) { deformation_ = deformation; }
 
     /// The name as the list sorts, filters and shows it.
-    QString labelText() const { return label_.text(); }
+    QString labelText() const { return labelText_; }
     void setLabelText(const QString& text);
     /// The label's text as the list compares it: UTF-8 with A to Z lowered.
     const QByteArray& sortKey() const { return sortKey_; }
@@ -62,6 +61,10 @@ public:
     bool isActive() const { return active_; }
     /// Shows the row as the selected one, or as one among others.
     void setActive(bool active);
+
+    /// Gives the row what it shows, once: name, eye and colours. Until then it is an empty place;
+    /// of a long list, a few rows are ever looked at.
+    void furnish();
 
 public slots:
     void onBlindPressed();
@@ -77,8 +80,9 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    void initBlind();
+    void showLabelText();
     void showBlindPicture();
+    void showActive();
 
     NetworkCompanion::LV_NTC_ElementType elementType_;
     Deformation deformation_;
@@ -91,8 +95,8 @@ private:
     bool active_ = false;
     QColor labelColor_;
     const Configuration* configuration_;
-    QHBoxLayout layout_;
-    NameLabel label_;
+    QString labelText_;
     QByteArray sortKey_;
-    BlindButton blindButton_;
+    NameLabel* label_ = nullptr; ///< with the eye, not there before the row is furnished
+    BlindButton* blindButton_ = nullptr;
 };

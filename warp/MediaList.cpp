@@ -144,6 +144,9 @@ void MediaList::initMediaList() {
     scrollArea_->setWidget(content_);
     scrollArea_->setAccessibleName(QLatin1StringView(WarpLook::kListName));
     scrollArea_->installEventFilter(this);
+    scrollArea_->viewport()->installEventFilter(this);
+    connect(scrollArea_->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &MediaList::furnishRowsInSight);
     new TouchScroller(scrollArea_);
     setFocusProxy(scrollArea_);
 
@@ -292,6 +295,7 @@ void MediaList::adopt(Item* row) {
 }
 
 void MediaList::takeOut(Item* row) {
+    holdLayout();
     rowsLayout_->removeWidget(row);
     std::erase(isScreenOrPart(row) ? sortedScreens_ : sortedMedias_, row);
     std::erase(newRows_, row);
@@ -451,7 +455,6 @@ void MediaList::removeScreenPart(int screenId, int partId) {
 }
 
 void MediaList::purgeMedia() {
-    holdLayout();
     while (!mediaItems_.empty()) {
         removeMedia(mediaItems_.begin()->first);
     }
@@ -711,6 +714,21 @@ void MediaList::layOut() {
     QEvent request(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(scrollArea_, &request);
     rowsLayout_->activate();
+    furnishRowsInSight();
+}
+
+void MediaList::furnishRowsInSight() {
+    const int top = scrollArea_->verticalScrollBar()->value();
+    const int bottom = top + scrollArea_->viewport()->height();
+    for (int index = 0; Item* row = getItemFromLayout(index); ++index) {
+        if (row->isHidden() || row->y() + row->height() <= top) {
+            continue;
+        }
+        if (row->y() >= bottom) {
+            break; // and so are all below it
+        }
+        row->furnish();
+    }
 }
 
 // Filters
@@ -925,6 +943,9 @@ void MediaList::notified(QKeyEvent* keyEvent) {
 }
 
 bool MediaList::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == scrollArea_->viewport() && event->type() == QEvent::Resize) {
+        furnishRowsInSight();
+    }
     if (watched == scrollArea_ && event->type() == QEvent::KeyPress) {
         auto* keyEvent = static_cast<QKeyEvent*>(event);
         if (keyEvent->key() >= Qt::Key_Left && keyEvent->key() <= Qt::Key_Down) {

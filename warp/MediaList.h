@@ -189,6 +189,7 @@ private:
     /// layout is computed and the list painted once for all of them.
     void holdLayout();
     void layOut();
+    void furnishRowsInSight();
 
     const Configuration& configuration_;
     QScrollArea* scrollArea_;

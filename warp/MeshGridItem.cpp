@@ -3,6 +3,7 @@
 #include "warp/MeshOcclusion.h"
 
 #include <QGuiApplication>
+#include <QJSEngine>
 #include <QQuickWindow>
 #include <QTransform>
 #include <QtMath>
@@ -39,41 +40,95 @@ void MeshGridItem::setZoom(double zoom) {
     emit zoomChanged();
 }
 
-void MeshGridItem::addPoint(MeshPoint* point, int number, double x, double y, double rotation) {
-    if (!point || point->grid_)
-        return;
-    point->grid_ = this;
-    point->pointNum_ = number;
-    point->viewingRotation_ = rotation;
-    point->place(x, y);
-    points_.push_back(point);
+QPointF MeshGridItem::Outline::evenPosition(int number) const {
+    const int row = number / columns;
+    const int column = number % columns;
+    return {column * size.width() / (columns - 1), row * size.height() / (rows - 1)};
 }
 
-// NOLINTNEXTLINE(readability-make-member-function-const): the points are part of the grid
+void MeshGridItem::setOutline(int rows, int columns, double width, double height, double rotation,
+                              bool skipPatchCenter) {
+    erase();
+    if (rows < 2 || columns < 2)
+        return;
+    outline_ = std::make_unique<Outline>(
+        Outline{rows, columns, QSizeF(width, height), rotation, skipPatchCenter, {}});
+    markMesh();
+}
+
+void MeshGridItem::makeMesh() {
+    if (outline_)
+        emit meshWanted(outline_->rows, outline_->columns, outline_->skipPatchCenter);
+}
+
+void MeshGridItem::setMesh(const QJSValue& points, const QJSValue& lines,
+                           const QList<int>& lineEnds) {
+    const std::unique_ptr<const Outline> outline = std::exchange(outline_, nullptr);
+    if (!outline)
+        return;
+    pointsArray_ = points;
+    linesArray_ = lines;
+    const auto count = static_cast<std::size_t>(outline->count());
+    points_.reserve(count);
+    for (quint32 number = 0; number < count; ++number) {
+        auto* point = qobject_cast<MeshPoint*>(points.property(number).toQObject());
+        if (!point || point->grid_)
+            break;
+        point->grid_ = this;
+        point->pointNum_ = static_cast<int>(number);
+        point->viewingRotation_ = outline->rotation;
+        const QPointF position = outline->positions.empty()
+                                     ? outline->evenPosition(static_cast<int>(number))
+                                     : outline->positions[number];
+        point->place(position.x(), position.y());
+        points_.push_back(point);
+    }
+    lines_.reserve(static_cast<std::size_t>(lineEnds.size() / 2));
+    for (quint32 index = 0; index < lineEnds.size() / 2; ++index) {
+        auto* line = qobject_cast<MeshLine*>(lines.property(index).toQObject());
+        if (!line || line->grid_)
+            break;
+        line->grid_ = this;
+        line->setFromPoint(point(lineEnds[2 * index]));
+        line->setToPoint(point(lineEnds[2 * index + 1]));
+        lines_.push_back(line);
+    }
+    markMesh();
+}
+
+QJSValue MeshGridItem::pointsArray() {
+    makeMesh();
+    return pointsArray_.isUndefined() ? qjsEngine(this)->newArray() : pointsArray_;
+}
+
+QJSValue MeshGridItem::linesArray() {
+    makeMesh();
+    return linesArray_.isUndefined() ? qjsEngine(this)->newArray() : linesArray_;
+}
+
 void MeshGridItem::placePoint(int number, double x, double y) {
-    if (MeshPoint* moved = point(number))
+    if (outline_ && number >= 0 && number < outline_->count()) {
+        std::vector<QPointF>& positions = outline_->positions;
+        for (int even = static_cast<int>(positions.size()); even < outline_->count(); ++even)
+            positions.push_back(outline_->evenPosition(even));
+        positions[static_cast<std::size_t>(number)] = {x, y};
+    } else if (MeshPoint* moved = point(number)) {
         moved->place(x, y);
+    }
 }
 
 QList<int> MeshGridItem::selectedNumbers() const {
     QList<int> numbers;
-    for (int number = 0; number < pointCount(); ++number) {
-        if (points_[static_cast<std::size_t>(number)]->isSelected())
-            numbers.append(number);
+    for (std::size_t number = 0; number < points_.size(); ++number) {
+        if (points_[number]->isSelected())
+            numbers.append(static_cast<int>(number));
     }
     return numbers;
 }
 
-void MeshGridItem::addLine(MeshLine* line, MeshPoint* from, MeshPoint* to) {
-    if (!line || line->grid_)
-        return;
-    line->grid_ = this;
-    line->setFromPoint(from);
-    line->setToPoint(to);
-    lines_.push_back(line);
-}
-
 void MeshGridItem::erase() {
+    outline_.reset();
+    pointsArray_ = linesArray_ = QJSValue();
     const std::vector<MeshLine*> lines = std::exchange(lines_, {});
     for (MeshLine* line : lines) {
         line->grid_ = nullptr;
@@ -88,11 +143,14 @@ void MeshGridItem::erase() {
 }
 
 void MeshGridItem::turnNumbers(double degrees) {
+    if (outline_)
+        outline_->rotation = degrees;
     for (MeshPoint* point : points_)
         point->setViewingRotation(degrees);
 }
 
-int MeshGridItem::pointAt(const QPointF& position, double reach) const {
+int MeshGridItem::pointAt(const QPointF& position, double reach) {
+    makeMesh();
     const double circle = pointDiameter_ / 2 / zoom_;
     const double far = std::max(reach, 0.0) / zoom_;
     int covered = -1;
@@ -114,7 +172,12 @@ int MeshGridItem::pointAt(const QPointF& position, double reach) const {
     return covered >= 0 ? covered : nearest;
 }
 
-MeshPoint* MeshGridItem::point(int number) const {
+int MeshGridItem::pointCount() const {
+    return outline_ ? outline_->count() : static_cast<int>(points_.size());
+}
+
+MeshPoint* MeshGridItem::point(int number) {
+    makeMesh();
     return number >= 0 && number < pointCount() ? points_[static_cast<std::size_t>(number)]
                                                 : nullptr;
 }
@@ -125,6 +188,8 @@ QPointF MeshGridItem::boundedForDrag(const QPointF& position) const {
 }
 
 void MeshGridItem::markMesh() {
+    if (outline_ && isVisible())
+        polish();
     update();
 }
 
@@ -191,6 +256,11 @@ MeshPicture MeshGridItem::picture() const {
     return result;
 }
 
+void MeshGridItem::updatePolish() {
+    if (isVisible())
+        makeMesh();
+}
+
 QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     // Of a show's meshes one is looked at; the others need nothing to be drawn with.
     if (points_.empty() || !isVisible()) {
@@ -211,7 +281,7 @@ void MeshGridItem::itemChange(ItemChange change, const ItemChangeData& data) {
         styleDirty_ = true;
         update();
     } else if (change == ItemVisibleHasChanged) {
-        update();
+        markMesh();
     }
     QQuickItem::itemChange(change, data);
 }

@@ -5,6 +5,7 @@
 #include "warp/MeshNodes.h"
 #include "warp/MeshPoint.h"
 
+#include <QJSValue>
 #include <QQuickItem>
 #include <QtQmlIntegration>
 
@@ -13,6 +14,10 @@
 
 /// Draws all points and lines of one mesh at once and tells which point lies under a pointer.
 /// Points keep their size on the screen at every zoom. Positions are in the item's pixels.
+///
+/// A mesh begins as an outline: its size, and where points were moved to. Of a show's meshes few
+/// are ever opened; points and lines of the others would only take memory. They are made when
+/// somebody asks for them or is about to see them; no one else notices.
 class MeshGridItem : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -37,19 +42,35 @@ class MeshGridItem : public QQuickItem {
     Q_PROPERTY(double dragMinimumY MEMBER dragMinimumY_ NOTIFY dragRulesChanged)
     Q_PROPERTY(double dragMaximumY MEMBER dragMaximumY_ NOTIFY dragRulesChanged)
 
+    /// The points by number, and the lines; reading either makes them. Arrays.
+    Q_PROPERTY(QJSValue pointsArray READ pointsArray)
+    Q_PROPERTY(QJSValue linesArray READ linesArray)
+    /// Whether the mesh has points that are not made yet: none of them is selected.
+    Q_PROPERTY(bool isOutline READ isOutline)
+
 public:
     explicit MeshGridItem(QQuickItem* parent = nullptr);
     ~MeshGridItem() override;
 
+    QJSValue pointsArray();
+    QJSValue linesArray();
+    bool isOutline() const { return outline_ != nullptr; }
+
+    /// Replaces the mesh by one of `rows` x `columns` points, at least two each, that lie evenly
+    /// over an area of that size with their numbers turned by `rotation` degrees. With
+    /// `skipPatchCenter` only the borders of patches of three by three cells get lines.
+    Q_INVOKABLE void setOutline(int rows, int columns, double width, double height, double rotation,
+                                bool skipPatchCenter);
+    /// The answer to meshWanted(): points by number and lines, whose owner is unchanged. `lineEnds`
+    /// are the numbers of each line's points, in pairs.
+    Q_INVOKABLE void setMesh(const QJSValue& points, const QJSValue& lines,
+                             const QList<int>& lineEnds);
+
     double zoom() const { return zoom_; }
     void setZoom(double zoom);
 
-    /// Puts the point into the mesh as its next one; the point's owner is unchanged.
-    Q_INVOKABLE void addPoint(MeshPoint* point, int number, double x, double y, double rotation);
     /// Writes position and last written position of a point; a number that is none is ignored.
     Q_INVOKABLE void placePoint(int number, double x, double y);
-    /// Puts the line into the mesh; its ends must be points of the mesh.
-    Q_INVOKABLE void addLine(MeshLine* line, MeshPoint* from, MeshPoint* to);
     /// Numbers of the selected points, ascending.
     Q_INVOKABLE QList<int> selectedNumbers() const;
     /// Destroys all lines and points of the mesh.
@@ -60,11 +81,11 @@ public:
     /// Number of the point at the position, -1 for none. A point whose circle covers the position
     /// is taken first, the one drawn on top before others; otherwise the nearest point that is at
     /// most `reach` screen pixels away.
-    Q_INVOKABLE int pointAt(const QPointF& position, double reach) const;
+    Q_INVOKABLE int pointAt(const QPointF& position, double reach);
 
-    int pointCount() const { return static_cast<int>(points_.size()); }
+    int pointCount() const;
     /// Null when the number is none of the mesh.
-    MeshPoint* point(int number) const;
+    MeshPoint* point(int number);
     bool pointsMovable() const { return pointsMovable_; }
     /// The position moved into the area that a dragged point cannot leave.
     QPointF boundedForDrag(const QPointF& position) const;
@@ -73,11 +94,14 @@ public:
     void markMesh();
 
 signals:
+    /// The mesh is to be made, at once: somebody needs its points.
+    void meshWanted(int rows, int columns, bool skipPatchCenter);
     void zoomChanged();
     void styleChanged();
     void dragRulesChanged();
 
 protected:
+    void updatePolish() override;
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
     void releaseResources() override;
@@ -86,12 +110,28 @@ private:
     friend class MeshPoint;
     friend class MeshLine;
 
+    struct Outline {
+        int rows;
+        int columns;
+        QSizeF size;
+        double rotation;
+        bool skipPatchCenter;
+        std::vector<QPointF> positions; // by number; empty while no point was moved
+
+        int count() const { return rows * columns; }
+        QPointF evenPosition(int number) const;
+    };
+
+    void makeMesh();
     void forgetPoint(MeshPoint* point);
     void forgetLine(MeshLine* line);
     void onStyleChanged();
     MeshStyle style() const;
     MeshPicture picture() const;
 
+    std::unique_ptr<Outline> outline_;
+    QJSValue pointsArray_;
+    QJSValue linesArray_;
     std::vector<MeshPoint*> points_; // by number; points and lines belong to whoever created them
     std::vector<MeshLine*> lines_;
 

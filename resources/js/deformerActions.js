@@ -150,14 +150,16 @@ function writeState(writer, point, state) {
 // A position that the Producer reports; `item` need not be the current one. It is not sent back.
 function applyIncomingMove(scene, item, pointId, x, y, isXy) {
     const grid = item.deformerGrids[isXy ? Rules.XY_GRID : Rules.UV_GRID];
-    const point = grid.pointsArray[pointId];
-    if (!point || scene.isMovingPoint && point.selected)
-        return;
+    if (scene.isMovingPoint && !grid.isOutline) {
+        const point = grid.pointsArray[pointId];
+        if (point && point.selected)
+            return;
+    }
     const sceneX = Rules.fromProducer(x, item.sourceWidth, isXy);
     const sceneY = Rules.fromProducer(y, item.sourceHeight, isXy);
     if (!Number.isFinite(sceneX) || !Number.isFinite(sceneY))
         return;
-    point.place(sceneX, sceneY);
+    grid.placePoint(pointId, sceneX, sceneY);
     if (grid.currentSelectedPointId === pointId && isXy === scene.isCurrentGridXy && item === getCurrentItem(scene))
         updateCurrentPointText(scene);
 }
@@ -327,11 +329,10 @@ function unselectAllPoints(scene) {
 // In both meshes of the current item, whichever is edited.
 function unselectBothGrids(scene) {
     for (let gridId = 0; gridId < 2; ++gridId) {
-        const writer = pointWriter(scene, gridId);
-        if (!writer)
-            return;
         const grid = getCurrentItem(scene).deformerGrids[gridId];
-        unselectOthers(grid, writer, -1);
+        if (grid.isOutline)
+            continue; // nobody has seen a point of it
+        unselectOthers(grid, pointWriter(scene, gridId), -1);
         grid.currentSelectedPointId = -1;
     }
     updateCurrentPointText(scene);
@@ -511,48 +512,30 @@ function componentOf(name) {
 }
 
 function eraseGrids(item) {
-    for (let gridId = 0; gridId < 2; ++gridId) {
-        const grid = item.deformerGrids[gridId];
-        grid.pointsArray = [];
-        grid.linesArray = [];
-        grid.erase();
-    }
+    for (let gridId = 0; gridId < 2; ++gridId)
+        item.deformerGrids[gridId].erase();
 }
 
+// The points and lines of the meshes are made later, when somebody needs them.
 function initializeDeformerQML(item, rows, columns, skipPatchCenter) {
     eraseGrids(item);
-    const pointComponent = componentOf("Point");
-    const lineComponent = componentOf("Line");
-    if (!pointComponent || !lineComponent)
+    if (!componentOf("Point") || !componentOf("Line"))
         return;
     const rotation = -item.getFullRotation();
-    const width = item.width;
-    const height = item.height;
+    for (let gridId = 0; gridId < 2; ++gridId)
+        item.deformerGrids[gridId].setOutline(rows, columns, item.width, item.height, rotation, skipPatchCenter);
+}
+
+function makeMesh(grid, rows, columns, skipPatchCenter) {
+    const makeAll = (name, count) => {
+        const make = componentOf(name).createObject;
+        const made = [];
+        while (made.length < count)
+            made.push(make(grid));
+        return made;
+    };
     const ends = Rules.lineEnds(rows, columns, skipPatchCenter);
-    const createPoint = pointComponent.createObject;
-    const createLine = lineComponent.createObject;
-    for (let gridId = 0; gridId < 2; ++gridId) {
-        const grid = item.deformerGrids[gridId];
-        const addPoint = grid.addPoint;
-        const points = [];
-        for (let row = 0; row < rows; ++row) {
-            const y = row * height / (rows - 1);
-            for (let column = 0; column < columns; ++column) {
-                const point = createPoint(grid);
-                addPoint(point, points.length, column * width / (columns - 1), y, rotation);
-                points.push(point);
-            }
-        }
-        const addLine = grid.addLine;
-        const lines = [];
-        for (let end = 0; end < ends.length; end += 2) {
-            const line = createLine(grid);
-            addLine(line, points[ends[end]], points[ends[end + 1]]);
-            lines.push(line);
-        }
-        grid.pointsArray = points;
-        grid.linesArray = lines;
-    }
+    grid.setMesh(makeAll("Point", rows * columns), makeAll("Line", ends.length / 2), ends);
 }
 
 // Whether the mesh is now as described.

@@ -1,13 +1,14 @@
 import QtQuick
 import Meshpad.Scene
+import "../js/deformerActions.js" as DeformerActions
 import "../js/theme.js" as Theme
 
 // One mesh of control points and the lines between them.
 MeshGridItem {
+    id: grid
+
     property var scene
 
-    property var pointsArray: [] // by point id
-    property var linesArray: []
     property int currentSelectedPointId: -1
     property int lastSelectedPointId: -1
 
@@ -19,4 +20,6 @@ MeshGridItem {
     unselectedColors: [Theme.control, Theme.accent, Theme.text]
     selectedColors: [Theme.selection, Theme.selectionOutline, Theme.selectionOutline]
     currentColors: [Theme.selection, Theme.accent, "#000000"]
+
+    onMeshWanted: (rows, columns, skipPatchCenter) => DeformerActions.makeMesh(grid, rows, columns, skipPatchCenter)
 }

@@ -312,6 +312,7 @@ private slots:
         list_->addTexture(2, 20, 0, 1, 1, 0.0, false, "Sky");
         list_->addMedia(MediaType::Image, 3, 30, 0, 1, 1, 0.0, false, "Clip");
         for (const char* label : {"Wall", "Wall, Left", "Sky", "Clip"}) {
+            row(label)->furnish(); // the part's row is not in sight
             QTest::mouseClick(row(label)->findChild<BlindButton*>(), Qt::LeftButton);
         }
         QVERIFY(gets(BlindEvent(0, 1, "Wall", false), ScreenPartBlindEvent(1, 5, 0, "Left", true),
@@ -509,6 +510,48 @@ private slots:
         QTRY_COMPARE(row("1150")->pos().y(), 0);
     }
 
+    void rowsAreCompleteWhereverOneLooks() {
+        for (int i = 0; i < 200; ++i) {
+            addMedia(unsigned(i), QString::number(1000 + i));
+        }
+        auto* bar = container_->findChild<QScrollArea*>()->verticalScrollBar();
+        // The first row in sight, once all that are in sight show their names.
+        const auto top = [this] {
+            QString first;
+            for (int i = 0; const Item* item = list_->getItemFromLayout(i); ++i) {
+                if (item->visibleRegion().isEmpty()) {
+                    continue;
+                }
+                const auto* label = item->findChild<NameLabel*>();
+                if (label == nullptr || label->text() != item->labelText() ||
+                    item->styleSheet().isEmpty()) {
+                    return item->labelText() + " is empty";
+                }
+                first = first.isEmpty() ? item->labelText() : first;
+            }
+            return first;
+        };
+        QTRY_COMPARE(top(), "1000");
+        QCOMPARE(row("1150")->findChild<NameLabel*>(), nullptr); // nobody has looked there
+        bar->setValue(bar->maximum() / 2);
+        QVERIFY(!top().endsWith("empty") && top() > "1050");
+        window_->resize(260, 900);
+        QTRY_VERIFY(!top().endsWith("empty") && list_->height() > 700);
+        send(MediaBlindEvent(LV_NTC_ElementType::Media, 190, 0, 0, "1001b", true));
+        QVERIFY(allArrived());
+        bar->setValue(0);
+        for (unsigned int cueId = 0; cueId < 30; ++cueId) {
+            list_->removeMedia(cueId);
+        }
+        addMedia(300, "0999");
+        list_->selectFirstVisibleItem();
+        QTRY_COMPARE(top(), "0999");
+        QTRY_COMPARE(list_->getItemFromLayout(1)->labelText(), "1001b");
+        QVERIFY(list_->getItemFromLayout(1)->isBlinded() && !top().endsWith("empty"));
+        container_->findChild<QLineEdit*>()->setText("1170");
+        QTRY_COMPARE(top(), "1170");
+    }
+
     void aFingerScrollsOrTaps() {
         for (int i = 0; i < 100; ++i) {
             addMedia(unsigned(i), QString::number(1000 + i), i);
@@ -547,6 +590,7 @@ private slots:
     void aLongNameIsShortenedAndAStrangeOneIsPlainText() {
         const QString name = "<b>A name that is far too long for the row it stands in</b>";
         addMedia(1, name);
+        QTRY_VERIFY(row(name)->findChild<NameLabel*>());
         auto* label = row(name)->findChild<NameLabel*>();
         QCOMPARE(label->text(), name);
         QCOMPARE(label->textFormat(), Qt::PlainText);
