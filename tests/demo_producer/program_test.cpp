@@ -40,7 +40,7 @@ private slots:
 
         NetworkUtils discovery(62331, 62330, false);
         QTRY_COMPARE_WITH_TIMEOUT(discovery.getAvailableServers(),
-                                  QStringList(QStringLiteral("10.77.0.1")), 15'000);
+                                  QStringList(QStringLiteral("10.77.0.1")), 60'000);
         CompanionClient client(nullptr);
         QVERIFY(client.connectToServer(QStringLiteral("10.77.0.1"), 62330));
         MireEvent pattern(0, LV_NTC_PictureType::Logo);
@@ -52,7 +52,7 @@ private slots:
                              .toString()
                        : QString();
         };
-        QTRY_COMPARE(patternInFile(), QStringLiteral("logo"));
+        QTRY_COMPARE_WITH_TIMEOUT(patternInFile(), QStringLiteral("logo"), 30'000);
 
         program_.terminate();
         QVERIFY(program_.waitForFinished());

@@ -127,7 +127,7 @@ void TestSdlController::start() {
 /// The signals of one poll, the next one that gives any.
 QString TestSdlController::nextEvents() {
     log_->take();
-    if (!QTest::qWaitFor([this] { return !log_->isEmpty(); }, 2000))
+    if (!QTest::qWaitFor([this] { return !log_->isEmpty(); }, 20'000))
         return "nothing";
     return log_->take();
 }

@@ -99,7 +99,7 @@ void LinkTest::refused() {
     QElapsedTimer timer;
     timer.start();
     QVERIFY(!companion.client.connectToServer(kHost, port));
-    QVERIFY(timer.elapsed() < 1000);
+    QVERIFY(timer.elapsed() < 15'000); // not as long as an answer is waited for
     QVERIFY(!companion.client.isConnected());
     QCOMPARE(companion.lost.size(), 0);
 

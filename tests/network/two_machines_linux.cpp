@@ -20,7 +20,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr DiscoveryTiming kFast{50ms, 150ms};
+// What a busy machine lets a thread wait for is short beside the time after which silence counts.
+constexpr DiscoveryTiming kFast{50ms, 1000ms};
 
 QString lineOf(const QString& name, const QString& state) {
     return QString("link set %1 %2").arg(name, state);
@@ -100,17 +101,20 @@ void TwoMachinesTest::producerIsFoundAndLost() {
     QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
     QSignalSpy disconnected(&discovery, &NetworkUtils::serverDisconnected);
     QCOMPARE(discovery.getAvailableServers(), QStringList());
-    QTRY_COMPARE_WITH_TIMEOUT(discovered.size(), 2, 1000);
+    QTRY_COMPARE(discovered.size(), 2);
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2", "10.79.0.2"}));
 
     // Silent: gone after more than three seconds and not much more; the other one stays.
     QElapsedTimer silence;
     machine_->run([&] { first->stopAnswering(); });
     silence.start();
-    QTRY_COMPARE_WITH_TIMEOUT(timeouted.size(), 1, 6000);
-    // Its last answer may be a period old.
-    QVERIFY2(silence.elapsed() > 2000 && silence.elapsed() < 4500,
-             qPrintable(QString::number(silence.elapsed())));
+    const int before = pings(secondMachine, second);
+    QTRY_COMPARE_WITH_TIMEOUT(timeouted.size(), 1, 30'000);
+    // Its last answer may be a period old. How often it was asked in vain, one a second, does not
+    // depend on what else this machine has to do.
+    QVERIFY2(silence.elapsed() > 2000, qPrintable(QString::number(silence.elapsed())));
+    const int asked = pings(secondMachine, second) - before;
+    QVERIFY2(asked >= 2 && asked <= 5, qPrintable(QString::number(asked)));
     QCOMPARE(timeouted[0][0].toString(), "10.78.0.2");
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.79.0.2"}));
     QCOMPARE(discovered.size(), 2);
@@ -121,7 +125,7 @@ void TwoMachinesTest::producerIsFoundAndLost() {
     discovery.serverHasDisconnected("10.80.0.2");
     QCOMPARE(disconnected.size(), 2);
     QCOMPARE(discovery.getAvailableServers(), QStringList());
-    QTRY_COMPARE_WITH_TIMEOUT(discovered.size(), 3, 2000);
+    QTRY_COMPARE(discovered.size(), 3);
     QCOMPARE(discovered[2][0].toString(), "10.79.0.2");
     QCOMPARE(timeouted.size(), 1);
 }
@@ -215,13 +219,16 @@ void TwoMachinesTest::busyThreadLosesNobody() {
     QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
     QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
     QTRY_COMPARE(discovered.size(), 1);
-    for (int round = 0; round < 5; ++round) {
+    for (int round = 0; round < 3; ++round) {
         const int before = pings(*machine_, producer);
-        QTest::qSleep(500); // this thread is stuck, the Producer is not
+        QTest::qSleep(1500); // this thread is stuck, the Producer is not
         QCOMPARE(discovery.getAvailableServers().size(), 1);
+        QElapsedTimer free;
+        free.start();
         QTest::qWait(60);
-        // Ticks did not pile up meanwhile.
-        QVERIFY(pings(*machine_, producer) - before <= 6); // not ten
+        // Ticks, thirty of them, did not pile up meanwhile.
+        const auto asked = pings(*machine_, producer) - before;
+        QVERIFY2(asked <= 4 + free.elapsed() / 50, qPrintable(QString::number(asked)));
         QCOMPARE(timeouted.size(), 0);
     }
 }
@@ -234,7 +241,7 @@ void TwoMachinesTest::silenceIsNoticedByASlowThread() {
     QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
     QTRY_COMPARE(discovered.size(), 1);
     machine_->run([&] { producer->stopAnswering(); });
-    for (int round = 0; round < 40 && timeouted.isEmpty(); ++round) {
+    for (int round = 0; round < 100 && timeouted.isEmpty(); ++round) {
         QTest::qSleep(120);
         QCoreApplication::processEvents();
     }
@@ -324,14 +331,17 @@ void TwoMachinesTest::socketsAreLeftAlone() {
     auto discovery = std::make_unique<NetworkUtils>(62331, 62330, false);
     const auto sockets = discovery->findChildren<QUdpSocket*>();
     QVERIFY(!sockets.isEmpty());
-    QTRY_VERIFY_WITH_TIMEOUT(pings(*machine_, producer) >= 3, 4000);
+    QTRY_VERIFY_WITH_TIMEOUT(pings(*machine_, producer) >= 3, 30'000);
     discovery->updateClientSockets();
     QCOMPARE(discovery->findChildren<QUdpSocket*>(), sockets);
     // In the middle of a period, the end does not wait for the next.
+    discovery =
+        std::make_unique<NetworkUtils>(62331, 62330, false, nullptr, DiscoveryTiming{60s, 60s});
+    QTest::qWait(50);
     QElapsedTimer timer;
     timer.start();
     discovery.reset();
-    QVERIFY2(timer.elapsed() < 100, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() < 30'000, qPrintable(QString::number(timer.elapsed())));
 }
 
 void TwoMachinesTest::vanishedPeerIsNoticed() {
@@ -360,15 +370,17 @@ void TwoMachinesTest::vanishedPeerIsNoticed() {
     QElapsedTimer timer;
     timer.start();
     qint64 silentAfter = 0, busyAfter = 0, goneAfter = 0;
-    while (timer.elapsed() < 6000 && (!silentAfter || !busyAfter || !goneAfter)) {
+    qint64 passed = 0; // as far as this machine did not stand still
+    while (passed < 20'000 && (!silentAfter || !busyAfter || !goneAfter)) {
         QTest::qWait(20);
+        passed += qMin<qint64>(timer.restart(), 100);
         busy.sendEvent(event);
         if (!silentAfter && !silentLost.isEmpty())
-            silentAfter = timer.elapsed();
+            silentAfter = passed;
         if (!busyAfter && !busyLost.isEmpty())
-            busyAfter = timer.elapsed();
+            busyAfter = passed;
         if (!goneAfter && gone == 2)
-            goneAfter = timer.elapsed();
+            goneAfter = passed;
     }
     qInfo("noticed after %lld ms (silent), %lld ms (busy), %lld ms (server)",
           static_cast<long long>(silentAfter), static_cast<long long>(busyAfter),

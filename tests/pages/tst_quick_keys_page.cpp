@@ -6,8 +6,8 @@
 #include "pages/QuickKeysPage.h"
 #include "tests/pages/PageTest.h"
 #include "tests/support/ProtocolBytes.h"
+#include "tests/support/ThreadTime.h"
 
-#include <QElapsedTimer>
 #include <QGridLayout>
 #include <QMouseEvent>
 #include <QSpinBox>
@@ -362,27 +362,37 @@ private slots:
             }
             test.producer.send(ConfigQuickKeyEvent(64, 64, 0));
         };
+        test.page->configQuickKey(1, 1);
+        test.add({1});
+        QTRY_VERIFY(test.at(0, 0)->isVisible()); // what is loaded with the first key is
         for (std::uint32_t id = 1; id < 4096; ++id) {
             test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
         }
         // The longest time in which the operator could have done nothing.
-        QElapsedTimer turn;
-        qint64 longest = 0;
+        ThreadTime turn;
+        std::chrono::milliseconds longest{};
         QTimer pulse;
         connect(&pulse, &QTimer::timeout, this,
                 [&] { longest = std::max(longest, turn.restart()); });
-        turn.start();
         pulse.start(0);
         for (int i = 0; i < 10; ++i) {
             flood();
+            turn.restart(); // what the test does is not the window's work
             QTest::qWait(10);
         }
+        const ThreadTime all;
+        flood();
         for (std::uint32_t id = 1; id <= 4096; ++id) {
             test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
         }
-        QTRY_COMPARE(test.page->findChildren<QuickKeysButton*>().size(), 4096);
-        QTRY_VERIFY(test.at(63, 63)->isVisible());
-        QVERIFY2(longest < 1000, qPrintable(QString::number(longest) + " ms"));
+        turn.restart();
+        const auto keys = [&] { return test.page->findChildren<QuickKeysButton*>().size(); };
+        QTRY_COMPARE_WITH_TIMEOUT(keys(), 4096, 60'000);
+        QTRY_VERIFY_WITH_TIMEOUT(test.at(63, 63)->isVisible(), 60'000);
+        // A page made in one turn would be most of it.
+        const auto work = all.elapsed();
+        qInfo("the longest turn took %d of %d ms", int(longest.count()), int(work.count()));
+        QVERIFY(longest * 3 < work);
         QTest::mouseClick(test.at(63, 63), Qt::LeftButton);
         QTRY_COMPARE(test.producer.bytes(), executeBytes(4096));
     }
