@@ -57,18 +57,18 @@ void MeshGridItem::setOutline(int rows, int columns, double width, double height
 }
 
 void MeshGridItem::makeMesh() {
-    if (outline_)
+    if (isOutline())
         emit meshWanted(outline_->rows, outline_->columns, outline_->skipPatchCenter);
 }
 
 void MeshGridItem::setMesh(const QJSValue& points, const QJSValue& lines,
                            const QList<int>& lineEnds) {
-    const std::unique_ptr<const Outline> outline = std::exchange(outline_, nullptr);
-    if (!outline)
+    if (!isOutline())
         return;
+    isMade_ = true;
     pointsArray_ = points;
     linesArray_ = lines;
-    const auto count = static_cast<std::size_t>(outline->count());
+    const auto count = static_cast<std::size_t>(outline_->count());
     points_.reserve(count);
     for (quint32 number = 0; number < count; ++number) {
         auto* point = qobject_cast<MeshPoint*>(points.property(number).toQObject());
@@ -76,13 +76,14 @@ void MeshGridItem::setMesh(const QJSValue& points, const QJSValue& lines,
             break;
         point->grid_ = this;
         point->pointNum_ = static_cast<int>(number);
-        point->viewingRotation_ = outline->rotation;
-        const QPointF position = outline->positions.empty()
-                                     ? outline->evenPosition(static_cast<int>(number))
-                                     : outline->positions[number];
+        point->viewingRotation_ = outline_->rotation;
+        const QPointF position = outline_->positions.empty()
+                                     ? outline_->evenPosition(static_cast<int>(number))
+                                     : outline_->positions[number];
         point->place(position.x(), position.y());
         points_.push_back(point);
     }
+    outline_->positions = {};
     lines_.reserve(static_cast<std::size_t>(lineEnds.size() / 2));
     for (quint32 index = 0; index < lineEnds.size() / 2; ++index) {
         auto* line = qobject_cast<MeshLine*>(lines.property(index).toQObject());
@@ -106,15 +107,28 @@ QJSValue MeshGridItem::linesArray() {
     return linesArray_.isUndefined() ? qjsEngine(this)->newArray() : linesArray_;
 }
 
+void MeshGridItem::fold() {
+    if (!isMade_ || static_cast<int>(points_.size()) != outline_->count() ||
+        !selectedNumbers().isEmpty())
+        return;
+    outline_->rotation = points_.front()->viewingRotation();
+    outline_->positions.reserve(points_.size());
+    for (const MeshPoint* point : points_)
+        outline_->positions.emplace_back(point->x(), point->y());
+    destroyPointsAndLines();
+}
+
 void MeshGridItem::placePoint(int number, double x, double y) {
-    if (outline_ && number >= 0 && number < outline_->count()) {
-        std::vector<QPointF>& positions = outline_->positions;
-        for (int even = static_cast<int>(positions.size()); even < outline_->count(); ++even)
-            positions.push_back(outline_->evenPosition(even));
-        positions[static_cast<std::size_t>(number)] = {x, y};
-    } else if (MeshPoint* moved = point(number)) {
-        moved->place(x, y);
+    if (number < 0 || number >= pointCount())
+        return;
+    if (!isOutline()) {
+        points_[static_cast<std::size_t>(number)]->place(x, y);
+        return;
     }
+    std::vector<QPointF>& positions = outline_->positions;
+    for (int even = static_cast<int>(positions.size()); even < outline_->count(); ++even)
+        positions.push_back(outline_->evenPosition(even));
+    positions[static_cast<std::size_t>(number)] = {x, y};
 }
 
 QList<int> MeshGridItem::selectedNumbers() const {
@@ -128,6 +142,11 @@ QList<int> MeshGridItem::selectedNumbers() const {
 
 void MeshGridItem::erase() {
     outline_.reset();
+    destroyPointsAndLines();
+}
+
+void MeshGridItem::destroyPointsAndLines() {
+    isMade_ = false;
     pointsArray_ = linesArray_ = QJSValue();
     const std::vector<MeshLine*> lines = std::exchange(lines_, {});
     for (MeshLine* line : lines) {
@@ -143,7 +162,7 @@ void MeshGridItem::erase() {
 }
 
 void MeshGridItem::turnNumbers(double degrees) {
-    if (outline_)
+    if (isOutline())
         outline_->rotation = degrees;
     for (MeshPoint* point : points_)
         point->setViewingRotation(degrees);
@@ -173,7 +192,7 @@ int MeshGridItem::pointAt(const QPointF& position, double reach) {
 }
 
 int MeshGridItem::pointCount() const {
-    return outline_ ? outline_->count() : static_cast<int>(points_.size());
+    return isOutline() ? outline_->count() : static_cast<int>(points_.size());
 }
 
 MeshPoint* MeshGridItem::point(int number) {
@@ -188,7 +207,7 @@ QPointF MeshGridItem::boundedForDrag(const QPointF& position) const {
 }
 
 void MeshGridItem::markMesh() {
-    if (outline_ && isVisible())
+    if (isOutline() && isVisible())
         polish();
     update();
 }

@@ -54,7 +54,7 @@ public:
 
     QJSValue pointsArray();
     QJSValue linesArray();
-    bool isOutline() const { return outline_ != nullptr; }
+    bool isOutline() const { return outline_ != nullptr && !isMade_; }
 
     /// Replaces the mesh by one of `rows` x `columns` points, at least two each, that lie evenly
     /// over an area of that size with their numbers turned by `rotation` degrees. With
@@ -69,6 +69,8 @@ public:
     double zoom() const { return zoom_; }
     void setZoom(double zoom);
 
+    /// Makes the mesh an outline again, unless a point is selected.
+    Q_INVOKABLE void fold();
     /// Writes position and last written position of a point; a number that is none is ignored.
     Q_INVOKABLE void placePoint(int number, double x, double y);
     /// Numbers of the selected points, ascending.
@@ -123,13 +125,15 @@ private:
     };
 
     void makeMesh();
+    void destroyPointsAndLines();
     void forgetPoint(MeshPoint* point);
     void forgetLine(MeshLine* line);
     void onStyleChanged();
     MeshStyle style() const;
     MeshPicture picture() const;
 
-    std::unique_ptr<Outline> outline_;
+    std::unique_ptr<Outline> outline_; // null without a mesh; its positions only count until made
+    bool isMade_ = false;
     QJSValue pointsArray_;
     QJSValue linesArray_;
     std::vector<MeshPoint*> points_; // by number; points and lines belong to whoever created them

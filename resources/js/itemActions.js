@@ -226,6 +226,8 @@ function leaveItem(scene) {
     DeformerActions.unselectBothGrids(scene);
     entry.visible = false;
     DeformerActions.hideGrid(entry.item.deformerGrids[Rules.XY_GRID]);
+    for (let gridId = 0; gridId < 2; ++gridId)
+        entry.item.deformerGrids[gridId].fold();
 }
 
 function enterItem(scene) {

@@ -59,6 +59,7 @@ private slots:
     void toolsThatDeform();
     void controller();
     void incomingMoves();
+    void meshesThatNobodyLooksAt();
     void configurationDialog();
     void rotationDialog();
     void view();
@@ -615,6 +616,48 @@ void SceneTest::incomingMoves() {
     s.settle();
     for (const auto* move : s.producer.eventsOf<ScreenMovePointEvent>())
         QVERIFY(move->pointId() == 4 && move->x() == 0); // nothing that came in went out again
+}
+
+void SceneTest::meshesThatNobodyLooksAt() {
+    SceneUnderTest& s = *scene_;
+    s.selectScreen(3, 3, 3);
+    MeshGridItem* xy = s.grid();
+    auto* uv = s.evaluate("getCurrentItem().deformerGrids[1]").value<MeshGridItem*>();
+    QVERIFY(uv->isOutline()); // not needed so far
+    QCOMPARE(s.position(8), QPointF(1920, 1080));
+    s.key(Qt::Key_R);
+    s.click(s.onScreen(4));
+    s.press(s.onScreen(4));
+    s.move(s.onScreen(4) + QPoint(33, 7));
+    s.release(s.onScreen(4));
+    const QPointF moved = s.position(4);
+    const double turned = xy->point(0)->viewingRotation();
+    QVERIFY(moved != QPointF(960, 540) && turned == -90);
+
+    s.selectMedia(3, 3, 3);
+    QVERIFY(xy->isOutline());
+    QCOMPARE(int(xy->findChildren<MeshPoint*>().size()), 0);
+    s.settle(); // its points were unselected and told
+    const auto send = [&s](unsigned int point, double x, double y, bool isXy) {
+        s.producer.send(ScreenMovePointEvent(SceneUnderTest::kScreen, 100, "Screen", point, x, y, 0,
+                                             isXy, false));
+    };
+    send(0, -900, -500.25, true);
+    send(9, 1, 1, true);
+    send(1, 0.25, 0.5, false);
+    s.settle();
+    QVERIFY(xy->isOutline() && uv->isOutline());
+
+    s.canvas->onSelectedItem(&s.screen);
+    QCOMPARE(s.position(0), QPointF(60, 39.75));
+    QCOMPARE(s.position(4), moved);
+    QCOMPARE(s.position(8), QPointF(1920, 1080));
+    QCOMPARE(s.selectedPoints(), QList<int>());
+    QCOMPARE(xy->point(0)->viewingRotation(), turned);
+    QCOMPARE(s.integer("getCurrentItem().deformerGrids[0].pointsArray.length"), 9);
+    QCOMPARE(s.integer("getCurrentItem().deformerGrids[0].linesArray.length"), 12);
+    QCOMPARE(uv->point(1)->x(), 480.0);
+    QCOMPARE(uv->point(2)->x(), 1920.0);
 }
 
 void SceneTest::configurationDialog() {
