@@ -27,14 +27,38 @@ void warnBadSize(const char* what, std::int64_t expected, qsizetype found) {
     qWarning().noquote().nospace() << what << expected << "/" << found;
 }
 
-using Factory = Event* (*)();
+/// What can be done with a kind of event before there is one.
+struct Kind {
+    Event* (*create)();
+    /// Creating and reading in one place spares clearing what is overwritten at once. Null, and
+    /// logged, when the payload makes no sense.
+    Event* (*decode)(QByteArrayView payload);
+};
+
+template <typename EventClass>
+Event* create() {
+    return new EventClass;
+}
+
+template <typename EventClass>
+Event* decode(QByteArrayView payload) {
+    if (payload.size() < EventClass::wireSize()) {
+        warnBadSize("Bad data size: ", EventClass::wireSize(), payload.size());
+        return nullptr;
+    }
+    auto event = std::make_unique<EventClass>();
+    return event->readPayload(payload) ? event.release() : nullptr;
+}
 
 template <typename... Rows>
-constexpr auto makeFactories(const std::tuple<Rows...>*) {
-    return std::array<Factory, sizeof...(Rows)>{
-        [] { return static_cast<Event*>(new typename Rows::Class); }...};
+constexpr auto makeKinds(const std::tuple<Rows...>*) {
+    return std::array{Kind{&create<typename Rows::Class>, &decode<typename Rows::Class>}...};
 }
-constexpr auto kFactories = makeFactories(static_cast<const EventTable*>(nullptr));
+constexpr auto kKinds = makeKinds(static_cast<const EventTable*>(nullptr));
+
+const Kind* kindOf(unsigned char type) {
+    return type >= 1 && type <= kKinds.size() ? &kKinds[type - 1U] : nullptr;
+}
 
 template <typename... Rows>
 constexpr bool rowsStandAtTheirCodes(const std::tuple<Rows...>*) {
@@ -83,16 +107,12 @@ Event* LVNtc::readEvent(const LV_NTC_Header& header, QByteArrayView data) {
         warnBadSize("Bad data size: ", header.dataSize, payload.size());
         return nullptr;
     }
-    std::unique_ptr<Event> event(getEvent(static_cast<unsigned char>(header.type)));
-    if (!event) {
+    const Kind* kind = kindOf(static_cast<unsigned char>(header.type));
+    if (!kind) {
         qCritical("Try to deserialize unknown event");
         return nullptr;
     }
-    if (payload.size() < event->getSize()) {
-        warnBadSize("Bad data size: ", event->getSize(), payload.size());
-        return nullptr;
-    }
-    return event->readPayload(payload) ? event.release() : nullptr;
+    return kind->decode(payload);
 }
 
 eventData LVNtc::read(QByteArrayView data) {
@@ -113,7 +133,8 @@ eventData LVNtc::deserialize(QByteArray& data) {
 }
 
 Event* LVNtc::getEvent(unsigned char type) {
-    return type >= 1 && type <= kFactories.size() ? kFactories[type - 1U]() : nullptr;
+    const Kind* kind = kindOf(type);
+    return kind ? kind->create() : nullptr;
 }
 
 } // namespace NetworkCompanion
