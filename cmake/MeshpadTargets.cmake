@@ -75,7 +75,7 @@ function(meshpad_test name)
         LC_ALL=C.UTF-8
         QT_LOGGING_RULES=
         LSAN_OPTIONS=suppressions=${runtime_suppressions}/lsan.supp:print_suppressions=0
-        TSAN_OPTIONS=suppressions=${runtime_suppressions}/tsan.supp:halt_on_error=1
+        TSAN_OPTIONS=suppressions=${runtime_suppressions}/tsan.supp:halt_on_error=1:die_after_fork=0
         UBSAN_OPTIONS=print_stacktrace=1)
     if(MESHPAD_SANITIZERS MATCHES thread)
         list(APPEND arg_ENVIRONMENT QT_NO_GLIB=1) # one uninstrumented library less between threads

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int kProgramTimeout = 20'000; // ms
+constexpr int kProgramTimeout = 60'000; // ms
 
 QString point(int value) {
     return QString::number(value);
