@@ -213,6 +213,24 @@ void dragAllPoints(benchmark::State& state) {
     editor.drain();
 }
 
+/// Tells whether a widget was painted into its window once something was ready for it.
+class PaintWatch final : public QObject {
+public:
+    PaintWatch(QWidget* widget, const bool& isReady) : isReady_(isReady) {
+        widget->installEventFilter(this);
+    }
+    bool isSeen() const { return isSeen_; }
+
+private:
+    bool eventFilter(QObject*, QEvent* event) override {
+        isSeen_ = isSeen_ || (isReady_ && event->type() == QEvent::Paint);
+        return false;
+    }
+
+    const bool& isReady_;
+    bool isSeen_ = false;
+};
+
 void frameOfADrag(benchmark::State& state) {
     Editor& editor = Editor::instance();
     loadMesh(editor, static_cast<int>(state.range(0)));
@@ -222,23 +240,25 @@ void frameOfADrag(benchmark::State& state) {
         QPointF(editor.grid()->point(0)->x(), editor.grid()->point(0)->y()));
     editor.mouse(QEvent::MouseButtonPress, at);
     double step = 1;
-    int frames = 0;
+    bool isRendered = false;
     const auto connection =
         QObject::connect(editor.view->quickWindow(), &QQuickWindow::afterRendering, editor.view,
-                         [&frames] { ++frames; });
+                         [&] { isRendered = true; });
     for (auto _ : state) {
         at += QPointF(step, step);
         step = -step;
         editor.mouse(QEvent::MouseMove, at);
-        const int before = frames;
-        while (frames ==
-               before) { // from rendering to rendering; idle waiting is none of the frame's time
+        isRendered = false;
+        PaintWatch paint(editor.view, isRendered);
+        // From the rendering until the window has it; what is waited for it is none of its time.
+        qint64 time = 0;
+        while (!isRendered || !paint.isSeen()) {
             QElapsedTimer timer = Editor::started();
             QCoreApplication::processEvents();
             QCoreApplication::sendPostedEvents();
-            if (frames != before)
-                state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
+            time += isRendered ? timer.nsecsElapsed() : 0;
         }
+        state.SetIterationTime(static_cast<double>(time) * 1e-9);
     }
     QObject::disconnect(connection);
     editor.mouse(QEvent::MouseButtonRelease, at);
