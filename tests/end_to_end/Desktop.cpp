@@ -6,6 +6,7 @@
 namespace {
 
 constexpr int kProgramTimeout = 60'000; // ms
+constexpr int kSearchTimeout = 5'000;   // ms
 
 QString point(int value) {
     return QString::number(value);
@@ -27,8 +28,21 @@ QString Desktop::run(const QString& program, const QStringList& arguments) {
 }
 
 QString Desktop::placeWindow(const QString& title, QPoint topLeft) {
-    const QString id =
-        run("xdotool", {"search", "--sync", "--onlyvisible", "--name", title}).section('\n', 0, 0);
+    QString id;
+    const auto isShown = [&] {
+        QProcess search;
+        search.start("xdotool", {"search", "--onlyvisible", "--name", title});
+        if (!search.waitForFinished(kSearchTimeout)) {
+            search.kill();
+            search.waitForFinished();
+        }
+        id = QString::fromUtf8(search.readAllStandardOutput()).section('\n', 0, 0).trimmed();
+        return !id.isEmpty();
+    };
+    if (!QTest::qWaitFor(isShown, kProgramTimeout)) {
+        QTest::qFail(qPrintable("no window " + title), __FILE__, __LINE__);
+        return {};
+    }
     run("xdotool", {"windowmove", id, point(topLeft.x()), point(topLeft.y())});
     return id;
 }
