@@ -175,7 +175,7 @@ int MeshGridItem::pointAt(const QPointF& position, double reach) {
     int covered = -1;
     int nearest = -1;
     double nearestDistance = std::max(far, circle);
-    for (int number = pointCount() - 1; number >= 0; --number) {
+    for (int number = static_cast<int>(points_.size()) - 1; number >= 0; --number) {
         const MeshPoint& point = *points_[static_cast<std::size_t>(number)];
         const double distance = std::hypot(point.x() - position.x(), point.y() - position.y());
         if (distance <= circle) {
@@ -197,8 +197,8 @@ int MeshGridItem::pointCount() const {
 
 MeshPoint* MeshGridItem::point(int number) {
     makeMesh();
-    return number >= 0 && number < pointCount() ? points_[static_cast<std::size_t>(number)]
-                                                : nullptr;
+    const bool isThere = number >= 0 && number < static_cast<int>(points_.size());
+    return isThere ? points_[static_cast<std::size_t>(number)] : nullptr;
 }
 
 QPointF MeshGridItem::boundedForDrag(const QPointF& position) const {
