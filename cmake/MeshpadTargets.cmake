@@ -52,7 +52,7 @@ function(meshpad_test name)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
     if(NOT arg_TIMEOUT)
-        set(arg_TIMEOUT 120)
+        set(arg_TIMEOUT 300) # on a machine that has much else to do
     endif()
     if(CMAKE_CROSSCOMPILING)
         return() # the script of that platform runs the programs
