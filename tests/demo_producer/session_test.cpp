@@ -284,7 +284,8 @@ private slots:
         a_->send<UpdateSettingsEvent>("#00ff00", 2);
         QSignalSpy executed(session_.get(), &ProducerSession::quickKeyExecuted);
         QVERIFY(executed.wait());
-        QCOMPARE(executed[0][0].toString(), QStringLiteral("Финал"));
+        QCOMPARE(executed[0][0].toUInt(), 7U);
+        QCOMPARE(executed[0][1].toString(), QStringLiteral("Финал"));
         QVERIFY(b_->hears<MireEvent>(0u, LV_NTC_PictureType::Tile));
         QTRY_COMPARE(session_->companions().begin()->second.pointShape, 2);
         QCOMPARE(session_->companions().begin()->second.pointColor, QStringLiteral("#00ff00"));

@@ -283,7 +283,7 @@ QString ProducerSession::onQuickKey(quint32 id) {
     executed_.push_back(id);
     if (executed_.size() > kExecutedKept)
         executed_.pop_front();
-    emit quickKeyExecuted(found->second.name, found->second.color);
+    emit quickKeyExecuted(id, found->second.name, found->second.color);
     return QStringLiteral("%1 \"%2\"").arg(id).arg(found->second.name);
 }
 

@@ -56,7 +56,7 @@ signals:
     void changed();
     /// A single line for whoever follows what is going on.
     void logged(const QString& line);
-    void quickKeyExecuted(const QString& name, const QString& color);
+    void quickKeyExecuted(quint32 id, const QString& name, const QString& color);
 
 private:
     struct Move;

@@ -53,8 +53,8 @@ void ProducerWindow::showLine(const QString& line) {
     repaintSoon();
 }
 
-void ProducerWindow::onQuickKeyExecuted(const QString& name, const QString& color) {
-    stage_.flash = KeyFlash{name, QColor(color), 1.0};
+void ProducerWindow::onQuickKeyExecuted(quint32 id, const QString& name, const QString& color) {
+    stage_.flash = KeyFlash{id, name, QColor(color), 1.0};
     sinceFlash_.start();
     repaintSoon();
 }

@@ -25,7 +25,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void onQuickKeyExecuted(const QString& name, const QString& color);
+    void onQuickKeyExecuted(quint32 id, const QString& name, const QString& color);
     void repaintSoon();
 
     ProducerSession& session_;

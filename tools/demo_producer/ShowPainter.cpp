@@ -50,6 +50,12 @@ void drawText(QPainter& painter, const QRectF& area, Qt::Alignment alignment, co
                      metrics.elidedText(text, Qt::ElideRight, area.width()));
 }
 
+/// Black or white, whichever can be read better on the colour.
+QColor readableOn(const QColor& background) {
+    constexpr int kMiddle = 128;
+    return qGray(background.rgb()) > kMiddle ? Qt::black : Qt::white;
+}
+
 double textWidth(const QString& text, int pixels, QFont::Weight weight = QFont::Normal) {
     return QFontMetricsF(fontOf(pixels, weight)).horizontalAdvance(text);
 }
@@ -525,7 +531,7 @@ void ShowPainter::paintQuickKeys(QPainter& painter, const QRectF& area) const {
                             width, height);
         ++index;
         const double strength =
-            stage_->flash && stage_->flash->name == key.name ? stage_->flash->strength : 0.0;
+            stage_->flash && stage_->flash->id == id ? stage_->flash->strength : 0.0;
         const bool pressed = strength > 0.0;
         QColor color(key.color);
         if (!color.isValid())
@@ -535,7 +541,7 @@ void ShowPainter::paintQuickKeys(QPainter& painter, const QRectF& area) const {
         painter.drawRoundedRect(button, 6, 6);
         if (height >= 12)
             drawText(painter, button.adjusted(6, 0, -6, 0), Qt::AlignHCenter, key.name, 13,
-                     Qt::white, QFont::DemiBold);
+                     readableOn(painter.brush().color()), QFont::DemiBold);
     }
 }
 
@@ -548,6 +554,6 @@ void ShowPainter::paintFlash(QPainter& painter, const QRectF& area, const KeyFla
     color.setAlpha(235);
     painter.setBrush(color);
     painter.drawRoundedRect(banner, 12, 12);
-    drawText(painter, banner, Qt::AlignHCenter, flash.name, 40, Qt::white, QFont::Bold);
+    drawText(painter, banner, Qt::AlignHCenter, flash.name, 40, readableOn(color), QFont::Bold);
     painter.setOpacity(1.0);
 }

@@ -10,6 +10,7 @@ class QPainter;
 
 /// A quick key that was executed a moment ago.
 struct KeyFlash {
+    quint32 id = 0;
     QString name;
     QColor color;
     double strength = 0.0; ///< 1 at first, 0 when it is over

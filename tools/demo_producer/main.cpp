@@ -35,7 +35,7 @@ const QString kState = QStringLiteral("state");
 const QString kAddress = QStringLiteral("address");
 const QString kPort = QStringLiteral("port");
 const QString kNoDiscovery = QStringLiteral("no-discovery");
-const QString kName = QStringLiteral("name");
+const QString kLabel = QStringLiteral("label"); // Qt keeps "name" and "title" for itself
 const QString kScript = QStringLiteral("script");
 const QString kControl = QStringLiteral("control");
 const QString kDemoEdits = QStringLiteral("demo-edits");
@@ -64,7 +64,7 @@ void addOptions(QCommandLineParser& parser) {
         {kPort, QStringLiteral("TCP port; 0 takes a free one, which the log tells."),
          QStringLiteral("number"), QString::number(kTcpPort)},
         {kNoDiscovery, QStringLiteral("Does not answer companions that look for Producers.")},
-        {kName, QStringLiteral("The name in the window."), QStringLiteral("text"),
+        {kLabel, QStringLiteral("The name in window and log."), QStringLiteral("text"),
          QStringLiteral("Demo Producer")},
         {kScript,
          QStringLiteral("Plays a file of commands, each after its time in seconds: "
@@ -186,7 +186,7 @@ int main(int argc, char** argv) {
                             .arg(parser.value(kAddress), parser.value(kPort)));
     const QString place = placeOf(address, session.port());
     const QString greeting = QStringLiteral("\"%1\" plays \"%2\", %3 items, at %4")
-                                 .arg(parser.value(kName), session.show().title)
+                                 .arg(parser.value(kLabel), session.show().title)
                                  .arg(session.show().items().size())
                                  .arg(place);
     print(greeting);
@@ -215,7 +215,7 @@ int main(int argc, char** argv) {
         state = std::make_unique<StateFile>(session, parser.value(kState), nullptr);
     std::unique_ptr<ProducerWindow> window;
     if (!headless) {
-        window = std::make_unique<ProducerWindow>(session, parser.value(kName), place,
+        window = std::make_unique<ProducerWindow>(session, parser.value(kLabel), place,
                                                   parser.isSet(kStill), parser.isSet(kMeshes));
         window->showLine(greeting);
         window->show();
