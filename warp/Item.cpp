@@ -69,6 +69,10 @@ void Item::furnish() {
     showLabelText();
     showBlindPicture();
     showActive();
+    // At once, not with the next turn of the event loop: the row may be painted before that.
+    label_->show();
+    blindButton_->show();
+    layout->activate();
 }
 
 void Item::setLabelText(const QString& text) {

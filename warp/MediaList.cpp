@@ -771,7 +771,9 @@ void MediaList::unselectIfHidden() {
 
 int MediaList::filterByText(const QString& text) {
     filterText_ = text;
-    return filterByText();
+    const int visible = filterByText();
+    scrollToWhatMatters();
+    return visible;
 }
 
 int MediaList::filterByText() {
@@ -825,6 +827,7 @@ void MediaList::filterScreens() {
     } else {
         showScreensAndScreenParts();
     }
+    scrollToWhatMatters();
 }
 
 void MediaList::hideScreensAndScreenParts() {
@@ -897,9 +900,17 @@ void MediaList::selectVisible(int from, int step) {
         }
     }
     if (selectedItem_ != nullptr) {
-        layOut();
+        scrollToWhatMatters();
+    }
+}
+
+void MediaList::scrollToWhatMatters() {
+    layOut();
+    if (selectedItem_ != nullptr) {
         scrollArea_->ensureWidgetVisible(selectedItem_, configuration_.listScrollMargins.left(),
                                          configuration_.listScrollMargins.top());
+    } else {
+        scrollArea_->verticalScrollBar()->setValue(0);
     }
 }
 

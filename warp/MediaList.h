@@ -190,6 +190,8 @@ private:
     void holdLayout();
     void layOut();
     void furnishRowsInSight();
+    /// The selected row if there is one to be seen, the first one otherwise.
+    void scrollToWhatMatters();
 
     const Configuration& configuration_;
     QScrollArea* scrollArea_;

@@ -13,7 +13,33 @@ NameLabel::NameLabel(QWidget* parent) : QLabel(parent) {
 
 void NameLabel::setName(const QString& name) {
     setText(name);
-    setToolTip(Qt::mightBeRichText(name) ? name.toHtmlEscaped() : name);
+    updateToolTip();
+}
+
+QString NameLabel::shownText() const {
+    // Names of one series differ at their ends.
+    return fontMetrics().elidedText(text().simplified(), Qt::ElideMiddle, contentsRect().width());
+}
+
+void NameLabel::updateToolTip() {
+    const QString name = text();
+    if (shownText() == name) {
+        setToolTip({});
+    } else {
+        setToolTip(Qt::mightBeRichText(name) ? name.toHtmlEscaped() : name);
+    }
+}
+
+void NameLabel::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    updateToolTip();
+}
+
+void NameLabel::changeEvent(QEvent* event) {
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        updateToolTip();
+    }
 }
 
 void NameLabel::paintEvent(QPaintEvent* event) {
@@ -23,12 +49,9 @@ void NameLabel::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
 
-    const QString line = text().simplified();
-    const QRect area = contentsRect();
-    style()->drawItemText(&painter, area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                          option.palette, isEnabled(),
-                          fontMetrics().elidedText(line, Qt::ElideRight, area.width()),
-                          foregroundRole());
+    style()->drawItemText(&painter, contentsRect(),
+                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, option.palette,
+                          isEnabled(), shownText(), foregroundRole());
 }
 
 bool NameLabel::event(QEvent* event) {
