@@ -259,14 +259,21 @@ void TCPTransportSocket::receive() {
     const QPointer<TCPTransportSocket> alive(this);
     const QDeadlineTimer deadline(kReceiveSlice);
     qint64 sinceLookAtTheClock = 0;
+    const auto isTimeUp = [&] {
+        if (sinceLookAtTheClock < kBytesPerLookAtTheClock)
+            return false;
+        sinceLookAtTheClock = 0;
+        return deadline.hasExpired();
+    };
+    bool hasTime = true;
     resumeTimer_.stop();
     ++emitting_;
-    while (reading_) {
+    while (reading_ && hasTime) {
         {
             const std::scoped_lock lock(mutex_);
             takeAvailable();
         }
-        while (reading_) {
+        while (reading_ && hasTime) {
             std::optional<eventData> frame;
             {
                 const std::scoped_lock lock(mutex_);
@@ -278,20 +285,16 @@ void TCPTransportSocket::receive() {
             handOver(*frame);
             if (!alive)
                 return;
-            if (sinceLookAtTheClock < kBytesPerLookAtTheClock)
-                continue;
-            sinceLookAtTheClock = 0;
-            if (deadline.hasExpired()) {
-                if (reading_ && hasMoreToRead())
-                    resumeTimer_.start(0);
-                --emitting_;
-                return;
-            }
+            hasTime = !isTimeUp();
         }
         // More may have come while a receiver ran an event loop of its own.
-        if (closing_ || socket_->bytesAvailable() == 0)
+        if (hasTime && (closing_ || socket_->bytesAvailable() == 0))
             break;
+        // Lengths that announce no frame take their time, too.
+        hasTime = hasTime && !isTimeUp();
     }
+    if (!hasTime && reading_ && hasMoreToRead())
+        resumeTimer_.start(0);
     --emitting_;
 }
 

@@ -148,16 +148,16 @@ void MeshGridItem::erase() {
 void MeshGridItem::destroyPointsAndLines() {
     isMade_ = false;
     pointsArray_ = linesArray_ = QJSValue();
+    // The points first, as they were made: a child is looked for from the first one on.
     const std::vector<MeshLine*> lines = std::exchange(lines_, {});
-    for (MeshLine* line : lines) {
+    for (MeshLine* line : lines)
         line->grid_ = nullptr;
-        delete line;
-    }
     const std::vector<MeshPoint*> points = std::exchange(points_, {});
     for (MeshPoint* point : points) {
         point->grid_ = nullptr;
         delete point;
     }
+    qDeleteAll(lines);
     markMesh();
 }
 
