@@ -175,7 +175,7 @@ function updateCurrentPointText(scene) {
     if (isInSimpleMode(scene, entry))
         return;
     const grid = currentGridOf(scene, entry.item);
-    const point = grid.pointsArray[grid.currentSelectedPointId];
+    const point = grid.currentSelectedPointId >= 0 ? grid.pointsArray[grid.currentSelectedPointId] : null;
     if (point)
         scene.currentPointText.show(point.pointNum, point.x, point.y);
     else
@@ -600,7 +600,8 @@ function showDeformer(scene, item) {
 
 // The numbers of the points stay upright however the item is turned.
 function refreshPoints(scene, item) {
-    currentGridOf(scene, item).turnNumbers(-item.getFullRotation());
+    if (item.deformerGrids && item.deformerGrids.length > 0) // else the item is just being made
+        currentGridOf(scene, item).turnNumbers(-item.getFullRotation());
 }
 
 // View

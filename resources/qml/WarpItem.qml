@@ -40,9 +40,7 @@ Rectangle {
 
     width: sourceWidth
     height: sourceHeight
-    color: "#303030"
-    border.color: "#505050"
-    border.width: visible ? 1 / scene.mediaScaleFactor : 1
+    color: "#505050" // of the edge
     rotation: sourceRotation + viewingRotation
 
     onXChanged: stayInPlace()
@@ -57,6 +55,13 @@ Rectangle {
     }
     onSourceRotationChanged: DeformerActions.refreshPoints(scene, warpItem)
     onSourceDeformerRotationChanged: DeformerActions.refreshPoints(scene, warpItem)
+
+    // Not a border: turned, it would be drawn by way of a picture of the item's size, whatever that is.
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: visible ? 1 / warpItem.scene.mediaScaleFactor : 1
+        color: "#303030"
+    }
 
     Deformer {
         id: deformer
