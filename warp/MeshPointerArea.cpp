@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QLineF>
 #include <QMouseEvent>
+#include <QQuickWindow>
 #include <QStyleHints>
 #include <QTimerEvent>
 #include <QTouchEvent>
@@ -40,6 +41,37 @@ void MeshPointerArea::endGesture() {
 
 void MeshPointerArea::ignoreSecondTap() {
     firstTapTime_.start();
+}
+
+void MeshPointerArea::setPointerRests(bool rests) {
+    if (std::exchange(pointerRests_, rests) != rests)
+        emit pointerRestsChanged();
+}
+
+void MeshPointerArea::setReachedByTab(bool reached) {
+    if (std::exchange(reachedByTab_, reached) != reached)
+        emit reachedByTabChanged();
+}
+
+bool MeshPointerArea::eventFilter(QObject* watched, QEvent* event) {
+    const bool isWindow = watched == window();
+    if (isWindow && (event->type() == QEvent::MouseMove || event->type() == QEvent::Enter)) {
+        setPointerRests(false);
+    } else if (!isWindow && event->type() == QEvent::FocusIn) {
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        setReachedByTab(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
+    } else if (!isWindow && event->type() == QEvent::FocusOut) {
+        setReachedByTab(false);
+    }
+    return QQuickItem::eventFilter(watched, event);
+}
+
+void MeshPointerArea::itemChange(ItemChange change, const ItemChangeData& data) {
+    if (change == ItemSceneChange && data.window)
+        data.window->installEventFilter(this); // hover events come also when nothing has moved
+    else if (change == ItemParentHasChanged && data.item)
+        data.item->installEventFilter(this);
+    QQuickItem::itemChange(change, data);
 }
 
 int MeshPointerArea::movablePointAt(const QPointF& position, double reach) const {

@@ -18,6 +18,9 @@
 /// A mouse takes hold of a point at once. A finger does so when it is lifted, rests for a moment or
 /// moves on, because until then it may be the first of two; two fingers never take hold of a point,
 /// and end a drag.
+///
+/// It also knows how pointer and keyboard came here: whether the pointer has moved since what it
+/// rests on was uncovered, and whether its parent has the keyboard by Tab.
 class MeshPointerArea : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -26,6 +29,10 @@ class MeshPointerArea : public QQuickItem {
     /// How far from its centre a finger reaches a point, in pixels of the screen.
     Q_PROPERTY(double touchReach MEMBER touchReach_ NOTIFY touchReachChanged)
     Q_PROPERTY(bool dragging READ isDragging NOTIFY draggingChanged)
+    /// From restPointer() until the pointer moves.
+    Q_PROPERTY(bool pointerRests READ pointerRests NOTIFY pointerRestsChanged)
+    /// Whether the parent has the keyboard because Tab or Backtab led to it.
+    Q_PROPERTY(bool reachedByTab READ isReachedByTab NOTIFY reachedByTabChanged)
 
 public:
     explicit MeshPointerArea(QQuickItem* parent = nullptr);
@@ -33,17 +40,25 @@ public:
     MeshGridItem* grid() const { return grid_; }
     void setGrid(MeshGridItem* grid);
     bool isDragging() const { return draggedPoint_ >= 0; }
+    bool pointerRests() const { return pointerRests_; }
+    bool isReachedByTab() const { return reachedByTab_; }
 
     /// Lets go of whatever is held; the pointers that are down do nothing until they are lifted.
     Q_INVOKABLE void endGesture();
     /// For the time of a double click no press is taken: what was tapped is gone, and a second tap
     /// was not meant for what lies behind.
     Q_INVOKABLE void ignoreSecondTap();
+    /// What covered the window is gone: whatever the pointer is on now, it did not go there.
+    Q_INVOKABLE void restPointer() { setPointerRests(true); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
     void gridChanged();
     void touchReachChanged();
     void draggingChanged();
+    void pointerRestsChanged();
+    void reachedByTabChanged();
 
     /// A point was taken hold of; every pointPressed() is followed by one pointReleased().
     void pointPressed(int pointId, bool control);
@@ -68,6 +83,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void hoverMoveEvent(QHoverEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
+    void itemChange(ItemChange change, const ItemChangeData& data) override;
 
 private:
     enum class Gesture { None, Undecided, Drag, Pan, Pinch };
@@ -84,16 +100,20 @@ private:
     void beginPinch(const QPointF& first, const QPointF& second);
     void continuePinch(const QPointF& first, const QPointF& second);
     void finish();
+    void setPointerRests(bool rests);
+    void setReachedByTab(bool reached);
 
     QPointer<MeshGridItem> grid_;
     double touchReach_ = 22;
 
     Gesture gesture_ = Gesture::None;
     int draggedPoint_ = -1;
-    QPointF grabOffset_;     // from the pointer to the point, in the mesh
-    QTransform grabView_;    // of the mesh, at that moment
-    QPointF lastPosition_;   // of the pointer, or between two fingers
-    double lastSpan_ = 0;    // between two fingers
+    QPointF grabOffset_;   // from the pointer to the point, in the mesh
+    QTransform grabView_;  // of the mesh, at that moment
+    QPointF lastPosition_; // of the pointer, or between two fingers
+    double lastSpan_ = 0;  // between two fingers
+    bool pointerRests_ = false;
+    bool reachedByTab_ = false;
     int notchRemainder_ = 0; // of the wheel, in eighths of a degree
 
     QMap<int, QPointF> fingers_; // that are down, by their ids

@@ -12,10 +12,12 @@ var quietText = "#a0a0a0";
 var accent = "#0096ff"; // only for what is selected or can be pressed
 var selection = "#b3dffe";
 var selectionOutline = "#004c99";
+var shadow = "#c0000000"; // behind white on a light ground
 var disabledOpacity = 0.35;
 
 var spacing = 8;
 var radius = 6;
+var focusRingWidth = 2;
 var touchTarget = 44;
 var fontSize = 14;
 var titleSize = 18;

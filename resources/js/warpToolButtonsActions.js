@@ -46,6 +46,11 @@ var DEFORM_ACTIONS = [
     Actions.XY_TO_UV
 ];
 
+// Whether a button of the deform tab needs an item whose texture coordinates can be edited.
+function needsUv(buttonId) {
+    return DEFORM_ACTIONS[buttonId] === Actions.UV_TO_XY || DEFORM_ACTIONS[buttonId] === Actions.XY_TO_UV;
+}
+
 // Arrow keys that the select tab's tool tips name, by button id.
 var SELECT_KEYS = [
     [], [],

@@ -29,7 +29,10 @@ Rectangle {
 
     property int movers: 0 // what is in the middle of moving points
     property bool buttonsEnabled: false
+    readonly property DeformerGrid currentGrid: pointerArea.grid as DeformerGrid
+    readonly property bool hasPoints: currentGrid !== null && currentGrid.visible && currentGrid.hasMesh // to be seen
     readonly property bool isDialogOpen: deformationDialog.visible || rotationDialog.visible
+    readonly property bool pointerRests: pointerArea.pointerRests
     property var entryComponents: ({}) // by name
     property alias pointerArea: pointerArea
     property alias currentPointText: currentPointText
@@ -112,6 +115,11 @@ Rectangle {
             return;
         ctrlPressed = false; // its release will not be heard of
         DeformerActions.setMoving(canvas, DeformerActions.MOVED_BY_KEY, false);
+    }
+
+    onIsDialogOpenChanged: {
+        if (!isDialogOpen)
+            pointerArea.restPointer();
     }
 
     Keys.onPressed: event => {
@@ -259,6 +267,12 @@ Rectangle {
         Item {
             id: media
         }
+    }
+
+    FocusRing {
+        anchors { leftMargin: toolTabs.width; bottomMargin: warpToolBar.height }
+        radius: 0
+        visible: pointerArea.reachedByTab
     }
 
     CurrentPointText {

@@ -23,7 +23,7 @@ Rectangle {
     implicitHeight: comboBoxSize.height
     activeFocusOnTab: true
     color: mouseArea.pressed ? Theme.controlPressed : Theme.control
-    border { width: activeFocus || isOpen ? 2 : 1; color: activeFocus || isOpen ? Theme.accent : Theme.outline }
+    border { width: isOpen ? 2 : 1; color: isOpen ? Theme.accent : Theme.outline }
     radius: Theme.radius
     z: isOpen ? 1 : 0
 
@@ -68,12 +68,24 @@ Rectangle {
         anchors.fill: parent
         onClicked: {
             box.forceActiveFocus();
-            list.visible = !list.visible;
+            list.visible = true;
         }
-        onWheel: wheel => {
-            if (wheel.angleDelta.y !== 0)
-                box.step(wheel.angleDelta.y > 0 ? -1 : 1);
+    }
+
+    FocusRing {}
+
+    MouseArea { // all around the open list: a press there closes it and does nothing else
+        id: surroundings
+
+        containmentMask: QtObject {
+            function contains(position: point) : bool {
+                return true;
+            }
         }
+        hoverEnabled: true
+        visible: box.isOpen || pressed
+        onPressed: box.close()
+        onWheel: wheel => wheel.accepted = true
     }
 
     Rectangle {

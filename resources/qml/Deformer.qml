@@ -1,5 +1,6 @@
 import QtQuick
 import "../js/deformerActions.js" as DeformerActions
+import "../js/meshRules.js" as Rules
 
 // The deformation of one item: its mesh of positions (XY) and its mesh of texture coordinates (UV).
 Item {
@@ -75,6 +76,7 @@ Item {
         id: xyGrid
 
         anchors.fill: parent
+        hasMesh: deformer.deformationType !== Rules.NONE
         scene: deformer.scene
     }
 
@@ -82,6 +84,7 @@ Item {
         id: uvGrid
 
         anchors.fill: parent
+        hasMesh: deformer.deformationType !== Rules.NONE
         scene: deformer.scene
         visible: false
     }

@@ -8,6 +8,7 @@ MeshGridItem {
     id: grid
 
     property var scene
+    property bool hasMesh: false // known without a point of it
 
     property int currentSelectedPointId: -1
     property int lastSelectedPointId: -1

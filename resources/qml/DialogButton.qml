@@ -17,7 +17,7 @@ Rectangle {
     implicitHeight: dialogButtonSize.height
     activeFocusOnTab: true
     color: mouseArea.pressed ? Theme.controlPressed : confirms ? "#0b3a5e" : Theme.control
-    border { width: confirms || activeFocus ? 2 : 1; color: confirms || activeFocus ? Theme.accent : Theme.outline }
+    border { width: confirms ? 2 : 1; color: confirms ? Theme.accent : Theme.outline }
     radius: Theme.radius
 
     Accessible.role: Accessible.Button
@@ -36,6 +36,8 @@ Rectangle {
         text: button.text
         textFormat: Text.PlainText
     }
+
+    FocusRing {}
 
     MouseArea {
         id: mouseArea

@@ -77,6 +77,7 @@ FocusScope {
                 anchors { right: parent.right; verticalCenter: parent.verticalCenter }
                 width: Theme.touchTarget
                 height: Theme.touchTarget
+                activeFocusOnTab: true
                 scene: frame.scene
                 source: closeWindowButtonPath
                 text: ""

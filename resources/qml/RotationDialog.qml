@@ -54,6 +54,7 @@ DialogFrame {
                 spacing: 4
 
                 WarpToolButton {
+                    activeFocusOnTab: true
                     buttonId: choice.index
                     checkable: true
                     height: 80
@@ -63,6 +64,10 @@ DialogFrame {
                     toolTip: dialog.viewNames[choice.index]
                     type: "rotationButton"
                     width: 80
+                    onVisibleChanged: {
+                        if (visible && pushed)
+                            forceActiveFocus();
+                    }
                 }
 
                 Text {

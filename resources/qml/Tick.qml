@@ -26,7 +26,7 @@ Item {
         width: 28
         height: 28
         color: tick.checked ? "#0b3a5e" : Theme.control
-        border { width: tick.checked || tick.activeFocus ? 2 : 1; color: tick.checked || tick.activeFocus ? Theme.accent : Theme.outline }
+        border { width: tick.checked ? 2 : 1; color: tick.checked ? Theme.accent : Theme.outline }
         radius: 4
 
         Text {
@@ -46,6 +46,10 @@ Item {
         font.pixelSize: Theme.fontSize
         text: tick.text
         textFormat: Text.PlainText
+    }
+
+    FocusRing {
+        anchors { leftMargin: -8; rightMargin: -8 }
     }
 
     MouseArea {

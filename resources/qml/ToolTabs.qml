@@ -99,6 +99,7 @@ Rectangle {
                 required property url modelData
 
                 buttonId: index
+                idle: !tabs.scene.hasPoints
                 scene: tabs.scene
                 source: modelData
                 toolTip: WarpToolButtonsActions.selectToolTip(selectButtonsToolTips[index], index)
@@ -124,6 +125,8 @@ Rectangle {
 
                 buttonId: index
                 heading: index === 0
+                idle: !tabs.scene.hasPoints
+                      || WarpToolButtonsActions.needsUv(index) && !tabs.scene.warpToolBar.mapButtonEnabled
                 scene: tabs.scene
                 source: isPicture ? modelData : ""
                 text: isPicture ? "" : modelData

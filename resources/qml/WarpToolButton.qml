@@ -16,6 +16,7 @@ Item {
     property bool heading: false // only names what stands below
     property bool pushed: false
     property bool checkable: false
+    property bool idle: false // a click has nothing to work on for now
     property string toolTip
     readonly property bool held: mouseArea.pressed && mouseArea.containsMouse
 
@@ -23,7 +24,7 @@ Item {
 
     implicitWidth: warpToolButtonsSize.width
     implicitHeight: warpToolButtonsSize.height
-    opacity: enabled ? 1 : Theme.disabledOpacity
+    opacity: enabled && !idle ? 1 : Theme.disabledOpacity
 
     Accessible.role: checkable ? Accessible.CheckBox : Accessible.Button
     Accessible.name: toolTip !== "" ? toolTip : text
@@ -34,6 +35,9 @@ Item {
     Component.onCompleted: WarpToolButtonsActions.connectButton(scene, button)
     onEnabledChanged: mouseArea.forgetToolTip()
     onVisibleChanged: mouseArea.forgetToolTip()
+    Keys.onSpacePressed: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     BorderImage {
         anchors.fill: parent
@@ -46,7 +50,7 @@ Item {
         anchors.fill: parent
         radius: Theme.radius
         color: Theme.text
-        opacity: button.heading ? 0 : button.held ? 0.25 : mouseArea.containsMouse ? 0.08 : 0
+        opacity: button.heading || button.idle ? 0 : button.held ? 0.25 : mouseArea.containsMouse ? 0.08 : 0
     }
 
     Image {
@@ -99,8 +103,12 @@ Item {
         }
     }
 
+    FocusRing {}
+
     MouseArea {
         id: mouseArea
+
+        readonly property bool wantsToolTip: containsMouse && !button.scene.pointerRests
 
         anchors.fill: parent
         hoverEnabled: true
@@ -110,8 +118,8 @@ Item {
             button.scene.toolTip.showFor(button, button.toolTip, 0);
             mouse.accepted = mouse.source !== Qt.MouseEventNotSynthesized; // a finger asks, a mouse only is slow
         }
-        onContainsMouseChanged: {
-            if (containsMouse)
+        onWantsToolTipChanged: {
+            if (wantsToolTip)
                 button.scene.toolTip.showFor(button, button.toolTip, Theme.toolTipDelay);
             else
                 forgetToolTip();

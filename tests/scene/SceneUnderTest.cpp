@@ -189,9 +189,18 @@ void SceneUnderTest::key(Qt::Key key, Qt::KeyboardModifiers modifiers) const {
     QTest::keyClick(view, key, modifiers);
 }
 
+void SceneUnderTest::hover(QPoint at) const {
+    QMouseEvent event(QEvent::MouseMove, at, view->mapToGlobal(QPointF(at)), Qt::NoButton,
+                      Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view, &event);
+}
+
 void SceneUnderTest::wheel(int notches) const {
-    const QPointF centre = QRectF(view->rect()).center();
-    QWheelEvent event(centre, view->mapToGlobal(centre), {}, {0, 120 * notches}, Qt::NoButton,
+    wheel(notches, QRectF(view->rect()).center());
+}
+
+void SceneUnderTest::wheel(int notches, QPointF at) const {
+    QWheelEvent event(at, view->mapToGlobal(at), {}, {0, 120 * notches}, Qt::NoButton,
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(view, &event);
 }

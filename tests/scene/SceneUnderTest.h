@@ -71,7 +71,9 @@ public:
     void release(QPoint at, Qt::KeyboardModifiers modifiers = {}) const;
     void click(QPoint at, Qt::KeyboardModifiers modifiers = {}) const;
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const;
+    void hover(QPoint at) const;
     void wheel(int notches) const;
+    void wheel(int notches, QPointF at) const;
 
     /// Waits until everything sent so far has arrived at the Producer.
     void settle();

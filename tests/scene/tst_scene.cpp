@@ -57,11 +57,15 @@ private slots:
     void editingUv();
     void toolsThatSelect();
     void toolsThatDeform();
+    void toolsWithNothingToWorkOn();
     void controller();
     void incomingMoves();
     void meshesThatNobodyLooksAt();
     void configurationDialog();
+    void choiceLists();
     void rotationDialog();
+    void keyboardIsSeen();
+    void toolTipWaitsForPointer();
     void view();
     void fingers();
     void simpleMode();
@@ -73,6 +77,10 @@ private slots:
 private:
     /// The button of the type; where there are several, the one with the id.
     QQuickItem* button(const QString& type, int id = 0) const;
+    QQuickItem* choiceBox(const QString& name) const;
+    static QPoint centreOf(const QQuickItem* item);
+    /// Whether the ring of focus is drawn just inside the item's edge.
+    bool hasRing(const QQuickItem* item) const;
     void pressButton(const QString& type, int id) const;
     void pressItem(QQuickItem* item) const;
     void compareWithProducer(bool xy);
@@ -82,20 +90,42 @@ private:
     std::unique_ptr<QPointingDevice> finger_;
 };
 
-QQuickItem* SceneTest::button(const QString& type, int id) const {
-    QList<QQuickItem*> items{scene_->root()};
+template <typename Predicate>
+static QQuickItem* itemUnder(QQuickItem* root, Predicate isIt) {
+    QList<QQuickItem*> items{root};
     while (!items.isEmpty()) {
         QQuickItem* item = items.takeLast();
-        if (item->property("type") == type && item->property("buttonId").toInt() == id)
+        if (isIt(item))
             return item;
         items += item->childItems();
     }
     return nullptr;
 }
 
+QQuickItem* SceneTest::button(const QString& type, int id) const {
+    return itemUnder(scene_->root(), [&](const QQuickItem* item) {
+        return item->property("type") == type && item->property("buttonId").toInt() == id;
+    });
+}
+
+QQuickItem* SceneTest::choiceBox(const QString& name) const {
+    return itemUnder(scene_->root(), [&](const QQuickItem* item) {
+        return item->property("accessibleName") == name;
+    });
+}
+
+QPoint SceneTest::centreOf(const QQuickItem* item) {
+    return item->mapToScene(QRectF(QPointF(), item->size()).center()).toPoint();
+}
+
+bool SceneTest::hasRing(const QQuickItem* item) const {
+    const QImage image = scene_->view->grabFramebuffer(); // first, as it also lays out
+    return image.pixelColor(item->mapToScene({item->width() / 2, 2}).toPoint()) == Qt::white;
+}
+
 void SceneTest::pressItem(QQuickItem* item) const {
     QVERIFY(item && item->isVisible());
-    scene_->click(item->mapToScene(QRectF(QPointF(), item->size()).center()).toPoint());
+    scene_->click(centreOf(item));
 }
 
 void SceneTest::pressButton(const QString& type, int id) const {
@@ -560,6 +590,39 @@ void SceneTest::toolsThatDeform() {
     QCOMPARE(int(s.producer.events().size()), 1);
 }
 
+/// Buttons that have nothing to work on look so, at once, and still take a press.
+void SceneTest::toolsWithNothingToWorkOn() {
+    SceneUnderTest& s = *scene_;
+    const auto inUse = [this](const char* type, int id) {
+        return button(type, id)->opacity() == 1;
+    };
+    const auto seen = [&] { // select all, a mirror, XY to UV
+        return QString("%1%2%3")
+            .arg(inUse("selectWarpToolButton", 0))
+            .arg(inUse("deformWarpToolButton", 1))
+            .arg(inUse("deformWarpToolButton", 6));
+    };
+    QCOMPARE(seen(), "000");
+    s.selectScreen();
+    QCOMPARE(seen(), "110");
+    s.canvas->onScreenMode(SceneUnderTest::kScreen, LV_NTC_ModeType::Simple);
+    QCOMPARE(seen(), "000");
+    s.canvas->onScreenMode(SceneUnderTest::kScreen, LV_NTC_ModeType::Deformation);
+    QCOMPARE(seen(), "110");
+    s.selectMedia();
+    QCOMPARE(seen(), "111");
+    s.canvas->onAction(Action::TOGGLE_EDIT_UV);
+    QCOMPARE(seen(), "111");
+    s.deformMedia(0, 2, 2);
+    QCOMPARE(seen(), "000");
+    messages_->expect(QtDebugMsg, "selectLine: currentPointId value is -1 (null)");
+    pressButton("selectWarpToolButton", 10);
+    s.deformMedia(1, 2, 2);
+    QCOMPARE(seen(), "111");
+    s.canvas->onRemoveMediaItem(SceneUnderTest::kMediaCue);
+    QCOMPARE(seen(), "000");
+}
+
 void SceneTest::controller() {
     SceneUnderTest& s = *scene_;
     s.canvas->onLeftAxisMoved(1, 1); // no item: nothing
@@ -736,7 +799,7 @@ void SceneTest::configurationDialog() {
 
     // Behind the button lies a point, which a second tap does not reach.
     QQuickItem* cancel = button("cancelButton");
-    const QPoint at = cancel->mapToScene(QRectF(QPointF(), cancel->size()).center()).toPoint();
+    const QPoint at = centreOf(cancel);
     const QPointF behind = s.grid()->mapFromScene(at);
     s.evaluate(QString("updatePoint(0, 3, %1, %2)").arg(behind.x()).arg(behind.y()));
     s.click(at);
@@ -749,6 +812,40 @@ void SceneTest::configurationDialog() {
     QVERIFY(s.currentPoint() != 255);
 }
 
+void SceneTest::choiceLists() {
+    SceneUnderTest& s = *scene_;
+    s.selectMedia(3, 3, 4);
+    pressButton("warpToolBarButton", 2);
+    QQuickItem* box = choiceBox("Number of columns");
+    s.wheel(-1, centreOf(box)); // meant for something else
+    QCOMPARE(s.integer("deformationDialog.columns"), 4);
+
+    // A press beside the open list closes it, and that is all: on the veil, and on what can be
+    // pressed.
+    s.settle();
+    s.producer.forget();
+    for (const QPoint& beside : {QPoint(20, 20), centreOf(choiceBox("Type of curves")),
+                                 centreOf(button("cancelButton")), centreOf(box)}) {
+        pressItem(box);
+        QVERIFY(box->property("isOpen").toBool());
+        s.click(beside);
+        QVERIFY(!box->property("isOpen").toBool());
+        QVERIFY(s.evaluate("deformationDialog.visible").toBool());
+        QVERIFY(!choiceBox("Type of curves")->property("isOpen").toBool());
+        QCOMPARE(s.integer("deformationDialog.columns"), 4);
+    }
+    s.settle();
+    QCOMPARE(int(s.producer.events().size()), 1); // nothing but the mark
+
+    pressItem(box);
+    s.view->grabFramebuffer();                              // entries come with the frame
+    s.click(centreOf(box) + QPoint(0, int(box->height()))); // the first of the list
+    QCOMPARE(s.integer("deformationDialog.columns"), 3);
+    QVERIFY(!box->property("isOpen").toBool());
+    pressItem(button("confirmButton"));
+    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+}
+
 void SceneTest::rotationDialog() {
     SceneUnderTest& s = *scene_;
     pressButton("canvasButton", 1); // no item
@@ -759,8 +856,64 @@ void SceneTest::rotationDialog() {
     QVERIFY(!s.evaluate("rotationDialog.visible").toBool());
     QCOMPARE(s.integer("getCurrentItem().viewingRotation"), 180);
     pressButton("canvasButton", 1);
+    QVERIFY(hasRing(button("rotationButton", 2))); // the view that holds, then the next
+    s.key(Qt::Key_Tab);
+    QVERIFY(hasRing(button("rotationButton", 3)) && !hasRing(button("rotationButton", 2)));
+    s.key(Qt::Key_Return);
+    QVERIFY(!s.evaluate("rotationDialog.visible").toBool());
+    QCOMPARE(s.integer("getCurrentItem().viewingRotation"), 270);
+    pressButton("canvasButton", 1);
     s.selectNothing();
     QVERIFY(!s.evaluate("rotationDialog.visible").toBool());
+}
+
+void SceneTest::keyboardIsSeen() {
+    SceneUnderTest& s = *scene_;
+    s.selectMedia();
+    const auto canvasHasRing = [&s] {
+        return s.view->grabFramebuffer().pixelColor(142, 200) == Qt::white;
+    };
+    for (const auto reason : {Qt::TabFocusReason, Qt::BacktabFocusReason}) {
+        s.view->clearFocus();
+        s.view->setFocus(reason);
+        QVERIFY(canvasHasRing());
+        s.view->clearFocus();
+        QVERIFY(!canvasHasRing());
+    }
+    s.view->setFocus(Qt::MouseFocusReason);
+    QVERIFY(!canvasHasRing());
+
+    pressButton("warpToolBarButton", 2);
+    QVERIFY(hasRing(choiceBox("Type of curves")));
+    QQuickItem* ok = button("confirmButton");
+    QVERIFY(!hasRing(ok));
+    s.key(Qt::Key_Backtab, kShift); // from the first to the last
+    QVERIFY(hasRing(ok) && !hasRing(button("cancelButton")));
+    s.key(Qt::Key_Backtab, kShift);
+    QVERIFY(hasRing(button("cancelButton")) && !hasRing(ok));
+}
+
+void SceneTest::toolTipWaitsForPointer() {
+    SceneUnderTest& s = *scene_;
+    s.selectMedia();
+    QQuickItem* configuration = button("warpToolBarButton", 2);
+    const QQuickItem* area = itemUnder(configuration, [](const QQuickItem* item) {
+        return item->property("containsMouse").isValid();
+    });
+    const auto isUnderPointer = [&] { return area->property("containsMouse").toBool(); };
+    const auto isExplained = [&] {
+        return s.evaluate("toolTip.owner").value<QQuickItem*>() == configuration;
+    };
+    s.hover(centreOf(configuration));
+    QVERIFY(isExplained());
+    QTRY_VERIFY(s.evaluate("toolTip.visible").toBool());
+    pressItem(configuration);
+    QTRY_VERIFY(!isUnderPointer() && !isExplained());
+    s.key(Qt::Key_Escape);
+    QTRY_VERIFY(isUnderPointer()); // uncovered, by no movement of the pointer
+    QVERIFY(!isExplained());
+    s.hover(centreOf(configuration) + QPoint(1, 0));
+    QVERIFY(isExplained());
 }
 
 void SceneTest::view() {
