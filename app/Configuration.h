@@ -88,6 +88,7 @@ inline constexpr int kBannerHeight = 110;
 inline constexpr int kBannerMargin = 9;
 inline constexpr int kVersionFontPoints = 10;
 inline constexpr int kTabCapWidth = 7;
+inline constexpr int kTabFocusRadius = 4;
 inline constexpr QSize kMinimumWindowSize{1280, 720};
 inline constexpr char kWindowIcon[] = "://icon/Meshpad.ico";
 inline constexpr char kStyleSheetPath[] = ":/qss/styleSheet.qss";
@@ -160,7 +161,9 @@ inline constexpr char kUnnamedPart[] = "Part";
 
 inline constexpr int kListWidth = 220; // without the scroll bar
 inline constexpr QMargins kListMargins{6, 6, 0, 0};
-inline constexpr int kSearchHeight = 36;
+inline constexpr int kSearchHeight = 44;
+inline constexpr int kClearSearchWidth = 40;
+inline constexpr QSize kClearSearchIconSize{20, 20};
 inline constexpr char kSearchName[] = "Search";
 inline constexpr char kClearSearchName[] = "Clear the search";
 inline constexpr char kFilterScreensText[] = "Filter screens";
@@ -170,6 +173,9 @@ inline constexpr char kListArea[] = "background-color: transparent; border: none
 inline constexpr char kListScrollBar[] = "color: #0096ff; background-color: #323232;";
 inline constexpr char kSearchBox[] =
     "background-color: #323232; border: 1px solid #222; border-radius: 4px; color: #fff;";
+inline constexpr char kClearSearch[] = "background-color: transparent; border: none;";
+inline constexpr int kFocusRingWidth = 2;
+inline constexpr int kFocusRingRadius = 4;
 inline constexpr char kSearchBoxNothingFound[] =
     "background-color: #323232; border: 1px solid #222; border-radius: 4px; color: red;";
 

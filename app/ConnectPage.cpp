@@ -14,7 +14,7 @@ using namespace ShellLook;
 using NetworkCompanion::NetworkUtils;
 
 ConnectPage::ConnectPage(const Configuration& configuration, QWidget* parent)
-    : IPage(parent), configuration_(configuration) {
+    : ControlPage(parent), configuration_(configuration) {
     setLayout(&layout_);
     initIpList();
     initConnectButton();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/IPage.h"
+#include "pages/ControlPage.h"
 
 #include <QVBoxLayout>
 
@@ -12,7 +12,7 @@ class QPushButton;
 
 /// The first page: lists the Producers that discovery sees, and asks for a connection to the one
 /// that the operator selected.
-class ConnectPage final : public IPage {
+class ConnectPage final : public ControlPage {
     Q_OBJECT
 
 public:

@@ -2,10 +2,12 @@
 
 #include "app/Configuration.h"
 #include "app/EventDispatcher.h"
+#include "pages/FocusRing.h"
 
 #include <QDebug>
 #include <QGuiApplication>
 #include <QImageReader>
+#include <QPainter>
 #include <QVBoxLayout>
 
 using namespace ShellLook;
@@ -20,6 +22,22 @@ QPixmap loadSharp(const QString& path, qreal devicePixelRatio) {
     pixmap.setDevicePixelRatio(devicePixelRatio);
     return pixmap;
 }
+
+/// Shows that Tab has reached it: its style sheets have no place for that.
+class TabButton final : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPushButton::paintEvent(event);
+        if (hasFocus()) {
+            QPainter painter(this);
+            painter.setRenderHint(QPainter::Antialiasing);
+            drawFocusRing(painter, rect(), kTabFocusRadius);
+        }
+    }
+};
 
 } // namespace
 
@@ -97,13 +115,13 @@ void HeadBanner::initTabs() {
 }
 
 void HeadBanner::addTabButton(const QString& text, const QString& name, QSize size, int id) {
-    auto* button = new QPushButton(text, &menu_);
+    auto* button = new TabButton(text, &menu_);
     button->setAccessibleName(name);
     button->setFixedSize(size);
     button->setContentsMargins(0, 0, 0, 0);
     button->setCursor(Qt::PointingHandCursor);
-    // A tab that took the focus would take the arrow keys from the mesh.
-    button->setFocusPolicy(Qt::NoFocus);
+    // A touched tab must not take the arrow keys from the mesh; its cap does the same as the tab.
+    button->setFocusPolicy(text.isEmpty() ? Qt::NoFocus : Qt::TabFocus);
     connect(button, &QPushButton::pressed, &tabMapper_, qOverload<>(&QSignalMapper::map));
     tabMapper_.setMapping(button, id);
     tabs_.addButton(button);
@@ -115,7 +133,8 @@ void HeadBanner::initDisconnectButton() {
     disconnectButton_.setFixedSize(configuration_.disconnectButtonSize);
     disconnectButton_.setStyleSheet(QLatin1StringView(kBannerDisconnectButton));
     disconnectButton_.setCursor(Qt::PointingHandCursor);
-    disconnectButton_.setFocusPolicy(Qt::NoFocus); // Space must never end a show
+    // Space must never end a show of somebody who has not led the ring here.
+    disconnectButton_.setFocusPolicy(Qt::TabFocus);
     connect(&disconnectButton_, &QPushButton::released, this,
             &HeadBanner::onDisconnectFromProducer);
 }

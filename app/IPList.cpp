@@ -40,6 +40,7 @@ void IPList::addIP(const QString& ip) {
     button->setStyleSheet(
         QLatin1StringView(ip == selectedIp_ ? kAddressButtonOn : kAddressButtonOff));
     button->setCursor(Qt::PointingHandCursor);
+    button->setFocusPolicy(Qt::TabFocus); // a finger leaves no ring around what it selected
     connect(button.get(), &QPushButton::released, &mapper_, qOverload<>(&QSignalMapper::map));
     mapper_.setMapping(button.get(), ip);
     layout_.addWidget(button.get(), 0, Qt::AlignCenter);

@@ -2,6 +2,7 @@
 #include "app/GraphicsProcessor.h"
 #include "app/GuiCompanion.h"
 #include "app/KeyRepeatFilter.h"
+#include "app/ToolTipFilter.h"
 #include "resources/CompanionResources.h"
 
 #include <QApplication>
@@ -38,6 +39,8 @@ int main(int argc, char** argv) {
 
     KeyRepeatFilter keyRepeats(nullptr);
     application.installEventFilter(&keyRepeats);
+    ToolTipFilter toolTips(nullptr);
+    application.installEventFilter(&toolTips);
     GuiCompanion window(nullptr);
     window.show();
     return QApplication::exec();

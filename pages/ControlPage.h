@@ -2,7 +2,7 @@
 
 #include "app/IPage.h"
 
-/// What the control pages share: shown, they take the focus, so that the first Tab leads to the
+/// What the pages of widgets share: shown, they take the focus, so that the first Tab leads to the
 /// first control. Keys that no control takes go on to the window, as on every page.
 class ControlPage : public IPage {
     Q_OBJECT

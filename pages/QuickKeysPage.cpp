@@ -8,6 +8,7 @@
 #include "network/ExecuteQuickKeyEvent.h"
 #include "network/ProtocolLimits.h"
 #include "network/UpdateQuickKeyEvent.h"
+#include "pages/PageSpinBox.h"
 #include "pages/QuickKeysButton.h"
 
 #include <QDebug>
@@ -55,7 +56,8 @@ bool isGridInBounds(int rows, int columns) {
 
 QuickKeysPage::QuickKeysPage(const Configuration& configuration, QWidget* parent)
     : ControlPage(parent), configuration_(configuration), layout_(new QVBoxLayout(this)),
-      spinBox_(new QSpinBox(this)), stack_(new QStackedWidget), mapper_(new QSignalMapper(this)) {
+      spinBox_(new PageSpinBox(this)), stack_(new QStackedWidget),
+      mapper_(new QSignalMapper(this)) {
     initNavSpinBox();
 
     // A grid that is larger than the window scrolls instead of stretching the window.

@@ -8,7 +8,6 @@
 
 #include <QCheckBox>
 #include <QKeyEvent>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace NetworkCompanion;
@@ -37,13 +36,10 @@ void MediaListContainer::initControls() {
     searchBox_->setFixedHeight(WarpLook::kSearchHeight);
     searchBox_->setPlaceholderText(QLatin1StringView(WarpLook::kSearchName));
     searchBox_->setAccessibleName(QLatin1StringView(WarpLook::kSearchName));
-    searchBox_->setClearButtonEnabled(true);
-    if (auto* clearButton = searchBox_->findChild<QToolButton*>()) {
-        clearButton->setAccessibleName(QLatin1StringView(WarpLook::kClearSearchName));
-        clearButton->setToolTip(QLatin1StringView(WarpLook::kClearSearchName));
-    }
     screenCheckBox_->setMinimumHeight(WarpLook::kSearchHeight);
     connect(searchBox_, &QLineEdit::textChanged, this, &MediaListContainer::onSearchTextChanged);
+    connect(searchBox_, &SearchBox::left, mediaList_,
+            [list = mediaList_] { list->setFocus(Qt::OtherFocusReason); });
     connect(screenCheckBox_, &QCheckBox::stateChanged, this,
             &MediaListContainer::onScreenCheckBoxStateChanged);
 }

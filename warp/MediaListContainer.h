@@ -10,7 +10,7 @@ class Item;
 class MediaList;
 class QCheckBox;
 class QKeyEvent;
-class QLineEdit;
+class SearchBox;
 struct Configuration;
 
 /// The media list with its search box and screen filter. Passes everything the list tells on to
@@ -104,7 +104,7 @@ private:
     void searchAgain();
 
     const Configuration& configuration_;
-    QLineEdit* searchBox_;
+    SearchBox* searchBox_;
     QCheckBox* screenCheckBox_;
     MediaList* mediaList_;
     bool isSearchDue_ = false; // rows came or went since the last search

@@ -185,6 +185,12 @@ void TestGuiCompanion::startsOnTheConnectPage() {
     QCOMPARE(window_->minimumSize(), QSize(1280, 720));
     QCOMPARE(window_->size(), QSize(1280, 720));
     QVERIFY(shows<ConnectPage>());
+    // Nothing looks chosen, and the first Tab leads to the first address.
+    auto* list = find<IPList>();
+    QTRY_VERIFY(button(list, kProducerAddress.toString()) != nullptr);
+    QVERIFY(window_->isActiveWindow() && !list->isAncestorOf(QApplication::focusWidget()));
+    QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
+    QVERIFY(button(list, kProducerAddress.toString())->hasFocus());
     QCOMPARE(find<HeadBanner>()->geometry(), QRect(0, 0, 1280, 110));
     QCOMPARE(find<Content>()->geometry().bottomRight(), window_->rect().bottomRight());
     QVERIFY(button(find<HeadBanner>(), QStringLiteral("Disconnect")) == nullptr);
@@ -254,6 +260,24 @@ void TestGuiCompanion::tabsShowTheirPages() {
     messages_->expect(QtDebugMsg, QStringLiteral("This page does not exist."));
     content->setPage(static_cast<Page>(6));
     QVERIFY(shows<SettingsPage>());
+
+    // Without a mouse: Tab leads to the tabs and to the way out, and shows where it is.
+    const auto tabTo = [&](const char* text) {
+        QPushButton* target = button(banner, QString::fromLatin1(text));
+        for (int i = 0; i < 20 && !target->hasFocus(); ++i) {
+            QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
+        }
+        return target->hasFocus();
+    };
+    QVERIFY(currentPage()->hasFocus());
+    QVERIFY(tabTo("Disconnect"));
+    const auto look = [&] { return button(banner, "Test patterns")->grab().toImage(); };
+    const QImage idle = look();
+    QVERIFY(tabTo("Test patterns"));
+    QVERIFY(look() != idle);
+    QTest::keyClick(window_->windowHandle(), Qt::Key_Space);
+    QVERIFY(shows<TestPatternPage>());
+    QVERIFY(currentPage()->hasFocus());
 
     press("Warp");
     QVERIFY(shows<WarpPage>());

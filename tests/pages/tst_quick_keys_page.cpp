@@ -9,6 +9,7 @@
 #include "tests/support/ThreadTime.h"
 
 #include <QGridLayout>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -321,6 +322,38 @@ private slots:
         test.spinBox()->setFocus();
         test.page->lockPage();
         QVERIFY(!test.spinBox()->hasFocus());
+    }
+
+    void anArrowLeavesTheKeyboardWhereItIs() {
+        const KeysTest test;
+        QVERIFY(test.ready);
+        test.page->configQuickKey(1, 1);
+        test.add({12});
+        auto* number = test.spinBox()->findChild<QLineEdit*>();
+        const auto touchArrow = [&test](int x) {
+            QTest::mouseClick(test.spinBox(), Qt::LeftButton, {}, {x, 17});
+        };
+        const auto isAtThePage = [&] {
+            return test.page->hasFocus() && !number->hasSelectedText();
+        };
+        touchArrow(110);
+        touchArrow(110);
+        touchArrow(10);
+        QCOMPARE(test.spinBox()->value(), 2);
+        QVERIFY(isAtThePage());
+
+        for (const bool byArrow : {false, true}) {
+            QTest::mouseClick(number, Qt::LeftButton);
+            QTest::keyClicks(QApplication::focusWidget(), "11");
+            QCOMPARE(test.shownPage(), 11);
+            if (byArrow) {
+                touchArrow(10);
+            } else {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+            }
+            QVERIFY(isAtThePage());
+            QCOMPARE(test.shownPage(), byArrow ? 10 : 11);
+        }
     }
 
     void spinBoxAndPageAlwaysAgree() {

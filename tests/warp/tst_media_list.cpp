@@ -37,6 +37,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <memory>
@@ -433,7 +434,6 @@ private slots:
         box->setFocus();
         QTest::keyClicks(focus(), "mt");
         QTest::keyClick(focus(), Qt::Key_M, Qt::ControlModifier);
-        QTest::keyClick(focus(), Qt::Key_Down);
         QCOMPARE(shownRows(), QStringList({"Floor, MT part", "amt"}));
         QVERIFY(gets(ItemDataEvent(200), ItemDataEvent(-1)));
         addMedia(3, "mtx");
@@ -448,9 +448,24 @@ private slots:
         QTRY_COMPARE(box->styleSheet(), normal);
         list_->removeMedia(5);
         QTRY_VERIFY(box->styleSheet() != normal);
-        box->clear();
+        auto* clear = box->findChild<QToolButton*>();
+        QVERIFY(box->height() >= 40 && clear->height() >= 40 && clear->width() >= 32);
+        QTest::mouseClick(clear, Qt::LeftButton);
+        QVERIFY(box->hasFocus() && clear->isHidden());
         QCOMPARE(box->styleSheet(), normal);
         QCOMPARE(shownRows().size(), 6);
+        // Done with it, the keyboard is at the list again; Esc empties the box first.
+        for (const auto key : {Qt::Key_Return, Qt::Key_Down, Qt::Key_Escape}) {
+            box->setFocus();
+            QTest::keyClick(focus(), Qt::Key_A);
+            if (key == Qt::Key_Escape) {
+                QTest::keyClick(focus(), key);
+                QVERIFY(box->hasFocus() && box->text().isEmpty());
+            }
+            QTest::keyClick(focus(), key);
+            QVERIFY(list_->isAncestorOf(focus()));
+            box->clear();
+        }
         QVERIFY(getsNothing());
     }
 
@@ -588,7 +603,7 @@ private slots:
         finger().release(0, eye->rect().center(), eye).commit();
         QVERIFY(gets(MediaBlindEvent(LV_NTC_ElementType::Media, 3, 0, 0, "1003", true)));
 
-        const QPoint down = row("1005")->mapTo(window_.get(), start);
+        const QPoint down = row("1004")->mapTo(window_.get(), start);
         auto* bar = container_->findChild<QScrollArea*>()->verticalScrollBar();
         finger().press(0, down).commit();
         for (int y = 10; y <= 150; y += 10) {
