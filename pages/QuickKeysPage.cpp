@@ -30,6 +30,7 @@ constexpr int kMaxGrid = static_cast<int>(Limits::kMaxQuickKeyGrid);
 /// How many buttons a page gets in a turn of the event loop: more than there is room for in sight,
 /// and few enough that the operator feels nothing.
 constexpr int kButtonsInATurn = 128;
+constexpr int kPagesInATurn = 512; // still without buttons
 
 constexpr LV_NTC_EventType kEventTypes[] = {
     LV_NTC_EventType::AddQuickKey, LV_NTC_EventType::DeleteQuickKey,
@@ -221,16 +222,20 @@ void QuickKeysPage::updateStack() {
         }
         isGridOutdated_ = false;
     }
-    while (stack_->count() < pageCount_) {
+    const int shown = spinBox_->value() - 1;
+    int left = kPagesInATurn;
+    while (stack_->count() < pageCount_ && (stack_->count() <= shown || left-- > 0)) {
         addQuickKeysPage();
     }
-    const int shown = spinBox_->value() - 1;
     if (shown != stack_->currentIndex()) {
         keepFocusFrom(stack_);
         stack_->setCurrentIndex(shown);
     }
-    while (stack_->count() > pageCount_) {
+    while (stack_->count() > pageCount_ && left-- > 0) {
         deleteQuickKeysPage();
+    }
+    if (stack_->count() != pageCount_) {
+        updateSoon();
     }
     if (pageCount_ > 0) {
         fillPage(shown);

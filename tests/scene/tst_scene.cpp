@@ -1,9 +1,11 @@
 #include "tests/scene/SceneUnderTest.h"
 #include "tests/support/MessageGuard.h"
+#include "tests/support/ThreadTime.h"
 
 #include "app/EventDispatcher.h"
 #include "network/DeformationModeEvent.h"
 #include "network/MediaDeformationModeEvent.h"
+#include "network/MediaMovePointEvent.h"
 #include "network/ScreenMovePointEvent.h"
 #include "network/ScreenPartDeformationModeEvent.h"
 #include "network/ScreenPartMovePointEvent.h"
@@ -13,8 +15,10 @@
 #include <QStyleHints>
 #include <QTest>
 
+#include <limits>
 #include <optional>
 
+using namespace std::chrono_literals;
 using namespace NetworkCompanion;
 using MeshpadTest::SceneUnderTest;
 
@@ -70,6 +74,7 @@ private slots:
     void fingers();
     void simpleMode();
     void updatesWhileEdited();
+    void turnedItemsOfAnySize();
     void itemGoesWhileDragged_data();
     void itemGoesWhileDragged();
     void nothingIsLostInAnyGesture();
@@ -816,6 +821,7 @@ void SceneTest::choiceLists() {
     SceneUnderTest& s = *scene_;
     s.selectMedia(3, 3, 4);
     pressButton("warpToolBarButton", 2);
+    s.view->grabFramebuffer(); // the dialog takes its places with the frame
     QQuickItem* box = choiceBox("Number of columns");
     s.wheel(-1, centreOf(box)); // meant for something else
     QCOMPARE(s.integer("deformationDialog.columns"), 4);
@@ -1061,6 +1067,36 @@ void SceneTest::updatesWhileEdited() {
     s.settle();
     messages_->expect(QtDebugMsg, "Unable to remove media item");
     s.canvas->onRemoveMediaItem(4711);
+}
+
+void SceneTest::turnedItemsOfAnySize() {
+    SceneUnderTest& s = *scene_;
+    constexpr int kHuge = std::numeric_limits<int>::max();
+    const MeshpadTest::ThreadTime work;
+    unsigned int cue = 100;
+    for (const QSize size : {QSize(1000, 600), QSize(1, kHuge), QSize(kHuge, kHuge), QSize(0, 0),
+                             QSize(-1, 5), QSize(65'536, 1)}) {
+        s.canvas->onMediaItemAdded(1, ++cue, 5, size.width(), size.height(), 30, "Turned");
+        MediaItem item(MediaType::Image, cue, 5, 1, size.width(), size.height(), false, "Turned",
+                       s.configuration, nullptr);
+        s.canvas->onSelectedItem(&item);
+        s.canvas->onMediaDeformationMode(LV_NTC_ElementType::Media, LV_NTC_DeformationType::Curve,
+                                         cue, 5, "Turned", 4, 4, false);
+        QCOMPARE(s.grid()->point(0)->viewingRotation(),
+                 -s.evaluate("getCurrentItem().getFullRotation()").toDouble());
+        s.view->grabFramebuffer();
+        for (const double far : {1e308, -1e308, 1e9, 5e-324}) {
+            MediaMovePointEvent move(cue, 5, 1, "Turned", 5, far, -far, 0, true, false);
+            s.canvas->receive(&move);
+        }
+        s.view->grabFramebuffer();
+        s.key(Qt::Key_R);
+        s.key(Qt::Key_A, kCtrl);
+        s.key(Qt::Key_Left);
+        s.view->grabFramebuffer();
+        s.canvas->onSelectedItem(nullptr);
+    }
+    QVERIFY2(work.elapsed() < 10s, qPrintable(QString::number(work.elapsed().count())));
 }
 
 void SceneTest::itemGoesWhileDragged_data() {
