@@ -84,9 +84,11 @@ void MeshGridItem::setMesh(const QJSValue& points, const QJSValue& lines,
         points_.push_back(point);
     }
     outline_->positions = {};
-    lines_.reserve(static_cast<std::size_t>(lineEnds.size() / 2));
-    for (quint32 index = 0; index < lineEnds.size() / 2; ++index) {
-        auto* line = qobject_cast<MeshLine*>(lines.property(index).toQObject());
+    const qsizetype lineCount = lineEnds.size() / 2;
+    lines_.reserve(static_cast<std::size_t>(lineCount));
+    for (qsizetype index = 0; index < lineCount; ++index) {
+        auto* line =
+            qobject_cast<MeshLine*>(lines.property(static_cast<quint32>(index)).toQObject());
         if (!line || line->grid_)
             break;
         line->grid_ = this;

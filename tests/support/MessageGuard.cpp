@@ -69,6 +69,11 @@ QStringList MessageGuard::seen(QtMsgType type) const {
     return texts;
 }
 
+qsizetype MessageGuard::count(QtMsgType type) const {
+    const std::scoped_lock lock(mutex_);
+    return std::ranges::count(lines_, type, &Line::type);
+}
+
 bool MessageGuard::isSatisfied() const {
     const std::scoped_lock lock(mutex_);
     return std::ranges::all_of(expectations_, &Expectation::isMet);

@@ -33,6 +33,8 @@ public:
 
     /// Lines of a type seen since the guard began, or since the last clear().
     QStringList seen(QtMsgType type) const;
+    /// How many those are.
+    qsizetype count(QtMsgType type) const;
     /// Whether everything expected has come.
     bool isSatisfied() const;
     /// Forgets what was seen and expected.
