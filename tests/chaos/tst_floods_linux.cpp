@@ -247,10 +247,11 @@ void FloodTest::judge(Presser& presser, double memoryBefore, const char* what) {
     const auto [usual, slowest] = presser.slowest();
     qInfo("%s: %zu keys answered, 95 of 100 within %d ms, all within %d ms; %.1f MiB more", what,
           presser.count(), int(usual.count()), int(slowest.count()), growth);
+    const int slower = std::max(1, qEnvironmentVariableIntValue("MESHPAD_SLOWER"));
     QVERIFY(presser.count() >= 5);
-    QVERIFY(usual <= kPatience);
-    QVERIFY(slowest <= 3 * kPatience); // whatever else the machine did meanwhile
-    QVERIFY(growth < kRoom);
+    QVERIFY(usual <= slower * kPatience);
+    QVERIFY(slowest <= 3 * slower * kPatience); // whatever else the machine did meanwhile
+    QVERIFY(slower > 1 || growth < kRoom);      // an emulated machine's memory is not its own
 }
 
 void FloodTest::hundredThousandEvents_data() {
