@@ -6,6 +6,8 @@
 #include "app/GuiCompanion.h"
 #include "app/HeadBanner.h"
 #include "app/IPList.h"
+#include "app/KeyRepeatFilter.h"
+#include "app/ToolTipFilter.h"
 #include "input/key_event_listener.h"
 #include "input/key_event_manager.h"
 #include "network/MsgEvent.h"
@@ -19,14 +21,18 @@
 #include "warp/WarpPage.h"
 
 #include <QApplication>
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QHelpEvent>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QQuickWidget>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 
 #include <optional>
 
@@ -39,6 +45,7 @@ namespace {
 
 const QHostAddress kProducerAddress(QStringLiteral("10.77.0.1")); // this test's virtual interface
 constexpr quint16 kProducerPort = 62330;
+const QString kDisconnect = QStringLiteral("Disconnect");
 
 class KeyRecorder : public KeyEventListener {
 public:
@@ -62,21 +69,22 @@ private slots:
     void init();
     void cleanup();
 
-    void startsOnTheConnectPage();
     void aProducerIsFoundAndAskedForItsShow();
     void aRefusedConnectionChangesNothing();
     void tabsShowTheirPages();
-    void keysReachTheListeners();
-    void controllerInputReachesTheWarpPage();
     void aLossVeilsTheWindow();
-    void theVeilKeepsKeysAway();
     void aLossIsMendedAgainAndAgain();
-    void aFailedReconnectionIsTriedAgain();
     void aConnectionThatBreaksAtOnceIsALoss();
     void theOperatorsDisconnectIsForGood_data();
     void theOperatorsDisconnectIsForGood();
     void theWindowMayGoInAnyState_data();
     void theWindowMayGoInAnyState();
+    void aHeldKeyPressesOnce();
+    void aTipHasTheLookOfTheApplication();
+
+protected:
+    /// Nothing but the window, and tips, ever becomes a window.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     template <typename Widget>
@@ -88,9 +96,11 @@ private:
     bool shows() const {
         return qobject_cast<PageClass*>(currentPage()) != nullptr;
     }
+    bool showsWayOut() const { return button(find<HeadBanner>(), kDisconnect) != nullptr; }
     DisconnectOverlay* overlay() const;
     QPushButton* button(const QWidget* parent, const QString& text) const;
     void startProducer();
+    void pressConnect();
     void connectByHand();
     void loseConnection();
     void closeWindow();
@@ -100,6 +110,7 @@ private:
     std::optional<MeshpadTest::MessageGuard> messages_;
     std::unique_ptr<FakeProducer> producer_;
     std::unique_ptr<GuiCompanion> window_;
+    QStringList strayWindows_;
 };
 
 void TestGuiCompanion::initTestCase() {
@@ -108,8 +119,10 @@ void TestGuiCompanion::initTestCase() {
 
 void TestGuiCompanion::init() {
     messages_.emplace();
-    CheckConnection::firstCheckDelay = 100ms;
-    CheckConnection::checkPeriod = 100ms;
+    CheckConnection::firstCheckDelay = 10ms;
+    CheckConnection::checkPeriod = 10ms;
+    strayWindows_.clear();
+    qApp->installEventFilter(this);
     window_ = std::make_unique<GuiCompanion>(nullptr);
     window_->show();
     QVERIFY(QTest::qWaitForWindowActive(window_.get()));
@@ -117,6 +130,8 @@ void TestGuiCompanion::init() {
 }
 
 void TestGuiCompanion::cleanup() {
+    qApp->removeEventFilter(this);
+    QCOMPARE(strayWindows_, QStringList());
     if (window_) {
         window_->onDisconnectFromServer();
         closeWindow();
@@ -127,6 +142,15 @@ void TestGuiCompanion::cleanup() {
         kProducerAddress.toString());
     messages_->verify();
     messages_.reset();
+}
+
+bool TestGuiCompanion::eventFilter(QObject* watched, QEvent* event) {
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    if (event->type() == QEvent::Show && widget != nullptr && widget->isWindow() &&
+        widget != window_.get() && widget->windowType() != Qt::ToolTip) {
+        strayWindows_ << QString::fromLatin1(widget->metaObject()->className());
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void TestGuiCompanion::closeWindow() {
@@ -161,12 +185,16 @@ QPushButton* TestGuiCompanion::button(const QWidget* parent, const QString& text
     return nullptr;
 }
 
-/// As an operator does it.
-void TestGuiCompanion::connectByHand() {
+/// As an operator does it, once the Producer is found.
+void TestGuiCompanion::pressConnect() {
     const QString ip = kProducerAddress.toString();
     QTRY_VERIFY(button(find<IPList>(), ip) != nullptr);
     QTest::mouseClick(button(find<IPList>(), ip), Qt::LeftButton);
     QTest::mouseClick(button(currentPage(), QString()), Qt::LeftButton);
+}
+
+void TestGuiCompanion::connectByHand() {
+    pressConnect();
     QVERIFY(client().isConnected());
     QTRY_VERIFY(producer_->eventsOf<UpdateSettingsEvent>().size() == 1);
 }
@@ -179,56 +207,45 @@ void TestGuiCompanion::loseConnection() {
     QTRY_VERIFY(overlay() != nullptr);
 }
 
-void TestGuiCompanion::startsOnTheConnectPage() {
-    QCOMPARE(window_->windowTitle(), QStringLiteral("Meshpad 1.7.2"));
+void TestGuiCompanion::aProducerIsFoundAndAskedForItsShow() {
     QVERIFY(!window_->windowIcon().isNull());
-    QCOMPARE(window_->minimumSize(), QSize(1280, 720));
-    QCOMPARE(window_->size(), QSize(1280, 720));
-    QVERIFY(shows<ConnectPage>());
+    QVERIFY(shows<ConnectPage>() && !showsWayOut());
     // Nothing looks chosen, and the first Tab leads to the first address.
     auto* list = find<IPList>();
     QTRY_VERIFY(button(list, kProducerAddress.toString()) != nullptr);
-    QVERIFY(window_->isActiveWindow() && !list->isAncestorOf(QApplication::focusWidget()));
+    QVERIFY(!list->isAncestorOf(QApplication::focusWidget()));
     QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
     QVERIFY(button(list, kProducerAddress.toString())->hasFocus());
-    QCOMPARE(find<HeadBanner>()->geometry(), QRect(0, 0, 1280, 110));
-    QCOMPARE(find<Content>()->geometry().bottomRight(), window_->rect().bottomRight());
-    QVERIFY(button(find<HeadBanner>(), QStringLiteral("Disconnect")) == nullptr);
-}
 
-void TestGuiCompanion::aProducerIsFoundAndAskedForItsShow() {
-    QSignalSpy connected(window_.get(), &GuiCompanion::meshpadConnected);
     connectByHand();
-    QCOMPARE(connected.count(), 1);
     const auto& events = producer_->events();
     QCOMPARE(events.size(), std::size_t(2));
     QVERIFY(*events[0] == MsgEvent("getResources"));
     QVERIFY(*events[1] == UpdateSettingsEvent("", 0));
-
-    QVERIFY(shows<WarpPage>());
-    QVERIFY(button(find<HeadBanner>(), QStringLiteral("Disconnect")) != nullptr);
-    QCOMPARE(button(find<HeadBanner>(), QStringLiteral("Warp"))->styleSheet(),
-             QLatin1StringView(ShellLook::kTabOn));
+    QVERIFY(shows<WarpPage>() && showsWayOut());
     QVERIFY(currentPage()->isAncestorOf(QApplication::focusWidget()));
 
     // The Producer is watched; as long as the connection stands that changes nothing.
-    auto* watcher = &EventDispatcher::getInstance()->networkUtils();
-    QVERIFY(watcher->getAvailableServers().contains(kProducerAddress.toString()));
     window_->onServerAvailableAgain();
-    QTest::qWait(300);
+    MsgEvent mark("mark");
+    client().sendEvent(mark);
+    QTRY_COMPARE(events.size(), std::size_t(3));
     QCOMPARE(producer_->acceptedCount(), 1);
-    QCOMPARE(producer_->events().size(), std::size_t(2));
+
+    // Back and forth within one turn of the event loop, as fast as it gets.
+    window_->onDisconnectFromServer();
+    window_->onConnectToServer(kProducerAddress.toString());
+    window_->onDisconnectFromServer();
+    QTest::qWait(1);
+    QVERIFY(shows<ConnectPage>() && !showsWayOut());
 }
 
 void TestGuiCompanion::aRefusedConnectionChangesNothing() {
-    const QString ip = kProducerAddress.toString();
-    QTRY_VERIFY(button(find<IPList>(), ip) != nullptr);
+    QTRY_VERIFY(button(find<IPList>(), kProducerAddress.toString()) != nullptr);
     producer_->stopListening();
-    QTest::mouseClick(button(find<IPList>(), ip), Qt::LeftButton);
-    QTest::mouseClick(button(currentPage(), QString()), Qt::LeftButton);
+    pressConnect();
     QVERIFY(!client().isConnected());
-    QVERIFY(shows<ConnectPage>());
-    QVERIFY(button(find<HeadBanner>(), QStringLiteral("Disconnect")) == nullptr);
+    QVERIFY(shows<ConnectPage>() && !showsWayOut());
     QVERIFY(find<IPList>()->selectedIp().isEmpty());
     QVERIFY(overlay() == nullptr);
 
@@ -240,38 +257,61 @@ void TestGuiCompanion::aRefusedConnectionChangesNothing() {
 void TestGuiCompanion::tabsShowTheirPages() {
     connectByHand();
     auto* banner = find<HeadBanner>();
-    const auto press = [&](const char* tab) {
-        QTest::mouseClick(button(banner, QString::fromLatin1(tab)), Qt::LeftButton);
+    // From left to right: a cap, the tabs, a cap; which of them are lit.
+    const QList<QAbstractButton*> row = banner->findChild<QButtonGroup*>()->buttons();
+    const auto lit = [&row] {
+        QString marks;
+        for (const QAbstractButton* each : row) {
+            const QLatin1StringView look[] = {QLatin1StringView(ShellLook::kLeftCapOn),
+                                              QLatin1StringView(ShellLook::kTabOn),
+                                              QLatin1StringView(ShellLook::kRightCapOn)};
+            marks += std::ranges::count(look, each->styleSheet()) > 0 ? '1' : '0';
+        }
+        return marks;
     };
-    press("Quick Keys");
-    QVERIFY(shows<QuickKeysPage>());
-    press("Test patterns");
-    QVERIFY(shows<TestPatternPage>());
-    press("Settings");
-    QVERIFY(shows<SettingsPage>());
-    messages_->expect(QtDebugMsg, QStringLiteral("This menu page does not exist!"), 2);
-    for (const int tab : {-1, 4}) {
-        window_->goToPageFromMenu(tab);
-        QVERIFY(shows<SettingsPage>());
+    QCOMPARE(lit(), "110000");
+    struct Press {
+        int position;
+        bool (TestGuiCompanion::*isShown)() const;
+        QString lit;
+    };
+    for (const Press& press : {Press{5, &TestGuiCompanion::shows<SettingsPage>, "000011"},
+                               Press{1, &TestGuiCompanion::shows<WarpPage>, "110000"},
+                               Press{2, &TestGuiCompanion::shows<QuickKeysPage>, "001000"},
+                               Press{3, &TestGuiCompanion::shows<TestPatternPage>, "000100"},
+                               Press{4, &TestGuiCompanion::shows<SettingsPage>, "000011"},
+                               Press{0, &TestGuiCompanion::shows<WarpPage>, "110000"}}) {
+        QTest::mousePress(row[press.position], Qt::LeftButton);
+        QVERIFY((this->*press.isShown)()); // already on the press
+        QTest::mouseRelease(row[press.position], Qt::LeftButton);
+        QCOMPARE(lit(), press.lit);
+        QVERIFY(!banner->isAncestorOf(QApplication::focusWidget()));
     }
-    auto* content = find<Content>();
-    messages_->expect(QtDebugMsg, QStringLiteral("Page none should never be called"));
-    content->setPage(Page::None);
-    messages_->expect(QtDebugMsg, QStringLiteral("This page does not exist."));
-    content->setPage(static_cast<Page>(6));
-    QVERIFY(shows<SettingsPage>());
+    // What is no page stays away.
+    const std::pair<const char*, int> lines[] = {{"This menu page does not exist!", 4},
+                                                 {"Page none should never be called", 1},
+                                                 {"This page does not exist.", 1}};
+    for (const auto& [line, times] : lines) {
+        messages_->expect(QtDebugMsg, line, times);
+    }
+    for (const int tab : {-1, 0, 5, 99}) {
+        banner->onMenuTabPressed(tab);
+    }
+    find<Content>()->setPage(Page::None);
+    find<Content>()->setPage(static_cast<Page>(6));
+    QVERIFY(shows<WarpPage>());
 
     // Without a mouse: Tab leads to the tabs and to the way out, and shows where it is.
-    const auto tabTo = [&](const char* text) {
-        QPushButton* target = button(banner, QString::fromLatin1(text));
+    QTest::mouseClick(row[4], Qt::LeftButton);
+    const auto tabTo = [&](const QString& text) {
+        QPushButton* target = button(banner, text);
         for (int i = 0; i < 20 && !target->hasFocus(); ++i) {
             QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
         }
         return target->hasFocus();
     };
-    QVERIFY(currentPage()->hasFocus());
-    QVERIFY(tabTo("Disconnect"));
-    const auto look = [&] { return button(banner, "Test patterns")->grab().toImage(); };
+    QVERIFY(tabTo(kDisconnect));
+    const auto look = [&] { return row[3]->grab().toImage(); };
     const QImage idle = look();
     QVERIFY(tabTo("Test patterns"));
     QVERIFY(look() != idle);
@@ -279,54 +319,23 @@ void TestGuiCompanion::tabsShowTheirPages() {
     QVERIFY(shows<TestPatternPage>());
     QVERIFY(currentPage()->hasFocus());
 
-    press("Warp");
-    QVERIFY(shows<WarpPage>());
-    QVERIFY(currentPage()->isAncestorOf(QApplication::focusWidget()));
     // To the page that is shown already the keyboard is not given again.
+    QTest::mouseClick(row[1], Qt::LeftButton);
     auto* search = find<WarpPage>()->findChild<QLineEdit*>();
     search->setFocus();
-    press("Warp");
+    QTest::mouseClick(row[1], Qt::LeftButton);
     QVERIFY(search->hasFocus());
-}
-
-void TestGuiCompanion::keysReachTheListeners() {
-    connectByHand();
-    KeyRecorder recorder;
-    auto* search = find<WarpPage>()->findChild<QLineEdit*>();
-    QTest::mouseClick(search, Qt::LeftButton);
-    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("map t"));
-    QCOMPARE(search->text(), QStringLiteral("map t"));
-    QCOMPARE(recorder.keys, QList<int>());
-
-    find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
-    QTest::keyClick(window_->windowHandle(), Qt::Key_M);
-    QCOMPARE(recorder.keys, QList<int>({Qt::Key_M}));
-}
-
-void TestGuiCompanion::controllerInputReachesTheWarpPage() {
-    connectByHand();
-    auto* content = find<Content>();
-    auto* page = find<WarpPage>();
-    QSignalSpy actions(page, &WarpPage::action);
-    QSignalSpy left(page, &WarpPage::leftAxisMoved);
-    QSignalSpy right(page, &WarpPage::rightAxisMoved);
-    QSignalSpy pressure(page, &WarpPage::pressure);
-    content->setPage(Page::Settings); // whichever page is shown
-    content->onAction(Action::SELECT_ALL_POINTS);
-    content->onLeftAxisMoved(0.25F, -0.5F);
-    content->onRightAxisMoved(-1.0F, 1.0F);
-    content->onPressure(0.75F);
-    QCOMPARE(actions.count(), 1);
-    QCOMPARE(actions.first().first().value<Action>(), Action::SELECT_ALL_POINTS);
-    QCOMPARE(left.value(0), QVariantList({0.25F, -0.5F}));
-    QCOMPARE(right.value(0), QVariantList({-1.0F, 1.0F}));
-    QCOMPARE(pressure.value(0).value(0).toFloat(), 0.75F);
 }
 
 void TestGuiCompanion::aLossVeilsTheWindow() {
     CheckConnection::firstCheckDelay = 1h;
     connectByHand();
-    const QPushButton* bannerButton = button(find<HeadBanner>(), QStringLiteral("Disconnect"));
+    KeyRecorder recorder;
+    find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
+    QTest::keyClick(window_->windowHandle(), Qt::Key_M);
+    QCOMPARE(std::exchange(recorder.keys, {}), QList<int>({Qt::Key_M}));
+
+    const QPushButton* bannerButton = button(find<HeadBanner>(), kDisconnect);
     const QRect place(bannerButton->mapTo(window_.get(), QPoint()), bannerButton->size());
     QSignalSpy forgotten(&EventDispatcher::getInstance()->networkUtils(),
                          &NetworkUtils::serverDisconnected);
@@ -335,26 +344,15 @@ void TestGuiCompanion::aLossVeilsTheWindow() {
     QCOMPARE(forgotten.count(), 1);
     QCOMPARE(forgotten.first().first().toString(), kProducerAddress.toString());
     QVERIFY(shows<WarpPage>());
-
     // The way out is where the operator's finger knows it.
-    const QPushButton* way = button(overlay(), QStringLiteral("Disconnect"));
+    const QPushButton* way = button(overlay(), kDisconnect);
     QTRY_COMPARE(QRect(way->mapTo(window_.get(), QPoint()), way->size()), place);
-
     emit EventDispatcher::getInstance()->disconnected(); // once more
     QCOMPARE(window_->findChildren<DisconnectOverlay*>().size(), 1);
-    QCOMPARE(forgotten.count(), 2);
-
     window_->resize(1600, 900);
     QTRY_COMPARE(overlay()->geometry(), QRect(0, 0, 1600, 900));
-}
 
-void TestGuiCompanion::theVeilKeepsKeysAway() {
-    CheckConnection::firstCheckDelay = 1h;
-    connectByHand();
-    QPointer<QWidget> focus = QApplication::focusWidget();
-    QVERIFY(currentPage()->isAncestorOf(focus));
-    KeyRecorder recorder;
-    loseConnection();
+    // No key gets below, and afterwards they go where they went before.
     for (const auto key : {Qt::Key_M, Qt::Key_Space, Qt::Key_Left, Qt::Key_Tab}) {
         QTest::keyClick(window_->windowHandle(), key);
     }
@@ -362,11 +360,10 @@ void TestGuiCompanion::theVeilKeepsKeysAway() {
     QTest::keyClick(window_->windowHandle(), Qt::Key_Escape);
     QCOMPARE(recorder.keys, QList<int>());
     QVERIFY(overlay() != nullptr);
-
     startProducer();
     window_->onServerAvailableAgain();
     QVERIFY(client().isConnected());
-    QCOMPARE(QApplication::focusWidget(), focus.data());
+    QVERIFY(find<WarpPage>()->findChild<QCheckBox*>()->hasFocus());
 }
 
 void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
@@ -384,7 +381,12 @@ void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
         loseConnection();
         QCOMPARE(forgotten.count(), loss); // each is handled once
         QVERIFY(shows<QuickKeysPage>());
-
+        if (loss == 2) {
+            QVERIFY(producer_->answerDiscovery(kProducerAddress)); // there, but not ready
+            QTRY_VERIFY(overlay() == nullptr);
+            QVERIFY(!client().isConnected());
+            QVERIFY(shows<QuickKeysPage>());
+        }
         startProducer();
         QTRY_VERIFY(client().isConnected());
         QVERIFY(overlay() == nullptr);
@@ -392,22 +394,9 @@ void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
         QVERIFY(*producer_->events()[0] == MsgEvent("getResources"));
         QVERIFY(*producer_->events()[1] == UpdateSettingsEvent("#ffff00", 4));
         QVERIFY(shows<WarpPage>());
-        QCOMPARE(button(find<HeadBanner>(), QStringLiteral("Warp"))->styleSheet(),
+        QCOMPARE(button(find<HeadBanner>(), "Warp")->styleSheet(),
                  QLatin1StringView(ShellLook::kTabOn));
     }
-}
-
-void TestGuiCompanion::aFailedReconnectionIsTriedAgain() {
-    connectByHand();
-    loseConnection();
-    QVERIFY(producer_->answerDiscovery(kProducerAddress)); // there, but not ready
-    QTRY_VERIFY(overlay() == nullptr);
-    QVERIFY(!client().isConnected());
-    QVERIFY(shows<WarpPage>());
-    producer_->forget();
-    QVERIFY(producer_->listen(kProducerAddress, kProducerPort));
-    QTRY_VERIFY(client().isConnected());
-    QTRY_VERIFY(producer_->events().size() == 2);
 }
 
 void TestGuiCompanion::aConnectionThatBreaksAtOnceIsALoss() {
@@ -416,10 +405,7 @@ void TestGuiCompanion::aConnectionThatBreaksAtOnceIsALoss() {
         producer_->stopListening();
         producer_->abortConnections();
     });
-    const QString ip = kProducerAddress.toString();
-    QTRY_VERIFY(button(find<IPList>(), ip) != nullptr);
-    QTest::mouseClick(button(find<IPList>(), ip), Qt::LeftButton);
-    QTest::mouseClick(button(currentPage(), QString()), Qt::LeftButton);
+    pressConnect();
     QTRY_VERIFY(overlay() != nullptr);
     QVERIFY(shows<WarpPage>());
     producer_->disconnect();
@@ -439,14 +425,25 @@ void TestGuiCompanion::theOperatorsDisconnectIsForGood() {
     connectByHand();
     if (lost) {
         loseConnection();
-        CheckConnection::checkPeriod = 1ms;
     }
     const QWidget* parent = lost ? static_cast<QWidget*>(overlay()) : find<HeadBanner>();
-    QTest::mouseClick(button(parent, QStringLiteral("Disconnect")), Qt::LeftButton);
+    QPushButton* way = button(parent, kDisconnect);
+    // Sliding off takes the press back.
+    const QPoint on = way->mapTo(window_.get(), way->rect().center());
+    const QPoint off = on - QPoint(way->width(), 0);
+    QTest::mousePress(window_->windowHandle(), Qt::LeftButton, {}, on);
+    QTest::mouseMove(window_->windowHandle(), off);
+    QVERIFY(!way->isDown());
+    QTest::mouseRelease(window_->windowHandle(), Qt::LeftButton, {}, off);
+    QCOMPARE(client().isConnected(), !lost);
+    QCOMPARE(overlay() != nullptr, lost);
+
+    QTest::mousePress(way, Qt::LeftButton);
+    QVERIFY(shows<WarpPage>()); // not before the release
+    QTest::mouseRelease(way, Qt::LeftButton);
     QVERIFY(overlay() == nullptr);
     QVERIFY(!client().isConnected());
-    QVERIFY(shows<ConnectPage>());
-    QVERIFY(button(find<HeadBanner>(), QStringLiteral("Disconnect")) == nullptr);
+    QVERIFY(shows<ConnectPage>() && !showsWayOut());
 
     // The Producer is seen, for long, and left alone.
     if (lost) {
@@ -455,7 +452,7 @@ void TestGuiCompanion::theOperatorsDisconnectIsForGood() {
     QTRY_COMPARE(producer_->connectionCount(), 0);
     const int accepted = producer_->acceptedCount();
     QTRY_VERIFY(button(find<IPList>(), kProducerAddress.toString()) != nullptr);
-    QTest::qWait(400);
+    QTest::qWait(50); // several checks of a watcher that went on
     QCOMPARE(producer_->acceptedCount(), accepted);
     QVERIFY(shows<ConnectPage>());
     QVERIFY(overlay() == nullptr);
@@ -483,8 +480,65 @@ void TestGuiCompanion::theWindowMayGoInAnyState() {
     }
     closeWindow();
     producer_->send(MsgEvent("newShow")); // to nobody
-    QTest::qWait(300);                    // a watcher that had survived would reconnect
+    QTest::qWait(50);                     // a watcher that had survived would reconnect
     QCOMPARE(client().isConnected(), !lost);
+}
+
+/// As a window system reports it that releases the key between repetitions.
+void TestGuiCompanion::aHeldKeyPressesOnce() {
+    KeyRepeatFilter filter(nullptr);
+    qApp->installEventFilter(&filter);
+    QPushButton button;
+    QSignalSpy pressed(&button, &QPushButton::pressed);
+    QLineEdit edit;
+    const auto send = [](QWidget& to, QEvent::Type type, quint64 time) {
+        QKeyEvent event(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+        event.setTimestamp(time);
+        QApplication::sendEvent(&to, &event);
+    };
+    for (QWidget* to : {static_cast<QWidget*>(&button), static_cast<QWidget*>(&edit)}) {
+        for (quint64 time = 1000; time < 1400; time += 40) {
+            send(*to, QEvent::KeyPress, time);
+            send(*to, QEvent::KeyRelease, time + 40);
+        }
+    }
+    QCOMPARE(pressed.size(), 1);
+    QCOMPARE(edit.text(), QString(10, QLatin1Char(' '))); // text repeats
+
+    send(button, QEvent::KeyPress, 2000); // pressed anew
+    send(button, QEvent::KeyRelease, 2050);
+    send(button, QEvent::KeyPress, 2051);
+    QCOMPARE(pressed.size(), 3);
+}
+
+/// Over a widget that styles itself, and over a part of it that has no tip of its own.
+void TestGuiCompanion::aTipHasTheLookOfTheApplication() {
+    ToolTipFilter filter(nullptr);
+    qApp->installEventFilter(&filter);
+    connectByHand();
+    QPushButton* button = this->button(find<HeadBanner>(), kDisconnect);
+    button->setToolTip(QStringLiteral("What it does"));
+    auto* part = new QLabel(QStringLiteral("part"), button);
+    part->show();
+    const auto shownTip = []() -> QWidget* {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->windowType() == Qt::ToolTip && widget->isVisible()) {
+                return widget;
+            }
+        }
+        return nullptr;
+    };
+    for (QWidget* under : {static_cast<QWidget*>(button), static_cast<QWidget*>(part)}) {
+        QHelpEvent rest(QEvent::ToolTip, QPoint(2, 2), under->mapToGlobal(QPoint(2, 2)));
+        QApplication::sendEvent(under, &rest);
+        QCOMPARE(QToolTip::text(), button->toolTip());
+        QVERIFY(shownTip() != nullptr);
+        const QImage image = shownTip()->grab().toImage();
+        QCOMPARE(image.pixelColor(0, image.height() / 2), QColor(0xa0a0a0));
+        QCOMPARE(image.pixelColor(4, image.height() / 2), QColor(0x1e1e1e));
+        QToolTip::hideText();
+        QTRY_VERIFY(shownTip() == nullptr);
+    }
 }
 
 QTEST_MAIN(TestGuiCompanion)

@@ -66,57 +66,36 @@ private slots:
         messages_.reset();
     }
 
-    void periodsAreThoseOfTheOperator() {
-        QCOMPARE(UpdateProducer::kTickPeriod, 125ms);
-        QCOMPARE(CheckConnection::kFirstCheckDelay, 10s);
-        QCOMPARE(CheckConnection::kCheckPeriod, 1s);
-    }
-
-    void tickRunsWithItsPeriod() {
-        UpdateProducer::tickPeriod = UpdateProducer::kTickPeriod;
+    void tickRunsWithItsPeriodAndEndsAtOnceWithOneLastSignal() {
         UpdateProducer thread(nullptr);
-        const TickCounter ticks(thread);
+        TickCounter ticks(thread);
+        UpdateProducer::tickPeriod = 50ms;
         QElapsedTimer clock;
         clock.start();
         thread.start();
         QTRY_VERIFY(ticks.count >= 3);
-        QVERIFY2(clock.elapsed() >= 375, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY2(clock.elapsed() >= 150, qPrintable(QString::number(clock.elapsed())));
         thread.stop();
-    }
+        QCoreApplication::processEvents();
 
-    void tickEndsAtOnceWithOneLastSignal_data() {
-        QTest::addColumn<bool>("byStop");
-        QTest::addColumn<std::chrono::milliseconds>("period");
-        QTest::addColumn<int>("ticksOfADrag");
-        QTest::newRow("stop") << true << std::chrono::milliseconds(1h) << 1;
-        QTest::newRow("interruption at the first tick") << false << 20ms << 2;
-    }
-    void tickEndsAtOnceWithOneLastSignal() {
-        QFETCH(bool, byStop);
-        QFETCH(std::chrono::milliseconds, period);
-        QFETCH(int, ticksOfADrag);
-        UpdateProducer::tickPeriod = period;
-        UpdateProducer thread(nullptr);
-        const TickCounter ticks(thread);
-        if (!byStop) {
-            connect(
-                &thread, &UpdateProducer::updateProducer, &thread,
-                [&thread] { thread.requestInterruption(); }, Qt::DirectConnection);
-        }
+        UpdateProducer::tickPeriod = 1h;
         for (int drag = 1; drag <= 2; ++drag) { // it can be started again
+            ticks.count = 0;
             thread.start();
-            if (byStop) {
-                thread.stop();
-            } else {
-                QVERIFY(thread.wait(60'000));
-            }
+            thread.stop();
             QVERIFY(thread.isFinished());
             QCoreApplication::processEvents();
-            QCOMPARE(ticks.count, drag * ticksOfADrag);
+            QCOMPARE(ticks.count, 1);
         }
+        UpdateProducer::tickPeriod = 20ms;
+        connect(
+            &thread, &UpdateProducer::updateProducer, &thread,
+            [&thread] { thread.requestInterruption(); }, Qt::DirectConnection);
+        thread.start();
+        QVERIFY(thread.wait(60'000));
         thread.stop(); // while it is not running
         QCoreApplication::processEvents();
-        QCOMPARE(ticks.count, 2 * ticksOfADrag);
+        QCOMPARE(ticks.count, 3);
     }
 
     void watcherWaitsAndThenChecksAgainAndAgain() {
@@ -131,21 +110,19 @@ private slots:
         QElapsedTimer clock;
         clock.start();
         thread.start();
-        QVERIFY(announcements.wait());
-        QVERIFY2(clock.elapsed() >= 300, qPrintable(QString::number(clock.elapsed())));
         QTRY_VERIFY(announcements.count() >= 3);
         QVERIFY2(clock.elapsed() >= 400, qPrintable(QString::number(clock.elapsed())));
 
         // An address that only begins like the Producer's is not the Producer's.
         thread.setWatchedAddress(QStringLiteral("10.77.0.10"));
-        QVERIFY(!announcements.wait(200));
+        QVERIFY(!announcements.wait(100));
         thread.setWatchedAddress(kProducer);
         QVERIFY(announcements.wait());
 
         producer.stop();
         QCoreApplication::processEvents(); // takes an answer that is on its way
         EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kProducer);
-        QVERIFY(!announcements.wait(200));
+        QVERIFY(!announcements.wait(100));
     }
 
     void watcherIsSilentAfterItsStop() {
