@@ -3,15 +3,13 @@
 #include "network/EventTable.h"
 #include "network/ProtocolLimits.h"
 #include "tests/support/FakeProducer.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/ProtocolBytes.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
-
-#include <optional>
 
 using namespace NetworkCompanion;
 using namespace MeshpadTest;
@@ -26,64 +24,75 @@ struct Companion {
         QObject::connect(&client, &CompanionClient::newEvent, &client,
                          [this](eventData data) { events.emplace_back(data.second); });
     }
+    bool connectTo(quint16 port) { return client.connectToServer(kHost, port); }
+    bool send(Event&& event) { return client.sendEvent(event); }
+
     CompanionClient client{nullptr};
     QSignalSpy lost{&client, &CompanionClient::disconnected};
     std::vector<std::unique_ptr<Event>> events;
 };
 
+/// More than the system takes at once.
+ItemDataEvent largeItem() {
+    ItemDataEvent large;
+    for (unsigned int i = 0; i < 50'000; ++i)
+        large.addScreenMovePointEvent({1, 2, "Wall", i, 0, 0, 0, true, false});
+    return large;
+}
+
 } // namespace
 
 /// Both ends of the link: CompanionClient against a fake Producer, CompanionServer against clients.
-class LinkTest : public QObject {
+class LinkTest : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void init() { messages_.emplace(); }
-    void cleanup() {
-        messages_->verify();
-        messages_.reset();
+    void init() {
+        GuardedTest::init();
+        producer_ = std::make_unique<FakeProducer>();
+        server_ = std::make_unique<CompanionServer>(nullptr);
+        QVERIFY(producer_->listen() && server_->listen(QHostAddress::LocalHost, 0));
     }
 
     void eventsBothWays();
     void refused();
     void connectedTwice();
-    void lostAndConnectedAgain_data();
-    void lostAndConnectedAgain();
-    void disconnectAndConnectAgain();
-    void reconnectFromTheSignal_data();
+    void endsOfEveryKindAndConnectedAgain();
+    void connectedAgainWithMuchUnderWay();
     void reconnectFromTheSignal();
     void receiverDestroysTheClient();
-    void receiverOfTheEndDestroysTheClient();
     void withoutReceiver();
 
     void serverKnowsItsCompanions();
-    void serverIsDestroyedByItsReceiver();
     void serverCloses();
-    void serverIsDestroyedWhileItCloses();
+    void serverIsDestroyedByItsReceiver();
     void serverLetsGoWhoDoesNotRead_data();
     void serverLetsGoWhoDoesNotRead();
 
 private:
-    std::optional<MessageGuard> messages_;
+    bool connectToProducer(CompanionClient& client) {
+        const int before = producer_->acceptedCount();
+        return client.connectToServer(kHost, producer_->port()) &&
+               QTest::qWaitFor([=, this] { return producer_->acceptedCount() > before; });
+    }
+
+    std::unique_ptr<FakeProducer> producer_;
+    std::unique_ptr<CompanionServer> server_;
 };
 
 void LinkTest::eventsBothWays() {
-    FakeProducer producer;
-    QVERIFY(producer.listen());
     Companion companion;
-    MsgEvent request("getResources");
     QVERIFY(!companion.client.isConnected());
-    QVERIFY(!companion.client.sendEvent(request));
-
-    QVERIFY(companion.client.connectToServer(kHost, producer.port()));
+    QVERIFY(!companion.send(MsgEvent("getResources")));
+    QVERIFY(connectToProducer(companion.client));
     QVERIFY(companion.client.isConnected());
-    QVERIFY(companion.client.sendEvent(request));
-    QTRY_COMPARE(producer.bytes(), withLength(frame(1, text("getResources"))));
+    QVERIFY(companion.send(MsgEvent("getResources")));
+    QTRY_COMPARE(producer_->bytes(), withLength(frame(1, text("getResources"))));
 
     messages_->expect(QtCriticalMsg, "Try to deserialize unknown event");
-    producer.send(AddScreenEvent(1, 2, 3, 4, 5, 0.5, "Wall", true, false));
-    producer.sendRaw(withLength(frame(77, "x")));
-    producer.send(MsgEvent("newShow"));
+    producer_->send(AddScreenEvent(1, 2, 3, 4, 5, 0.5, "Wall", true, false));
+    producer_->sendRaw(withLength(frame(77, "x")));
+    producer_->send(MsgEvent("newShow"));
     QTRY_COMPARE(companion.events.size(), 3U);
     QVERIFY(*companion.events[0] == AddScreenEvent(1, 2, 3, 4, 5, 0.5, "Wall", true, false));
     QVERIFY(!companion.events[1]);
@@ -91,213 +100,158 @@ void LinkTest::eventsBothWays() {
 }
 
 void LinkTest::refused() {
-    FakeProducer producer;
-    QVERIFY(producer.listen());
-    const quint16 port = producer.port();
-    producer.stopListening();
+    const quint16 port = producer_->port();
+    producer_->stopListening();
     Companion companion;
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(!companion.client.connectToServer(kHost, port));
+    QVERIFY(!companion.connectTo(port));
     QVERIFY(timer.elapsed() < 15'000); // not as long as an answer is waited for
     QVERIFY(!companion.client.isConnected());
     QCOMPARE(companion.lost.size(), 0);
 
-    QVERIFY(producer.listen(QHostAddress::LocalHost, port));
-    QVERIFY(companion.client.connectToServer(kHost, port));
-    QTRY_COMPARE(producer.connectionCount(), 1);
-    producer.send(MsgEvent("hello"));
+    QVERIFY(producer_->listen(QHostAddress::LocalHost, port));
+    QVERIFY(connectToProducer(companion.client));
+    producer_->send(MsgEvent("hello"));
     QTRY_COMPARE(companion.events.size(), 1U);
 }
 
 void LinkTest::connectedTwice() {
-    FakeProducer producer;
-    QVERIFY(producer.listen());
     Companion companion;
-    QVERIFY(companion.client.connectToServer(kHost, producer.port()));
-    QTRY_COMPARE(producer.connectionCount(), 1);
-    QVERIFY(!companion.client.connectToServer(kHost, producer.port()));
-    QCOMPARE(producer.acceptedCount(), 1);
+    QVERIFY(connectToProducer(companion.client));
+    QVERIFY(!companion.connectTo(producer_->port()));
+    QCOMPARE(producer_->acceptedCount(), 1);
 
     // The link stands, but is no longer listened to.
-    MsgEvent still("still here");
-    QVERIFY(companion.client.sendEvent(still));
-    QTRY_COMPARE(producer.events().size(), 1U);
-    producer.send(MsgEvent("unheard"));
-    producer.closeConnections();
+    QVERIFY(companion.send(MsgEvent("still here")));
+    QTRY_COMPARE(producer_->events().size(), 1U);
+    producer_->send(MsgEvent("unheard"));
+    producer_->closeConnections();
     QTRY_VERIFY(!companion.client.isConnected());
     QCOMPARE(companion.events.size(), 0U);
     QCOMPARE(companion.lost.size(), 0);
 }
 
-void LinkTest::lostAndConnectedAgain_data() {
-    QTest::addColumn<bool>("inOrder");
-    QTest::newRow("closed") << true;
-    QTest::newRow("aborted") << false;
-}
-
-void LinkTest::lostAndConnectedAgain() {
-    QFETCH(bool, inOrder);
-    FakeProducer producer;
-    QVERIFY(producer.listen());
+void LinkTest::endsOfEveryKindAndConnectedAgain() {
+    enum class End { Closed, Aborted, Own };
+    using enum End;
     Companion companion;
-    for (int round = 1; round <= 3; ++round) {
-        QVERIFY(companion.client.connectToServer(kHost, producer.port()));
-        QTRY_COMPARE(producer.connectionCount(), 1);
-        producer.send(ExecuteQuickKeyEvent(7));
+    unsigned int round = 0;
+    for (const End end : {Closed, Closed, Aborted, Own, Own, Aborted, Closed}) {
+        ++round;
+        QVERIFY(connectToProducer(companion.client));
+        producer_->send(ExecuteQuickKeyEvent(round));
         // The beginning of a frame whose end never comes.
-        producer.sendRaw(hex("00000109 00000009 00000100 01 41"));
+        producer_->sendRaw(hex("00000109 00000009 00000100 01 41"));
         QTRY_COMPARE(companion.events.size(), std::size_t(round));
-        if (inOrder)
-            producer.closeConnections();
-        else
-            producer.abortConnections();
-        QTRY_COMPARE(companion.lost.size(), round);
+        QVERIFY(companion.events.back() && *companion.events.back() == ExecuteQuickKeyEvent(round));
+        if (end == Own) { // the last word before it is heard
+            producer_->forget();
+            QVERIFY(companion.send(ExecuteQuickKeyEvent(99)));
+            QVERIFY(companion.client.disconnectFromServer());
+            QTRY_COMPARE(producer_->connectionCount(), 0);
+            QCOMPARE(producer_->bytes(), withLength(frame(25, int32(99))));
+        } else {
+            end == Closed ? producer_->closeConnections() : producer_->abortConnections();
+        }
+        QTRY_COMPARE(companion.lost.size(), qsizetype(round));
         QCOMPARE(companion.lost.back().front().toInt(), -1);
         QVERIFY(!companion.client.isConnected());
-        QVERIFY(companion.events.back() && *companion.events.back() == ExecuteQuickKeyEvent(7));
     }
 }
 
-void LinkTest::disconnectAndConnectAgain() {
-    FakeProducer producer;
-    QVERIFY(producer.listen());
+void LinkTest::connectedAgainWithMuchUnderWay() {
+    producer_->stall();
     Companion companion;
-    for (int round = 1; round <= 3; ++round) {
-        QVERIFY(companion.client.connectToServer(kHost, producer.port()));
-        QTRY_COMPARE(producer.connectionCount(), 1);
-        // The last word before the end is heard.
-        ExecuteQuickKeyEvent last(static_cast<unsigned int>(round));
-        QVERIFY(companion.client.sendEvent(last));
-        QVERIFY(companion.client.disconnectFromServer());
-        QVERIFY(!companion.client.isConnected());
-        QTRY_COMPARE(producer.connectionCount(), 0);
-        QCOMPARE(producer.events().size(), std::size_t(round));
-        QVERIFY(*producer.events().back() == last);
-    }
-    // With more under way than the system takes, and at once back again.
-    producer.stall();
-    QVERIFY(companion.client.connectToServer(kHost, producer.port()));
-    ItemDataEvent large;
-    for (unsigned int i = 0; i < 50'000; ++i)
-        large.addScreenMovePointEvent({1, 2, "Wall", i, 0, 0, 0, true, false});
-    QVERIFY(companion.client.sendEvent(large));
+    QVERIFY(companion.connectTo(producer_->port()));
+    QVERIFY(companion.send(largeItem()));
     QVERIFY(companion.client.disconnectFromServer());
     FakeProducer other;
     QVERIFY(other.listen());
-    QVERIFY(companion.client.connectToServer(kHost, other.port()));
+    QVERIFY(companion.connectTo(other.port()));
     QTRY_COMPARE(other.connectionCount(), 1);
     other.send(MsgEvent("hello"));
     QTRY_COMPARE(companion.events.size(), 1U);
 }
 
-void LinkTest::reconnectFromTheSignal_data() {
-    QTest::addColumn<Qt::ConnectionType>("connection");
-    QTest::newRow("within") << Qt::DirectConnection;
-    QTest::newRow("afterwards") << Qt::QueuedConnection;
-}
-
 void LinkTest::reconnectFromTheSignal() {
-    QFETCH(Qt::ConnectionType, connection);
-    FakeProducer producer;
-    QVERIFY(producer.listen());
-    Companion companion;
-    connect(
-        &companion.client, &CompanionClient::disconnected, this,
-        [&] { QVERIFY(companion.client.connectToServer(kHost, producer.port())); }, connection);
-    QVERIFY(companion.client.connectToServer(kHost, producer.port()));
-    QTRY_COMPARE(producer.connectionCount(), 1);
-    for (std::size_t round = 1; round <= 2; ++round) {
-        producer.abortConnections();
-        QTRY_COMPARE(producer.acceptedCount(), int(round) + 1);
-        producer.send(MsgEvent("again"));
-        QTRY_COMPARE(companion.events.size(), round);
+    for (const auto connection : {Qt::DirectConnection, Qt::QueuedConnection}) {
+        Companion companion;
+        connect(
+            &companion.client, &CompanionClient::disconnected, this,
+            [&] { QVERIFY(companion.connectTo(producer_->port())); }, connection);
+        QVERIFY(connectToProducer(companion.client));
+        for (std::size_t round = 1; round <= 2; ++round) {
+            const int before = producer_->acceptedCount();
+            producer_->abortConnections();
+            QTRY_COMPARE(producer_->acceptedCount(), before + 1);
+            producer_->send(MsgEvent("again"));
+            QTRY_COMPARE(companion.events.size(), round);
+        }
+        companion.client.disconnect(this);
     }
-    disconnect(&companion.client, nullptr, this, nullptr);
 }
 
+/// In the middle of events, and when it is told of the end.
 void LinkTest::receiverDestroysTheClient() {
-    FakeProducer producer;
-    QVERIFY(producer.listen());
     auto client = std::make_unique<CompanionClient>(nullptr);
     connect(client.get(), &CompanionClient::newEvent, this, [&](eventData data) {
         delete data.second;
         client.reset();
     });
-    QVERIFY(client->connectToServer(kHost, producer.port()));
-    QTRY_COMPARE(producer.connectionCount(), 1);
-    const QByteArray press = withLength(frame(25, int32(1)));
-    producer.sendRaw(press + press + press);
+    QVERIFY(connectToProducer(*client));
+    producer_->sendRaw(withLength(frame(25, int32(1))).repeated(3));
     QTRY_VERIFY(!client);
-    QTRY_COMPARE(producer.connectionCount(), 0);
-}
+    QTRY_COMPARE(producer_->connectionCount(), 0);
 
-void LinkTest::receiverOfTheEndDestroysTheClient() {
-    FakeProducer producer;
-    QVERIFY(producer.listen());
-    auto client = std::make_unique<CompanionClient>(nullptr);
+    client = std::make_unique<CompanionClient>(nullptr);
     connect(client.get(), &CompanionClient::disconnected, this, [&] { client.reset(); });
-    QVERIFY(client->connectToServer(kHost, producer.port()));
+    QVERIFY(connectToProducer(*client));
     QVERIFY(client->disconnectFromServer());
     QVERIFY(!client);
 }
 
+/// The leak checker is the judge; events come before the end.
 void LinkTest::withoutReceiver() {
-    // The leak checker is the judge; the second event shows that the first was dealt with.
-    FakeProducer producer;
-    CompanionServer server(nullptr);
-    QVERIFY(producer.listen());
-    QVERIFY(server.listen(QHostAddress::LocalHost, 0));
-    CompanionClient client(nullptr);
-    QVERIFY(client.connectToServer(kHost, producer.port()));
-    QTRY_COMPARE(producer.connectionCount(), 1);
-    producer.send(MsgEvent("nobody listens"));
-    std::vector<std::unique_ptr<Event>> events;
-    QTest::qWait(50);
-    connect(&client, &CompanionClient::newEvent, this,
-            [&](eventData data) { events.emplace_back(data.second); });
-    producer.send(MsgEvent("somebody listens"));
-    QTRY_COMPARE(events.size(), 1U);
-    QVERIFY(*events[0] == MsgEvent("somebody listens"));
+    CompanionClient client(nullptr), other(nullptr);
+    QVERIFY(connectToProducer(client));
+    producer_->send(MsgEvent("nobody listens"));
+    producer_->closeConnections();
+    QTRY_VERIFY(!client.isConnected());
 
-    CompanionClient other(nullptr);
-    QSignalSpy connected(&server, &CompanionServer::companionConnected);
-    QVERIFY(other.connectToServer(kHost, server.port()));
+    QSignalSpy connected(server_.get(), &CompanionServer::companionConnected);
+    QVERIFY(other.connectToServer(kHost, server_->port()));
     QTRY_COMPARE(connected.size(), 1);
     MsgEvent unheard("nobody listens there either");
     QVERIFY(other.sendEvent(unheard));
     QVERIFY(other.disconnectFromServer());
-    QTRY_COMPARE(server.companionIds(), QList<int>());
+    QTRY_COMPARE(server_->companionIds(), QList<int>());
 }
 
 void LinkTest::serverKnowsItsCompanions() {
-    CompanionServer server(nullptr);
-    QSignalSpy connected(&server, &CompanionServer::companionConnected);
-    QSignalSpy disconnected(&server, &CompanionServer::companionDisconnected);
-    std::vector<std::pair<int, std::unique_ptr<Event>>> received;
-    connect(&server, &CompanionServer::eventReceived, this,
-            [&](int id, eventData data) { received.emplace_back(id, data.second); });
-    QCOMPARE(server.port(), 0);
-    QVERIFY(server.listen(QHostAddress::LocalHost, 0));
+    QSignalSpy connected(server_.get(), &CompanionServer::companionConnected);
+    QSignalSpy disconnected(server_.get(), &CompanionServer::companionDisconnected);
+    std::vector<std::unique_ptr<Event>> received;
+    connect(server_.get(), &CompanionServer::eventReceived, this,
+            [&](int, eventData data) { received.emplace_back(data.second); });
 
     Companion first, second, third;
     for (Companion* companion : {&first, &second, &third}) {
-        QVERIFY(companion->client.connectToServer(kHost, server.port()));
+        QVERIFY(companion->connectTo(server_->port()));
         // Sent before the server has looked at the connection.
-        ExecuteQuickKeyEvent hello(3);
-        QVERIFY(companion->client.sendEvent(hello));
+        QVERIFY(companion->send(ExecuteQuickKeyEvent(3)));
     }
     QTRY_COMPARE(received.size(), 3U);
     QCOMPARE(connected.size(), 3);
-    const QList<int> ids = server.companionIds();
+    const QList<int> ids = server_->companionIds();
     QCOMPARE(ids.size(), 3);
-    QCOMPARE(server.companionAddress(ids[0]), QHostAddress(QHostAddress::LocalHost));
+    QCOMPARE(server_->companionAddress(ids[0]), QHostAddress(QHostAddress::LocalHost));
 
     MsgEvent all("all"), one("one"), others("others");
-    server.sendToAll(all);
-    QVERIFY(server.send(ids[1], one));
-    server.sendToAll(others, ids[1]);
-    QVERIFY(!server.send(ids[2] + 1, one));
+    server_->sendToAll(all);
+    QVERIFY(server_->send(ids[1], one));
+    server_->sendToAll(others, ids[1]);
+    QVERIFY(!server_->send(ids[2] + 1, one));
     QTRY_COMPARE(first.events.size() + second.events.size() + third.events.size(), 6U);
     QVERIFY(*first.events[0] == all && *first.events[1] == others);
     QVERIFY(*second.events[0] == all && *second.events[1] == one);
@@ -307,69 +261,58 @@ void LinkTest::serverKnowsItsCompanions() {
     QVERIFY(first.client.disconnectFromServer());
     QTRY_COMPARE(disconnected.size(), 1);
     QCOMPARE(disconnected[0][0].toInt(), ids[0]);
-    QVERIFY(server.send(ids[1], one));
-    server.disconnectCompanion(ids[1]);
-    server.disconnectCompanion(ids[1]);
+    QVERIFY(server_->send(ids[1], one));
+    server_->disconnectCompanion(ids[1]);
+    server_->disconnectCompanion(ids[1]);
     QCOMPARE(disconnected.size(), 2);
     QTRY_COMPARE(second.lost.size(), 1);
     QCOMPARE(second.events.size(), 3U);
-    QCOMPARE(server.companionIds(), QList<int>({ids[2]}));
-    QVERIFY(!server.send(ids[1], one));
-    QVERIFY(server.send(ids[2], one));
+    QCOMPARE(server_->companionIds(), QList<int>({ids[2]}));
+    QVERIFY(server_->send(ids[2], one));
     QTRY_COMPARE(third.events.size(), 3U);
     // A number is never used again.
-    QVERIFY(first.client.connectToServer(kHost, server.port()));
+    QVERIFY(first.connectTo(server_->port()));
     QTRY_COMPARE(connected.size(), 4);
     QVERIFY(!ids.contains(connected[3][0].toInt()));
 }
 
-void LinkTest::serverIsDestroyedByItsReceiver() {
-    auto server = std::make_unique<CompanionServer>(nullptr);
-    connect(server.get(), &CompanionServer::eventReceived, this, [&](int, eventData data) {
-        delete data.second;
-        server.reset();
-    });
-    QVERIFY(server->listen(QHostAddress::LocalHost, 0));
-    Companion companion;
-    QVERIFY(companion.client.connectToServer(kHost, server->port()));
-    ExecuteQuickKeyEvent press(1);
-    QVERIFY(companion.client.sendEvent(press) && companion.client.sendEvent(press));
-    QTRY_VERIFY(!server);
-    QTRY_COMPARE(companion.lost.size(), 1);
-}
-
+/// And may be destroyed by whoever it tells of it.
 void LinkTest::serverCloses() {
-    CompanionServer server(nullptr);
-    QSignalSpy connected(&server, &CompanionServer::companionConnected);
-    QSignalSpy disconnected(&server, &CompanionServer::companionDisconnected);
-    QVERIFY(server.listen(QHostAddress::LocalHost, 0));
-    const quint16 port = server.port();
-    Companion first, second;
-    QVERIFY(first.client.connectToServer(kHost, port));
-    QVERIFY(second.client.connectToServer(kHost, port));
-    QTRY_COMPARE(connected.size(), 2);
-    MsgEvent bye("bye");
-    server.sendToAll(bye);
-    server.close();
-    QCOMPARE(disconnected.size(), 2);
-    QTRY_VERIFY(first.lost.size() == 1 && second.lost.size() == 1);
-    QVERIFY(first.events.size() == 1 && second.events.size() == 1);
-    QVERIFY(!first.client.connectToServer(kHost, port));
-    QVERIFY(server.listen(QHostAddress::LocalHost, port));
-    QVERIFY(first.client.connectToServer(kHost, port));
+    for (const bool destroyed : {false, true}) {
+        int gone = 0;
+        connect(server_.get(), &CompanionServer::companionDisconnected, this, [&] {
+            ++gone;
+            if (destroyed)
+                server_.reset();
+        });
+        const quint16 port = server_->port();
+        Companion first, second;
+        QVERIFY(first.connectTo(port) && second.connectTo(port));
+        QTRY_COMPARE(server_->companionIds().size(), 2);
+        MsgEvent bye("bye");
+        server_->sendToAll(bye);
+        server_->close();
+        QCOMPARE(gone, destroyed ? 1 : 2);
+        QTRY_VERIFY(first.lost.size() == 1 && second.lost.size() == 1);
+        QVERIFY(first.events.size() == 1 && second.events.size() == 1);
+        QVERIFY(!first.connectTo(port));
+        if (!destroyed) {
+            QVERIFY(server_->listen(QHostAddress::LocalHost, port));
+            server_->disconnect(this);
+        }
+    }
 }
 
-void LinkTest::serverIsDestroyedWhileItCloses() {
-    auto server = std::make_unique<CompanionServer>(nullptr);
-    connect(server.get(), &CompanionServer::companionDisconnected, this, [&] { server.reset(); });
-    QVERIFY(server->listen(QHostAddress::LocalHost, 0));
-    Companion first, second;
-    QVERIFY(first.client.connectToServer(kHost, server->port()));
-    QVERIFY(second.client.connectToServer(kHost, server->port()));
-    QTRY_COMPARE(server->companionIds().size(), 2);
-    server->close();
-    QVERIFY(!server);
-    QTRY_VERIFY(first.lost.size() == 1 && second.lost.size() == 1);
+void LinkTest::serverIsDestroyedByItsReceiver() {
+    connect(server_.get(), &CompanionServer::eventReceived, this, [&](int, eventData data) {
+        delete data.second;
+        server_.reset();
+    });
+    Companion companion;
+    QVERIFY(companion.connectTo(server_->port()));
+    QVERIFY(companion.send(ExecuteQuickKeyEvent(1)) && companion.send(ExecuteQuickKeyEvent(1)));
+    QTRY_VERIFY(!server_);
+    QTRY_COMPARE(companion.lost.size(), 1);
 }
 
 void LinkTest::serverLetsGoWhoDoesNotRead_data() {
@@ -380,37 +323,33 @@ void LinkTest::serverLetsGoWhoDoesNotRead_data() {
 
 void LinkTest::serverLetsGoWhoDoesNotRead() {
     QFETCH(bool, destroyed);
-    auto server = std::make_unique<CompanionServer>(nullptr);
     bool letGo = false;
-    connect(server.get(), &CompanionServer::companionDisconnected, this, [&] {
+    connect(server_.get(), &CompanionServer::companionDisconnected, this, [&] {
         letGo = true;
         if (destroyed)
-            server.reset();
+            server_.reset();
     });
-    QVERIFY(server->listen(QHostAddress::LocalHost, 0));
     QTcpSocket deaf;
     deaf.setReadBufferSize(1);
-    deaf.connectToHost(QHostAddress::LocalHost, server->port());
-    QTRY_COMPARE(server->companionIds().size(), 1);
+    deaf.connectToHost(QHostAddress::LocalHost, server_->port());
+    QTRY_COMPARE(server_->companionIds().size(), 1);
     Companion reading;
-    QVERIFY(reading.client.connectToServer(kHost, server->port()));
-    QTRY_COMPARE(server->companionIds().size(), 2);
+    QVERIFY(reading.connectTo(server_->port()));
+    QTRY_COMPARE(server_->companionIds().size(), 2);
 
-    ItemDataEvent large;
-    for (unsigned int i = 0; i < 50'000; ++i)
-        large.addScreenMovePointEvent({1, 2, "Wall", i, 0, 0, 0, true, false});
+    ItemDataEvent large = largeItem();
     // On a slow machine the system gives the connection up before that much has piled up.
     messages_->allow(
         QRegularExpression("^Companion 1 does not read what it is sent, disconnected$"));
     for (std::size_t sent = 1; !letGo; ++sent) {
         QVERIFY2(sent * std::size_t(large.getSize()) < 2 * Limits::kMaxUnsentBytes, "never");
-        server->sendToAll(large);
-        QTRY_VERIFY_WITH_TIMEOUT(!server || reading.events.size() == sent, 30'000);
-        if (server)
+        server_->sendToAll(large);
+        QTRY_VERIFY_WITH_TIMEOUT(!server_ || reading.events.size() == sent, 30'000);
+        if (server_)
             reading.events.back().reset();
     }
-    if (server)
-        QCOMPARE(server->companionIds(), QList<int>({2}));
+    if (server_)
+        QCOMPARE(server_->companionIds(), QList<int>({2}));
     else
         QTRY_COMPARE(reading.lost.size(), 1);
 }
