@@ -174,12 +174,21 @@ inline constexpr char kListScrollBar[] = "color: #0096ff; background-color: #323
 inline constexpr char kSearchBox[] =
     "background-color: #323232; border: 1px solid #222; border-radius: 4px; color: #fff;";
 inline constexpr char kClearSearch[] = "background-color: transparent; border: none;";
-inline constexpr int kFocusRingWidth = 2;
-inline constexpr int kFocusRingRadius = 4;
+inline constexpr int kSearchRadius = 4;
 inline constexpr char kSearchBoxNothingFound[] =
     "background-color: #323232; border: 1px solid #222; border-radius: 4px; color: red;";
 
 } // namespace WarpLook
+
+/// Look of the ring that says what the keyboard is with; sizes in device-independent pixels.
+namespace FocusLook {
+
+inline constexpr char kRingColor[] = "#ffffff";
+inline constexpr char kShadowColor[] = "#c0000000"; ///< beside the ring, and behind white text
+inline constexpr int kRingInset = 3;
+inline constexpr int kRingWidth = 2;
+
+} // namespace FocusLook
 
 /// Looks of the control pages (test patterns, quick keys, settings): what those widgets need of
 /// their own. Sizes in device-independent pixels, fonts in pixels.
@@ -188,11 +197,9 @@ namespace PagesLook {
 inline constexpr char kIdleColor[] = "#323232";   ///< of a key or pattern that is not active
 inline constexpr char kActiveColor[] = "#0096ff"; ///< of the pattern that is shown
 inline constexpr char kTextColor[] = "#ffffff";
-inline constexpr char kShadowColor[] = "#c0000000";  ///< behind white on a light ground
+using FocusLook::kShadowColor;
 inline constexpr char kOutlineColor[] = "#40ffffff"; ///< around a key of any colour
 inline constexpr int kFontSize = 18;
-inline constexpr int kFocusRingInset = 3;
-inline constexpr int kFocusRingWidth = 2;
 inline constexpr int kSpacing = 12; ///< between the buttons of a grid
 
 inline constexpr int kPatternColumns = 4;

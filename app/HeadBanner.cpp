@@ -2,7 +2,7 @@
 
 #include "app/Configuration.h"
 #include "app/EventDispatcher.h"
-#include "pages/FocusRing.h"
+#include "app/FocusRing.h"
 
 #include <QDebug>
 #include <QGuiApplication>

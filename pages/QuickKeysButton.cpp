@@ -1,7 +1,7 @@
 #include "pages/QuickKeysButton.h"
 
 #include "app/Configuration.h"
-#include "pages/FocusRing.h"
+#include "app/FocusRing.h"
 
 #include <QHelpEvent>
 #include <QStyleOptionButton>

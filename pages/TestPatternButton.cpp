@@ -1,6 +1,6 @@
 #include "pages/TestPatternButton.h"
 
-#include "pages/FocusRing.h"
+#include "app/FocusRing.h"
 
 #include <QPainter>
 

@@ -1,6 +1,7 @@
 #include "warp/SearchBox.h"
 
 #include "app/Configuration.h"
+#include "app/FocusRing.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -48,10 +49,7 @@ void SearchBox::paintEvent(QPaintEvent* event) {
     if (hasFocus()) { // its own style sheet leaves no border to colour
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(Qt::white, kFocusRingWidth));
-        constexpr qreal kInset = kFocusRingWidth / 2.0;
-        painter.drawRoundedRect(QRectF(rect()).adjusted(kInset, kInset, -kInset, -kInset),
-                                kFocusRingRadius, kFocusRingRadius);
+        drawFocusRing(painter, rect(), kSearchRadius);
     }
 }
 

@@ -1,17 +1,17 @@
-#include "pages/FocusRing.h"
+#include "app/FocusRing.h"
 
 #include "app/Configuration.h"
 
 #include <QPainter>
 
-using namespace PagesLook;
+using namespace FocusLook;
 
 void drawFocusRing(QPainter& painter, const QRect& rect, int radius) {
-    constexpr qreal kInset = kFocusRingInset;
+    constexpr qreal kInset = kRingInset;
     const QRectF line = QRectF(rect).adjusted(kInset, kInset, -kInset, -kInset);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(QColor(QLatin1StringView(kShadowColor)), kFocusRingWidth + 2));
+    painter.setPen(QPen(QColor(QLatin1StringView(kShadowColor)), kRingWidth + 2));
     painter.drawRoundedRect(line, radius, radius);
-    painter.setPen(QPen(QColor(QLatin1StringView(kTextColor)), kFocusRingWidth));
+    painter.setPen(QPen(QColor(QLatin1StringView(kRingColor)), kRingWidth));
     painter.drawRoundedRect(line, radius, radius);
 }
