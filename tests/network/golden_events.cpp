@@ -90,10 +90,6 @@ std::vector<GoldenEvent> goldenEvents() {
                                hex("00000001 00000003 00000004 00000005 3fe0000000000000") +
                                    text("Wall") + hex("01 00000002 00"),
                                1U, 2U, 3U, 4U, 5U, 0.5, "Wall", true, false),
-        golden<AddScreenEvent>(11,
-                               hex("00000001 00000003 00000004 00000005 3fe0000000000000") +
-                                   text("Wall") + hex("00 00000002 01"),
-                               1U, 2U, 3U, 4U, 5U, 0.5, "Wall", false, true),
         golden<AddScreenPartEvent>(
             12,
             hex("00000001 00000002 00000004 00000005 00000006 3ff8000000000000") + text("P") +
@@ -135,9 +131,7 @@ std::vector<GoldenEvent> goldenEvents() {
         golden<ExecuteQuickKeyEvent>(25, hex("00002710"), 10'000U),
         golden<ConfigQuickKeyEvent>(26, hex("00000002 00000003 00000004"), 2U, 3U, 4U),
         golden<UpdateSettingsEvent>(27, hex("2330303030383000 00000003"), "#000080", 3),
-        golden<UpdateSettingsEvent>(27, hex("0000000000000000 00000000"), "", 0),
         goldenItemData(),
-        golden<GetResourcesIdEvent>(29, hex("00000000")),
         golden<GetResourcesIdEvent>(29, hex("89abcdef"), 0x89abcdefU),
     };
 }

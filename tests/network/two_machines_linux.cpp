@@ -2,17 +2,14 @@
 #include "network/CompanionServer.h"
 #include "network/EventTable.h"
 #include "network/NetworkUtils.h"
-#include "network/ProtocolLimits.h"
 #include "tests/support/FakeProducer.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/PeerNamespace.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QUdpSocket>
-
-#include <optional>
 
 using namespace NetworkCompanion;
 using namespace MeshpadTest;
@@ -31,12 +28,12 @@ QString lineOf(const QString& name, const QString& state) {
 
 /// Discovery, and the end of a link that nobody closes, between network namespaces. Each test has
 /// machines and cables of its own.
-class TwoMachinesTest : public QObject {
+class TwoMachinesTest : public GuardedTest {
     Q_OBJECT
 
 private slots:
     void init() {
-        messages_.emplace();
+        GuardedTest::init();
         machine_ = std::make_unique<PeerNamespace>();
         QVERIFY(machine_->isValid());
         QVERIFY(machine_->link("here0", "10.78.0.1", "there0", "10.78.0.2"));
@@ -44,63 +41,58 @@ private slots:
     void cleanup() {
         PeerNamespace::ipHere("link delete here0");
         machine_.reset();
-        messages_->verify();
-        messages_.reset();
+        GuardedTest::cleanup();
     }
 
     void producerIsFoundAndLost();
     void interfacesComeAndGo();
-    void linkLocalAddressesAreSkipped();
     void onlyTheExactWordsCount();
-    void floodOfProducers();
-    void busyThreadLosesNobody();
-    void silenceIsNoticedByASlowThread();
+    void busyThreadLosesNobodyAndNoticesSilence();
     void serverMode();
-    void takenPort();
     void takenInPart();
     void socketsAreLeftAlone();
     void vanishedPeerIsNoticed();
 
 private:
-    std::shared_ptr<FakeProducer> startProducer(PeerNamespace& machine, const QString& address) {
+    static std::shared_ptr<FakeProducer> startProducer(PeerNamespace& machine,
+                                                       const QString& address) {
         auto producer = machine.make<FakeProducer>([] { return new FakeProducer; });
         bool ok = false;
         machine.run([&] { ok = producer->answerDiscovery(QHostAddress(address)); });
         return ok ? producer : nullptr;
-    }
-    /// From the other machine, each from the address it is said to come from.
-    void sendDatagrams(const QList<std::pair<QString, QByteArray>>& datagrams) {
-        machine_->run([&] {
-            for (const auto& [from, data] : datagrams) {
-                QUdpSocket socket;
-                QVERIFY(socket.bind(QHostAddress(from)));
-                socket.writeDatagram(data, QHostAddress("10.78.0.1"), 62331);
-            }
-        });
     }
     static int pings(PeerNamespace& machine, const std::shared_ptr<FakeProducer>& producer) {
         int count = 0;
         machine.run([&] { count = producer->pingsHeard(); });
         return count;
     }
+    /// The other end of discovery, on the other machine.
+    std::shared_ptr<NetworkUtils> startServer() {
+        return machine_->make<NetworkUtils>([] { return new NetworkUtils(62330, 62331, true); });
+    }
+    QStringList clientsOf(const std::shared_ptr<NetworkUtils>& server) {
+        QStringList found;
+        machine_->run([&] { found = server->clients(); });
+        return found;
+    }
 
-    std::optional<MessageGuard> messages_;
     std::unique_ptr<PeerNamespace> machine_;
 };
 
 void TwoMachinesTest::producerIsFoundAndLost() {
-    PeerNamespace secondMachine;
+    PeerNamespace secondMachine, selfNamed;
     QVERIFY(secondMachine.link("here1", "10.79.0.1", "there1", "10.79.0.2"));
+    QVERIFY(selfNamed.link("here2", "169.254.7.1", "there2", "169.254.7.2"));
     const auto first = startProducer(*machine_, "10.78.0.2");
     const auto second = startProducer(secondMachine, "10.79.0.2");
-    QVERIFY(first && second);
+    const auto linkLocal = startProducer(selfNamed, "169.254.7.2");
+    QVERIFY(first && second && linkLocal);
 
     // As in the program, with its own periods.
     NetworkUtils discovery(62331, 62330, false);
     QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
     QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
     QSignalSpy disconnected(&discovery, &NetworkUtils::serverDisconnected);
-    QCOMPARE(discovery.getAvailableServers(), QStringList());
     QTRY_COMPARE(discovered.size(), 2);
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2", "10.79.0.2"}));
 
@@ -117,8 +109,6 @@ void TwoMachinesTest::producerIsFoundAndLost() {
     QVERIFY2(asked >= 2 && asked <= 5, qPrintable(QString::number(asked)));
     QCOMPARE(timeouted[0][0].toString(), "10.78.0.2");
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.79.0.2"}));
-    QCOMPARE(discovered.size(), 2);
-    QVERIFY(pings(secondMachine, second) >= 3);
 
     // Told to forget it: back with its next answer. Told of one that nobody knows: says so, too.
     discovery.serverHasDisconnected("10.79.0.2");
@@ -128,6 +118,10 @@ void TwoMachinesTest::producerIsFoundAndLost() {
     QTRY_COMPARE(discovered.size(), 3);
     QCOMPARE(discovered[2][0].toString(), "10.79.0.2");
     QCOMPARE(timeouted.size(), 1);
+    // Addresses that an interface gives itself are left out.
+    QCOMPARE(pings(selfNamed, linkLocal), 0);
+    for (const char* link : {"here1", "here2"})
+        PeerNamespace::ipHere(QString("link delete %1").arg(link));
 }
 
 void TwoMachinesTest::interfacesComeAndGo() {
@@ -158,62 +152,37 @@ void TwoMachinesTest::interfacesComeAndGo() {
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 }
 
-void TwoMachinesTest::linkLocalAddressesAreSkipped() {
-    PeerNamespace secondMachine;
-    QVERIFY(secondMachine.link("here1", "169.254.7.1", "there1", "169.254.7.2"));
-    const auto first = startProducer(*machine_, "10.78.0.2");
-    const auto second = startProducer(secondMachine, "169.254.7.2");
-    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
-    QTRY_VERIFY(pings(*machine_, first) >= 5);
-    QCOMPARE(pings(secondMachine, second), 0);
-    PeerNamespace::ipHere("link delete here1");
-}
-
 void TwoMachinesTest::onlyTheExactWordsCount() {
     // Any address of this range can be sent from there.
     QVERIFY(machine_->ip("route add local 10.78.1.0/24 dev lo"));
     NetworkUtils discovery(62331, 62330, false, nullptr, {50ms, 10'000ms});
     QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
-    sendDatagrams({{"10.78.1.1", "pingReceived"},
-                   {"10.78.1.2", "PingReceived\n"},
-                   {"10.78.1.3", QByteArray("PingReceived\0", 13)},
-                   {"10.78.1.4", " PingReceived"},
-                   {"10.78.1.5", "PingReceive"},
-                   {"10.78.1.6", ""},
-                   {"10.78.1.7", "PingReceived" + QByteArray(1400, 'x')},
-                   {"10.78.1.8", QByteArray(60'000, 'P')},
-                   {"10.78.1.9", "PingServers"},
-                   {"10.78.1.10", "GiveClient"},
-                   {"10.78.1.11", QByteArray("PingReceived").prepend('\0')},
-                   {"10.78.1.12", "\xff\xfe"},
-                   {"10.78.1.13", "PingReceived"}});
+    const QByteArrayList words{"pingReceived",
+                               "PingReceived\n",
+                               QByteArray("PingReceived\0", 13),
+                               " PingReceived",
+                               "PingReceive",
+                               "",
+                               "PingReceived" + QByteArray(1400, 'x'),
+                               QByteArray(60'000, 'P'),
+                               "PingServers",
+                               "GiveClient",
+                               QByteArray("PingReceived").prepend('\0'),
+                               "\xff\xfe",
+                               "PingReceived"};
+    machine_->run([&] {
+        for (int i = 0; i < words.size(); ++i) {
+            QUdpSocket socket;
+            QVERIFY(socket.bind(QHostAddress(QString("10.78.1.%1").arg(i + 1))));
+            socket.writeDatagram(words[i], QHostAddress("10.78.0.1"), 62331);
+        }
+    });
     QTRY_COMPARE(discovered.size(), 1);
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.1.13"}));
     QCOMPARE(discovery.clients(), QStringList());
 }
 
-void TwoMachinesTest::floodOfProducers() {
-    QVERIFY(machine_->ip("route add local 10.78.0.0/16 dev lo"));
-    NetworkUtils discovery(62331, 62330, false, nullptr, {50ms, 5000ms});
-    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
-    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
-    QList<std::pair<QString, QByteArray>> answers;
-    for (int i = 0; i < 1000; ++i)
-        answers.append({QString("10.78.%1.%2").arg(4 + i / 250).arg(1 + i % 250), "PingReceived"});
-    for (int i = 0; i < answers.size(); i += 50) { // no more than a socket holds
-        sendDatagrams(answers.mid(i, 50));
-        QCoreApplication::processEvents();
-        QVERIFY(discovery.getAvailableServers().size() <= Limits::kMaxListedProducers);
-    }
-    QVERIFY(discovered.size() >= Limits::kMaxListedProducers);
-    // When they go, there is room again.
-    QTRY_COMPARE_WITH_TIMEOUT(discovery.getAvailableServers(), QStringList(), 20'000);
-    QCOMPARE(timeouted.size(), discovered.size());
-    sendDatagrams({answers.back()});
-    QTRY_COMPARE(discovery.getAvailableServers(), QStringList({answers.back().first}));
-}
-
-void TwoMachinesTest::busyThreadLosesNobody() {
+void TwoMachinesTest::busyThreadLosesNobodyAndNoticesSilence() {
     const auto producer = startProducer(*machine_, "10.78.0.2");
     NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
     QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
@@ -231,15 +200,7 @@ void TwoMachinesTest::busyThreadLosesNobody() {
         QVERIFY2(asked <= 4 + free.elapsed() / 50, qPrintable(QString::number(asked)));
         QCOMPARE(timeouted.size(), 0);
     }
-}
-
-void TwoMachinesTest::silenceIsNoticedByASlowThread() {
     // A thread that is late every time still pings, and silence after that is silence.
-    const auto producer = startProducer(*machine_, "10.78.0.2");
-    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
-    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
-    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
-    QTRY_COMPARE(discovered.size(), 1);
     machine_->run([&] { producer->stopAnswering(); });
     for (int round = 0; round < 100 && timeouted.isEmpty(); ++round) {
         QTest::qSleep(120);
@@ -250,42 +211,22 @@ void TwoMachinesTest::silenceIsNoticedByASlowThread() {
 
 void TwoMachinesTest::serverMode() {
     QVERIFY(machine_->ip("route add default dev there0"));
-    const auto server =
-        machine_->make<NetworkUtils>([] { return new NetworkUtils(62330, 62331, true); });
+    const auto server = startServer();
     int clientsChanged = 0;
     connect(server.get(), &NetworkUtils::clientChanged, this, [&] { ++clientsChanged; });
     NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 
-    const auto clients = [&] {
-        QStringList found;
-        machine_->run([&] { found = server->clients(); });
-        return found;
-    };
-    QCOMPARE(clients(), QStringList());
+    QCOMPARE(clientsOf(server), QStringList());
     for (int round = 1; round <= 2; ++round) {
         machine_->run([&] { server->getClientsOnNetwork(); });
-        QTRY_COMPARE(clients(), QStringList({"10.78.0.1"}));
+        QTRY_COMPARE(clientsOf(server), QStringList({"10.78.0.1"}));
     }
     QTRY_COMPARE(clientsChanged, 2);
     // Neither end takes up what is meant for the other.
     QCOMPARE(discovery.clients(), QStringList());
     machine_->run([&] { server->processDatagram("PingReceived", QHostAddress("10.78.0.1")); });
     QCOMPARE(server->getAvailableServers(), QStringList());
-}
-
-void TwoMachinesTest::takenPort() {
-    const auto producer = startProducer(*machine_, "10.78.0.2");
-    QUdpSocket holder;
-    QVERIFY(holder.bind(QHostAddress("10.78.0.1"), 62331, QUdpSocket::DontShareAddress));
-    // Once, although it is tried again and again.
-    messages_->expect(QtCriticalMsg,
-                      "NetworkCompanion: Socket not bound when constructing NetworkUtils!");
-    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
-    QTest::qWait(200);
-    QCOMPARE(pings(*machine_, producer), 0);
-    holder.close();
-    QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 }
 
 /// Of two addresses one is not free, and neither is what everybody's broadcasts come to: what can
@@ -296,48 +237,42 @@ void TwoMachinesTest::takenInPart() {
     QUdpSocket ofAddress, ofBroadcasts;
     QVERIFY(ofAddress.bind(QHostAddress("10.78.0.1"), 62331, QUdpSocket::DontShareAddress));
     QVERIFY(ofBroadcasts.bind(QHostAddress::Broadcast, 62331, QUdpSocket::DontShareAddress));
-    const auto server =
-        machine_->make<NetworkUtils>([] { return new NetworkUtils(62330, 62331, true); });
+    const auto server = startServer();
+    // Once, although it is tried again and again.
     messages_->expect(QtCriticalMsg,
                       "NetworkCompanion: Socket not bound when constructing NetworkUtils!");
     NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 
     // It answers from the address that it has, and does not take another port for the other one.
-    const auto clients = [&] {
-        QStringList found;
-        machine_->run([&] { found = server->clients(); });
-        return found;
-    };
     discovery.processDatagram("GetClients", QHostAddress("10.78.0.2"));
-    QTRY_COMPARE(clients(), QStringList({"10.78.0.9"}));
+    QTRY_COMPARE(clientsOf(server), QStringList({"10.78.0.9"}));
 
     // Asked by a broadcast it hears that only after somebody else has let go.
-    machine_->run([&] { server->getClientsOnNetwork(); });
-    QTest::qWait(200);
-    QCOMPARE(clients(), QStringList());
+    const auto isHeard = [&](const QString& from, int patience) {
+        machine_->run([&] { server->getClientsOnNetwork(); });
+        return QTest::qWaitFor([&] { return clientsOf(server).contains(from); }, patience);
+    };
+    QVERIFY(!isHeard("10.78.0.9", 100));
     ofBroadcasts.close();
     ofAddress.close();
-    const auto isHeard = [&] {
-        machine_->run([&] { server->getClientsOnNetwork(); });
-        return QTest::qWaitFor([&] { return !clients().isEmpty(); }, 200);
-    };
-    QTRY_VERIFY(isHeard());
+    QTRY_VERIFY(isHeard("10.78.0.1", 200));
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 }
 
 void TwoMachinesTest::socketsAreLeftAlone() {
     const auto producer = startProducer(*machine_, "10.78.0.2");
-    auto discovery = std::make_unique<NetworkUtils>(62331, 62330, false);
+    auto discovery = std::make_unique<NetworkUtils>(62331, 62330, false, nullptr, kFast);
     const auto sockets = discovery->findChildren<QUdpSocket*>();
     QVERIFY(!sockets.isEmpty());
-    QTRY_VERIFY_WITH_TIMEOUT(pings(*machine_, producer) >= 3, 30'000);
+    QTRY_VERIFY(pings(*machine_, producer) >= 3);
     discovery->updateClientSockets();
     QCOMPARE(discovery->findChildren<QUdpSocket*>(), sockets);
     // In the middle of a period, the end does not wait for the next.
     discovery =
         std::make_unique<NetworkUtils>(62331, 62330, false, nullptr, DiscoveryTiming{60s, 60s});
-    QTest::qWait(50);
+    const int before = pings(*machine_, producer);
+    QTRY_VERIFY(pings(*machine_, producer) > before);
     QElapsedTimer timer;
     timer.start();
     discovery.reset();
