@@ -1,7 +1,7 @@
 #include "network/CompanionClient.h"
 #include "network/MireEvent.h"
 #include "network/NetworkUtils.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -10,49 +10,40 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <optional>
-
 using namespace NetworkCompanion;
 
 /// The program itself, as the other tests and an operator start it.
-class ProgramTest : public QObject {
+class ProgramTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
     void init() {
-        messages_.emplace();
+        GuardedTest::init();
         program_.setProgram(qEnvironmentVariable("MESHPAD_DEMO_PRODUCER"));
         program_.setProcessChannelMode(QProcess::MergedChannels);
-    }
-    void cleanup() {
-        messages_->verify();
-        messages_.reset();
     }
 
     void isFoundServesAndEndsProperly() {
         QTemporaryDir folder;
-        const QString state = folder.filePath(QStringLiteral("state.json"));
-        program_.setArguments({QStringLiteral("--headless"), QStringLiteral("--state"), state,
-                               QStringLiteral("--items"), QStringLiteral("50"),
-                               QStringLiteral("--grid"), QStringLiteral("46x46")});
+        const QString state = folder.filePath("state.json");
+        program_.setArguments({"--headless", "--state", state, "--items", "50", "--grid", "46x46"});
         program_.start();
         QVERIFY(program_.waitForStarted());
 
         NetworkUtils discovery(62331, 62330, false);
-        QTRY_COMPARE_WITH_TIMEOUT(discovery.getAvailableServers(),
-                                  QStringList(QStringLiteral("10.77.0.1")), 60'000);
+        QTRY_COMPARE_WITH_TIMEOUT(discovery.getAvailableServers(), QStringList("10.77.0.1"),
+                                  60'000);
         CompanionClient client(nullptr);
-        QVERIFY(client.connectToServer(QStringLiteral("10.77.0.1"), 62330));
+        QVERIFY(client.connectToServer("10.77.0.1", 62330));
         MireEvent pattern(0, LV_NTC_PictureType::Logo);
         QVERIFY(client.sendEvent(pattern));
         const auto patternInFile = [&state] {
             QFile file(state);
             return file.open(QIODevice::ReadOnly)
-                       ? QJsonDocument::fromJson(file.readAll())[QStringLiteral("pattern")]
-                             .toString()
+                       ? QJsonDocument::fromJson(file.readAll())["pattern"].toString()
                        : QString();
         };
-        QTRY_COMPARE_WITH_TIMEOUT(patternInFile(), QStringLiteral("logo"), 30'000);
+        QTRY_COMPARE_WITH_TIMEOUT(patternInFile(), "logo", 30'000);
 
         program_.terminate();
         QVERIFY(program_.waitForFinished());
@@ -65,12 +56,11 @@ private slots:
     }
 
     void saysWhatItCannotDo() {
-        for (const QStringList& arguments :
-             {QStringList{QStringLiteral("--show"), QStringLiteral("/nowhere.json")},
-              {QStringLiteral("--items"), QStringLiteral("-1")},
-              {QStringLiteral("--grid"), QStringLiteral("99x99")},
-              {QStringLiteral("--address"), QStringLiteral("192.0.2.1")}}) {
-            program_.setArguments(QStringList{QStringLiteral("--headless")} + arguments);
+        for (const QStringList& arguments : {QStringList{"--show", "/nowhere.json"},
+                                             {"--items", "-1"},
+                                             {"--grid", "99x99"},
+                                             {"--address", "192.0.2.1"}}) {
+            program_.setArguments(QStringList{"--headless"} + arguments);
             program_.start();
             QVERIFY(program_.waitForFinished());
             QCOMPARE(program_.exitCode(), 2);
@@ -79,7 +69,6 @@ private slots:
     }
 
 private:
-    std::optional<MeshpadTest::MessageGuard> messages_;
     QProcess program_;
 };
 

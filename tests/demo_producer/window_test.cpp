@@ -1,14 +1,13 @@
 #include "network/CompanionClient.h"
 #include "network/EventTable.h"
 #include "resources/CompanionResources.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 #include "tools/demo_producer/ProducerWindow.h"
 #include "tools/demo_producer/ShowCatalog.h"
 
 #include <QTest>
 
 #include <memory>
-#include <optional>
 
 using namespace NetworkCompanion;
 
@@ -25,25 +24,23 @@ const QRect kFrontOutput(20, 68, 404, 227), kOthers(439, 68, 822, 227);
 
 } // namespace
 
-class WindowTest : public QObject {
+class WindowTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
     void initTestCase() { initCompanionResources(); }
     void init() {
-        messages_.emplace();
+        GuardedTest::init();
         session_ = std::make_unique<ProducerSession>(
             std::vector{ShowCatalog::harbour(), ShowCatalog::winterGarden()}, nullptr);
-        window_ = std::make_unique<ProducerWindow>(*session_, QStringLiteral("Test"), QString(),
-                                                   true, false);
+        window_ = std::make_unique<ProducerWindow>(*session_, "Test", QString(), true, false);
         window_->show();
         QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
     }
     void cleanup() {
         window_.reset();
         session_.reset();
-        messages_->verify();
-        messages_.reset();
+        GuardedTest::cleanup();
     }
 
     void onlyWhatIsBentLooksDifferent() {
@@ -84,7 +81,7 @@ private slots:
         QVERIFY(session_->listen(QHostAddress::LocalHost, 0));
         session_->setPattern(LV_NTC_PictureType::White);
         CompanionClient client(nullptr);
-        QVERIFY(client.connectToServer(QStringLiteral("127.0.0.1"), session_->port()));
+        QVERIFY(client.connectToServer("127.0.0.1", session_->port()));
         UpdateSettingsEvent settings("#ff0000", 4);
         ItemDataEvent request(1);
         QVERIFY(client.sendEvent(settings) && client.sendEvent(request));
@@ -127,13 +124,12 @@ private slots:
         QTest::keyClick(window_.get(), Qt::Key_M);
         QVERIFY(picture() != before);
         QTest::keyClick(window_.get(), Qt::Key_N);
-        QCOMPARE(session_->show().title, QStringLiteral("Winter Garden"));
+        QCOMPARE(session_->show().title, "Winter Garden");
     }
 
 private:
     [[nodiscard]] QImage picture() const { return window_->grab().toImage(); }
 
-    std::optional<MeshpadTest::MessageGuard> messages_;
     std::unique_ptr<ProducerSession> session_;
     std::unique_ptr<ProducerWindow> window_;
 };
