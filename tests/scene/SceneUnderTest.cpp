@@ -18,6 +18,10 @@ using namespace NetworkCompanion;
 
 namespace MeshpadTest {
 
+namespace {
+const QString kAdjustView = QStringLiteral("getCurrentItem().itemDeformer.adjustView()");
+}
+
 SceneUnderTest::SceneUnderTest(QSize size)
     : screen(kScreen, 100, kScreenSize.width(), kScreenSize.height(), false, "Screen",
              configuration, nullptr),
@@ -69,32 +73,27 @@ void SceneUnderTest::deformMedia(int deformation, int rows, int columns) {
 void SceneUnderTest::selectScreen(int deformation, int rows, int columns) {
     canvas->onSelectedItem(&screen);
     deformScreen(deformation, rows, columns);
-    evaluate("getCurrentItem().itemDeformer.adjustView()");
-}
-
-void SceneUnderTest::selectPart(int deformation, int rows, int columns) {
-    canvas->onSelectedItem(&part);
-    canvas->onScreenPartDeformationMode(LV_NTC_DeformationType(deformation - 1), kScreen, kPart,
-                                        "Part", rows, columns, false);
-    evaluate("getCurrentItem().itemDeformer.adjustView()");
+    evaluate(kAdjustView);
 }
 
 void SceneUnderTest::selectMedia(int deformation, int rows, int columns) {
     canvas->onSelectedItem(&media);
     deformMedia(deformation, rows, columns);
-    evaluate("getCurrentItem().itemDeformer.adjustView()");
+    evaluate(kAdjustView);
 }
 
-void SceneUnderTest::selectTexture(int deformation, int rows, int columns) {
+void SceneUnderTest::selectPart(int rows, int columns) {
+    canvas->onSelectedItem(&part);
+    canvas->onScreenPartDeformationMode(LV_NTC_DeformationType::Curve, kScreen, kPart, "Part", rows,
+                                        columns, false);
+    evaluate(kAdjustView);
+}
+
+void SceneUnderTest::selectTexture() {
     canvas->onSelectedItem(&texture);
-    canvas->onTextureDeformationMode(LV_NTC_ElementType::Texture,
-                                     LV_NTC_DeformationType(deformation - 1), kTextureCue, 6,
-                                     "Texture", rows, columns, false);
-    evaluate("getCurrentItem().itemDeformer.adjustView()");
-}
-
-void SceneUnderTest::selectNothing() {
-    canvas->onSelectedItem(nullptr);
+    canvas->onTextureDeformationMode(LV_NTC_ElementType::Texture, LV_NTC_DeformationType::Curve,
+                                     kTextureCue, 6, "Texture", 3, 3, false);
+    evaluate(kAdjustView);
 }
 
 QVariant SceneUnderTest::evaluate(const QString& expression) const {
@@ -103,10 +102,6 @@ QVariant SceneUnderTest::evaluate(const QString& expression) const {
     if (evaluated.hasError())
         QTest::qFail(qPrintable(evaluated.error().toString()), __FILE__, __LINE__);
     return value;
-}
-
-QQuickItem* SceneUnderTest::find(const QString& objectName) const {
-    return root()->findChild<QQuickItem*>(objectName);
 }
 
 MeshGridItem* SceneUnderTest::grid() const {
@@ -122,11 +117,7 @@ QString SceneUnderTest::state(int point) const {
 }
 
 QPoint SceneUnderTest::onScreen(int point) const {
-    return onScreen(position(point));
-}
-
-QPoint SceneUnderTest::onScreen(QPointF positionInItem) const {
-    return grid()->mapToScene(positionInItem).toPoint();
+    return grid()->mapToScene(position(point)).toPoint();
 }
 
 QList<int> SceneUnderTest::selectedPoints() const {
@@ -193,10 +184,6 @@ void SceneUnderTest::hover(QPoint at) const {
     QMouseEvent event(QEvent::MouseMove, at, view->mapToGlobal(QPointF(at)), Qt::NoButton,
                       Qt::NoButton, Qt::NoModifier);
     QCoreApplication::sendEvent(view, &event);
-}
-
-void SceneUnderTest::wheel(int notches) const {
-    wheel(notches, QRectF(view->rect()).center());
 }
 
 void SceneUnderTest::wheel(int notches, QPointF at) const {

@@ -33,12 +33,11 @@ public:
     explicit SceneUnderTest(QSize size = {1060, 610});
     ~SceneUnderTest();
 
-    void selectScreen(int deformation = 3, int rows = 3, int columns = 3);
-    void selectPart(int deformation = 3, int rows = 3, int columns = 3);
-    void selectMedia(int deformation = 3, int rows = 3, int columns = 3);
-    void selectTexture(int deformation = 3, int rows = 3, int columns = 3);
-    void selectNothing();
     /// `deformation` in the scene's numbers, 0 none to 3 curve.
+    void selectScreen(int deformation = 3, int rows = 3, int columns = 3);
+    void selectMedia(int deformation = 3, int rows = 3, int columns = 3);
+    void selectPart(int rows = 3, int columns = 3);
+    void selectTexture();
     void deformScreen(int deformation, int rows, int columns);
     void deformMedia(int deformation, int rows, int columns);
 
@@ -48,14 +47,12 @@ public:
     QString string(const QString& expression) const { return evaluate(expression).toString(); }
 
     QQuickItem* root() const { return view->rootObject(); }
-    QQuickItem* find(const QString& objectName) const;
     /// Of the current item, the one being edited.
     MeshGridItem* grid() const;
     QPointF position(int point) const;
     QString state(int point) const;
     /// Where the point is in the view.
     QPoint onScreen(int point) const;
-    QPoint onScreen(QPointF positionInItem) const;
     int currentPoint() const {
         return integer("getCurrentItem().deformerGrids[getCurrentGridId()].currentSelectedPointId");
     }
@@ -72,8 +69,7 @@ public:
     void click(QPoint at, Qt::KeyboardModifiers modifiers = {}) const;
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const;
     void hover(QPoint at) const;
-    void wheel(int notches) const;
-    void wheel(int notches, QPointF at) const;
+    void wheel(int notches, QPointF at = {530, 305}) const;
 
     /// Waits until everything sent so far has arrived at the Producer.
     void settle();

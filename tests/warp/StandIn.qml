@@ -6,9 +6,6 @@ Rectangle {
 
     property var keys: []
     property var heard: []
-    property var context: [cppCanvas !== null, canvasWidth, canvasHeight, toolTabsWidth,
-        toolTabImagesSize.width, selectButtonsPath.length, warpToolBarHeight,
-        rotationButtonPath.length, curveMaxCols]
 
     function moveUnnamed(point: int) {
         var name
@@ -23,8 +20,6 @@ Rectangle {
     Connections {
         target: cppCanvas
 
-        function onAction(action) { scene.heard.push(["action", action === 25]) }
-        function onLeftAxisMoved(x, y) { scene.heard.push(["axis", x, y]) }
         function onMediaMovePoint(cueId, mediaId, name, pointId, x, y, z, xy, selected) {
             scene.heard.push(["point", cueId, mediaId, name, pointId, x, y, z, xy, selected])
         }

@@ -2,11 +2,16 @@
 #include "app/EventDispatcher.h"
 #include "app/UpdateProducer.h"
 #include "input/key_event_manager.h"
+#include "network/AddMediaEvent.h"
+#include "network/AddScreenEvent.h"
+#include "network/AddScreenPartEvent.h"
+#include "network/AddTextureEvent.h"
 #include "network/DeformationModeEvent.h"
 #include "network/ItemDataEvent.h"
 #include "network/MediaDeformationModeEvent.h"
 #include "network/MediaMovePointEvent.h"
 #include "network/MsgEvent.h"
+#include "network/ScreenModeEvent.h"
 #include "network/ScreenMovePointEvent.h"
 #include "network/ScreenPartDeformationModeEvent.h"
 #include "network/ScreenPartMovePointEvent.h"
@@ -14,10 +19,13 @@
 #include "tests/warp/WarpTest.h"
 #include "warp/Canvas.h"
 #include "warp/MediaItem.h"
+#include "warp/MediaList.h"
 #include "warp/ScreenItem.h"
 #include "warp/ScreenPartItem.h"
 #include "warp/TextureItem.h"
+#include "warp/WarpPage.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QQuickItem>
 #include <QQuickWidget>
@@ -58,13 +66,6 @@ private slots:
         part_.reset();
         screen_.reset();
         disconnectProducer();
-    }
-
-    void theSceneFindsItsContext() {
-        const QVariantList context{true, 1060, 601, 140U, 60, 16, 60, 4, 16};
-        QCOMPARE(scene_->property("context").toList(), context);
-        QCOMPARE(canvas_->rotate({0, -1}, 90), QPointF(1, 0));
-        QCOMPARE(canvas_->rotate({3, 4}, 0), QPointF(3, 4));
     }
 
     void currentItemIsToldBeforeItIsTaken() {
@@ -124,7 +125,7 @@ private slots:
         QVERIFY(getsNothing());
     }
 
-    void whatIsLeftAtTheEndOfADragIsSentOnce() {
+    void whatIsLeftAtTheEndOfADragIsSentOnceAndForTheItemThatWasDragged() {
         canvas_->onSelectedItem(screen_.get());
         drag(7, 1);
         QCoreApplication::processEvents();
@@ -144,10 +145,7 @@ private slots:
         QVERIFY(
             gets(ScreenMovePointEvent(7, 33, "", 0, 4, 0, 0, true, true),
                  DeformationModeEvent(LV_NTC_DeformationType::Curve, 7, 33, "Wall", 5, 3, true)));
-    }
 
-    void theEndOfADragBelongsToTheItemThatWasDragged() {
-        canvas_->onSelectedItem(screen_.get());
         drag(7, 1);
         canvas_->onSelectedItem(otherScreen_.get());
         drag(8, 2);
@@ -219,24 +217,6 @@ private slots:
             gets(ScreenPartDeformationModeEvent(Type::Keystone, 7, 2, 43, "Left", 2, 2, false)));
     }
 
-    void deformationsReachTheSceneCountedFromNone() {
-        using Type = LV_NTC_DeformationType;
-        QSignalSpy media(canvas_.get(), &Canvas::mediaDeformationMode);
-        QSignalSpy texture(canvas_.get(), &Canvas::textureDeformationMode);
-        QSignalSpy screen(canvas_.get(), &Canvas::screenDeformationMode);
-        QSignalSpy part(canvas_.get(), &Canvas::screenPartDeformationMode);
-        canvas_->onMediaDeformationMode(LV_NTC_ElementType::Media, Type::None, 1, 2, "m", 3, 4,
-                                        true);
-        canvas_->onTextureDeformationMode(LV_NTC_ElementType::Texture, Type::Curve, 1, 2, "t", 3, 4,
-                                          false);
-        canvas_->onScreenDeformationMode(Type::Keystone, 1, "s", 3, 4, true);
-        canvas_->onScreenPartDeformationMode(Type::Bezier, 1, 2, "p", 3, 4, false);
-        QCOMPARE(media.value(0), QVariantList({1, 0, 1U, 2, "m", 3, 4, true}));
-        QCOMPARE(texture.value(0), QVariantList({2, 3, 1U, 2, "t", 3, 4, false}));
-        QCOMPARE(screen.value(0), QVariantList({1, 1, "s", 3, 4, true}));
-        QCOMPARE(part.value(0), QVariantList({2, 1, 2, "p", 3, 4, false}));
-    }
-
     void pointsOfTheProducerReachTheSceneInOrder() {
         QStringList order;
         connect(canvas_.get(), &Canvas::screenMovePoint, this,
@@ -302,19 +282,84 @@ private slots:
         QCOMPARE(copy->count(), 2);
     }
 
-    void realKeysReachTheSceneOnceItHasTheFocus() {
-        canvas_->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(canvas_.get()));
-        canvas_->setFocus(Qt::MouseFocusReason);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);
-        QTRY_COMPARE(scene_->property("keys").toList().size(), 1);
+    /// What the list tells the editor, of each kind of item.
+    void theEditorFollowsTheList() {
+        canvas_.reset();
+        WarpPage page(configuration_, nullptr);
+        auto* canvas = page.findChild<Canvas*>();
+        auto* list = page.findChild<MediaList*>();
+        QStringList heard;
+        const auto listen = [&](const char* kind, auto added, auto deformed, auto removed) {
+            const QString name(kind);
+            connect(canvas, added, this, [&heard, name] { heard << name + " added"; });
+            connect(canvas, deformed, this, [&heard, name] { heard << name + " deformed"; });
+            connect(canvas, removed, this, [&heard, name] { heard << name + " removed"; });
+        };
+        listen("media", &Canvas::mediaItemAdded, &Canvas::mediaDeformationMode,
+               &Canvas::removeMediaItem);
+        listen("texture", &Canvas::textureItemAdded, &Canvas::textureDeformationMode,
+               &Canvas::removeTextureItem);
+        listen("screen", &Canvas::screenItemAdded, &Canvas::screenDeformationMode,
+               &Canvas::removeScreenItem);
+        listen("part", &Canvas::screenPartItemAdded, &Canvas::screenPartDeformationMode,
+               &Canvas::removeScreenPartItem);
+        QSignalSpy current(canvas, &Canvas::currentItemChanged);
+        QSignalSpy modes(canvas, &Canvas::screenMode);
+        using Type = LV_NTC_DeformationType;
+        producer().send(AddMediaEvent(MediaType::Image, 1, 2, 100, 8, 8, 0, 0.0, "Clip", false));
+        producer().send(AddTextureEvent(3, 4, 300, 8, 8, 0, 0.0, "Dust", false));
+        producer().send(AddScreenEvent(5, 500, 8, 8, 0, 0.0, "Wall", false, false));
+        producer().send(AddScreenPartEvent(5, 0, 600, 8, 8, 0, 0.0, "Left", false));
+        producer().send(MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::Curve, 1, 2, 100,
+                                                  "", 3, 3, false));
+        producer().send(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, Type::Curve, 3, 4,
+                                                  300, "", 3, 3, false));
+        producer().send(DeformationModeEvent(Type::Curve, 5, 500, "", 3, 3, false));
+        producer().send(ScreenPartDeformationModeEvent(Type::Curve, 5, 0, 600, "", 3, 3, false));
+        QTRY_COMPARE(heard, QStringList({"media added", "texture added", "screen added",
+                                         "part added", "media deformed", "texture deformed",
+                                         "screen deformed", "part deformed"}));
+        list->selectFirstVisibleItem();
+        producer().send(ScreenModeEvent(LV_NTC_ModeType::Parts, 5, 500, ""));
+        QVERIFY(modes.wait());
+        QCOMPARE(modes.value(0), QVariantList({5, 3}));
+        list->selectFirstVisibleItem();
+        page.lockPage();
+        QCOMPARE(QList<QList<QVariant>>(current),
+                 QList<QList<QVariant>>({{3, 5, 0}, {0, 0, 0}, {4, 5, 0}, {0, 0, 0}}));
+        QVERIFY(gets(ItemDataEvent(500), ItemDataEvent(-1), ItemDataEvent(600), ItemDataEvent(-1)));
+        heard.clear();
+        page.purgeMedia();
+        QCOMPARE(heard, QStringList({"media removed", "texture removed", "part removed",
+                                     "screen removed"}));
     }
 
-    void controllersReachTheScene() {
-        canvas_->onLeftAxisMoved(0.5F, -1.0F);
-        canvas_->onAction(Action::TOGGLE_EDIT_UV);
-        const QVariantList expected{QVariantList{"axis", 0.5, -1.0}, QVariantList{"action", true}};
-        QCOMPARE(scene_->property("heard").toList(), expected);
+    void keysFindTheirWayBetweenListAndEditor() {
+        canvas_.reset();
+        WarpPage page(configuration_, nullptr);
+        auto* canvas = page.findChild<Canvas*>();
+        auto* list = page.findChild<MediaList*>();
+        page.show();
+        page.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&page));
+        list->addMedia(MediaType::Image, 1, 2, 100, 8, 8, 0.0, false, "Clip");
+        list->addMedia(MediaType::Image, 2, 2, 200, 8, 8, 0.0, false, "Dust");
+        page.giveFocusToCanvas();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Left);
+        canvas->notifyKeyEventFromQml(QEvent::KeyPress, Qt::Key_M, 0, "m", false, 1);
+        canvas->notifyKeyEventFromQml(QEvent::KeyPress, Qt::Key_M, 0, "m", false, 1);
+        QVERIFY(list->selection() && list->selection()->name() == "Dust");
+        list->setFocus(); // where the arrows are for the mesh, too
+        for (const int key : {Qt::Key_Up, Qt::Key_Right, Qt::Key_End, Qt::Key_Down})
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), Qt::AltModifier);
+        const auto* scene = canvas->findChild<QQuickWidget*>()->rootObject();
+        const auto keys = [&] {
+            QList<int> pressed;
+            for (const QVariant& each : scene->property("keys").toList())
+                pressed << each.toList().value(0).toInt();
+            return pressed;
+        };
+        QTRY_COMPARE(keys(), QList<int>({Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down}));
     }
 
     void aBrokenSceneIsLoggedOnceAndHurtsNobody() {
