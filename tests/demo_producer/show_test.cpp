@@ -40,7 +40,7 @@ private slots:
         QVERIFY(show.movePoint(front, false, 4, {1e-17, -123456.789}, false));
         QVERIFY(show.setBlinded({LV_NTC_ElementType::ScreenPart, 2, 1}, true));
         QVERIFY(show.setPattern(LV_NTC_PictureType::SmpteVertical));
-        for (const Show& each : {show, ShowCatalog::winterGarden(), ShowCatalog::large(200, 3)}) {
+        for (const Show& each : {show, ShowCatalog::winterGarden(), ShowCatalog::large(2000, 3)}) {
             QString error;
             const std::optional<Show> read = throughJson(each, error);
             QVERIFY2(read, qPrintable(error));
@@ -83,17 +83,6 @@ private slots:
             QVERIFY(!ShowFile::fromJson(object("{\"items\": [" + items + "]}"), reason));
             QVERIFY2(reason.contains(error), qPrintable(reason));
         }
-    }
-
-    void largeShowsHaveTheirSize() {
-        for (const int count : {0, 1, 21, 2000})
-            QCOMPARE(int(ShowCatalog::large(count, 1).items().size()), count);
-        Show show = ShowCatalog::large(30, 1);
-        QVERIFY(ShowCatalog::setFirstGrid(show, 46, 46));
-        QCOMPARE(show.items()[0].warp.xy.size(), 2116u);
-        QVERIFY(!ShowCatalog::setFirstGrid(show, 65, 4));
-        QVERIFY(ShowCatalog::setFirstGrid(show, 16, 15));
-        QCOMPARE(show.items()[0].warp.kind, LV_NTC_DeformationType::Curve);
     }
 
     void commandsDoWhatTheySay() {

@@ -34,6 +34,7 @@ private slots:
     void hatDirections();
     void axes();
     void stickReportsEveryPollAndOneFinalZero();
+    void triggersOfTheirOwnCancelAtRest();
 
     void deviceIsConfigured();
     void brokenControllersAreSkippedAndOthersIgnored();
@@ -162,6 +163,18 @@ void TestGamepadInputManager::stickReportsEveryPollAndOneFinalZero() {
     // Out and back between two polls still ends with a zero.
     feed({{ControllerOffset::kX, 0}, {ControllerOffset::kX, kCentre}});
     QCOMPARE(log_->take(), QString("left 0 0"));
+}
+
+/// One that has not moved yet gives no record.
+void TestGamepadInputManager::triggersOfTheirOwnCancelAtRest() {
+    pad_->state.axes[2] = pad_->state.axes[5] = 0;
+    start();
+    nextPoll();
+    QCOMPARE(log_->take(), QString());
+    feed({{ControllerOffset::kZ, 65535}});
+    QCOMPARE(log_->take(), QString("pressure 2"));
+    feed({{ControllerOffset::kZ, 0}, {ControllerOffset::kRz, 65535}});
+    QCOMPARE(log_->take(), QString("pressure -2"));
 }
 
 void TestGamepadInputManager::deviceIsConfigured() {

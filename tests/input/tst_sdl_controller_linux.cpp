@@ -321,6 +321,7 @@ void TestSdlController::unpluggedAndPluggedInAgain() {
     pad->button(3, true);
     manager_->onFocusGained();
     QCOMPARE(nextEvents(), QString("release 2"));
+    QVERIFY(manager_->isGamepadConnected());
     QCOMPARE(nextEvents(), QString("press 3"));
 }
 

@@ -50,7 +50,7 @@ private slots:
     void busyThreadLosesNobodyAndNoticesSilence();
     void serverMode();
     void takenInPart();
-    void socketsAreLeftAlone();
+    void endDoesNotWaitForThePeriod();
     void vanishedPeerIsNoticed();
 
 private:
@@ -188,6 +188,7 @@ void TwoMachinesTest::busyThreadLosesNobodyAndNoticesSilence() {
     QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
     QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
     QTRY_COMPARE(discovered.size(), 1);
+    const auto sockets = discovery.findChildren<QUdpSocket*>();
     for (int round = 0; round < 3; ++round) {
         const int before = pings(*machine_, producer);
         QTest::qSleep(1500); // this thread is stuck, the Producer is not
@@ -199,6 +200,7 @@ void TwoMachinesTest::busyThreadLosesNobodyAndNoticesSilence() {
         const auto asked = pings(*machine_, producer) - before;
         QVERIFY2(asked <= 4 + free.elapsed() / 50, qPrintable(QString::number(asked)));
         QCOMPARE(timeouted.size(), 0);
+        QCOMPARE(discovery.findChildren<QUdpSocket*>(), sockets); // none is made anew
     }
     // A thread that is late every time still pings, and silence after that is silence.
     machine_->run([&] { producer->stopAnswering(); });
@@ -260,19 +262,11 @@ void TwoMachinesTest::takenInPart() {
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 }
 
-void TwoMachinesTest::socketsAreLeftAlone() {
+void TwoMachinesTest::endDoesNotWaitForThePeriod() {
     const auto producer = startProducer(*machine_, "10.78.0.2");
-    auto discovery = std::make_unique<NetworkUtils>(62331, 62330, false, nullptr, kFast);
-    const auto sockets = discovery->findChildren<QUdpSocket*>();
-    QVERIFY(!sockets.isEmpty());
-    QTRY_VERIFY(pings(*machine_, producer) >= 3);
-    discovery->updateClientSockets();
-    QCOMPARE(discovery->findChildren<QUdpSocket*>(), sockets);
-    // In the middle of a period, the end does not wait for the next.
-    discovery =
+    auto discovery =
         std::make_unique<NetworkUtils>(62331, 62330, false, nullptr, DiscoveryTiming{60s, 60s});
-    const int before = pings(*machine_, producer);
-    QTRY_VERIFY(pings(*machine_, producer) > before);
+    QTRY_VERIFY(pings(*machine_, producer) > 0);
     QElapsedTimer timer;
     timer.start();
     discovery.reset();
@@ -304,26 +298,16 @@ void TwoMachinesTest::vanishedPeerIsNoticed() {
     QVERIFY(machine_->ip(lineOf("there0", "down")));
     QElapsedTimer timer;
     timer.start();
-    qint64 silentAfter = 0, busyAfter = 0, goneAfter = 0;
-    qint64 passed = 0; // as far as this machine did not stand still
-    while (passed < 20'000 && (!silentAfter || !busyAfter || !goneAfter)) {
+    qint64 passed = 0; // ms, as far as this machine did not stand still
+    while (passed < 5000 && (silentLost.isEmpty() || busyLost.isEmpty() || gone < 2)) {
         QTest::qWait(20);
         passed += qMin<qint64>(timer.restart(), 100);
         busy.sendEvent(event);
-        if (!silentAfter && !silentLost.isEmpty())
-            silentAfter = passed;
-        if (!busyAfter && !busyLost.isEmpty())
-            busyAfter = passed;
-        if (!goneAfter && gone == 2)
-            goneAfter = passed;
     }
-    qInfo("noticed after %lld ms (silent), %lld ms (busy), %lld ms (server)",
-          static_cast<long long>(silentAfter), static_cast<long long>(busyAfter),
-          static_cast<long long>(goneAfter));
-    for (const qint64 after : {silentAfter, busyAfter, goneAfter})
-        QVERIFY(after > 0 && after < 5000);
+    qInfo("noticed by all ends after %lld ms", static_cast<long long>(passed));
     QCOMPARE(silentLost.size(), 1);
     QCOMPARE(busyLost.size(), 1);
+    QCOMPARE(gone, 2);
 }
 
 QTEST_GUILESS_MAIN(TwoMachinesTest)

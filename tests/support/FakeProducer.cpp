@@ -75,12 +75,12 @@ void FakeProducer::stall() {
         socket->setReadBufferSize(1);
 }
 
-bool FakeProducer::answerDiscovery(const QHostAddress& from, quint16 port, quint16 companionPort) {
+bool FakeProducer::answerDiscovery(const QHostAddress& from) {
     ear_ = std::make_unique<QUdpSocket>();
     mouth_ = std::make_unique<QUdpSocket>();
-    connect(ear_.get(), &QUdpSocket::readyRead, this, [=, this] { onDatagram(companionPort); });
+    connect(ear_.get(), &QUdpSocket::readyRead, this, &FakeProducer::onDatagram);
     return mouth_->bind(from, 0) &&
-           ear_->bind(QHostAddress::AnyIPv4, port, QUdpSocket::ReuseAddressHint);
+           ear_->bind(QHostAddress::AnyIPv4, 62330, QUdpSocket::ReuseAddressHint);
 }
 
 void FakeProducer::stopAnswering() {
@@ -88,7 +88,7 @@ void FakeProducer::stopAnswering() {
     mouth_.reset();
 }
 
-void FakeProducer::onDatagram(quint16 companionPort) {
+void FakeProducer::onDatagram() {
     while (ear_->hasPendingDatagrams()) {
         QByteArray data(64, '\0');
         QHostAddress sender;
@@ -96,7 +96,7 @@ void FakeProducer::onDatagram(quint16 companionPort) {
         if (data != "PingServers")
             continue;
         ++pings_;
-        mouth_->writeDatagram("PingReceived", sender, companionPort);
+        mouth_->writeDatagram("PingReceived", sender, 62331);
     }
 }
 
@@ -116,10 +116,10 @@ void FakeProducer::onNewConnection() {
 
 void FakeProducer::onReadyRead(QTcpSocket* socket) {
     const auto connection = std::ranges::find(connections_, socket, &Connection::socket);
+    // An aborted socket has nothing more to say, and complains when it is asked.
     if (stalled_ || !socket->isOpen() || connection == connections_.end())
         return;
-    // An aborted socket has nothing more to say, and complains when it is asked.
-    const QByteArray chunk = socket->isOpen() ? socket->readAll() : QByteArray();
+    const QByteArray chunk = socket->readAll();
     bytes_ += chunk;
     QByteArray& unparsed = connection->unparsed;
     unparsed += chunk;
@@ -131,15 +131,12 @@ void FakeProducer::onReadyRead(QTcpSocket* socket) {
         unparsed.remove(0, 4 + length);
         events_.emplace_back(LVNtc::deserialize(frame).second);
     }
-    if (!chunk.isEmpty())
-        emit received();
 }
 
 void FakeProducer::onDisconnected(QTcpSocket* socket) {
     onReadyRead(socket);
     std::erase_if(connections_, [=](const Connection& each) { return each.socket == socket; });
     socket->deleteLater();
-    emit disconnected();
 }
 
 std::vector<QTcpSocket*> FakeProducer::sockets() const {

@@ -56,17 +56,14 @@ public:
     /// Stops taking bytes from the connections, as a process does that hangs.
     void stall();
 
-    /// Answers discovery from the address (the sender's own choice when null); off again with
-    /// stopAnswering(). False when the port is taken.
-    bool answerDiscovery(const QHostAddress& from = QHostAddress::AnyIPv4, quint16 port = 62330,
-                         quint16 companionPort = 62331);
+    /// Answers discovery from the address; off again with stopAnswering(). False when the port is
+    /// taken.
+    bool answerDiscovery(const QHostAddress& from);
     void stopAnswering();
     int pingsHeard() const { return pings_; }
 
 signals:
     void connected();
-    void disconnected();
-    void received();
 
 private:
     struct Connection {
@@ -77,7 +74,7 @@ private:
     void onNewConnection();
     void onReadyRead(QTcpSocket* socket);
     void onDisconnected(QTcpSocket* socket);
-    void onDatagram(quint16 companionPort);
+    void onDatagram();
     std::vector<QTcpSocket*> sockets() const;
 
     QTcpServer server_;
