@@ -16,7 +16,7 @@
 #include "pages/SettingsPage.h"
 #include "pages/TestPatternPage.h"
 #include "tests/support/FakeProducer.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/WindowUnderTest.h"
 #include "warp/WarpPage.h"
 
@@ -30,11 +30,13 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QQuickWidget>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
 
-#include <optional>
+#include <thread>
 
 using namespace NetworkCompanion;
 using namespace std::chrono_literals;
@@ -46,6 +48,8 @@ namespace {
 const QHostAddress kProducerAddress(QStringLiteral("10.77.0.1")); // this test's virtual interface
 constexpr quint16 kProducerPort = 62330;
 const QString kDisconnect = QStringLiteral("Disconnect");
+const QString kFirst = QStringLiteral("10.0.0.1");   // addresses that nobody answers from
+const QString kSecond = QStringLiteral("10.0.0.10"); // begins like the first one
 
 class KeyRecorder : public KeyEventListener {
 public:
@@ -61,7 +65,7 @@ public:
 
 /// The whole window with all its pages, used by mouse and keyboard, against a Producer that is
 /// found by discovery and spoken to over TCP.
-class TestGuiCompanion : public QObject {
+class TestGuiCompanion : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
@@ -71,6 +75,10 @@ private slots:
 
     void aProducerIsFoundAndAskedForItsShow();
     void aRefusedConnectionChangesNothing();
+    void theListOfProducersFollowsDiscovery();
+    void oneAddressIsMarkedAndConnectedTo();
+    void anAddressMayGoWhileItIsBeingPressed();
+    void manyProducersCanBeScrolledTo();
     void tabsShowTheirPages();
     void aLossVeilsTheWindow();
     void aLossIsMendedAgainAndAgain();
@@ -98,6 +106,8 @@ private:
     }
     bool showsWayOut() const { return button(find<HeadBanner>(), kDisconnect) != nullptr; }
     DisconnectOverlay* overlay() const;
+    QStringList listed() const;
+    bool isConnectOffered() const;
     QPushButton* button(const QWidget* parent, const QString& text) const;
     void startProducer();
     void pressConnect();
@@ -105,9 +115,9 @@ private:
     void loseConnection();
     void closeWindow();
     static CompanionClient& client() { return EventDispatcher::getInstance()->client(); }
+    static NetworkUtils& discovery() { return EventDispatcher::getInstance()->networkUtils(); }
 
     MeshpadTest::WindowUnderTest application_;
-    std::optional<MeshpadTest::MessageGuard> messages_;
     std::unique_ptr<FakeProducer> producer_;
     std::unique_ptr<GuiCompanion> window_;
     QStringList strayWindows_;
@@ -118,7 +128,7 @@ void TestGuiCompanion::initTestCase() {
 }
 
 void TestGuiCompanion::init() {
-    messages_.emplace();
+    GuardedTest::init();
     CheckConnection::firstCheckDelay = 10ms;
     CheckConnection::checkPeriod = 10ms;
     strayWindows_.clear();
@@ -138,10 +148,8 @@ void TestGuiCompanion::cleanup() {
     }
     client().disconnectFromServer();
     producer_.reset();
-    EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(
-        kProducerAddress.toString());
-    messages_->verify();
-    messages_.reset();
+    discovery().serverHasDisconnected(kProducerAddress.toString());
+    GuardedTest::cleanup();
 }
 
 bool TestGuiCompanion::eventFilter(QObject* watched, QEvent* event) {
@@ -164,7 +172,7 @@ void TestGuiCompanion::startProducer() {
     producer_ = std::make_unique<FakeProducer>();
     QVERIFY(producer_->listen(kProducerAddress, kProducerPort));
     QVERIFY(producer_->answerDiscovery(kProducerAddress));
-    EventDispatcher::getInstance()->networkUtils().pingServers(); // need not wait for the next one
+    discovery().pingServers(); // need not wait for the next one
 }
 
 DisconnectOverlay* TestGuiCompanion::overlay() const {
@@ -183,6 +191,26 @@ QPushButton* TestGuiCompanion::button(const QWidget* parent, const QString& text
         }
     }
     return nullptr;
+}
+
+/// The addresses that nobody answers from.
+QStringList TestGuiCompanion::listed() const {
+    QStringList texts;
+    for (const auto* address : find<IPList>()->findChildren<QPushButton*>()) {
+        const bool isMarked =
+            address->styleSheet() == QLatin1StringView(ShellLook::kAddressButtonOn);
+        if (address->text().startsWith("10.0.")) {
+            texts << address->text() + (isMarked ? " marked" : "");
+        }
+    }
+    return texts;
+}
+
+/// By picture and by cursor.
+bool TestGuiCompanion::isConnectOffered() const {
+    const QPushButton* connect = button(currentPage(), QString());
+    return connect->styleSheet() == QLatin1StringView(ShellLook::kConnectButtonOn) &&
+           connect->cursor().shape() == Qt::PointingHandCursor;
 }
 
 /// As an operator does it, once the Producer is found.
@@ -254,6 +282,94 @@ void TestGuiCompanion::aRefusedConnectionChangesNothing() {
     connectByHand();
 }
 
+void TestGuiCompanion::theListOfProducersFollowsDiscovery() {
+    emit discovery().serverDiscovered(kFirst);
+    emit discovery().serverDiscovered(kSecond);
+    emit discovery().serverDiscovered(kFirst);
+    QCOMPARE(listed(), QStringList({kFirst, kSecond}));
+    emit discovery().serverTimeouted(QStringLiteral("10.0.0.100"));
+    std::thread([] { emit discovery().serverTimeouted(kFirst); }).join();
+    QCOMPARE(listed(), QStringList({kFirst, kSecond})); // not on that thread
+    QTRY_COMPARE(listed(), QStringList({kSecond}));
+    emit discovery().serverDiscovered(kFirst);
+    emit discovery().serverDisconnected(kSecond);
+    QCOMPARE(listed(), QStringList({kFirst}));
+
+    // Late news of a timeout do not take away who has answered again.
+    const QString ip = kProducerAddress.toString();
+    QTRY_VERIFY(button(find<IPList>(), ip) != nullptr);
+    emit discovery().serverTimeouted(ip);
+    QVERIFY(button(find<IPList>(), ip) != nullptr);
+    discovery().serverHasDisconnected(ip);
+    QVERIFY(button(find<IPList>(), ip) == nullptr);
+
+    // A purged address comes back only after it was dropped.
+    find<ConnectPage>()->purgeIp();
+    emit discovery().serverDiscovered(kFirst);
+    QCOMPARE(listed(), QStringList());
+    emit discovery().serverTimeouted(kFirst);
+    emit discovery().serverDiscovered(kFirst);
+    QCOMPARE(listed(), QStringList({kFirst}));
+}
+
+void TestGuiCompanion::oneAddressIsMarkedAndConnectedTo() {
+    emit discovery().serverDiscovered(kFirst);
+    emit discovery().serverDiscovered(kSecond);
+    disconnect(find<ConnectPage>(), nullptr, window_.get(), nullptr);
+    QSignalSpy connections(find<ConnectPage>(), &ConnectPage::connection);
+    QPushButton* connect = button(currentPage(), QString());
+    QTest::mouseClick(connect, Qt::LeftButton); // nothing is selected
+    QCOMPARE(connections.count(), 0);
+    QVERIFY(!isConnectOffered());
+
+    QTRY_VERIFY(button(find<IPList>(), kSecond) != nullptr); // once it is laid out
+    QTest::mouseClick(button(find<IPList>(), kSecond), Qt::LeftButton);
+    QTest::mouseClick(button(find<IPList>(), kFirst), Qt::LeftButton);
+    QCOMPARE(listed(), QStringList({kFirst + " marked", kSecond}));
+    QVERIFY(isConnectOffered());
+    // The selection outlives its button.
+    emit discovery().serverTimeouted(kFirst);
+    QCOMPARE(listed(), QStringList({kSecond}));
+    QVERIFY(isConnectOffered());
+    emit discovery().serverDiscovered(kFirst);
+    QCOMPARE(listed(), QStringList({kSecond, kFirst + " marked"}));
+
+    QTest::mouseClick(connect, Qt::LeftButton);
+    QCOMPARE(connections.count(), 1);
+    QCOMPARE(connections.first().first().toString(), kFirst);
+    QCOMPARE(listed(), QStringList({kSecond, kFirst}));
+    QVERIFY(!isConnectOffered());
+    QTest::mouseClick(connect, Qt::LeftButton);
+    QCOMPARE(connections.count(), 1);
+}
+
+void TestGuiCompanion::anAddressMayGoWhileItIsBeingPressed() {
+    emit discovery().serverDiscovered(kFirst);
+    QTRY_VERIFY(button(find<IPList>(), kFirst) != nullptr);
+    QPushButton* address = button(find<IPList>(), kFirst);
+    QCoreApplication::processEvents(); // to its place
+    const QPoint place = address->mapTo(window_.get(), address->rect().center());
+    QTest::mousePress(window_->windowHandle(), Qt::LeftButton, {}, place);
+    QVERIFY(address->isDown());
+    emit discovery().serverTimeouted(kFirst);
+    QTest::mouseRelease(window_->windowHandle(), Qt::LeftButton, {}, place);
+    QVERIFY(find<IPList>()->selectedIp().isEmpty());
+}
+
+void TestGuiCompanion::manyProducersCanBeScrolledTo() {
+    for (int i = 0; i < 40; ++i) {
+        emit discovery().serverDiscovered(QStringLiteral("10.0.1.%1").arg(i));
+    }
+    auto* scrollBar = find<ConnectPage>()->findChild<QScrollArea*>()->verticalScrollBar();
+    QTRY_VERIFY(scrollBar->maximum() > 0);
+    scrollBar->setValue(scrollBar->maximum());
+    for (const auto* seen :
+         {button(find<IPList>(), QStringLiteral("10.0.1.39")), button(currentPage(), QString())}) {
+        QVERIFY(currentPage()->rect().contains(
+            QRect(seen->mapTo(currentPage(), QPoint()), seen->size())));
+    }
+}
+
 void TestGuiCompanion::tabsShowTheirPages() {
     connectByHand();
     auto* banner = find<HeadBanner>();
@@ -288,17 +404,10 @@ void TestGuiCompanion::tabsShowTheirPages() {
         QVERIFY(!banner->isAncestorOf(QApplication::focusWidget()));
     }
     // What is no page stays away.
-    const std::pair<const char*, int> lines[] = {{"This menu page does not exist!", 4},
-                                                 {"Page none should never be called", 1},
-                                                 {"This page does not exist.", 1}};
-    for (const auto& [line, times] : lines) {
-        messages_->expect(QtDebugMsg, line, times);
-    }
-    for (const int tab : {-1, 0, 5, 99}) {
+    messages_->expect(QtDebugMsg, "This menu page does not exist!", 2);
+    for (const int tab : {0, 5}) {
         banner->onMenuTabPressed(tab);
     }
-    find<Content>()->setPage(Page::None);
-    find<Content>()->setPage(static_cast<Page>(6));
     QVERIFY(shows<WarpPage>());
 
     // Without a mouse: Tab leads to the tabs and to the way out, and shows where it is.
@@ -337,8 +446,7 @@ void TestGuiCompanion::aLossVeilsTheWindow() {
 
     const QPushButton* bannerButton = button(find<HeadBanner>(), kDisconnect);
     const QRect place(bannerButton->mapTo(window_.get(), QPoint()), bannerButton->size());
-    QSignalSpy forgotten(&EventDispatcher::getInstance()->networkUtils(),
-                         &NetworkUtils::serverDisconnected);
+    QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
     loseConnection();
     QCOMPARE(overlay()->geometry(), window_->rect());
     QCOMPARE(forgotten.count(), 1);
@@ -374,8 +482,7 @@ void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
         QTest::keyClick(choice, Qt::Key_End); // the last colour, the last shape
     }
     QTRY_VERIFY(*producer_->events().back() == UpdateSettingsEvent("#ffff00", 4));
-    QSignalSpy forgotten(&EventDispatcher::getInstance()->networkUtils(),
-                         &NetworkUtils::serverDisconnected);
+    QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
     for (int loss = 1; loss <= 3; ++loss) {
         find<Content>()->setPage(Page::QuickKeys);
         loseConnection();

@@ -96,22 +96,21 @@ void TestWindowController::showItem() {
 
 /// Each input on its own, so that the order stays.
 void TestWindowController::set(const QString& input, bool held) {
-    const std::map<QString, int> buttons{{"RightCross_Bottom", 0},
-                                         {"RightCross_Right", 1},
-                                         {"RightCross_Left", 2},
-                                         {"RightCross_Top", 3},
-                                         {"Trigger_Left", 4},
-                                         {"Trigger_Right", 5},
-                                         {"Back", 6},
-                                         {"Start", 7}};
-    const std::map<QString, Uint8> hat{{"LeftDPad_Top", SDL_HAT_UP},
-                                       {"LeftDPad_Right", SDL_HAT_RIGHT},
-                                       {"LeftDPad_Bottom", SDL_HAT_DOWN},
-                                       {"LeftDPad_Left", SDL_HAT_LEFT}};
-    if (const auto button = buttons.find(input); button != buttons.end()) {
-        SDL_JoystickSetVirtualButton(pad_, button->second, held ? SDL_PRESSED : SDL_RELEASED);
+    const QStringList buttons{"RightCross_Bottom",
+                              "RightCross_Right",
+                              "RightCross_Left",
+                              "RightCross_Top",
+                              "Trigger_Left",
+                              "Trigger_Right",
+                              "Back",
+                              "Start"};
+    const QStringList directions{"LeftDPad_Top", "LeftDPad_Right", "LeftDPad_Bottom",
+                                 "LeftDPad_Left"}; // a bit of the hat each
+    if (buttons.contains(input)) {
+        SDL_JoystickSetVirtualButton(pad_, int(buttons.indexOf(input)),
+                                     held ? SDL_PRESSED : SDL_RELEASED);
     } else {
-        SDL_JoystickSetVirtualHat(pad_, 0, held ? hat.at(input) : Uint8(SDL_HAT_CENTERED));
+        SDL_JoystickSetVirtualHat(pad_, 0, Uint8(held ? 1 << directions.indexOf(input) : 0));
     }
     SDL_JoystickUpdate();
 }

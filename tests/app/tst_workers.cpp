@@ -1,16 +1,14 @@
 #include "app/CheckConnection.h"
 #include "app/EventDispatcher.h"
 #include "app/UpdateProducer.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/FakeProducer.h"
+#include "tests/support/GuardedTest.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
-#include <QUdpSocket>
 
 #include <atomic>
-#include <optional>
 #include <thread>
 
 using namespace std::chrono_literals;
@@ -19,19 +17,11 @@ namespace {
 
 const QString kProducer = QStringLiteral("10.77.0.1"); // the virtual interface of this test
 
-/// Answers as a Producer on this host would, once.
-void answerPing() {
-    QUdpSocket socket;
-    QVERIFY(socket.bind(QHostAddress(kProducer)));
-    socket.writeDatagram("PingReceived", QHostAddress(kProducer), 62331);
-}
-
-/// A Producer on this host that stays, however long a busy machine takes over a test.
-class SteadyProducer : public QTimer {
-public:
+/// Answers on this host from now on, for a first time at once.
+struct SteadyProducer : MeshpadTest::FakeProducer {
     SteadyProducer() {
-        callOnTimeout(&answerPing);
-        start(100ms);
+        QVERIFY(answerDiscovery(QHostAddress(kProducer)));
+        EventDispatcher::getInstance()->networkUtils().pingServers();
     }
 };
 
@@ -50,20 +40,16 @@ auto availableServers() {
 
 } // namespace
 
-class TestWorkers : public QObject {
+class TestWorkers : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
     void initTestCase() { EventDispatcher::getInstance(); } // hears from now on
     void init() {
-        messages_.emplace();
+        GuardedTest::init();
         UpdateProducer::tickPeriod = 1h;
         CheckConnection::firstCheckDelay = 1h;
         CheckConnection::checkPeriod = 1h;
-    }
-    void cleanup() {
-        messages_->verify();
-        messages_.reset();
     }
 
     void tickRunsWithItsPeriodAndEndsAtOnceWithOneLastSignal() {
@@ -119,7 +105,7 @@ private slots:
         thread.setWatchedAddress(kProducer);
         QVERIFY(announcements.wait());
 
-        producer.stop();
+        producer.stopAnswering();
         QCoreApplication::processEvents(); // takes an answer that is on its way
         EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kProducer);
         QVERIFY(!announcements.wait(100));
@@ -170,7 +156,7 @@ private slots:
         std::atomic<bool> seen = false;
         connect(
             &thread, &CheckConnection::seen, this, [&] { seen = true; }, Qt::DirectConnection);
-        answerPing();
+        const SteadyProducer producer;
         QTRY_VERIFY(availableServers().contains(kProducer));
         QElapsedTimer clock;
         clock.start();
@@ -185,9 +171,6 @@ private slots:
         if (clock.elapsed() < 1'000 || announced == 0) // shortly, for the machine as well
             QCOMPARE(announcements.count(), announced);
     }
-
-private:
-    std::optional<MeshpadTest::MessageGuard> messages_;
 };
 
 QTEST_GUILESS_MAIN(TestWorkers)

@@ -34,8 +34,7 @@ protected:
 template <typename PageClass>
 class PageTest {
 public:
-    explicit PageTest(Configuration record = makeConfiguration())
-        : configuration(std::move(record)) {
+    PageTest() {
         initCompanionResources();
         QFile sheet{QLatin1StringView(ShellLook::kStyleSheetPath)};
         if (sheet.open(QFile::ReadOnly | QFile::Text)) {
@@ -45,7 +44,9 @@ public:
         window.layout()->addWidget(page);
         window.resize(1280, 610);
         window.show();
-        ready = QTest::qWaitForWindowActive(&window) && connectToProducer();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QVERIFY(producer.listen());
+        connectToProducer();
     }
     ~PageTest() {
         EventDispatcher::getInstance()->client().disconnectFromServer();
@@ -53,17 +54,15 @@ public:
     }
     Q_DISABLE_COPY_MOVE(PageTest)
 
-    bool connectToProducer() {
-        return (producer.port() != 0 || producer.listen()) &&
-               EventDispatcher::getInstance()->client().connectToServer(producer.host(),
-                                                                        producer.port()) &&
-               QTest::qWaitFor([this] { return producer.connectionCount() == 1; });
+    void connectToProducer() {
+        QVERIFY(EventDispatcher::getInstance()->client().connectToServer(producer.host(),
+                                                                         producer.port()));
+        QTRY_COMPARE(producer.connectionCount(), 1);
     }
 
     MeshpadTest::MessageGuard messages;
-    const Configuration configuration;
+    const Configuration configuration = makeConfiguration();
     MeshpadTest::FakeProducer producer;
     Window window;
     PageClass* page = nullptr; ///< a child of the window
-    bool ready = false;
 };
