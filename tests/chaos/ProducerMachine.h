@@ -1,29 +1,47 @@
 #pragma once
 
 #include "tests/chaos/ChaosProxy.h"
-#include "tools/demo_producer/Show.h"
+#include "tools/demo_producer/DemoEdits.h"
+#include "tools/demo_producer/ShowCatalog.h"
 
-#include <memory>
+#include <QTimer>
+#include <QUdpSocket>
 
 /// A machine with a real Producer behind a bad network, to be made and used on the machine's own
 /// thread. It lets companions know of itself all the time, so that nobody waits for a ping.
 class ProducerMachine {
 public:
-    ProducerMachine(const QHostAddress& address, const QHostAddress& companion, quint32 seed);
-    ~ProducerMachine();
+    ProducerMachine(const QHostAddress& here, const QHostAddress& companion, quint32 seed)
+        : address_(here),
+          network(session_.listen(QHostAddress::LocalHost, 0) ? session_.port() : 0, seed, nullptr),
+          edits_(session_, commands_, 0, seed, nullptr) {
+        isUp = session_.port() > 0 && mouth_.bind(here, 0) && accept();
+        QObject::connect(&answers_, &QTimer::timeout, &mouth_,
+                         [=, this] { mouth_.writeDatagram("PingReceived", companion, 62331); });
+        answers_.start(5);
+    }
 
-    /// Whether all of its ports were free.
-    bool isUp() const;
-    const Show& show() const;
+    const Show& show() const { return session_.show(); }
     /// Lets the show change by itself, that many times.
-    void edit(int times);
-
-    ChaosProxy& network();
-    /// Nobody gets through, until the second one.
-    void refuse();
-    void accept();
+    void edit(int times) {
+        for (int i = 0; i < times; ++i)
+            edits_.edit();
+    }
+    /// Lets companions through to the network; until then, and after its refuse(), nobody gets
+    /// there.
+    bool accept() { return network.listen(address_, 62330); }
 
 private:
-    struct Parts;
-    std::unique_ptr<Parts> parts_;
+    QHostAddress address_;
+    ProducerSession session_{{ShowCatalog::harbour(), ShowCatalog::winterGarden()}, nullptr};
+
+public:
+    ChaosProxy network;
+    bool isUp = false; ///< all of its ports were free
+
+private:
+    Commands commands_{session_, nullptr};
+    DemoEdits edits_;
+    QUdpSocket mouth_;
+    QTimer answers_;
 };

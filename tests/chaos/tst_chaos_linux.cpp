@@ -1,10 +1,9 @@
 #include "app/CheckConnection.h"
-#include "app/ConnectPage.h"
 #include "app/DisconnectOverlay.h"
 #include "app/EventDispatcher.h"
 #include "app/GuiCompanion.h"
 #include "tests/chaos/ProducerMachine.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/PeerNamespace.h"
 #include "tests/support/WindowUnderTest.h"
 #include "tools/demo_producer/ShowNames.h"
@@ -71,9 +70,7 @@ ItemKey keyOf(const Item& row) {
 }
 
 int environmentNumber(const char* name, int otherwise) {
-    bool good = false;
-    const int number = qEnvironmentVariableIntValue(name, &good);
-    return good ? number : otherwise;
+    return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : otherwise;
 }
 
 } // namespace
@@ -81,7 +78,7 @@ int environmentNumber(const char* name, int otherwise) {
 /// The whole window and a real Producer on two machines, with a network between them that breaks
 /// at any byte and any moment. Whatever was going on: once there is a connection again, the window
 /// shows what the Producer has.
-class ChaosTest : public QObject {
+class ChaosTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
@@ -117,7 +114,6 @@ private:
     MeshpadTest::WindowUnderTest application_;
     QRandomGenerator random_;
     quint32 seed_ = quint32(environmentNumber("MESHPAD_CHAOS_SEED", 1));
-    std::optional<MeshpadTest::MessageGuard> messages_;
     std::unique_ptr<MeshpadTest::PeerNamespace> machine_;
     std::shared_ptr<ProducerMachine> producer_;
     std::unique_ptr<GuiCompanion> window_;
@@ -132,14 +128,14 @@ void ChaosTest::initTestCase() {
 }
 
 void ChaosTest::init() {
-    messages_.emplace();
+    GuardedTest::init();
     random_.seed(seed_);
     machine_ = std::make_unique<MeshpadTest::PeerNamespace>();
     QVERIFY(machine_->isValid());
     QVERIFY(machine_->link("here0", kHere.toString(), "there0", kThere.toString()));
     producer_ = machine_->make<ProducerMachine>(
         [this] { return new ProducerMachine(kThere, kHere, seed_); });
-    QVERIFY(producer_->isUp());
+    QVERIFY(producer_->isUp);
 
     window_ = std::make_unique<GuiCompanion>(nullptr);
     window_->show();
@@ -152,15 +148,13 @@ void ChaosTest::init() {
 
 void ChaosTest::cleanup() {
     window_->onDisconnectFromServer();
-    auto* scene = find<QQuickWidget>();
-    MeshpadTest::WindowUnderTest::clear(scene);
+    MeshpadTest::WindowUnderTest::clear(find<QQuickWidget>());
     window_.reset();
     EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kThere.toString());
     producer_.reset();
     MeshpadTest::PeerNamespace::ipHere("link delete here0");
     machine_.reset();
-    messages_->verify();
-    messages_.reset();
+    GuardedTest::cleanup();
 }
 
 bool ChaosTest::isVeiled() const {
@@ -224,15 +218,14 @@ QString ChaosTest::pointsDifference(const ItemKey& key) const {
     const ShowItem* item = now.find(key);
     if (!item)
         return "not in the show";
-    const QString name = nameOf(key) + ": ";
+    QString name = nameOf(key) + ": ";
     for (const bool xy : {true, false}) {
         auto* grid =
             evaluate(xy ? "getCurrentItem().deformerGrids[0]" : "getCurrentItem().deformerGrids[1]")
                 .value<MeshGridItem*>();
         const int shown = grid ? grid->pointCount() : 0;
-        const bool bent = item->shownKind() != Warp::Kind::None;
         const auto& points = xy ? item->warp.xy : item->warp.uv;
-        const int expected = bent ? int(points.size()) : 0;
+        const int expected = item->shownKind() == Warp::Kind::None ? 0 : int(points.size());
         if (shown != expected)
             return name + QString("%1 points for %2").arg(shown).arg(expected);
         for (int id = 0; id < expected; ++id) {
@@ -242,14 +235,10 @@ QString ChaosTest::pointsDifference(const ItemKey& key) const {
             const QPointF seen = xy ? QPointF(point->x(), point->y()) - size / 2
                                     : QPointF(point->x() / size.x(), point->y() / size.y());
             // Which points are selected is the operator's choice; a Producer only follows it.
-            if ((seen - wanted).manhattanLength() > 1e-6)
-                return name + QString("%1 point %2 at %3 %4 for %5 %6")
-                                  .arg(xy ? "xy" : "uv")
-                                  .arg(id)
-                                  .arg(seen.x())
-                                  .arg(seen.y())
-                                  .arg(wanted.x())
-                                  .arg(wanted.y());
+            if ((seen - wanted).manhattanLength() > 1e-6) {
+                QDebug(&name) << (xy ? "xy" : "uv") << "point" << id << seen << "for" << wanted;
+                return name;
+            }
         }
     }
     return {};
@@ -275,28 +264,18 @@ QString ChaosTest::lastingDifference() const {
 /// Something that an operator does, with a network or without: by key, or with a finger on a point.
 void ChaosTest::operate() {
     QWindow* target = window_->windowHandle();
-    const auto key = [&](Qt::Key code, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(target, code, modifiers);
-    };
     constexpr Qt::Key kArrows[] = {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down};
     const Qt::Key arrow = kArrows[random_.bounded(4)];
-    switch (random_.bounded(8)) {
-    case 0:
-        return key(random_.bounded(2) ? Qt::Key_M : Qt::Key_P);
-    case 1:
-        return key(arrow, Qt::AltModifier);
-    case 2:
-        return key(arrow);
-    case 3:
-        return key(Qt::Key_Space);
-    case 4:
-        key(Qt::Key_A, Qt::ControlModifier);
-        return key(arrow, Qt::ControlModifier);
-    case 5:
-        return key(Qt::Key_Escape);
-    default:
-        break;
-    }
+    const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
+        {random_.bounded(2) ? Qt::Key_M : Qt::Key_P, {}},
+        {arrow, Qt::AltModifier},
+        {arrow, {}},
+        {Qt::Key_Space, {}},
+        {Qt::Key_A, Qt::ControlModifier},
+        {arrow, Qt::ControlModifier},
+        {Qt::Key_Escape, {}}};
+    if (const auto choice = std::size_t(random_.bounded(9)); choice < std::size(keys))
+        return QTest::keyClick(target, keys[choice].first, keys[choice].second);
     auto* grid =
         evaluate("getCurrentItem() ? getCurrentItem().deformerGrids[getCurrentGridId()] : null")
             .value<MeshGridItem*>();
@@ -320,8 +299,8 @@ bool ChaosTest::waitForEarlyBreak(int lossesBefore) {
         soon([=, this] { return losses() > lossesBefore || listDifference().isEmpty(); }));
     int pending = 0;
     machine_->run([&] {
-        producer_->network().cutAfter(-1, Cut::Closed);
-        pending = producer_->network().cuts();
+        producer_->network.cutAfter(-1, Cut::Closed);
+        pending = producer_->network.cuts();
     });
     return soon([=, this] { return losses() >= pending; }) && losses() > lossesBefore;
 }
@@ -341,13 +320,13 @@ void ChaosTest::everyLossIsRecoveredFrom() {
         const int bytes = random_.bounded(3'000);
         machine_->run([&] {
             if (!atOnce)
-                producer_->network().cutAfter(bytes, cut);
+                producer_->network.cutAfter(bytes, cut);
         });
         const bool broke = soon([&] {
             edit(random_.bounded(1, 4));
             operate();
             if (atOnce && random_.bounded(4) == 0)
-                machine_->run([&] { producer_->network().cut(cut); });
+                machine_->run([&] { producer_->network.cut(cut); });
             return losses() > before;
         });
         QVERIFY2(broke, qPrintable("the break was not noticed" + where));
@@ -360,11 +339,11 @@ void ChaosTest::everyLossIsRecoveredFrom() {
         const bool refuses = random_.bounded(8) == 0;
         const int firstBytes = random_.bounded(kBytesOfAShow);
         machine_->run([&] {
-            producer_->network().setWeather(weather);
+            producer_->network.setWeather(weather);
             if (breaksEarly)
-                producer_->network().cutAfter(firstBytes, cut);
+                producer_->network.cutAfter(firstBytes, cut);
             if (refuses)
-                producer_->refuse();
+                producer_->network.refuse();
         });
         if (refuses) {
             QTest::qWait(random_.bounded(40));

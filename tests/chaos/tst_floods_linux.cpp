@@ -13,7 +13,7 @@
 #include "network/MediaBlindEvent.h"
 #include "network/ProtocolLimits.h"
 #include "network/ScreenMovePointEvent.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/PeerNamespace.h"
 #include "tests/support/ThreadTime.h"
 #include "tests/support/WindowUnderTest.h"
@@ -33,7 +33,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <thread>
 
 #include <arpa/inet.h>
@@ -195,7 +194,7 @@ private:
 } // namespace
 
 /// More than a window can have wished for: it stays a window to work with.
-class FloodTest : public QObject {
+class FloodTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
@@ -215,7 +214,6 @@ private:
     void judge(Presser& presser, double memoryBefore, const char* what);
 
     MeshpadTest::WindowUnderTest application_;
-    std::optional<MeshpadTest::MessageGuard> messages_;
     std::unique_ptr<GuiCompanion> window_;
 };
 
@@ -224,7 +222,7 @@ void FloodTest::initTestCase() {
 }
 
 void FloodTest::init() {
-    messages_.emplace();
+    GuardedTest::init();
     window_ = std::make_unique<GuiCompanion>(nullptr);
     window_->show();
     QVERIFY(QTest::qWaitForWindowActive(window_.get()));
@@ -233,11 +231,9 @@ void FloodTest::init() {
 void FloodTest::cleanup() {
     window_->onDisconnectFromServer();
     find<Content>()->setPage(Companion::Page::Warp); // whose scene draws a last time
-    auto* scene = find<QQuickWidget>();
-    MeshpadTest::WindowUnderTest::clear(scene);
+    MeshpadTest::WindowUnderTest::clear(find<QQuickWidget>());
     window_.reset();
-    messages_->verify();
-    messages_.reset();
+    GuardedTest::cleanup();
 }
 
 void FloodTest::judge(Presser& presser, double memoryBefore, const char* what) {

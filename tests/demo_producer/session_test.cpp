@@ -19,7 +19,6 @@ namespace {
 
 constexpr ItemKey kFront{Element::Screen, 0, 0};
 constexpr ItemKey kWall{Element::Screen, 1, 0};
-constexpr ItemKey kSilos{Element::Screen, 2, 0};
 constexpr ItemKey kLeftSilo{Element::ScreenPart, 2, 0};
 constexpr ItemKey kTide{Element::Media, 11, 1};
 constexpr ItemKey kRadar{Element::Media, 14, 4};
@@ -228,26 +227,6 @@ private slots:
         QVERIFY(a_->hears<AddScreenPartEvent>(5u, 7u, 5u, 960u, 1080u, 0u, 0.0, "", false));
         session_->startNewShow();
         QCOMPARE(session_->show(), ShowCatalog::harbour());
-    }
-
-    void itemsComeAndGo() {
-        const ShowItem radar = *session_->show().find(kRadar);
-        const ShowItem silos = *session_->show().find(kSilos);
-        b_->ask(4);
-        QVERIFY(b_->last<ItemDataEvent>());
-        QVERIFY(session_->removeItem(kRadar));
-        QVERIFY(session_->removeItem(kSilos)); // and with it its parts
-        QVERIFY(b_->hears<RemoveMediaEvent>(14u, 4u, "Radar"));
-        QVERIFY(b_->hears<RemoveScreenEvent>(2u));
-        QVERIFY(!session_->show().find(kLeftSilo));
-        QVERIFY(!std::prev(session_->companions().end())->second.editing);
-        QVERIFY(!session_->removeItem(kLeftSilo));
-        QVERIFY(session_->addItem(silos));
-        QVERIFY(!session_->addItem(silos));
-        QVERIFY(session_->addItem(radar));
-        QVERIFY(b_->hears<MediaDeformationModeEvent>(Element::Media, Kind::Bezier, 14u, 4u, 10u,
-                                                     "Radar", 4u, 4u, false));
-        QVERIFY(b_->hears<ScreenModeEvent>(LV_NTC_ModeType::Parts, 2u, 3u, "Silos"));
     }
 
     void whatMakesNoSenseIsIgnored() {

@@ -1,6 +1,7 @@
 #include "tests/end_to_end/Desktop.h"
 
 #include <QDir>
+#include <QProcess>
 #include <QTest>
 
 namespace {
@@ -8,23 +9,25 @@ namespace {
 constexpr int kProgramTimeout = 60'000; // ms
 constexpr int kSearchTimeout = 5'000;   // ms
 
-QString point(int value) {
-    return QString::number(value);
-}
-
 } // namespace
 
-QString Desktop::run(const QString& program, const QStringList& arguments) {
+QByteArray Desktop::run(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(kProgramTimeout) || process.exitCode() != 0) {
-        const QString complaint = QString::fromUtf8(process.readAllStandardError());
-        QTest::qFail(
-            qPrintable(QStringLiteral("%1 %2: %3").arg(program, arguments.join(' '), complaint)),
-            __FILE__, __LINE__);
-        return {};
-    }
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    if (process.waitForFinished(kProgramTimeout) && process.exitCode() == 0)
+        return process.readAllStandardOutput();
+    const QString complaint = QString::fromUtf8(process.readAllStandardError());
+    QTest::qFail(qPrintable(QString("%1 %2: %3").arg(program, arguments.join(' '), complaint)),
+                 __FILE__, __LINE__);
+    return {};
+}
+
+void Desktop::act(const QString& words) {
+    run("xdotool", words.split(' '));
+}
+
+QString Desktop::at(QPoint place) {
+    return QString("mousemove %1 %2").arg(place.x()).arg(place.y());
 }
 
 QString Desktop::placeWindow(const QString& title, QPoint topLeft) {
@@ -43,56 +46,14 @@ QString Desktop::placeWindow(const QString& title, QPoint topLeft) {
         QTest::qFail(qPrintable("no window " + title), __FILE__, __LINE__);
         return {};
     }
-    run("xdotool", {"windowmove", id, point(topLeft.x()), point(topLeft.y())});
+    act(QString("windowmove %1 %2 %3").arg(id).arg(topLeft.x()).arg(topLeft.y()));
     return id;
-}
-
-void Desktop::focusWindow(const QString& windowId) {
-    run("xdotool", {"windowraise", windowId, "windowfocus", "--sync", windowId});
-}
-
-void Desktop::press(const QString& key) {
-    run("xdotool", {"key", key});
-}
-
-void Desktop::keyDown(const QString& key) {
-    run("xdotool", {"keydown", key});
-}
-
-void Desktop::keyUp(const QString& key) {
-    run("xdotool", {"keyup", key});
-}
-
-void Desktop::mouseMove(QPoint place) {
-    run("xdotool", {"mousemove", point(place.x()), point(place.y())});
-}
-
-void Desktop::click(QPoint place) {
-    mouseMove(place);
-    run("xdotool", {"click", "1"});
-}
-
-void Desktop::mouseDown(QPoint place) {
-    mouseMove(place);
-    run("xdotool", {"mousedown", "1"});
-}
-
-void Desktop::mouseUp() {
-    run("xdotool", {"mouseup", "1"});
-}
-
-QImage Desktop::look() {
-    QProcess process;
-    process.start("import", {"-window", "root", "png:-"});
-    process.waitForFinished(kProgramTimeout);
-    return QImage::fromData(process.readAllStandardOutput(), "PNG");
 }
 
 void Desktop::keepPicture(const QString& name) {
     const QString folder = qEnvironmentVariable("MESHPAD_SCREENSHOTS");
-    if (folder.isEmpty()) {
+    if (folder.isEmpty())
         return;
-    }
     QTest::qWait(400); // a picture for people: what is still being drawn shall be in it
     QDir().mkpath(folder);
     look().save(QDir(folder).filePath(name + ".png"));

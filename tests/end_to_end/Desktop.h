@@ -2,7 +2,6 @@
 
 #include <QImage>
 #include <QPoint>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 
@@ -10,24 +9,23 @@
 /// moves, pictures of the screen. All places are pixels of the screen.
 namespace Desktop {
 
-/// Runs a program to its end; what it printed, trimmed, or nothing and a failure of the test.
-QString run(const QString& program, const QStringList& arguments);
+/// Runs a program to its end; what it printed, or nothing and a failure of the test.
+QByteArray run(const QString& program, const QStringList& arguments);
+
+/// What the hands do, in xdotool's words: "key ctrl+a", "keydown ctrl", "mousedown 1".
+void act(const QString& words);
+/// The words for a pointer at that place.
+QString at(QPoint place);
+inline void click(QPoint place) {
+    act(at(place) + " click 1");
+}
 
 /// Waits until a window with that title is shown, and puts it there. Its id.
 QString placeWindow(const QString& title, QPoint topLeft);
-void focusWindow(const QString& windowId);
 
-/// Key names as the X server knows them, "ctrl+a", "alt+Right", "Escape".
-void press(const QString& key);
-void keyDown(const QString& key);
-void keyUp(const QString& key);
-
-void click(QPoint place);
-void mouseDown(QPoint place);
-void mouseMove(QPoint place);
-void mouseUp();
-
-QImage look();
+inline QImage look() {
+    return QImage::fromData(run("import", {"-window", "root", "png:-"}), "PNG");
+}
 /// Keeps a picture of the screen under that name when a folder is named in MESHPAD_SCREENSHOTS.
 void keepPicture(const QString& name);
 

@@ -33,7 +33,7 @@ constexpr QPoint kCanvasCentre{760, 418};
 constexpr QSizeF kCanvasSize{1040, 604};
 constexpr QRect kOverlayText{560, 330, 160, 90};
 
-const QString kScreen = QStringLiteral("screen:1"); // the first row: a keystone, 1920 x 1080
+const QString kScreen = "screen:1"; // the first row: a keystone, 1920 x 1080
 
 /// How the canvas shows an item after "Adjust view": its mesh in the middle.
 struct View {
@@ -47,13 +47,10 @@ struct View {
 
 bool isOverlayShown() {
     const QImage screen = look().copy(kOverlayText);
-    for (int y = 0; y < screen.height(); ++y) {
-        for (int x = 0; x < screen.width(); ++x) {
-            const QColor color = screen.pixelColor(x, y);
-            if (color.red() > 200 && color.green() < 60 && color.blue() < 60) {
-                return true;
-            }
-        }
+    for (int i = 0; i < screen.width() * screen.height(); ++i) {
+        const QColor color = screen.pixelColor(i % screen.width(), i / screen.width());
+        if (color.red() > 200 && color.green() < 60 && color.blue() < 60)
+            return true;
     }
     return false;
 }
@@ -92,7 +89,6 @@ private:
     QProcess machine_; ///< holds the Producer's namespace
     QProcess producer_;
     QProcess meshpad_;
-    QString window_;
     View view_;
     bool hasFailed_ = false;
 };
@@ -101,9 +97,8 @@ void EndToEndTest::initTestCase() {
     QVERIFY(folder_.isValid());
     state_ = std::make_unique<ProducerState>(folder_.filePath("state.json"));
     startProducer();
-    if (QTest::currentTestFailed()) {
+    if (QTest::currentTestFailed())
         return;
-    }
 
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("XDG_CONFIG_HOME", folder_.filePath("config"));
@@ -111,8 +106,8 @@ void EndToEndTest::initTestCase() {
     meshpad_.setProcessChannelMode(QProcess::MergedChannels);
     meshpad_.start(meshpadPath, QStringList());
     QVERIFY(meshpad_.waitForStarted());
-    window_ = placeWindow("^Meshpad 1[.]7[.]2$", kMeshpadAt);
-    focusWindow(window_);
+    const QString window = placeWindow("^Meshpad 1[.]7[.]2$", kMeshpadAt);
+    act(QString("windowraise %1 windowfocus --sync %1").arg(window));
 }
 
 void EndToEndTest::startProducer() {
@@ -136,15 +131,13 @@ void EndToEndTest::startProducer() {
     producer_.start("nsenter", {"--target", id, "--net", producerPath, "--still", "--state",
                                 folder_.filePath("state.json")});
     QVERIFY(producer_.waitForStarted());
-    if (placeWindow("Producer", kProducerAt).isEmpty()) {
+    if (placeWindow("Producer", kProducerAt).isEmpty())
         QFAIL(producer_.readAll());
-    }
 }
 
 void EndToEndTest::init() {
-    if (hasFailed_) {
+    if (hasFailed_)
         QSKIP("stands on a step that failed");
-    }
 }
 
 void EndToEndTest::cleanup() {
@@ -152,7 +145,7 @@ void EndToEndTest::cleanup() {
         hasFailed_ = true;
         qInfo().noquote() << "Producer:\n" << producer_.readAll();
         qInfo().noquote() << "State:\n" << state_->companions();
-        keepPicture(QStringLiteral("failed-") + QTest::currentTestFunction());
+        keepPicture(QString("failed-") + QTest::currentTestFunction());
     }
 }
 
@@ -180,21 +173,21 @@ void EndToEndTest::findsTheProducerAndConnects() {
         static_cast<void>(QTest::qWaitFor(isConnected, 2'000));
     }
     QCOMPARE(state_->companions().size(), 1);
-    QCOMPARE(state_->companion()["address"].toString(), QStringLiteral("10.77.0.1"));
+    QCOMPARE(state_->companion()["address"].toString(), "10.77.0.1");
 }
 
 void EndToEndTest::selectsAnItemByKey() {
     selectFirstItem();
     QCOMPARE(state_->editedItem(), kScreen);
-    press("m");
-    QTRY_COMPARE(state_->editedItem(), QStringLiteral("part:2/0"));
-    press("p");
+    act("key m");
+    QTRY_COMPARE(state_->editedItem(), "part:2/0");
+    act("key p");
     QTRY_COMPARE(state_->editedItem(), kScreen);
 
     if (hasGraphicsProcessor())
         return;
     // The scene is drawn, and not through an OpenGL that only a compiler of shaders makes possible.
-    QFile loaded(QStringLiteral("/proc/%1/maps").arg(meshpad_.processId()));
+    QFile loaded(QString("/proc/%1/maps").arg(meshpad_.processId()));
     QVERIFY(loaded.open(QIODevice::ReadOnly));
     const QByteArray libraries = loaded.readAll();
     QVERIFY(libraries.contains("libQt6Quick") && !libraries.contains("libLLVM"));
@@ -204,7 +197,7 @@ void EndToEndTest::selectsAnItemByKey() {
 void EndToEndTest::selectFirstItem() {
     const auto isSelected = [this] { return !state_->editedItem().isEmpty(); };
     for (int attempt = 0; attempt < 6 && !isSelected(); ++attempt) {
-        press("m");
+        act("key m");
         static_cast<void>(QTest::qWaitFor(isSelected, 10'000));
     }
 }
@@ -213,16 +206,15 @@ void EndToEndTest::adjustView() {
     // The mesh is there as soon as its points can be selected.
     const auto isThere = [this] { return state_->selection(kScreen) == "0 1 2 3"; };
     for (int attempt = 0; attempt < 6 && !isThere(); ++attempt) {
-        press("ctrl+a");
+        act("key ctrl+a");
         static_cast<void>(QTest::qWaitFor(isThere, 5'000));
     }
-    press("Escape");
+    act("key Escape");
     QTRY_COMPARE(state_->selection(kScreen), QString());
     click(kAdjustView);
     QPolygonF mesh;
-    for (int id = 0; id < 4; ++id) {
+    for (int id = 0; id < 4; ++id)
         mesh.append(state_->point(kScreen, id));
-    }
     const QRectF box = mesh.boundingRect();
     view_.centre = box.center();
     view_.zoom = qMin(kCanvasSize.width() / box.width(), kCanvasSize.height() / box.height()) / 2.5;
@@ -230,40 +222,35 @@ void EndToEndTest::adjustView() {
 
 void EndToEndTest::selectsPoints() {
     adjustView();
-    click(pointOnScreen(0));
-    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0"));
-    keyDown("ctrl");
-    click(pointOnScreen(3));
-    keyUp("ctrl");
-    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0 3"));
-    press("Escape");
-    QTRY_COMPARE(state_->selection(kScreen), QString());
-    press("ctrl+a");
-    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0 1 2 3"));
-    press("Escape");
-    QTRY_COMPARE(state_->selection(kScreen), QString());
-    press("alt+Right"); // without a current point, point 0 becomes it
-    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0"));
-    press("alt+Right");
-    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("1"));
-    press("ctrl+alt+Down"); // its column
-    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("1 3"));
-    press("Escape");
-    QTRY_COMPARE(state_->selection(kScreen), QString());
+    const QString first = at(pointOnScreen(0)) + " click 1";
+    const QString last = at(pointOnScreen(3)) + " click 1";
+    const std::pair<QString, const char*> rows[] = {
+        {first, "0"},
+        {"keydown ctrl " + last + " keyup ctrl", "0 3"},
+        {"key Escape", ""},
+        {"key ctrl+a", "0 1 2 3"},
+        {"key Escape", ""},
+        {"key alt+Right", "0"}, // without a current point, point 0 becomes it
+        {"key alt+Right", "1"},
+        {"key ctrl+alt+Down", "1 3"}, // its column
+        {"key Escape", ""}};
+    for (const auto& [words, selected] : rows) {
+        act(words);
+        QTRY_COMPARE(state_->selection(kScreen), selected);
+    }
 }
 
 void EndToEndTest::nudgesPointsByKey() {
-    press("alt+Right");
-    press("alt+Right");
-    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("1"));
+    act("key alt+Right key alt+Right");
+    QTRY_COMPARE(state_->selection(kScreen), "1");
     const QPointF before = state_->point(kScreen, 1);
-    press("Right");
+    act("key Right");
     QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(1, 0));
-    press("ctrl+Down");
+    act("key ctrl+Down");
     QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(1, 10));
-    press("shift+Left");
+    act("key shift+Left");
     QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(0.8, 10));
-    press("Escape");
+    act("key Escape");
 }
 
 void EndToEndTest::dragsPointsWhileTheProducerFollows() {
@@ -271,29 +258,28 @@ void EndToEndTest::dragsPointsWhileTheProducerFollows() {
     const QPointF last = state_->point(kScreen, 3);
     const QPointF untouched = state_->point(kScreen, 2);
     click(pointOnScreen(3));
-    keyDown("ctrl");
+    act("keydown ctrl");
     click(pointOnScreen(0));
-    keyUp("ctrl");
-    QTRY_COMPARE(state_->selection(kScreen), QStringLiteral("0 3"));
+    act("keyup ctrl");
+    QTRY_COMPARE(state_->selection(kScreen), "0 3");
 
     const QPoint start = pointOnScreen(0);
-    mouseDown(start);
-    for (int step = 1; step <= 10; ++step) {
-        mouseMove(start + QPoint(6, 4) * step);
-    }
+    act(at(start) + " mousedown 1");
+    for (int step = 1; step <= 10; ++step)
+        act(at(start + QPoint(6, 4) * step));
     // The Producer follows before the finger is up.
     const QPointF moved = QPointF(60, 40) / view_.zoom;
     const auto isNear = [](QPointF a, QPointF b) { return (a - b).manhattanLength() < 12; };
     QTRY_VERIFY(isNear(state_->point(kScreen, 0), first + moved));
     keepPicture("2-dragging");
-    mouseUp();
+    act("mouseup 1");
     QTRY_VERIFY(isNear(state_->point(kScreen, 0), first + moved));
     // The whole selection by the same distance, nothing else at all.
     const QPointF difference = state_->point(kScreen, 3) - last;
     const QPointF same = state_->point(kScreen, 0) - first;
     QVERIFY2((difference - same).manhattanLength() < 1e-6, "the selection lost its shape");
     QCOMPARE(state_->point(kScreen, 2), untouched);
-    press("Escape");
+    act("key Escape");
     QTRY_COMPARE(state_->selection(kScreen), QString());
 }
 
@@ -306,9 +292,9 @@ void EndToEndTest::blindsAnItem() {
         return state_->all()["receivedEvents"].toObject()["Blind"].toInt();
     };
     const int before = blinds();
-    keyDown("space");
+    act("keydown space");
     QTest::qWait(1'200); // several repetitions
-    keyUp("space");
+    act("keyup space");
     QTRY_VERIFY(!state_->item(kScreen)["blinded"].toBool());
     QCOMPARE(blinds(), before + 1);
 }
@@ -321,12 +307,12 @@ void EndToEndTest::showsTheOtherPages() {
     click(kTabs[2]);
     keepPicture("5-test-patterns");
     click(kPatternTile);
-    QTRY_COMPARE(state_->all()["pattern"].toString(), QStringLiteral("tile"));
+    QTRY_COMPARE(state_->all()["pattern"].toString(), "tile");
     click(kTabs[3]);
     keepPicture("6-settings");
     click(kTabs[0]);
-    press("m");
-    QTRY_COMPARE(state_->editedItem(), QStringLiteral("part:2/0"));
+    act("key m");
+    QTRY_COMPARE(state_->editedItem(), "part:2/0");
     keepPicture("7-warp-page");
 }
 

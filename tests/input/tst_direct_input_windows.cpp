@@ -1,6 +1,6 @@
 #include "input/gamepad_input_manager.h"
 #include "tests/input/InputLog.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QDeadlineTimer>
@@ -61,12 +61,11 @@ private:
 
 /// The real source of controllers on Windows. With MESHPAD_PAD_COMMANDS, a file whose lines
 /// somebody obeys on a virtual controller, the controller is tried as well.
-class TestDirectInput : public QObject {
+class TestDirectInput : public GuardedTest {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void init();
     void cleanup();
 
     void deviceChangeMessageStartsALook();
@@ -89,7 +88,6 @@ private:
     std::unique_ptr<GamepadInputManager> manager_;
     QFile commands_{qEnvironmentVariable("MESHPAD_PAD_COMMANDS")};
     std::unique_ptr<InputLog> log_;
-    std::optional<MessageGuard> messages_;
 };
 
 void TestDirectInput::initTestCase() {
@@ -102,18 +100,13 @@ void TestDirectInput::initTestCase() {
         QVERIFY(commands_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered));
 }
 
-void TestDirectInput::init() {
-    messages_.emplace();
-}
-
 void TestDirectInput::cleanup() {
     manager_.reset();
     if (commands_.isOpen()) {
         command("unplug\n");
         QTRY_VERIFY(system_->attachedControllers()->empty());
     }
-    messages_->verify();
-    messages_.reset();
+    GuardedTest::cleanup();
 }
 
 void TestDirectInput::start() {

@@ -121,7 +121,6 @@ private slots:
     void eventLoopHasItsTurnInAFloodOfNothing();
     void receiverDisconnects();
     void receiverStopsReading();
-    void receiverDestroysTheTransport_data();
     void receiverDestroysTheTransport();
     void receiverRunsAnEventLoop();
     void withoutReceiver();
@@ -358,34 +357,28 @@ void TransportTest::receiverStopsReading() {
     QTRY_COMPARE(disconnected.size(), 1);
 }
 
-void TransportTest::receiverDestroysTheTransport_data() {
-    QTest::addColumn<bool>("inPieces");
-    QTest::addColumn<bool>("atTheEnd");
-    QTest::newRow("first of three frames") << false << false;
-    QTest::newRow("after a pause") << true << false;
-    QTest::newRow("told of the end") << false << true;
-}
-
+/// At the first of some frames, at one after a pause, or told of the end.
 void TransportTest::receiverDestroysTheTransport() {
-    QFETCH(bool, inPieces);
-    QFETCH(bool, atTheEnd);
-    BareWire wire;
-    const auto destroy = [&] {
-        if (inPieces && wire.events.size() < 3)
-            QTest::qSleep(20);
+    for (const std::size_t after : {1U, 3U, 4U}) {
+        const bool atTheEnd = after == 4;
+        BareWire wire;
+        const auto destroy = [&] {
+            if (wire.events.size() < after)
+                QTest::qSleep(20);
+            else
+                wire.transport.reset();
+        };
+        if (atTheEnd)
+            connect(wire.transport.get(), &TCPTransportSocket::disconnected, this, destroy);
         else
-            wire.transport.reset();
-    };
-    if (atTheEnd)
-        QObject::connect(wire.transport.get(), &TCPTransportSocket::disconnected, this, destroy);
-    else
-        QObject::connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, this, destroy);
-    wire.peer.write(keyPress(1) + keyPress(2) + keyPress(3) + keyPress(4));
-    if (atTheEnd)
-        wire.peer.disconnectFromHost();
-    QTRY_VERIFY(!wire.transport);
-    QCOMPARE(wire.events.size(), inPieces ? 3U : atTheEnd ? 4U : 1U);
-    QTRY_COMPARE(wire.peer.state(), QTcpSocket::UnconnectedState);
+            connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, this, destroy);
+        wire.peer.write(keyPress(1) + keyPress(2) + keyPress(3) + keyPress(4));
+        if (atTheEnd)
+            wire.peer.disconnectFromHost();
+        QTRY_VERIFY(!wire.transport);
+        QCOMPARE(wire.events.size(), after);
+        QTRY_COMPARE(wire.peer.state(), QTcpSocket::UnconnectedState);
+    }
 }
 
 void TransportTest::receiverRunsAnEventLoop() {
