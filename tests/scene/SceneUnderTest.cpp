@@ -206,32 +206,21 @@ void SceneUnderTest::settle() {
 
 QMap<int, SceneUnderTest::Told> SceneUnderTest::told(bool xy) const {
     QMap<int, Told> points;
+    const QSizeF size(evaluate("getCurrentItem().sourceWidth").toDouble(),
+                      evaluate("getCurrentItem().sourceHeight").toDouble());
     const auto take = [&](const auto& events) {
         for (const auto* event : events) {
             if (event->xy() == xy)
                 points.insert(static_cast<int>(event->pointId()),
-                              {event->x(), event->y(), event->selected()});
+                              {xy ? event->x() + size.width() / 2 : event->x() * size.width(),
+                               xy ? event->y() + size.height() / 2 : event->y() * size.height(),
+                               event->selected()});
         }
     };
     take(producer.eventsOf<ScreenMovePointEvent>());
     take(producer.eventsOf<ScreenPartMovePointEvent>());
     take(producer.eventsOf<MediaMovePointEvent>());
     take(producer.eventsOf<TextureMovePointEvent>());
-    return points;
-}
-
-QMap<int, SceneUnderTest::Told> SceneUnderTest::held(bool xy) const {
-    QMap<int, Told> points;
-    auto* mesh = evaluate(QString("getCurrentItem().deformerGrids[%1]").arg(xy ? 0 : 1))
-                     .value<MeshGridItem*>();
-    const double width = evaluate("getCurrentItem().sourceWidth").toDouble();
-    const double height = evaluate("getCurrentItem().sourceHeight").toDouble();
-    for (int id = 0; id < mesh->pointCount(); ++id) {
-        const MeshPoint* point = mesh->point(id);
-        points.insert(id,
-                      {xy ? point->x() - width / 2 : point->x() / width,
-                       xy ? point->y() - height / 2 : point->y() / height, point->isSelected()});
-    }
     return points;
 }
 

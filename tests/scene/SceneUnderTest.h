@@ -73,15 +73,14 @@ public:
 
     /// Waits until everything sent so far has arrived at the Producer.
     void settle();
-    /// Positions and selection that the Producer was told last, by point; of XY or UV.
+    /// Where the Producer was told last that points are, in the current item's coordinates, and
+    /// whether selected; of XY or UV.
     struct Told {
         double x;
         double y;
         bool selected;
     };
     QMap<int, Told> told(bool xy) const;
-    /// What the scene holds, in the Producer's coordinates.
-    QMap<int, Told> held(bool xy) const;
 
     Configuration configuration = makeConfiguration();
     FakeProducer producer;

@@ -1,5 +1,5 @@
 #include "tests/scene/SceneUnderTest.h"
-#include "tests/support/MessageGuard.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/ThreadTime.h"
 
 #include "app/EventDispatcher.h"
@@ -30,20 +30,19 @@ constexpr auto kCtrl = Qt::ControlModifier;
 
 /// The editor on the real bridge, used with real events; what it tells the Producer is read on the
 /// wire.
-class SceneTest : public QObject {
+class SceneTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
     void initTestCase() { finger_.reset(QTest::createTouchDevice()); }
     void cleanupTestCase() { finger_.reset(); }
     void init() {
-        messages_.emplace();
+        GuardedTest::init();
         scene_.emplace();
     }
     void cleanup() {
         scene_.reset();
-        messages_->verify();
-        messages_.reset();
+        GuardedTest::cleanup();
     }
 
     void meshesOfEachDeformation();
@@ -88,7 +87,6 @@ private:
     void pressItem(QQuickItem* item) const;
     void compareWithProducer(bool xy);
 
-    std::optional<MeshpadTest::MessageGuard> messages_;
     std::optional<SceneUnderTest> scene_;
     std::unique_ptr<QPointingDevice> finger_;
 };
@@ -140,17 +138,21 @@ void SceneTest::pressButton(const QString& type, int id) const {
 
 void SceneTest::compareWithProducer(bool xy) {
     scene_->settle();
+    auto* held = scene_->evaluate(QString("getCurrentItem().deformerGrids[%1]").arg(xy ? 0 : 1))
+                     .value<MeshGridItem*>();
     const auto told = scene_->told(xy);
-    const auto held = scene_->held(xy);
-    const auto line = [](int point, const SceneUnderTest::Told& at) {
-        return QString("point %1: (%2, %3) %4")
-            .arg(point)
-            .arg(at.x + 0.0, 0, 'g', 17) // without a sign of zero
-            .arg(at.y + 0.0, 0, 'g', 17)
-            .arg(at.selected);
-    };
-    for (const int point : told.keys())
-        QCOMPARE(line(point, held[point]), line(point, told[point]));
+    for (auto point = told.cbegin(); point != told.cend(); ++point) {
+        const auto line = [&point](double x, double y, bool selected) {
+            return QString("point %1: (%2, %3) %4")
+                .arg(point.key())
+                .arg(x + 0.0, 0, 'g', 17) // without a sign of zero
+                .arg(y + 0.0, 0, 'g', 17)
+                .arg(selected);
+        };
+        const MeshPoint* mine = held->point(point.key());
+        QCOMPARE(line(mine->x(), mine->y(), mine->isSelected()),
+                 line(point->x, point->y, point->selected));
+    }
 }
 
 void SceneTest::meshesOfEachDeformation() {
@@ -267,7 +269,7 @@ void SceneTest::dragIsCoalesced() {
     const auto moves = s.producer.eventsOf<ScreenPartMovePointEvent>();
     QVERIFY2(moves.size() >= 3 && moves.size() < 8, qPrintable(QString::number(moves.size())));
     QCOMPARE(moves.back()->y(), 1.0);
-    QCOMPARE(moves.back()->x(), s.held(true)[4].x);
+    QCOMPARE(moves.back()->x(), s.position(4).x() - 960);
     QCOMPARE(moves.back()->name(), QString());
     QCOMPARE(int(moves.back()->screenPartId()), SceneUnderTest::kPart);
 }
@@ -298,7 +300,7 @@ void SceneTest::keysMove() {
         QVERIFY(!s.evaluate("isMovingPoint").toBool());
         QCOMPARE(s.position(4), QPointF(500, 300) + 2 * press.step);
         compareWithProducer(true);
-        QCOMPARE(s.told(true)[4].x, 2 * press.step.x());
+        QCOMPARE(s.told(true)[4].x, 500 + 2 * press.step.x());
     }
 }
 
@@ -367,8 +369,14 @@ void SceneTest::turnedView() {
     s.release(start + QPoint(0, 30));
     QCOMPARE(s.onScreen(5), start + QPoint(0, 30));
 
-    s.key(Qt::Key_R, kCtrl);
-    s.key(Qt::Key_R, kCtrl);
+    s.key(Qt::Key_R); // upside down
+    s.key(Qt::Key_Escape);
+    s.click(s.onScreen(5));
+    s.key(Qt::Key_Down, kCtrl | kShift | kAlt);
+    QCOMPARE(s.selectedPoints(), (QList{0, 1, 2, 3, 5}));
+
+    for (int turn = 0; turn < 3; ++turn)
+        s.key(Qt::Key_R, kCtrl);
     QCOMPARE(s.evaluate("getCurrentItem().viewingRotation").toInt(), -90);
     QCOMPARE(s.integer("rotationDialog.selectedView"), 3);
     s.selectMedia(); // the workspace stays turned
@@ -451,7 +459,7 @@ void SceneTest::editingUv() {
     s.release(s.onScreen(0));
     QCOMPARE(s.position(0).y(), 0.0);
     compareWithProducer(false);
-    QVERIFY(s.told(false)[0].x > 0 && s.told(false)[0].x < 1);
+    QVERIFY(s.told(false)[0].x > 0 && s.told(false)[0].x < 1000);
     QVERIFY(s.told(true).isEmpty());
 
     s.selectMedia(); // still texture coordinates, now free
@@ -586,8 +594,8 @@ void SceneTest::toolsThatDeform() {
         else
             pressButton("deformWarpToolButton", 6);
         compareWithProducer(false);
-        QCOMPARE(s.told(false)[4].x, 0.25);
-        QCOMPARE(s.told(false)[4].y, 0.25);
+        QCOMPARE(s.told(false)[4].x, 250.0);
+        QCOMPARE(s.told(false)[4].y, 150.0);
     }
 
     s.selectScreen();
@@ -788,7 +796,6 @@ void SceneTest::configurationDialog() {
     QCOMPARE(s.string("deformationDialog.curve"), "Bezier");
     QCOMPARE(s.integer("deformationDialog.columns"), 4);
     QCOMPARE(s.integer("deformationDialog.rows"), 3);
-    const QPointF before = s.position(0);
     s.key(Qt::Key_A, kCtrl); // out of reach
     QCOMPARE(s.selectedPoints(), QList<int>());
     s.key(Qt::Key_Down); // the next type of curve
@@ -796,8 +803,6 @@ void SceneTest::configurationDialog() {
     s.evaluate("deformationDialog.resetXY = true");
     s.key(Qt::Key_Return);
     QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
-    QCOMPARE(s.integer("deformationDialog.mode"), -1);
-    QCOMPARE(s.position(0), before);
     s.settle();
     auto modes = s.producer.eventsOf<MediaDeformationModeEvent>();
     QCOMPARE(int(modes.size()), 1);
@@ -999,11 +1004,6 @@ void SceneTest::view() {
     pressButton("canvasButton", 0);
     QCOMPARE(s.onScreen(4), QPoint(630, 355));
 
-    messages_->expect(QtDebugMsg,
-                      "Do NOT override the position of a WarpItem! Move the canvas.canvasMedia "
-                      "object instead!");
-    s.evaluate("getCurrentItem().x = 5");
-    QCOMPARE(s.integer("getCurrentItem().x"), 0);
     s.canvas->onSelectedItem(nullptr);
     QVERIFY(!s.evaluate("zoomSlider.enabled").toBool());
 }
@@ -1116,9 +1116,6 @@ void SceneTest::updatesWhileEdited() {
     s.move({100, 100});
     s.release({100, 100});
     QCOMPARE(s.selectedPoints(), QList<int>());
-    s.settle();
-    messages_->expect(QtDebugMsg, "Unable to remove media item");
-    s.canvas->onRemoveMediaItem(4711);
 }
 
 void SceneTest::turnedItemsOfAnySize() {

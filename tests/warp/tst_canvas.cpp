@@ -32,7 +32,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <limits>
+#include <functional>
 #include <memory>
 
 using namespace NetworkCompanion;
@@ -156,19 +156,34 @@ private slots:
     }
 
     void nothingIsSentForAnItemThatIsGone() {
-        canvas_->onSelectedItem(screen_.get());
-        drag(7, 1);
-        canvas_->onRemoveScreenItem(8);
-        QVERIFY(canvas_->findChild<QQuickWidget*>());
-        canvas_->onRemoveScreenItem(7);
-        canvas_->moveScreenPoint(7, "", 0, 2, 0, 0, true, true);
-        canvas_->newKeystoneDeformation(false);
-        canvas_->onSelectedItem(nullptr);
-        canvas_->onSelectedItem(otherScreen_.get());
-        QCoreApplication::processEvents();
-        QVERIFY(getsNothing());
+        struct Kind {
+            Item* item;
+            std::function<void()> move, remove;
+        };
+        const Kind kinds[] = {
+            {screen_.get(), [&] { canvas_->moveScreenPoint(7, "", 0, 1, 0, 0, true, true); },
+             [&] { canvas_->onRemoveScreenItem(7); }},
+            {part_.get(), [&] { canvas_->moveScreenPartPoint(7, 2, "", 0, 1, 0, 0, true, true); },
+             [&] { canvas_->onRemoveScreenPartItem(7, 2); }},
+            {media_.get(), [&] { canvas_->moveMediaPoint(11, 12, "", 0, 1, 0, 0, true, true); },
+             [&] { canvas_->onRemoveMediaItem(11); }},
+            {texture_.get(), [&] { canvas_->moveTexturePoint(21, 22, "", 0, 1, 0, 0, true, true); },
+             [&] { canvas_->onRemoveTextureItem(21); }}};
+        for (const Kind& kind : kinds) {
+            canvas_->onSelectedItem(kind.item);
+            canvas_->startMovePointTimer();
+            kind.move();
+            kind.remove();
+            kind.move(); // the finger is still down
+            canvas_->stopMovePointTimer();
+            canvas_->newKeystoneDeformation(false);
+            canvas_->onSelectedItem(nullptr);
+            QCoreApplication::processEvents();
+            QVERIFY(getsNothing());
+        }
 
         // A row that vanishes without a word.
+        canvas_->onSelectedItem(otherScreen_.get());
         drag(8, 3);
         otherScreen_.reset();
         QCoreApplication::processEvents();
@@ -248,10 +263,6 @@ private slots:
                  QStringList({"screen 7 1", "screen 7 3", "part 5 6", "texture 3 4", "media 1 2"}));
         const QVariantList heard{"point", 1U, 2, "Ö", 0, 0.5, -1.0, 0.0, false, true};
         QCOMPARE(scene_->property("heard").toList().value(0).toList(), heard);
-
-        MsgEvent unknown("");
-        messages().expect(QtDebugMsg, "Canvas: Unknown event received");
-        canvas_->receive(&unknown);
     }
 
     void keysGoToTheSceneAndBack() {
@@ -327,7 +338,6 @@ private slots:
         page.lockPage();
         QCOMPARE(QList<QList<QVariant>>(current),
                  QList<QList<QVariant>>({{3, 5, 0}, {0, 0, 0}, {4, 5, 0}, {0, 0, 0}}));
-        QVERIFY(gets(ItemDataEvent(500), ItemDataEvent(-1), ItemDataEvent(600), ItemDataEvent(-1)));
         heard.clear();
         page.purgeMedia();
         QCOMPARE(heard, QStringList({"media removed", "texture removed", "part removed",
@@ -349,17 +359,15 @@ private slots:
         canvas->notifyKeyEventFromQml(QEvent::KeyPress, Qt::Key_M, 0, "m", false, 1);
         canvas->notifyKeyEventFromQml(QEvent::KeyPress, Qt::Key_M, 0, "m", false, 1);
         QVERIFY(list->selection() && list->selection()->name() == "Dust");
-        list->setFocus(); // where the arrows are for the mesh, too
+        list->setFocus(); // where the arrows, and only they, are for the mesh, too
+        QList<int> passedOn;
+        connect(list, &MediaList::emitKeyEvent, this,
+                [&](const QKeyEvent* event) { passedOn << event->key(); });
         for (const int key : {Qt::Key_Up, Qt::Key_Right, Qt::Key_End, Qt::Key_Down})
             QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), Qt::AltModifier);
+        QCOMPARE(passedOn, QList<int>({Qt::Key_Up, Qt::Key_Right, Qt::Key_Down}));
         const auto* scene = canvas->findChild<QQuickWidget*>()->rootObject();
-        const auto keys = [&] {
-            QList<int> pressed;
-            for (const QVariant& each : scene->property("keys").toList())
-                pressed << each.toList().value(0).toInt();
-            return pressed;
-        };
-        QTRY_COMPARE(keys(), QList<int>({Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down}));
+        QTRY_COMPARE(scene->property("keys").toList().size(), 1 + passedOn.size());
     }
 
     void aBrokenSceneIsLoggedOnceAndHurtsNobody() {
