@@ -5,6 +5,7 @@
 #include "warp/Item.h"
 #include "warp/MeshGridItem.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTest>
 
@@ -77,6 +78,8 @@ void TestInterruptions::editIsCutShort() {
         w.evaluate("deformationDialog.open(3, 4, 4)");
     } else {
         moveTo(w, onScreen(w, 5) + QPoint(7, 7)); // waits for the next tick
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(w.view, &held);
     }
     w.settle();
     w.producer.forget();

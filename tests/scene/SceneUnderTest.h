@@ -10,7 +10,6 @@
 #include "warp/TextureItem.h"
 
 #include <QPointF>
-#include <QPointingDevice>
 #include <QQuickItem>
 #include <QQuickWidget>
 #include <QVariant>

@@ -2,7 +2,6 @@
 #include "tests/support/GuardedTest.h"
 #include "tests/support/ThreadTime.h"
 
-#include "app/EventDispatcher.h"
 #include "network/DeformationModeEvent.h"
 #include "network/MediaDeformationModeEvent.h"
 #include "network/MediaMovePointEvent.h"
@@ -10,8 +9,8 @@
 #include "network/ScreenPartDeformationModeEvent.h"
 #include "network/ScreenPartMovePointEvent.h"
 
+#include <QPointingDevice>
 #include <QRandomGenerator>
-#include <QSignalSpy>
 #include <QStyleHints>
 #include <QTest>
 
@@ -85,6 +84,13 @@ private:
     bool hasRing(const QQuickItem* item) const;
     void pressButton(const QString& type, int id) const;
     void pressItem(QQuickItem* item) const;
+    void openDialog() const { pressButton("warpToolBarButton", 2); }
+    /// What the configuration dialog shows.
+    QString dialog() const {
+        return scene_->string(
+            "deformationDialog.visible ? deformationDialog.curve + ' ' + "
+            "deformationDialog.columns + 'x' + deformationDialog.rows : 'closed'");
+    }
     void compareWithProducer(bool xy);
 
     std::optional<SceneUnderTest> scene_;
@@ -791,44 +797,37 @@ void SceneTest::meshesThatNobodyLooksAt() {
 void SceneTest::configurationDialog() {
     SceneUnderTest& s = *scene_;
     s.selectMedia(2, 7, 10);
-    pressButton("warpToolBarButton", 2);
-    QVERIFY(s.evaluate("deformationDialog.visible").toBool());
-    QCOMPARE(s.string("deformationDialog.curve"), "Bezier");
-    QCOMPARE(s.integer("deformationDialog.columns"), 4);
-    QCOMPARE(s.integer("deformationDialog.rows"), 3);
+    openDialog();
+    QCOMPARE(dialog(), "Bezier 4x3");
     s.key(Qt::Key_A, kCtrl); // out of reach
     QCOMPARE(s.selectedPoints(), QList<int>());
     s.key(Qt::Key_Down); // the next type of curve
-    QCOMPARE(s.string("deformationDialog.curve"), "Curve");
     s.evaluate("deformationDialog.resetXY = true");
     s.key(Qt::Key_Return);
-    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+    QCOMPARE(dialog(), "closed");
     s.settle();
-    auto modes = s.producer.eventsOf<MediaDeformationModeEvent>();
+    const auto modes = s.producer.eventsOf<MediaDeformationModeEvent>();
     QCOMPARE(int(modes.size()), 1);
-    QCOMPARE(modes[0]->deformationType(), LV_NTC_DeformationType::Curve);
-    QCOMPARE(int(modes[0]->rows()), 3);
-    QCOMPARE(int(modes[0]->columns()), 4);
-    QVERIFY(modes[0]->reset());
+    QVERIFY(*modes[0] ==
+            MediaDeformationModeEvent(LV_NTC_ElementType::Media, LV_NTC_DeformationType::Curve,
+                                      SceneUnderTest::kMediaCue, 5, 102, "Media", 3, 4, true));
 
     // A kind with another smallest count: the lists are those of the kind that is chosen.
     s.selectScreen(1, 2, 2);
-    pressButton("warpToolBarButton", 2);
-    QCOMPARE(s.string("deformationDialog.curve"), "Keystone");
+    openDialog();
+    QCOMPARE(dialog(), "Keystone 2x2");
     s.key(Qt::Key_Down);
-    QCOMPARE(s.integer("deformationDialog.rows"), 2);
+    QCOMPARE(dialog(), "Bezier 2x2");
     s.key(Qt::Key_Down);
-    QCOMPARE(s.string("deformationDialog.curve"), "Curve");
-    QCOMPARE(s.integer("deformationDialog.rows"), 3);
-    QCOMPARE(s.integer("deformationDialog.columns"), 3);
+    QCOMPARE(dialog(), "Curve 3x3");
     s.key(Qt::Key_Escape);
 
     // A mesh beyond the lists is shown as it is, and confirmed as it is.
     s.selectScreen(2, 58, 64);
-    pressButton("warpToolBarButton", 2);
-    QCOMPARE(s.integer("deformationDialog.rows"), 20);
+    openDialog();
+    QCOMPARE(dialog(), "Bezier 22x20");
     s.key(Qt::Key_Down);
-    QCOMPARE(s.integer("deformationDialog.columns"), 16); // as another kind it cannot be so large
+    QCOMPARE(dialog(), "Curve 16x16"); // as another kind it cannot be so large
     s.key(Qt::Key_Up);
     s.key(Qt::Key_Return);
     s.settle();
@@ -837,9 +836,9 @@ void SceneTest::configurationDialog() {
 
     // By pointer: "None" for a part, which cannot be without; the check box is clear again.
     s.selectPart(16, 16);
-    pressButton("warpToolBarButton", 2);
+    openDialog();
     QVERIFY(!s.evaluate("deformationDialog.resetXY").toBool());
-    QCOMPARE(s.integer("deformationDialog.rows"), 16);
+    QCOMPARE(dialog(), "Curve 16x16");
     for (int i = 0; i < 3; ++i)
         s.key(Qt::Key_Up);
     pressItem(button("confirmButton"));
@@ -848,27 +847,25 @@ void SceneTest::configurationDialog() {
     QCOMPARE(int(parts.size()), 1);
     QCOMPARE(parts[0]->deformationType(), LV_NTC_DeformationType::Keystone);
 
-    pressButton("warpToolBarButton", 2);
+    openDialog();
     s.key(Qt::Key_Tab);
     s.key(Qt::Key_Escape);
-    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+    QCOMPARE(dialog(), "closed");
     s.key(Qt::Key_A, kCtrl); // the canvas has the keyboard again
     QCOMPARE(s.selectedPoints().size(), 256);
-    pressButton("warpToolBarButton", 2);
-    s.key(Qt::Key_Down); // the keyboard is where it was at first
-    QCOMPARE(s.string("deformationDialog.curve"), "Curve");
-    s.key(Qt::Key_Up);
+    openDialog();
+    s.key(Qt::Key_Up); // the keyboard is where it was at first
+    QVERIFY(dialog().startsWith("Bezier"));
 
     // Behind the button lies a point, which a second tap does not reach.
-    QQuickItem* cancel = button("cancelButton");
-    const QPoint at = centreOf(cancel);
+    const QPoint at = centreOf(button("cancelButton"));
     const QPointF behind = s.grid()->mapFromScene(at);
     s.evaluate(QString("updatePoint(0, 3, %1, %2)").arg(behind.x()).arg(behind.y()));
     s.click(at);
-    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+    QCOMPARE(dialog(), "closed");
     s.click(at);
-    QCOMPARE(s.selectedPoints().size(), 256);
     QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    QCOMPARE(s.selectedPoints().size(), 256);
     QCOMPARE(s.currentPoint(), 255);
     s.click(s.onScreen(3));
     QVERIFY(s.currentPoint() != 255);
@@ -877,11 +874,11 @@ void SceneTest::configurationDialog() {
 void SceneTest::choiceLists() {
     SceneUnderTest& s = *scene_;
     s.selectMedia(3, 3, 4);
-    pressButton("warpToolBarButton", 2);
+    openDialog();
     s.view->grabFramebuffer(); // the dialog takes its places with the frame
     QQuickItem* box = choiceBox("Number of columns");
     s.wheel(-1, centreOf(box)); // meant for something else
-    QCOMPARE(s.integer("deformationDialog.columns"), 4);
+    QCOMPARE(dialog(), "Curve 4x3");
 
     // A press beside the open list closes it, and that is all: on the veil, and on what can be
     // pressed.
@@ -893,9 +890,8 @@ void SceneTest::choiceLists() {
         QVERIFY(box->property("isOpen").toBool());
         s.click(beside);
         QVERIFY(!box->property("isOpen").toBool());
-        QVERIFY(s.evaluate("deformationDialog.visible").toBool());
         QVERIFY(!choiceBox("Type of curves")->property("isOpen").toBool());
-        QCOMPARE(s.integer("deformationDialog.columns"), 4);
+        QCOMPARE(dialog(), "Curve 4x3");
     }
     s.settle();
     QCOMPARE(int(s.producer.events().size()), 1); // nothing but the mark
@@ -903,10 +899,10 @@ void SceneTest::choiceLists() {
     pressItem(box);
     s.view->grabFramebuffer();                              // entries come with the frame
     s.click(centreOf(box) + QPoint(0, int(box->height()))); // the first of the list
-    QCOMPARE(s.integer("deformationDialog.columns"), 3);
+    QCOMPARE(dialog(), "Curve 3x3");
     QVERIFY(!box->property("isOpen").toBool());
     pressItem(button("confirmButton"));
-    QVERIFY(!s.evaluate("deformationDialog.visible").toBool());
+    QCOMPARE(dialog(), "closed");
 }
 
 void SceneTest::rotationDialog() {
@@ -946,7 +942,7 @@ void SceneTest::keyboardIsSeen() {
     s.view->setFocus(Qt::MouseFocusReason);
     QVERIFY(!canvasHasRing());
 
-    pressButton("warpToolBarButton", 2);
+    openDialog();
     QVERIFY(hasRing(choiceBox("Type of curves")));
     QQuickItem* ok = button("confirmButton");
     QVERIFY(!hasRing(ok));
@@ -1087,8 +1083,8 @@ void SceneTest::simpleMode() {
     s.canvas->onLeftAxisMoved(0, 0);
     QCOMPARE(s.selectedPoints(), QList<int>({4}));
     QCOMPARE(s.position(4), QPointF(960, 540));
-    pressButton("warpToolBarButton", 2);
-    QCOMPARE(s.string("deformationDialog.curve"), "None");
+    openDialog();
+    QVERIFY(dialog().startsWith("None"));
     s.key(Qt::Key_Escape);
     s.canvas->onScreenMode(SceneUnderTest::kScreen, LV_NTC_ModeType::Deformation);
     QVERIFY(s.grid()->isVisible());

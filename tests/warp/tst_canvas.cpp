@@ -1,5 +1,4 @@
 #include "app/Configuration.h"
-#include "app/EventDispatcher.h"
 #include "app/UpdateProducer.h"
 #include "input/key_event_manager.h"
 #include "network/AddMediaEvent.h"
@@ -280,17 +279,12 @@ private slots:
                                     QVariantList{Qt::Key_A, int(Qt::ControlModifier), "a", false}};
         QCOMPARE(scene_->property("keys").toList(), expected);
 
-        std::unique_ptr<QKeyEvent> copy;
-        connect(canvas_.get(), &Canvas::keyEvent, this,
-                [&](const QKeyEvent* event) { copy.reset(event->clone()); });
-        canvas_->notifyKeyEventFromQml(QEvent::KeyPress, Qt::Key_Space, int(Qt::AltModifier), " ",
-                                       true, 2);
-        QCOMPARE(copy->type(), QEvent::KeyPress);
-        QCOMPARE(copy->key(), Qt::Key_Space);
-        QCOMPARE(copy->modifiers(), Qt::AltModifier);
-        QCOMPARE(copy->text(), " ");
-        QVERIFY(copy->isAutoRepeat());
-        QCOMPARE(copy->count(), 2);
+        QList<std::pair<int, bool>> back; // and whether it is held, which the output depends on
+        connect(canvas_.get(), &Canvas::keyEvent, this, [&](const QKeyEvent* event) {
+            back << std::pair(event->key(), event->isAutoRepeat());
+        });
+        canvas_->notifyKeyEventFromQml(QEvent::KeyPress, Qt::Key_Space, 0, " ", true, 2);
+        QCOMPARE(back, (QList<std::pair<int, bool>>{{Qt::Key_Space, true}}));
     }
 
     /// What the list tells the editor, of each kind of item.

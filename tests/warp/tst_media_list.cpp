@@ -2,10 +2,8 @@
 #include "app/EventDispatcher.h"
 #include "app/EventListener.h"
 #include "input/key_event_manager.h"
-#include "network/AddMediaEvent.h"
 #include "network/AddScreenEvent.h"
 #include "network/AddScreenPartEvent.h"
-#include "network/AddTextureEvent.h"
 #include "network/BlindEvent.h"
 #include "network/DeformationModeEvent.h"
 #include "network/GetResourcesIdEvent.h"
@@ -30,7 +28,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QRandomGenerator>
 #include <QScrollArea>
 #include <QScrollBar>
