@@ -18,10 +18,6 @@ using namespace NetworkCompanion;
 
 namespace MeshpadTest {
 
-namespace {
-const QString kAdjustView = QStringLiteral("getCurrentItem().itemDeformer.adjustView()");
-}
-
 SceneUnderTest::SceneUnderTest(QSize size)
     : screen(kScreen, 100, kScreenSize.width(), kScreenSize.height(), false, "Screen",
              configuration, nullptr),
@@ -59,41 +55,29 @@ SceneUnderTest::~SceneUnderTest() {
     EventDispatcher::getInstance()->client().disconnectFromServer();
 }
 
-void SceneUnderTest::deformScreen(int deformation, int rows, int columns) {
-    canvas->onScreenDeformationMode(LV_NTC_DeformationType(deformation - 1), kScreen, "Screen",
-                                    rows, columns, false);
+void SceneUnderTest::deform(const Item& item, int deformation, int rows, int columns) {
+    const auto type = LV_NTC_DeformationType(deformation - 1);
+    switch (item.elementType()) {
+    case LV_NTC_ElementType::Screen:
+        canvas->onScreenDeformationMode(type, kScreen, "Screen", rows, columns, false);
+        break;
+    case LV_NTC_ElementType::ScreenPart:
+        canvas->onScreenPartDeformationMode(type, kScreen, kPart, "Part", rows, columns, false);
+        break;
+    case LV_NTC_ElementType::Texture:
+        canvas->onTextureDeformationMode(item.elementType(), type, kTextureCue, 6, "Texture", rows,
+                                         columns, false);
+        break;
+    default:
+        canvas->onMediaDeformationMode(item.elementType(), type, kMediaCue, 5, "Media", rows,
+                                       columns, false);
+    }
 }
 
-void SceneUnderTest::deformMedia(int deformation, int rows, int columns) {
-    canvas->onMediaDeformationMode(LV_NTC_ElementType::Media,
-                                   LV_NTC_DeformationType(deformation - 1), kMediaCue, 5, "Media",
-                                   rows, columns, false);
-}
-
-void SceneUnderTest::selectScreen(int deformation, int rows, int columns) {
-    canvas->onSelectedItem(&screen);
-    deformScreen(deformation, rows, columns);
-    evaluate(kAdjustView);
-}
-
-void SceneUnderTest::selectMedia(int deformation, int rows, int columns) {
-    canvas->onSelectedItem(&media);
-    deformMedia(deformation, rows, columns);
-    evaluate(kAdjustView);
-}
-
-void SceneUnderTest::selectPart(int rows, int columns) {
-    canvas->onSelectedItem(&part);
-    canvas->onScreenPartDeformationMode(LV_NTC_DeformationType::Curve, kScreen, kPart, "Part", rows,
-                                        columns, false);
-    evaluate(kAdjustView);
-}
-
-void SceneUnderTest::selectTexture() {
-    canvas->onSelectedItem(&texture);
-    canvas->onTextureDeformationMode(LV_NTC_ElementType::Texture, LV_NTC_DeformationType::Curve,
-                                     kTextureCue, 6, "Texture", 3, 3, false);
-    evaluate(kAdjustView);
+void SceneUnderTest::select(Item& item, int deformation, int rows, int columns) {
+    canvas->onSelectedItem(&item);
+    deform(item, deformation, rows, columns);
+    evaluate("getCurrentItem().itemDeformer.adjustView()");
 }
 
 QVariant SceneUnderTest::evaluate(const QString& expression) const {

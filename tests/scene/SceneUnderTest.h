@@ -32,13 +32,9 @@ public:
     explicit SceneUnderTest(QSize size = {1060, 610});
     ~SceneUnderTest();
 
-    /// `deformation` in the scene's numbers, 0 none to 3 curve.
-    void selectScreen(int deformation = 3, int rows = 3, int columns = 3);
-    void selectMedia(int deformation = 3, int rows = 3, int columns = 3);
-    void selectPart(int rows = 3, int columns = 3);
-    void selectTexture();
-    void deformScreen(int deformation, int rows, int columns);
-    void deformMedia(int deformation, int rows, int columns);
+    /// One of the items below. `deformation` in the scene's numbers, 0 none to 3 curve.
+    void select(Item& item, int deformation = 3, int rows = 3, int columns = 3);
+    void deform(const Item& item, int deformation, int rows, int columns);
 
     /// A JavaScript expression in the root's scope; fails the test when it throws.
     QVariant evaluate(const QString& expression) const;

@@ -167,32 +167,32 @@ void SceneTest::meshesOfEachDeformation() {
         return std::pair(s.grid()->pointCount(),
                          s.integer("getCurrentItem().deformerGrids[1].linesArray.length"));
     };
-    s.selectScreen(1, 2, 2);
+    s.select(s.screen, 1, 2, 2);
     QCOMPARE(size(), std::pair(4, 4));
     QCOMPARE(s.position(3), QPointF(1920, 1080));
-    s.deformScreen(3, 3, 4);
+    s.deform(s.screen, 3, 3, 4);
     QCOMPARE(size(), std::pair(12, 17));
     QCOMPARE(s.position(6), QPointF(1280, 540));
-    s.deformScreen(2, 4, 7); // two patches side by side
+    s.deform(s.screen, 2, 4, 7); // two patches side by side
     QCOMPARE(size(), std::pair(28, 21));
     s.key(Qt::Key_A, kCtrl);
     QCOMPARE(s.currentPoint(), 27);
 
     messages_->expect(QtWarningMsg,
                       "updateDeformationMode: Unusable grid of 65 rows and 3 columns");
-    s.deformScreen(3, 65, 3);
+    s.deform(s.screen, 3, 65, 3);
     messages_->expect(QtDebugMsg, "updateDeformationMode: Undefined mode");
-    s.deformScreen(4, 3, 3);
+    s.deform(s.screen, 4, 3, 3);
     QCOMPARE(size(), std::pair(28, 21)); // neither was taken
     QCOMPARE(s.currentPoint(), 27);
-    s.deformScreen(0, 2, 2);
+    s.deform(s.screen, 0, 2, 2);
     QCOMPARE(size(), std::pair(0, 0));
     QCOMPARE(s.string("currentPointText.text"), "Current point: --     X: -- px     Y: -- px");
 }
 
 void SceneTest::pictureWithoutGraphicsInterface() {
     SceneUnderTest& s = *scene_;
-    s.selectMedia(3, 4, 4);
+    s.select(s.media, 3, 4, 4);
     s.click(s.onScreen(5));
     s.click(s.onScreen(9), kCtrl);
     for (const double zoom : {0.37, 0.9}) {
@@ -200,13 +200,13 @@ void SceneTest::pictureWithoutGraphicsInterface() {
         for (const int point : {5, 9, 6})
             QCOMPARE(s.faultInPicture(point), QString());
     }
-    s.deformMedia(0, 2, 2);
+    s.deform(s.media, 0, 2, 2);
     QCOMPARE(s.view->grabFramebuffer().pixelColor(s.view->rect().center()), QColor("#303030"));
 }
 
 void SceneTest::pressesSelect() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen(3, 4, 4);
+    s.select(s.screen, 3, 4, 4);
     s.click(s.onScreen(5));
     QCOMPARE(s.state(5), "CURRENT");
     QCOMPARE(s.string("currentPointText.text"),
@@ -233,7 +233,7 @@ void SceneTest::pressesSelect() {
 
 void SceneTest::dragMovesSelection() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen();
+    s.select(s.screen);
     s.click(s.onScreen(0));
     s.click(s.onScreen(4), kCtrl);
     const double zoom = s.evaluate("mediaScaleFactor").toDouble();
@@ -262,7 +262,7 @@ void SceneTest::dragMovesSelection() {
 
 void SceneTest::dragIsCoalesced() {
     SceneUnderTest& s = *scene_;
-    s.selectPart();
+    s.select(s.part);
     s.settle();
     s.producer.forget();
     const QPoint start = s.onScreen(4);
@@ -290,7 +290,7 @@ void SceneTest::keysMove() {
     for (const Press& press :
          {Press{Qt::Key_Left, {}, {-1, 0}}, Press{Qt::Key_Up, kShift, {0, -0.2}},
           Press{Qt::Key_Right, kCtrl, {10, 0}}, Press{Qt::Key_Down, kCtrl | kShift, {0, 1}}}) {
-        s.selectMedia();
+        s.select(s.media);
         s.click(s.onScreen(4));
         s.click(s.onScreen(8), kCtrl);
         s.key(press.key, press.modifiers);
@@ -312,7 +312,7 @@ void SceneTest::keysMove() {
 
 void SceneTest::keysSelect() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen(3, 4, 5);
+    s.select(s.screen, 3, 4, 5);
     s.key(Qt::Key_Right); // nothing is current: nothing moves, nothing is selected
     QCOMPARE(s.selectedPoints(), QList<int>());
     s.key(Qt::Key_Down, kAlt);
@@ -343,7 +343,7 @@ void SceneTest::keysSelect() {
 
 void SceneTest::turnedView() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen(3, 3, 4);
+    s.select(s.screen, 3, 3, 4);
     s.key(Qt::Key_R);
     QCOMPARE(s.integer("rotationDialog.selectedView"), 1);
     QCOMPARE(s.grid()->point(5)->viewingRotation(), -90.0);
@@ -385,14 +385,14 @@ void SceneTest::turnedView() {
         s.key(Qt::Key_R, kCtrl);
     QCOMPARE(s.evaluate("getCurrentItem().viewingRotation").toInt(), -90);
     QCOMPARE(s.integer("rotationDialog.selectedView"), 3);
-    s.selectMedia(); // the workspace stays turned
+    s.select(s.media); // the workspace stays turned
     QCOMPARE(s.evaluate("getCurrentItem().viewingRotation").toInt(), 270);
     QCOMPARE(s.grid()->point(0)->viewingRotation(), -270.0);
 }
 
 void SceneTest::zoneLocker() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen(3, 4, 4);
+    s.select(s.screen, 3, 4, 4);
     pressButton("warpToolBarButton", 0);
     QVERIFY(s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
     s.click(s.onScreen(5));
@@ -421,9 +421,9 @@ void SceneTest::zoneLocker() {
     QCOMPARE(s.position(6).x(), 640.0);
     compareWithProducer(true);
 
-    s.selectMedia(); // another item: released
+    s.select(s.media); // another item: released
     QVERIFY(!s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
-    s.selectScreen(3, 4, 4);
+    s.select(s.screen, 3, 4, 4);
     s.press(s.onScreen(0));
     s.move(s.onScreen(0) - QPoint(30, 30));
     QVERIFY(s.position(0).x() < 0);
@@ -432,7 +432,7 @@ void SceneTest::zoneLocker() {
 
 void SceneTest::moveLocker() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen();
+    s.select(s.screen);
     const QPoint start = s.onScreen(4);
     const double x = s.evaluate("canvasMedia.x").toDouble();
     pressButton("warpToolBarButton", 1);
@@ -449,12 +449,12 @@ void SceneTest::moveLocker() {
 
 void SceneTest::editingUv() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen();
+    s.select(s.screen);
     QVERIFY(!s.evaluate("warpToolBar.mapButtonEnabled").toBool());
     s.canvas->onAction(Action::TOGGLE_EDIT_UV);
     QVERIFY(s.evaluate("isCurrentGridXy").toBool());
 
-    s.selectTexture();
+    s.select(s.texture);
     s.canvas->onAction(Action::TOGGLE_EDIT_UV);
     QVERIFY(s.evaluate("warpToolBar.mapButtonPushed").toBool());
     QVERIFY(s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
@@ -468,14 +468,14 @@ void SceneTest::editingUv() {
     QVERIFY(s.told(false)[0].x > 0 && s.told(false)[0].x < 1000);
     QVERIFY(s.told(true).isEmpty());
 
-    s.selectMedia(); // still texture coordinates, now free
+    s.select(s.media); // still texture coordinates, now free
     QVERIFY(!s.evaluate("isCurrentGridXy").toBool());
     QVERIFY(!s.evaluate("warpToolBar.zoneLockerButtonPushed").toBool());
     pressButton("warpToolBarButton", 3);
     QVERIFY(s.evaluate("isCurrentGridXy").toBool());
     QVERIFY(s.grid()->isVisible());
     s.canvas->onAction(Action::TOGGLE_EDIT_UV);
-    s.selectScreen();
+    s.select(s.screen);
     QVERIFY(s.evaluate("isCurrentGridXy && !warpToolBar.mapButtonPushed").toBool());
 }
 
@@ -508,7 +508,7 @@ void SceneTest::toolsThatSelect() {
         {"Ctrl+Shift+Alt+Left", Action(18), 12, "1 6 7 11 16", 16},
     };
     SceneUnderTest& s = *scene_;
-    s.selectMedia(3, 4, 5);
+    s.select(s.media, 3, 4, 5);
     for (const Tool& tool : tools) {
         const QKeySequence keys(tool.keys);
         const QString named = QString(tool.keys).replace(", Ctrl+Alt+", "or"); // as the tip has it
@@ -518,7 +518,7 @@ void SceneTest::toolsThatSelect() {
                     .remove(' ')
                     .contains("(" + named + ")"));
         for (int way = -2; way < keys.count(); ++way) {
-            s.deformMedia(3, 4, 5);
+            s.deform(s.media, 3, 4, 5);
             s.settle();
             s.producer.forget();
             s.click(s.onScreen(7));
@@ -555,7 +555,7 @@ void SceneTest::toolsThatDeform() {
                        {Action(23), 5, false, false, false, false, true}};
     SceneUnderTest& s = *scene_;
     const auto deforms = [&](const Tool& tool, bool byAction, int rows, int columns) {
-        s.deformMedia(3, rows, columns);
+        s.deform(s.media, 3, rows, columns);
         QMap<int, QPointF> before;
         for (int id = 0; id < rows * columns; ++id) {
             if (!tool.regular)
@@ -581,7 +581,7 @@ void SceneTest::toolsThatDeform() {
         }
         compareWithProducer(true);
     };
-    s.selectMedia();
+    s.select(s.media);
     for (const Tool& tool : tools) {
         deforms(tool, true, 3, 4);
         deforms(tool, false, 4, 3);
@@ -591,7 +591,7 @@ void SceneTest::toolsThatDeform() {
     s.settle();
     QCOMPARE(int(s.producer.events().size()), 1); // nothing but the mark
 
-    s.deformMedia(3, 3, 4);
+    s.deform(s.media, 3, 3, 4);
     s.evaluate("updatePoint(0, 4, 250, 150)");
     for (const bool byAction : {true, false}) {
         s.evaluate("updatePoint(1, 4, 0, 0)");
@@ -604,7 +604,7 @@ void SceneTest::toolsThatDeform() {
         QCOMPARE(s.told(false)[4].y, 150.0);
     }
 
-    s.selectScreen();
+    s.select(s.screen);
     s.settle();
     s.producer.forget();
     s.canvas->onAction(Action::UV_TO_XY); // not for screens
@@ -626,21 +626,21 @@ void SceneTest::toolsWithNothingToWorkOn() {
             .arg(inUse("deformWarpToolButton", 6));
     };
     QCOMPARE(seen(), "000");
-    s.selectScreen();
+    s.select(s.screen);
     QCOMPARE(seen(), "110");
     s.canvas->onScreenMode(SceneUnderTest::kScreen, LV_NTC_ModeType::Simple);
     QCOMPARE(seen(), "000");
     s.canvas->onScreenMode(SceneUnderTest::kScreen, LV_NTC_ModeType::Deformation);
     QCOMPARE(seen(), "110");
-    s.selectMedia();
+    s.select(s.media);
     QCOMPARE(seen(), "111");
     s.canvas->onAction(Action::TOGGLE_EDIT_UV);
     QCOMPARE(seen(), "111");
-    s.deformMedia(0, 2, 2);
+    s.deform(s.media, 0, 2, 2);
     QCOMPARE(seen(), "000");
     messages_->expect(QtDebugMsg, "selectLine: currentPointId value is -1 (null)");
     pressButton("selectWarpToolButton", 10);
-    s.deformMedia(1, 2, 2);
+    s.deform(s.media, 1, 2, 2);
     QCOMPARE(seen(), "111");
     s.canvas->onRemoveMediaItem(SceneUnderTest::kMediaCue);
     QCOMPARE(seen(), "000");
@@ -650,7 +650,7 @@ void SceneTest::sticks() {
     SceneUnderTest& s = *scene_;
     s.canvas->onLeftAxisMoved(1, 1); // no item: nothing
     s.canvas->onAction(Action::SELECT_ALL_POINTS);
-    s.selectScreen(3, 3, 3);
+    s.select(s.screen, 3, 3, 3);
     s.click(s.onScreen(5));
     const double zoom = s.evaluate("mediaScaleFactor").toDouble();
     s.canvas->onLeftAxisMoved(0.5F, 0);
@@ -724,7 +724,7 @@ void SceneTest::positionsSurviveTheWayToTheProducerAndBack() {
 
 void SceneTest::incomingMoves() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen(3, 3, 3);
+    s.select(s.screen, 3, 3, 3);
     s.settle();
     s.producer.forget();
     const auto send = [&s](unsigned int point, double x, double y, bool xy) {
@@ -754,7 +754,7 @@ void SceneTest::incomingMoves() {
 
 void SceneTest::meshesThatNobodyLooksAt() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen(3, 3, 3);
+    s.select(s.screen, 3, 3, 3);
     MeshGridItem* xy = s.grid();
     auto* uv = s.evaluate("getCurrentItem().deformerGrids[1]").value<MeshGridItem*>();
     QVERIFY(uv->isOutline()); // not needed so far
@@ -768,7 +768,7 @@ void SceneTest::meshesThatNobodyLooksAt() {
     const double turned = xy->point(0)->viewingRotation();
     QVERIFY(moved != QPointF(960, 540) && turned == -90);
 
-    s.selectMedia(3, 3, 3);
+    s.select(s.media, 3, 3, 3);
     QVERIFY(xy->isOutline());
     QCOMPARE(int(xy->findChildren<MeshPoint*>().size()), 0);
     s.settle(); // its points were unselected and told
@@ -796,7 +796,7 @@ void SceneTest::meshesThatNobodyLooksAt() {
 
 void SceneTest::configurationDialog() {
     SceneUnderTest& s = *scene_;
-    s.selectMedia(2, 7, 10);
+    s.select(s.media, 2, 7, 10);
     openDialog();
     QCOMPARE(dialog(), "Bezier 4x3");
     s.key(Qt::Key_A, kCtrl); // out of reach
@@ -813,7 +813,7 @@ void SceneTest::configurationDialog() {
                                       SceneUnderTest::kMediaCue, 5, 102, "Media", 3, 4, true));
 
     // A kind with another smallest count: the lists are those of the kind that is chosen.
-    s.selectScreen(1, 2, 2);
+    s.select(s.screen, 1, 2, 2);
     openDialog();
     QCOMPARE(dialog(), "Keystone 2x2");
     s.key(Qt::Key_Down);
@@ -823,7 +823,7 @@ void SceneTest::configurationDialog() {
     s.key(Qt::Key_Escape);
 
     // A mesh beyond the lists is shown as it is, and confirmed as it is.
-    s.selectScreen(2, 58, 64);
+    s.select(s.screen, 2, 58, 64);
     openDialog();
     QCOMPARE(dialog(), "Bezier 22x20");
     s.key(Qt::Key_Down);
@@ -835,7 +835,7 @@ void SceneTest::configurationDialog() {
     QCOMPARE(int(s.producer.eventsOf<DeformationModeEvent>().back()->columns()), 64);
 
     // By pointer: "None" for a part, which cannot be without; the check box is clear again.
-    s.selectPart(16, 16);
+    s.select(s.part, 3, 16, 16);
     openDialog();
     QVERIFY(!s.evaluate("deformationDialog.resetXY").toBool());
     QCOMPARE(dialog(), "Curve 16x16");
@@ -873,7 +873,7 @@ void SceneTest::configurationDialog() {
 
 void SceneTest::choiceLists() {
     SceneUnderTest& s = *scene_;
-    s.selectMedia(3, 3, 4);
+    s.select(s.media, 3, 3, 4);
     openDialog();
     s.view->grabFramebuffer(); // the dialog takes its places with the frame
     QQuickItem* box = choiceBox("Number of columns");
@@ -909,7 +909,7 @@ void SceneTest::rotationDialog() {
     SceneUnderTest& s = *scene_;
     pressButton("canvasButton", 1); // no item
     QVERIFY(!s.evaluate("rotationDialog.visible").toBool());
-    s.selectScreen();
+    s.select(s.screen);
     pressButton("canvasButton", 1);
     pressButton("rotationButton", 2);
     QVERIFY(!s.evaluate("rotationDialog.visible").toBool());
@@ -928,7 +928,7 @@ void SceneTest::rotationDialog() {
 
 void SceneTest::keyboardIsSeen() {
     SceneUnderTest& s = *scene_;
-    s.selectMedia();
+    s.select(s.media);
     const auto canvasHasRing = [&s] {
         return s.view->grabFramebuffer().pixelColor(142, 200) == Qt::white;
     };
@@ -954,7 +954,7 @@ void SceneTest::keyboardIsSeen() {
 
 void SceneTest::toolTipWaitsForPointer() {
     SceneUnderTest& s = *scene_;
-    s.selectMedia();
+    s.select(s.media);
     QQuickItem* configuration = button("warpToolBarButton", 2);
     const QQuickItem* area = itemUnder(configuration, [](const QQuickItem* item) {
         return item->property("containsMouse").isValid();
@@ -979,7 +979,7 @@ void SceneTest::view() {
     SceneUnderTest& s = *scene_;
     s.wheel(1); // no item
     QCOMPARE(s.evaluate("mediaScaleFactor").toDouble(), 0.1);
-    s.selectScreen();
+    s.select(s.screen);
     const double zoom = std::min(1060 / 1920.0, 610 / 1080.0) / 2.5;
     QCOMPARE(s.evaluate("mediaScaleFactor").toDouble(), zoom);
     QCOMPARE(s.onScreen(4), QPoint(530, 305));
@@ -1006,7 +1006,7 @@ void SceneTest::view() {
 
 void SceneTest::fingers() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen();
+    s.select(s.screen);
     const QPoint centre = s.onScreen(4);
     const auto touch = [this] { return QTest::touchEvent(scene_->view, finger_.get()); };
 
@@ -1072,7 +1072,7 @@ void SceneTest::fingers() {
 
 void SceneTest::simpleMode() {
     SceneUnderTest& s = *scene_;
-    s.selectScreen();
+    s.select(s.screen);
     s.click(s.onScreen(4));
     s.canvas->onScreenMode(SceneUnderTest::kScreen, LV_NTC_ModeType::Simple);
     QVERIFY(!s.grid()->isVisible());
@@ -1094,20 +1094,20 @@ void SceneTest::simpleMode() {
 
 void SceneTest::updatesWhileEdited() {
     SceneUnderTest& s = *scene_;
-    s.selectMedia(3, 3, 3);
+    s.select(s.media, 3, 3, 3);
     s.canvas->onMediaItemAdded(1, SceneUnderTest::kMediaCue, 5, 50, 50, 90, "Renamed");
     QCOMPARE(s.integer("getCurrentItem().sourceWidth"),
              1000); // size and name are those of the first
     QCOMPARE(s.string("getCurrentItem().name"), "Media");
     QCOMPARE(s.integer("getCurrentItem().sourceRotation"), 90);
-    s.selectScreen(3, 3, 3);
+    s.select(s.screen, 3, 3, 3);
     s.canvas->onScreenItemAdded(SceneUnderTest::kScreen, 800, 600, 0, 90, "Renamed");
     QCOMPARE(s.integer("getCurrentItem().sourceWidth"), 800);
     QCOMPARE(s.string("getCurrentItem().name"), "Renamed");
 
     // The mesh is rebuilt under a drag: the drag ends.
     s.press(s.onScreen(4));
-    s.deformScreen(3, 4, 4);
+    s.deform(s.screen, 3, 4, 4);
     QVERIFY(!s.evaluate("isMovingPoint").toBool());
     s.move({100, 100});
     s.release({100, 100});
@@ -1149,7 +1149,7 @@ void SceneTest::nothingIsLostInAnyGesture() {
     UpdateProducer::tickPeriod = std::chrono::milliseconds(3);
     QRandomGenerator random(20260217);
     for (const bool xy : {true, false}) {
-        s.selectMedia(3, 5, 6);
+        s.select(s.media, 3, 5, 6);
         s.settle();
         s.producer.forget();
         if (!xy)

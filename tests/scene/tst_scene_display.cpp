@@ -22,7 +22,7 @@ void SceneDisplayTest::pointsAndLinesOfEachSize() {
         QCOMPARE(s.view->quickWindow()->rendererInterface()->graphicsApi(),
                  QSGRendererInterface::OpenGL);
         s.view->grabFramebuffer(); // empty
-        s.selectMedia(2, 7, 7);
+        s.select(s.media, 2, 7, 7);
         s.click(s.onScreen(24));
         for (const double zoom : {0.4, 0.8}) {
             s.evaluate(QString("zoomSlider.value = %1").arg(zoom));
@@ -31,7 +31,7 @@ void SceneDisplayTest::pointsAndLinesOfEachSize() {
             QVERIFY(s.faultInPicture(16).startsWith("line")); // a handle in a patch has none
         }
         // Dense, all of it selected, from every side, and with the dialogs in front.
-        s.selectScreen(3, 46, 46);
+        s.select(s.screen, 3, 46, 46);
         s.key(Qt::Key_A, Qt::ControlModifier);
         for (const char* step : {"", "rotationDialog.open()", "rotationDialog.selectView(1)",
                                  "deformationDialog.open(2, 4, 3)", "deformationDialog.close()"}) {
