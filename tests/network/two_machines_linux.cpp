@@ -20,6 +20,14 @@ namespace {
 // What a busy machine lets a thread wait for is short beside the time after which silence counts.
 constexpr DiscoveryTiming kFast{50ms, 1000ms};
 
+/// A companion's end of discovery, together with what it reported.
+struct Discovery : NetworkUtils {
+    explicit Discovery(DiscoveryTiming timing = kFast)
+        : NetworkUtils(62331, 62330, false, nullptr, timing) {}
+    QSignalSpy discovered{this, &NetworkUtils::serverDiscovered};
+    QSignalSpy timeouted{this, &NetworkUtils::serverTimeouted};
+};
+
 QString lineOf(const QString& name, const QString& state) {
     return QString("link set %1 %2").arg(name, state);
 }
@@ -89,11 +97,9 @@ void TwoMachinesTest::producerIsFoundAndLost() {
     QVERIFY(first && second && linkLocal);
 
     // As in the program, with its own periods.
-    NetworkUtils discovery(62331, 62330, false);
-    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
-    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
+    Discovery discovery(DiscoveryTiming{});
     QSignalSpy disconnected(&discovery, &NetworkUtils::serverDisconnected);
-    QTRY_COMPARE(discovered.size(), 2);
+    QTRY_COMPARE(discovery.discovered.size(), 2);
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2", "10.79.0.2"}));
 
     // Silent: gone after more than three seconds and not much more; the other one stays.
@@ -101,13 +107,13 @@ void TwoMachinesTest::producerIsFoundAndLost() {
     machine_->run([&] { first->stopAnswering(); });
     silence.start();
     const int before = pings(secondMachine, second);
-    QTRY_COMPARE_WITH_TIMEOUT(timeouted.size(), 1, 30'000);
+    QTRY_COMPARE_WITH_TIMEOUT(discovery.timeouted.size(), 1, 30'000);
     // Its last answer may be a period old. How often it was asked in vain, one a second, does not
     // depend on what else this machine has to do.
     QVERIFY2(silence.elapsed() > 2000, qPrintable(QString::number(silence.elapsed())));
     const int asked = pings(secondMachine, second) - before;
     QVERIFY2(asked >= 2 && asked <= 5, qPrintable(QString::number(asked)));
-    QCOMPARE(timeouted[0][0].toString(), "10.78.0.2");
+    QCOMPARE(discovery.timeouted[0][0].toString(), "10.78.0.2");
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.79.0.2"}));
 
     // Told to forget it: back with its next answer. Told of one that nobody knows: says so, too.
@@ -115,9 +121,9 @@ void TwoMachinesTest::producerIsFoundAndLost() {
     discovery.serverHasDisconnected("10.80.0.2");
     QCOMPARE(disconnected.size(), 2);
     QCOMPARE(discovery.getAvailableServers(), QStringList());
-    QTRY_COMPARE(discovered.size(), 3);
-    QCOMPARE(discovered[2][0].toString(), "10.79.0.2");
-    QCOMPARE(timeouted.size(), 1);
+    QTRY_COMPARE(discovery.discovered.size(), 3);
+    QCOMPARE(discovery.discovered[2][0].toString(), "10.79.0.2");
+    QCOMPARE(discovery.timeouted.size(), 1);
     // Addresses that an interface gives itself are left out.
     QCOMPARE(pings(selfNamed, linkLocal), 0);
     for (const char* link : {"here1", "here2"})
@@ -126,37 +132,34 @@ void TwoMachinesTest::producerIsFoundAndLost() {
 
 void TwoMachinesTest::interfacesComeAndGo() {
     const auto first = startProducer(*machine_, "10.78.0.2");
-    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
-    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
-    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
-    QTRY_COMPARE(discovered.size(), 1);
+    Discovery discovery;
+    QTRY_COMPARE(discovery.discovered.size(), 1);
 
     PeerNamespace secondMachine;
     QVERIFY(secondMachine.link("here1", "10.79.0.1", "there1", "10.79.0.2"));
     const auto second = startProducer(secondMachine, "10.79.0.2");
-    QTRY_COMPARE(discovered.size(), 2);
-    QCOMPARE(discovered[1][0].toString(), "10.79.0.2");
+    QTRY_COMPARE(discovery.discovered.size(), 2);
+    QCOMPARE(discovery.discovered[1][0].toString(), "10.79.0.2");
 
     QVERIFY(PeerNamespace::ipHere(lineOf("here0", "down")));
-    QTRY_COMPARE(timeouted.size(), 1);
-    QCOMPARE(timeouted[0][0].toString(), "10.78.0.2");
+    QTRY_COMPARE(discovery.timeouted.size(), 1);
+    QCOMPARE(discovery.timeouted[0][0].toString(), "10.78.0.2");
     QVERIFY(PeerNamespace::ipHere(lineOf("here0", "up")));
-    QTRY_COMPARE(discovered.size(), 3);
+    QTRY_COMPARE(discovery.discovered.size(), 3);
     // Another address on the same cable.
     QVERIFY(PeerNamespace::ipHere("address flush dev here0"));
-    QTRY_COMPARE(timeouted.size(), 2);
+    QTRY_COMPARE(discovery.timeouted.size(), 2);
     QVERIFY(PeerNamespace::ipHere("address add 10.78.0.9/24 broadcast + dev here0"));
-    QTRY_COMPARE(discovered.size(), 4);
+    QTRY_COMPARE(discovery.discovered.size(), 4);
     QVERIFY(PeerNamespace::ipHere("link delete here1"));
-    QTRY_COMPARE(timeouted.size(), 3);
+    QTRY_COMPARE(discovery.timeouted.size(), 3);
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 }
 
 void TwoMachinesTest::onlyTheExactWordsCount() {
     // Any address of this range can be sent from there.
     QVERIFY(machine_->ip("route add local 10.78.1.0/24 dev lo"));
-    NetworkUtils discovery(62331, 62330, false, nullptr, {50ms, 10'000ms});
-    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
+    Discovery discovery({50ms, 10'000ms});
     const QByteArrayList words{"pingReceived",
                                "PingReceived\n",
                                QByteArray("PingReceived\0", 13),
@@ -177,17 +180,15 @@ void TwoMachinesTest::onlyTheExactWordsCount() {
             socket.writeDatagram(words[i], QHostAddress("10.78.0.1"), 62331);
         }
     });
-    QTRY_COMPARE(discovered.size(), 1);
+    QTRY_COMPARE(discovery.discovered.size(), 1);
     QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.1.13"}));
     QCOMPARE(discovery.clients(), QStringList());
 }
 
 void TwoMachinesTest::busyThreadLosesNobodyAndNoticesSilence() {
     const auto producer = startProducer(*machine_, "10.78.0.2");
-    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
-    QSignalSpy discovered(&discovery, &NetworkUtils::serverDiscovered);
-    QSignalSpy timeouted(&discovery, &NetworkUtils::serverTimeouted);
-    QTRY_COMPARE(discovered.size(), 1);
+    Discovery discovery;
+    QTRY_COMPARE(discovery.discovered.size(), 1);
     const auto sockets = discovery.findChildren<QUdpSocket*>();
     for (int round = 0; round < 3; ++round) {
         const int before = pings(*machine_, producer);
@@ -199,16 +200,16 @@ void TwoMachinesTest::busyThreadLosesNobodyAndNoticesSilence() {
         // Ticks, thirty of them, did not pile up meanwhile.
         const auto asked = pings(*machine_, producer) - before;
         QVERIFY2(asked <= 4 + free.elapsed() / 50, qPrintable(QString::number(asked)));
-        QCOMPARE(timeouted.size(), 0);
+        QCOMPARE(discovery.timeouted.size(), 0);
         QCOMPARE(discovery.findChildren<QUdpSocket*>(), sockets); // none is made anew
     }
     // A thread that is late every time still pings, and silence after that is silence.
     machine_->run([&] { producer->stopAnswering(); });
-    for (int round = 0; round < 100 && timeouted.isEmpty(); ++round) {
+    for (int round = 0; round < 100 && discovery.timeouted.isEmpty(); ++round) {
         QTest::qSleep(120);
         QCoreApplication::processEvents();
     }
-    QCOMPARE(timeouted.size(), 1);
+    QCOMPARE(discovery.timeouted.size(), 1);
 }
 
 void TwoMachinesTest::serverMode() {
@@ -216,7 +217,7 @@ void TwoMachinesTest::serverMode() {
     const auto server = startServer();
     int clientsChanged = 0;
     connect(server.get(), &NetworkUtils::clientChanged, this, [&] { ++clientsChanged; });
-    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    Discovery discovery;
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 
     QCOMPARE(clientsOf(server), QStringList());
@@ -243,7 +244,7 @@ void TwoMachinesTest::takenInPart() {
     // Once, although it is tried again and again.
     messages_->expect(QtCriticalMsg,
                       "NetworkCompanion: Socket not bound when constructing NetworkUtils!");
-    NetworkUtils discovery(62331, 62330, false, nullptr, kFast);
+    Discovery discovery;
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
 
     // It answers from the address that it has, and does not take another port for the other one.
@@ -264,8 +265,7 @@ void TwoMachinesTest::takenInPart() {
 
 void TwoMachinesTest::endDoesNotWaitForThePeriod() {
     const auto producer = startProducer(*machine_, "10.78.0.2");
-    auto discovery =
-        std::make_unique<NetworkUtils>(62331, 62330, false, nullptr, DiscoveryTiming{60s, 60s});
+    auto discovery = std::make_unique<Discovery>(DiscoveryTiming{60s, 60s});
     QTRY_VERIFY(pings(*machine_, producer) > 0);
     QElapsedTimer timer;
     timer.start();

@@ -177,20 +177,6 @@ private slots:
         }
     }
 
-    void windowIconHoldsEverySize() {
-        QImageReader reader(QLatin1StringView(ShellLook::kWindowIcon));
-        QList<int> sizes;
-        for (int i = 0; i < reader.imageCount(); ++i) {
-            QVERIFY(reader.jumpToImage(i));
-            const QImage image = reader.read();
-            QCOMPARE(image.width(), image.height());
-            QVERIFY(!isUniform(image));
-            QCOMPARE(qAlpha(image.pixel(0, 0)) < 255, true); // round corners, so a mask that works
-            sizes << image.width();
-        }
-        QCOMPARE(sizes, QList<int>({16, 20, 24, 32, 40, 48, 64, 128, 256}));
-    }
-
     void colourBarsHaveTheirLevels() {
         const QImage across(":/patterns/mire_smpte_hor_color_bar.png");
         const QImage down(":/patterns/mire_smpte_ver_color_bar.png");

@@ -1,7 +1,5 @@
 #include "tests/support/ProtocolBytes.h"
 
-#include <bit>
-
 namespace MeshpadTest {
 
 namespace {
@@ -29,10 +27,6 @@ QByteArray int32(std::int64_t value) {
 
 QByteArray int64(std::int64_t value) {
     return bigEndian(static_cast<std::uint64_t>(value), 8);
-}
-
-QByteArray float64(double value) {
-    return bigEndian(std::bit_cast<std::uint64_t>(value), 8);
 }
 
 QByteArray frame(int type, const QByteArray& payload) {

@@ -14,7 +14,6 @@ QByteArray text(const QByteArray& characters, int size = 256);
 /// Big-endian.
 QByteArray int32(std::int64_t value);
 QByteArray int64(std::int64_t value);
-QByteArray float64(double value);
 /// The header of 9 bytes in front of the payload, as an honest sender fills it.
 QByteArray frame(int type, const QByteArray& payload);
 /// As the stream carries it: the length of 4 bytes, then the bytes.
