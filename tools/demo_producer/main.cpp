@@ -189,6 +189,7 @@ int main(int argc, char** argv) {
                                  .arg(parser.value(kLabel), session.show().title)
                                  .arg(session.show().items().size())
                                  .arg(place);
+    onShutdownRequest([] { QCoreApplication::quit(); }); // before anybody is told that it plays
     print(greeting);
 
     Commands commands(session, nullptr);
@@ -229,7 +230,6 @@ int main(int argc, char** argv) {
     if (parser.isSet(kDemoEdits))
         edits = std::make_unique<DemoEdits>(session, commands, parser.value(kDemoEdits).toDouble(),
                                             parser.value(kSeed).toUInt(), nullptr);
-    onShutdownRequest([] { QCoreApplication::quit(); });
     const int code = QCoreApplication::exec();
     print(QStringLiteral("ends"));
     return code;
