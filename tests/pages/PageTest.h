@@ -12,7 +12,6 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-
 /// Stands in for the main window: holds the page under test and counts the keys that reach it,
 /// which the real one would hand to the list of items.
 class Window : public QWidget {
