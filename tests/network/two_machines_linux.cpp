@@ -247,6 +247,7 @@ void TwoMachinesTest::serverModeAndAddressesTakenInPart() {
     machine_->run([&] { server->getClientsOnNetwork(); });
     QTRY_COMPARE(clientsOf(server), QStringList({"10.78.0.1"}));
     machine_->run([&] { server->processDatagram("GiveClient", QHostAddress("10.78.0.1")); });
+    QCOMPARE(clientsOf(server), QStringList({"10.78.0.1"}));
     QTRY_COMPARE(clientsChanged, 1);
     // Neither end takes up what is meant for the other.
     QCOMPARE(discovery.clients(), QStringList());
