@@ -44,19 +44,15 @@ public:
         window.show();
         QVERIFY(QTest::qWaitForWindowActive(&window));
         QVERIFY(producer.listen());
-        connectToProducer();
+        QVERIFY(EventDispatcher::getInstance()->client().connectToServer(producer.host(),
+                                                                         producer.port()));
+        QTRY_COMPARE(producer.connectionCount(), 1);
     }
     ~PageTest() {
         EventDispatcher::getInstance()->client().disconnectFromServer();
         messages.verify();
     }
     Q_DISABLE_COPY_MOVE(PageTest)
-
-    void connectToProducer() {
-        QVERIFY(EventDispatcher::getInstance()->client().connectToServer(producer.host(),
-                                                                         producer.port()));
-        QTRY_COMPARE(producer.connectionCount(), 1);
-    }
 
     MeshpadTest::MessageGuard messages;
     const Configuration configuration = makeConfiguration();

@@ -61,23 +61,6 @@ private slots:
         QTRY_COMPARE(test.producer.bytes(), expected);
     }
 
-    void everyConnectionGetsThemAgain() {
-        SettingsTest test;
-        test.page->onMeshpadConnected();
-        const QByteArray unused = settingsBytes("", 0); // and nothing while the boxes were filled
-        QTRY_COMPARE(test.producer.bytes(), unused);
-
-        test.producer.closeConnections();
-        QTRY_VERIFY(!EventDispatcher::getInstance()->client().isConnected());
-        test.box()->setChecked(true); // into the void
-        test.color()->setCurrentText("Red");
-        test.connectToProducer();
-        test.producer.forget();
-        test.page->onMeshpadConnected();
-        const QByteArray again = settingsBytes("#ff0000", 1);
-        QTRY_COMPARE(test.producer.bytes(), again);
-    }
-
     void aLargerFontCutsNothingOff() {
         const QFont usual = QApplication::font();
         QFont larger = usual;

@@ -64,7 +64,9 @@ private slots:
         logo->setDown(true); // as under a finger
         QVERIFY(border() != hovered);
         logo->setDown(false);
+        const QImage idle = test.button("Tile")->grab().toImage();
         test.button("Tile")->setFocus();
+        QVERIFY(test.button("Tile")->grab().toImage() != idle);
         QTest::keyClick(test.button("Tile"), Qt::Key_Space);
         QCOMPARE(test.marked(), QStringList{"Tile"});
         test.press("None");
@@ -97,22 +99,6 @@ private slots:
         QVERIFY(test.page->minimumSizeHint().height() <= 720 - 110);
         QCOMPARE(test.button("Tile")->x(), test.button("None")->x());
         QVERIFY(test.button("Tile")->y() > test.button("Vertical")->y());
-    }
-
-    void keysThatNoControlTakesReachTheWindow() {
-        PatternTest test;
-        QCOMPARE(QApplication::focusWidget(), test.page);
-        for (const int key : {Qt::Key_Space, Qt::Key_M, Qt::Key_Up, Qt::Key_Escape}) {
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key(key));
-        }
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QCOMPARE(QApplication::focusWidget(), test.button("None"));
-        const QImage focused = test.button("None")->grab().toImage();
-        test.button("OSD")->setFocus();
-        QVERIFY(test.button("None")->grab().toImage() != focused);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_P);
-        QCOMPARE(test.window.keys, 5);
-        QCOMPARE(test.producer.bytes(), QByteArray());
     }
 };
 
