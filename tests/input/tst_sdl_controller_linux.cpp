@@ -235,9 +235,10 @@ void TestSdlController::overflowIsToldAndCaughtUp() {
     }
     pad.button(0, false);
     pad.axis(0, kHigh);
+    pad.axis(3, 19251);
     pad.hat(SDL_HAT_LEFT);
     messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
-    QCOMPARE(nextEvents(), QString("release 0, press 7, left 1 0"));
+    QCOMPARE(nextEvents(), QString("release 0, press 7, left 1 0, right 0.5 0"));
     QCOMPARE(messages_->seen(QtDebugMsg).filter("Ignoring unknown input").size(), 32);
 }
 
