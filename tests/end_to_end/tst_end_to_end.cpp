@@ -244,12 +244,12 @@ void EndToEndTest::nudgesPointsByKey() {
     act("key alt+Right key alt+Right");
     QTRY_COMPARE(state_->selection(kScreen), "1");
     const QPointF before = state_->point(kScreen, 1);
-    act("key Right");
-    QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(1, 0));
-    act("key ctrl+Down");
-    QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(1, 10));
-    act("key shift+Left");
-    QTRY_COMPARE(state_->point(kScreen, 1), before + QPointF(0.8, 10));
+    for (const auto& [key, moved] : {std::pair("Right", QPointF(1, 0)),
+                                     {"ctrl+Down", QPointF(1, 10)},
+                                     {"shift+Left", QPointF(0.8, 10)}}) {
+        act(QString("key %1").arg(key));
+        QTRY_COMPARE(state_->point(kScreen, 1), before + moved);
+    }
     act("key Escape");
 }
 
