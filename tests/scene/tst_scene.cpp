@@ -1026,6 +1026,14 @@ void SceneTest::fingers() {
     QCOMPARE(s.onScreen(4), centre + QPoint(50, 20));
     compareWithProducer(true);
 
+    openDialog(); // what lies behind it is out of reach, beside it, too
+    for (const int point : {0, 1, 8}) {
+        touch().press(0, s.onScreen(point));
+        touch().release(0, s.onScreen(point));
+    }
+    QCOMPARE(s.selectedPoints(), QList{4});
+    s.key(Qt::Key_Escape);
+
     // Two fingers, the first of them on another point: neither selection nor points change.
     const QPointF first = s.position(0);
     const double zoom = s.evaluate("mediaScaleFactor").toDouble();
