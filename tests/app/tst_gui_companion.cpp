@@ -107,7 +107,7 @@ private:
     bool showsWayOut() const { return button(find<HeadBanner>(), kDisconnect) != nullptr; }
     DisconnectOverlay* overlay() const;
     QStringList listed() const;
-    bool isConnectOffered() const;
+    QString connectLook() const;
     QPushButton* button(const QWidget* parent, const QString& text) const;
     void startProducer();
     void pressConnect();
@@ -141,7 +141,6 @@ void TestGuiCompanion::init() {
 
 void TestGuiCompanion::cleanup() {
     qApp->removeEventFilter(this);
-    QCOMPARE(strayWindows_, QStringList());
     if (window_) {
         window_->onDisconnectFromServer();
         closeWindow();
@@ -150,6 +149,7 @@ void TestGuiCompanion::cleanup() {
     producer_.reset();
     discovery().serverHasDisconnected(kProducerAddress.toString());
     GuardedTest::cleanup();
+    QCOMPARE(strayWindows_, QStringList());
 }
 
 bool TestGuiCompanion::eventFilter(QObject* watched, QEvent* event) {
@@ -206,11 +206,12 @@ QStringList TestGuiCompanion::listed() const {
     return texts;
 }
 
-/// By picture and by cursor.
-bool TestGuiCompanion::isConnectOffered() const {
+/// What offers to connect: a picture and a cursor.
+QString TestGuiCompanion::connectLook() const {
     const QPushButton* connect = button(currentPage(), QString());
-    return connect->styleSheet() == QLatin1StringView(ShellLook::kConnectButtonOn) &&
-           connect->cursor().shape() == Qt::PointingHandCursor;
+    const bool isOn = connect->styleSheet() == QLatin1StringView(ShellLook::kConnectButtonOn);
+    const bool isHand = connect->cursor().shape() == Qt::PointingHandCursor;
+    return QStringLiteral("%1 %2").arg(isOn ? "on" : "off", isHand ? "hand" : "arrow");
 }
 
 /// As an operator does it, once the Producer is found.
@@ -320,17 +321,17 @@ void TestGuiCompanion::oneAddressIsMarkedAndConnectedTo() {
     QPushButton* connect = button(currentPage(), QString());
     QTest::mouseClick(connect, Qt::LeftButton); // nothing is selected
     QCOMPARE(connections.count(), 0);
-    QVERIFY(!isConnectOffered());
+    QCOMPARE(connectLook(), "off arrow");
 
     QTRY_VERIFY(button(find<IPList>(), kSecond) != nullptr); // once it is laid out
     QTest::mouseClick(button(find<IPList>(), kSecond), Qt::LeftButton);
     QTest::mouseClick(button(find<IPList>(), kFirst), Qt::LeftButton);
     QCOMPARE(listed(), QStringList({kFirst + " marked", kSecond}));
-    QVERIFY(isConnectOffered());
+    QCOMPARE(connectLook(), "on hand");
     // The selection outlives its button.
     emit discovery().serverTimeouted(kFirst);
     QCOMPARE(listed(), QStringList({kSecond}));
-    QVERIFY(isConnectOffered());
+    QCOMPARE(connectLook(), "on hand");
     emit discovery().serverDiscovered(kFirst);
     QCOMPARE(listed(), QStringList({kSecond, kFirst + " marked"}));
 
@@ -338,7 +339,7 @@ void TestGuiCompanion::oneAddressIsMarkedAndConnectedTo() {
     QCOMPARE(connections.count(), 1);
     QCOMPARE(connections.first().first().toString(), kFirst);
     QCOMPARE(listed(), QStringList({kSecond, kFirst}));
-    QVERIFY(!isConnectOffered());
+    QCOMPARE(connectLook(), "off arrow");
     QTest::mouseClick(connect, Qt::LeftButton);
     QCOMPARE(connections.count(), 1);
 }
@@ -440,6 +441,15 @@ void TestGuiCompanion::aLossVeilsTheWindow() {
     CheckConnection::firstCheckDelay = 1h;
     connectByHand();
     KeyRecorder recorder;
+    const QList<int> keys{Qt::Key_M, Qt::Key_Space, Qt::Key_Left};
+    for (const Page page : {Page::QuickKeys, Page::TestPatterns, Page::Settings}) {
+        find<Content>()->setPage(page);
+        for (const int key : keys) {
+            QTest::keyClick(window_->windowHandle(), Qt::Key(key));
+        }
+        QCOMPARE(std::exchange(recorder.keys, {}), keys);
+    }
+    find<Content>()->setPage(Page::Warp);
     find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
     QTest::keyClick(window_->windowHandle(), Qt::Key_M);
     QCOMPARE(std::exchange(recorder.keys, {}), QList<int>({Qt::Key_M}));
@@ -507,8 +517,10 @@ void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
 }
 
 void TestGuiCompanion::aConnectionThatBreaksAtOnceIsALoss() {
+    QTRY_VERIFY(button(find<IPList>(), kProducerAddress.toString()) != nullptr);
+    producer_->stopAnswering();
+    QCoreApplication::processEvents(); // takes an answer that is on its way
     connect(producer_.get(), &FakeProducer::connected, producer_.get(), [this] {
-        producer_->stopAnswering();
         producer_->stopListening();
         producer_->abortConnections();
     });
