@@ -1,5 +1,7 @@
 #include "network/CompanionClient.h"
 
+#include "network/ProtocolLimits.h"
+
 #include <QMetaMethod>
 #include <QPointer>
 
@@ -49,6 +51,11 @@ bool CompanionClient::isConnected() const {
 }
 
 bool CompanionClient::sendEvent(Event& event) {
+    if (transport_.unsentBytes() > Limits::kMaxUnsentBytes) {
+        qWarning("The Producer does not read what it is sent, disconnected");
+        transport_.abandon();
+        return false;
+    }
     return transport_.write(event);
 }
 

@@ -20,7 +20,8 @@ public:
     /// Blocks until closed, at most 30 s; tells whether it is.
     bool disconnectFromServer();
     bool isConnected() const;
-    /// False, without a word, when not connected.
+    /// False, without a word, when not connected. A Producer that leaves more than
+    /// Limits::kMaxUnsentBytes unread is given up, with a warning: the link is lost.
     bool sendEvent(Event& event);
 
 signals:

@@ -7,7 +7,7 @@ namespace NetworkCompanion::Limits {
 
 // Frames. A length counts the header and the payload.
 inline constexpr std::int32_t kMaxFrameLength = 16 * 1024 * 1024;
-// A companion that leaves this much unread is let go by a Producer.
+// Whoever leaves this much unread is let go.
 inline constexpr std::int64_t kMaxUnsentBytes = std::int64_t{64} * 1024 * 1024;
 
 // Discovery.

@@ -109,6 +109,7 @@ bool TCPTransportSocket::tryToConnect(const QUrl& url) {
         resetReceiving();
         waiting_.clear();
         closing_ = false;
+        abandoned_ = false;
         ended_ = false;
     }
     if (socket_->state() != QAbstractSocket::UnconnectedState) {
@@ -153,6 +154,16 @@ void TCPTransportSocket::disconnect() {
         reportEnd();
 }
 
+void TCPTransportSocket::abandon() {
+    waiting_.clear();
+    abandoned_ = true;
+    const auto end = [this] {
+        if (std::exchange(abandoned_, false)) // it may be another connection by now
+            socket_->abort();
+    };
+    QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
+}
+
 void TCPTransportSocket::resetReceiving() {
     waitingForLength_ = true;
     expectedLength_ = 0;
@@ -180,7 +191,7 @@ void TCPTransportSocket::stopReading() {
 }
 
 bool TCPTransportSocket::write(Event& event) {
-    if (socket_->state() != QAbstractSocket::ConnectedState)
+    if (socket_->state() != QAbstractSocket::ConnectedState || abandoned_)
         return false;
     const LV_NTC_Header header{static_cast<std::uint32_t>(event.getSize()), event.type()};
     const QByteArray message = LVNtc::serializeWithLength(header, event);

@@ -41,11 +41,15 @@ public:
     /// Forgets what was received and closes once everything written is out. Nothing is received
     /// any more.
     void disconnect();
+    /// Drops what is not out yet and lets nothing more in; the end of the connection is told from
+    /// the event loop, not in the middle of the caller's work.
+    void abandon();
     /// Events are received between these two only; what came meanwhile waits for the first.
     void startReading();
     void stopReading();
     /// Sends the event in one write that is neither awaited nor flushed; events that are written
-    /// while others are on their way leave together. False, without a word, when not connected.
+    /// while others are on their way leave together. False, without a word, when not connected or
+    /// abandoned.
     bool write(Event& event);
 
     int state() const;
@@ -98,6 +102,7 @@ private:
 
     qint64 bytesToSkip_ = 0; // what is left of a frame that is too long to be stored
     bool closing_ = false;   // by disconnect(): whatever still arrives is of no interest
+    bool abandoned_ = false; // by abandon(), until the socket has heard of it
     bool reading_ = false;
     bool ended_ = false; // the connection is gone, which is told once its last event was
     int emitting_ = 0;
