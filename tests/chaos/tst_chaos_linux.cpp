@@ -70,7 +70,9 @@ ItemKey keyOf(const Item& row) {
 }
 
 int environmentNumber(const char* name, int otherwise) {
-    return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : otherwise;
+    bool isNumber = false;
+    const int number = qEnvironmentVariableIntValue(name, &isNumber);
+    return isNumber ? number : otherwise;
 }
 
 } // namespace

@@ -116,7 +116,8 @@ private slots:
         QVERIFY(a_->hears<AddQuickKeyEvent>(7u, 0u, 0u, "Финал", "#b3364b"));
         QTRY_COMPARE(a_->count<AddQuickKeyEvent>(), 8);
         QVERIFY(b_->events().empty());
-        // A companion may take a screen's mode from its deformation; the mode therefore comes last.
+        // A screen comes before its parts, the grid before the keys. A companion may take a
+        // screen's mode from its deformation; the mode therefore comes last.
         const auto placeOf = [this](const Event& wanted) {
             const auto isIt = [&](const auto& event) { return *event == wanted; };
             return std::ranges::find_if(a_->events(), isIt) - a_->events().begin();
@@ -124,6 +125,12 @@ private slots:
         const auto mode = placeOf(ScreenModeEvent(LV_NTC_ModeType::Parts, 2, 3, "Silos"));
         QVERIFY(placeOf(DeformationModeEvent(Kind::None, 2, 3, "Silos", 2, 2, false)) < mode);
         QVERIFY(mode < qsizetype(a_->events().size()));
+        const auto part =
+            placeOf(AddScreenPartEvent(2, 0, 4, 640, 1080, 0, 0.0, "Left silo", false));
+        QVERIFY(placeOf(AddScreenEvent(2, 3, 1920, 1080, 0, 0.0, "Silos", false, false)) < part);
+        QVERIFY(part < qsizetype(a_->events().size()));
+        QVERIFY(placeOf(ConfigQuickKeyEvent(2, 3, 0)) <
+                placeOf(AddQuickKeyEvent(7, 0, 0, "Финал", "#b3364b")));
     }
 
     void movesAndBlindsReachEverybody() {

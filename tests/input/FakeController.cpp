@@ -47,7 +47,6 @@ public:
     }
 
     ControllerResult poll() override {
-        ++pad_->polls;
         pad_->polled();
         if (pad_->pollResult == ControllerResult::InputLost)
             return tellOnce(pad_->pollResult);

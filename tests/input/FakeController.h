@@ -32,7 +32,6 @@ struct FakePad {
     bool open = false;
     bool formatSet = false;
     bool acquired = false;
-    int polls = 0;
     std::function<void()> polled = [] {};
     std::uint32_t bufferSize = 0;
     std::map<std::uint32_t, std::uint32_t> deadZones;

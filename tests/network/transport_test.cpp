@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <memory>
 
 using namespace NetworkCompanion;
@@ -292,12 +293,14 @@ void TransportTest::eventLoopHasItsTurnInAFlood() {
     });
     QByteArray many;
     for (int i = 0; i < 5000; ++i)
-        many += message(25, int32(1) + QByteArray(500, 'x')); // more than is read ahead
+        many += message(25, int32(i + 1) + QByteArray(500, 'x')); // more than is read ahead
     TurnWatch turns;
     wire.peer.write(many);
     if (peerGoes)
         wire.peer.disconnectFromHost();
     QTRY_COMPARE_WITH_TIMEOUT(wire.events.size(), 5000U, 60'000);
+    const QList<int> keys = wire.keys();
+    QVERIFY(keys.front() == 1 && keys.back() == 5000 && std::ranges::is_sorted(keys));
     if (peerGoes) {
         QTRY_COMPARE(disconnected.size(), 1);
         QCOMPARE(disconnected.front().front().toInt(), 17);
@@ -349,26 +352,36 @@ void TransportTest::receiverStopsReading() {
     QTRY_COMPARE(disconnected.size(), 1);
 }
 
-/// At the first of some frames, at one after a pause, or told of the end.
+/// At the first of some frames, at one after the event loop had its turn, or told of the end.
 void TransportTest::receiverDestroysTheTransport() {
-    for (const std::size_t after : {1U, 3U, 4U}) {
-        const bool atTheEnd = after == 4;
+    QByteArray frames;
+    for (int id = 1; id <= 12; ++id)
+        frames += keyPress(id);
+    for (const std::size_t after : {1U, 10U, 12U}) {
+        const bool atTheEnd = after == 12;
         BareWire wire;
+        bool hasTurned = false, hadTurned = false;
         const auto destroy = [&] {
-            if (wire.events.size() < after)
-                QTest::qSleep(20);
-            else
-                wire.transport.reset();
+            if (wire.events.size() == 1)
+                QMetaObject::invokeMethod(
+                    this, [&] { hasTurned = true; }, Qt::QueuedConnection);
+            if (wire.events.size() < after) {
+                QTest::qSleep(5);
+                return;
+            }
+            hadTurned = hasTurned;
+            wire.transport.reset();
         };
         if (atTheEnd)
             connect(wire.transport.get(), &TCPTransportSocket::disconnected, this, destroy);
         else
             connect(wire.transport.get(), &TCPTransportSocket::receivedEvent, this, destroy);
-        wire.peer.write(keyPress(1) + keyPress(2) + keyPress(3) + keyPress(4));
+        wire.peer.write(frames);
         if (atTheEnd)
             wire.peer.disconnectFromHost();
         QTRY_VERIFY(!wire.transport);
         QCOMPARE(wire.events.size(), after);
+        QCOMPARE(hadTurned, after == 10);
         QTRY_COMPARE(wire.peer.state(), QTcpSocket::UnconnectedState);
     }
 }

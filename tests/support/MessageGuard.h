@@ -10,12 +10,7 @@
 namespace MeshpadTest {
 
 /// Watches the message log, from any thread, while it lives: a warning or critical message that no
-/// test asked for is a failure, and so is an expected line that never came.
-///
-///     void init() { messages_.emplace(); }
-///     void cleanup() { messages_->verify(); messages_.reset(); }
-///     std::optional<MeshpadTest::MessageGuard> messages_;
-///
+/// test asked for is a failure, and so is an expected line that never came. GuardedTest has one.
 /// Debug lines are only looked at when one is expected. One guard at a time.
 class MessageGuard {
 public:

@@ -293,17 +293,20 @@ private slots:
         producer().send(AddScreenEvent(5, 500, 8, 8, 0, 0.0, "Wall", false, false));
         producer().send(AddScreenPartEvent(5, 0, 600, 8, 8, 0, 0.0, "Left", false));
         producer().send(MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::Curve, 1, 2, 100,
-                                                  "", 4, 7, true));
+                                                  "Clip", 4, 7, true));
         producer().send(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, Type::Curve, 3, 4,
-                                                  300, "", 4, 7, true));
-        producer().send(DeformationModeEvent(Type::Curve, 5, 500, "", 4, 7, true));
-        producer().send(ScreenPartDeformationModeEvent(Type::Curve, 5, 0, 600, "", 4, 7, true));
+                                                  300, "Dust", 4, 7, true));
+        producer().send(DeformationModeEvent(Type::Curve, 5, 500, "Wall", 4, 7, true));
+        producer().send(ScreenPartDeformationModeEvent(Type::Curve, 5, 0, 600, "Left", 4, 7, true));
         QTRY_COMPARE(heard, QStringList({"media added", "texture added", "screen added",
                                          "part added", "media deformed", "texture deformed",
                                          "screen deformed", "part deformed"}));
-        for (const auto& deformed : deformations)
-            QCOMPARE(deformed->first().mid(deformed->first().size() - 3),
-                     QVariantList({4, 7, true}));
+        const QVariantList told[] = {{1, 3, 1, 2, "Clip", 4, 7, true},
+                                     {2, 3, 3, 4, "Dust", 4, 7, true},
+                                     {3, 5, "Wall", 4, 7, true},
+                                     {3, 5, 0, "Left", 4, 7, true}};
+        for (std::size_t i = 0; i < std::size(told); ++i)
+            QCOMPARE(deformations[i]->value(0), told[i]);
         producer().send(ScreenModeEvent(LV_NTC_ModeType::Parts, 5, 500, ""));
         QVERIFY(modes.wait());
         QCOMPARE(modes.value(0), QVariantList({5, 3}));
