@@ -1,8 +1,8 @@
 #include "app/ConnectPage.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
 #include "app/IPList.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
 
 #include <QGuiApplication>
 #include <QPushButton>
@@ -61,9 +61,8 @@ void ConnectPage::purgeIp() {
 }
 
 void ConnectPage::onServerDiscovered(const QString& ip) {
-    if (std::find(knownIps_.begin(), knownIps_.end(), ip) != knownIps_.end()) {
+    if (std::find(knownIps_.begin(), knownIps_.end(), ip) != knownIps_.end())
         return;
-    }
     knownIps_.push_back(ip);
     ipList_->addIP(ip);
 }
@@ -78,14 +77,12 @@ void ConnectPage::onServerDisconnected(const QString& ip) {
 
 void ConnectPage::forget(const QString& ip) {
     const auto known = std::find(knownIps_.begin(), knownIps_.end(), ip);
-    if (known == knownIps_.end()) {
+    if (known == knownIps_.end())
         return;
-    }
     // News from the other thread may arrive after the Producer has answered again, and that answer
     // was no discovery to this page. What is listed right now decides.
-    if (EventDispatcher::getInstance()->networkUtils().getAvailableServers().contains(ip)) {
+    if (EventDispatcher::getInstance()->networkUtils().getAvailableServers().contains(ip))
         return;
-    }
     knownIps_.erase(known);
     ipList_->removeIp(ip);
 }
@@ -97,21 +94,18 @@ void ConnectPage::onSelectedIpChanged(const QString& ip) {
         QLatin1StringView(selected ? kConnectButtonOn : kConnectButtonOff));
     connectButton_->setCursor(selected ? Qt::PointingHandCursor : Qt::ArrowCursor);
     connectButton_->setFocusPolicy(selected ? Qt::StrongFocus : Qt::NoFocus);
-    if (!selected) {
+    if (!selected)
         connectButton_->clearFocus();
-    }
     connectButton_->setToolTip(selected ? QString(QLatin1StringView(kConnectButtonName))
                                         : QString());
 }
 
 void ConnectPage::onConnectToProducer() {
-    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
+    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
         return; // a finger that slides off the button takes its press back
-    }
     const QString ip = ipList_->selectedIp();
-    if (ip.isEmpty()) {
+    if (ip.isEmpty())
         return;
-    }
     emit connection(ip);
     ipList_->onIpClicked(QString());
 }

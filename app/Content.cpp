@@ -1,7 +1,7 @@
 #include "app/Content.h"
 
 #include "app/ConnectPage.h"
-#include "app/EventDispatcher.h"
+#include "app/shell/EventDispatcher.h"
 #include "pages/QuickKeysPage.h"
 #include "pages/SettingsPage.h"
 #include "pages/TestPatternPage.h"
@@ -14,11 +14,10 @@ using Companion::Page;
 Content::Content(const Configuration& configuration, QWidget* parent)
     : QStackedWidget(parent), configuration_(configuration) {
     initPages();
-    if (EventDispatcher::getInstance()->client().isConnected()) {
+    if (EventDispatcher::getInstance()->client().isConnected())
         qDebug("You should not be connected when the app launches.");
-    } else {
+    else
         setCurrentWidget(connectPage_);
-    }
 
     connect(this, &Content::meshpadConnected, settingsPage_, &SettingsPage::onMeshpadConnected);
     connect(this, &Content::leftAxisMoved, warpPage_, &IPage::onLeftAxisMoved);
@@ -37,9 +36,8 @@ void Content::initPages() {
     settingsPage_ = new SettingsPage(configuration_, this);
     for (IPage* page : {static_cast<IPage*>(connectPage_), static_cast<IPage*>(warpPage_),
                         static_cast<IPage*>(quickKeysPage_), static_cast<IPage*>(testPatternPage_),
-                        static_cast<IPage*>(settingsPage_)}) {
+                        static_cast<IPage*>(settingsPage_)})
         addWidget(page);
-    }
 }
 
 void Content::setPage(Page page) {
@@ -70,9 +68,8 @@ void Content::setPage(Page page) {
 }
 
 void Content::lockCurrentPage() {
-    if (auto* page = qobject_cast<IPage*>(currentWidget())) {
+    if (auto* page = qobject_cast<IPage*>(currentWidget()))
         page->lockPage();
-    }
 }
 
 void Content::purgeIp() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/IPage.h"
+#include "app/shell/IPage.h"
 
 #include <QStackedWidget>
 

@@ -1,6 +1,6 @@
 #include "app/DisconnectOverlay.h"
 
-#include "app/Configuration.h"
+#include "app/shell/Configuration.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -45,9 +45,8 @@ void DisconnectOverlay::initOverlay() {
 }
 
 void DisconnectOverlay::onDisconnect() {
-    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
+    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
         return; // a finger that slides off the button takes its press back
-    }
     emit disconnection();
 }
 

@@ -3,10 +3,10 @@
 #include "app/ConnectPage.h"
 #include "app/Content.h"
 #include "app/DisconnectOverlay.h"
-#include "app/EventDispatcher.h"
 #include "app/HeadBanner.h"
+#include "app/shell/EventDispatcher.h"
 #include "input/key_event_manager.h"
-#include "network/MsgEvent.h"
+#include "network/events/MsgEvent.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -96,16 +96,14 @@ void GuiCompanion::initInput() {
 
 void GuiCompanion::onConnectToServer(const QString& ip) {
     auto& client = dispatcher_->client();
-    if (!client.connectToServer(ip, kProducerPort)) {
+    if (!client.connectToServer(ip, kProducerPort))
         return;
-    }
     content_->setPage(Page::Warp);
     banner_->updateBanner();
 
     checkConnection_->setWatchedAddress(ip);
-    if (!checkConnection_->isRunning()) {
+    if (!checkConnection_->isRunning())
         checkConnection_->start();
-    }
     serverIp_ = ip;
 
     content_->purgeMedia();
@@ -129,18 +127,16 @@ void GuiCompanion::onDisconnectFromServer() {
 }
 
 void GuiCompanion::onDisconnectError() {
-    if (!overlay_) {
+    if (!overlay_)
         showOverlay();
-    }
     dispatcher_->networkUtils().serverHasDisconnected(serverIp_);
 }
 
 void GuiCompanion::onServerAvailableAgain() {
-    if (overlay_) {
+    if (overlay_)
         removeOverlay();
-    } else if (dispatcher_->client().isConnected()) {
+    else if (dispatcher_->client().isConnected())
         return;
-    }
     onConnectToServer(serverIp_);
 }
 
@@ -149,18 +145,16 @@ void GuiCompanion::showOverlay() {
     connect(overlay_.get(), SIGNAL(disconnection()), this, SLOT(onDisconnectFromServer()));
     content_->lockCurrentPage();
     gamepad_.onFocusLost(); // nor does a controller reach what is under the veil
-    while (QWidget* popup = QApplication::activePopupWidget()) {
+    while (QWidget* popup = QApplication::activePopupWidget())
         popup->close(); // an open list would stay above the veil
-    }
     focusBeforeOverlay_ = focusWidget();
     overlay_->show();
     overlay_->setFocus();
 }
 
 void GuiCompanion::removeOverlay() {
-    if (!overlay_) {
+    if (!overlay_)
         return;
-    }
     disconnect(overlay_.get(), SIGNAL(disconnection()), this, nullptr);
     // Before hiding, which would hand the focus to whatever comes next in the tab order.
     QWidget* heir = focusBeforeOverlay_ ? focusBeforeOverlay_.data() : this;
@@ -168,9 +162,8 @@ void GuiCompanion::removeOverlay() {
     overlay_->hide();
     // Its own button may have brought us here.
     overlay_.release()->deleteLater();
-    if (QGuiApplication::applicationState() == Qt::ApplicationActive) {
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive)
         gamepad_.onFocusGained();
-    }
 }
 
 void GuiCompanion::goToPageFromMenu(int tab) {
@@ -187,7 +180,6 @@ void GuiCompanion::keyPressEvent(QKeyEvent* event) {
 
 void GuiCompanion::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (overlay_) {
+    if (overlay_)
         overlay_->resize(size());
-    }
 }

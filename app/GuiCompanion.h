@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/CheckConnection.h"
-#include "app/Configuration.h"
+#include "app/shell/CheckConnection.h"
+#include "app/shell/Configuration.h"
 #include "input/action_mapper.h"
 #include "input/gamepad_input_manager.h"
 

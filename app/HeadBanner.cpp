@@ -1,8 +1,8 @@
 #include "app/HeadBanner.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
-#include "app/FocusRing.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "app/shell/FocusRing.h"
 
 #include <QDebug>
 #include <QGuiApplication>
@@ -50,11 +50,10 @@ HeadBanner::HeadBanner(const Configuration& configuration, QWidget* parent)
     initConnectTitleLabel();
     initMenuWidget();
     initDisconnectButton();
-    if (configuration_.connected) {
+    if (configuration_.connected)
         qDebug("You should not be connected when the app launches.");
-    } else {
+    else
         attach(titleLabel_, Qt::AlignCenter);
-    }
     onMenuTabPressed(1);
 }
 
@@ -107,9 +106,8 @@ void HeadBanner::initTabs() {
     const int count = static_cast<int>(names.size());
     const QSize capSize(kTabCapWidth, configuration_.menuTabSize.height());
     addTabButton({}, names.first(), capSize, 1);
-    for (int tab = 0; tab < count; ++tab) {
+    for (int tab = 0; tab < count; ++tab)
         addTabButton(names[tab], names[tab], configuration_.menuTabSize, tab + 1);
-    }
     addTabButton({}, names.last(), capSize, count);
     connect(&tabMapper_, &QSignalMapper::mappedInt, this, &HeadBanner::onMenuTabPressed);
 }
@@ -140,11 +138,10 @@ void HeadBanner::initDisconnectButton() {
 }
 
 void HeadBanner::updateBanner() {
-    if (EventDispatcher::getInstance()->client().isConnected()) {
+    if (EventDispatcher::getInstance()->client().isConnected())
         displayConnectedBanner();
-    } else {
+    else
         displayNotConnectedBanner();
-    }
 }
 
 void HeadBanner::displayConnectedBanner() {
@@ -160,18 +157,16 @@ void HeadBanner::displayNotConnectedBanner() {
 }
 
 void HeadBanner::attach(QWidget& widget, Qt::Alignment alignment) {
-    if (widget.parentWidget() == this) {
+    if (widget.parentWidget() == this)
         return;
-    }
     widget.setParent(this);
     layout_.addWidget(&widget, 0, alignment);
     widget.show();
 }
 
 void HeadBanner::detach(QWidget& widget) {
-    if (widget.parentWidget() != this) {
+    if (widget.parentWidget() != this)
         return;
-    }
     // Hidden by name: without a parent it is a window, and a layout may still have the showing of a
     // widget that nobody hid on its list.
     widget.hide();
@@ -181,22 +176,19 @@ void HeadBanner::detach(QWidget& widget) {
 }
 
 void HeadBanner::onDisconnectFromProducer() {
-    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
+    if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
         return; // a finger that slides off the button takes its press back
-    }
     emit disconnection();
 }
 
 void HeadBanner::onMenuTabPressed(int id) {
     const QList<QAbstractButton*> buttons = tabs_.buttons();
     const auto count = static_cast<int>(buttons.size());
-    for (QAbstractButton* button : buttons) {
+    for (QAbstractButton* button : buttons)
         button->setStyleSheet(QLatin1StringView(kTabOff));
-    }
     buttons.first()->setStyleSheet(QLatin1StringView(id == 1 ? kLeftCapOn : kLeftCapOff));
     buttons.last()->setStyleSheet(QLatin1StringView(id == count - 2 ? kRightCapOn : kRightCapOff));
-    if (id > 0 && id < count - 1) {
+    if (id > 0 && id < count - 1)
         buttons[id]->setStyleSheet(QLatin1StringView(kTabOn));
-    }
     emit menuTabPressed(id - 1);
 }

@@ -1,6 +1,6 @@
 #include "app/IPList.h"
 
-#include "app/Configuration.h"
+#include "app/shell/Configuration.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -27,14 +27,14 @@ IPList::IPList(QWidget* parent) : QWidget(parent) {
 IPList::~IPList() = default;
 
 IPList::Buttons::iterator IPList::find(const QString& ip) {
-    return std::find_if(buttons_.begin(), buttons_.end(),
-                        [&ip](const auto& button) { return button->text() == ip; });
+    return std::find_if(
+        buttons_.begin(), buttons_.end(),
+        [&ip](const auto& button) { return button->text() == ip; });
 }
 
 void IPList::addIP(const QString& ip) {
-    if (find(ip) != buttons_.end()) {
+    if (find(ip) != buttons_.end())
         return;
-    }
     const auto& button = buttons_.emplace_back(std::make_unique<QPushButton>(ip, this));
     button->setFixedSize(kAddressButtonSize);
     button->setStyleSheet(
@@ -48,9 +48,8 @@ void IPList::addIP(const QString& ip) {
 
 void IPList::removeIp(const QString& ip) {
     const auto found = find(ip);
-    if (found == buttons_.end()) {
+    if (found == buttons_.end())
         return;
-    }
     QObject::disconnect(found->get(), nullptr, &mapper_, nullptr);
     mapper_.removeMappings(found->get());
     layout_.removeWidget(found->get());
@@ -67,8 +66,7 @@ void IPList::onIpClicked(const QString& ip) {
     for (const auto& button : buttons_) {
         const QString style =
             QLatin1StringView(button->text() == ip ? kAddressButtonOn : kAddressButtonOff);
-        if (button->styleSheet() != style) { // setting one costs a restyling
+        if (button->styleSheet() != style) // setting one costs a restyling
             button->setStyleSheet(style);
-        }
     }
 }

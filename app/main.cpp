@@ -1,8 +1,8 @@
-#include "app/Configuration.h"
-#include "app/GraphicsProcessor.h"
 #include "app/GuiCompanion.h"
 #include "app/KeyRepeatFilter.h"
 #include "app/ToolTipFilter.h"
+#include "app/graphics/GraphicsProcessor.h"
+#include "app/shell/Configuration.h"
 #include "resources/CompanionResources.h"
 
 #include <QApplication>
@@ -14,9 +14,8 @@ namespace {
 /// fast, and in half the memory. Who names a renderer gets it ("rhi" is OpenGL).
 void chooseRenderer() {
     constexpr char kRenderer[] = "QT_QUICK_BACKEND";
-    if (!qEnvironmentVariableIsSet(kRenderer) && !hasGraphicsProcessor()) {
+    if (!qEnvironmentVariableIsSet(kRenderer) && !hasGraphicsProcessor())
         qputenv(kRenderer, "software");
-    }
 }
 
 } // namespace

@@ -13,12 +13,15 @@ public:
     Peer() {
         thread_.start();
         server_.moveToThread(&thread_);
-        QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] {
-            socket_ = server_.nextPendingConnection();
-            socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-            QObject::connect(socket_, &QTcpSocket::readyRead, socket_,
-                             [this] { received += socket_->readAll().size(); });
-        });
+        QObject::connect(
+            &server_, &QTcpServer::newConnection, &server_,
+            [this] {
+                socket_ = server_.nextPendingConnection();
+                socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+                QObject::connect(
+                    socket_, &QTcpSocket::readyRead, socket_,
+                    [this] { received += socket_->readAll().size(); });
+            });
         QMetaObject::invokeMethod(
             &server_, [this] { server_.listen(QHostAddress::LocalHost); },
             Qt::BlockingQueuedConnection);

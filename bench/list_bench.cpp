@@ -3,8 +3,8 @@
 // all rows out of the layout, a bubble sort, and all back in. Run it in a network namespace; the
 // list's requests go through the process's dispatcher.
 
-#include "app/Configuration.h"
-#include "network/AddMediaEvent.h"
+#include "app/shell/Configuration.h"
+#include "network/events/AddMediaEvent.h"
 #include "resources/CompanionResources.h"
 #include "warp/MediaItem.h"
 #include "warp/MediaList.h"
@@ -54,9 +54,8 @@ struct Window {
         container.resize(240, 610);
         container.show();
         settle();
-        for (AddMediaEvent& event : makeShow(items)) {
+        for (AddMediaEvent& event : makeShow(items))
             list.receive(&event);
-        }
         settle();
     }
 
@@ -70,9 +69,8 @@ void itemsArriving(benchmark::State& state) {
         state.PauseTiming();
         Window window(0);
         state.ResumeTiming();
-        for (AddMediaEvent& event : show) {
+        for (AddMediaEvent& event : show)
             window.list.receive(&event);
-        }
         settle();
         state.PauseTiming();
         window.list.purgeMedia();
@@ -96,9 +94,8 @@ void nextRow(benchmark::State& state) {
     for (auto _ : state) {
         Item* before = window.list.selection();
         window.list.selectNextVisibleItem();
-        if (window.list.selection() == before) {
+        if (window.list.selection() == before)
             window.list.selectFirstVisibleItem();
-        }
         settle();
     }
 }
@@ -131,9 +128,8 @@ void itemsArrivingNaively(benchmark::State& state) {
         for (const AddMediaEvent& event : show) {
             rows.push_back(new MediaItem(event.mediaType(), event.cueId(), 0, 0, 0, 0, false,
                                          event.name(), configuration(), content));
-            while (QLayoutItem* item = layout->takeAt(0)) {
+            while (QLayoutItem* item = layout->takeAt(0))
                 delete item;
-            }
             for (bool swapped = true; swapped;) {
                 swapped = false;
                 for (std::size_t i = 1; i < rows.size(); ++i) {
@@ -165,9 +161,8 @@ int main(int argc, char** argv) {
     initCompanionResources();
     QApplication application(argc, argv);
     QFile styleSheet(QLatin1StringView(ShellLook::kStyleSheetPath));
-    if (styleSheet.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (styleSheet.open(QIODevice::ReadOnly | QIODevice::Text))
         application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
-    }
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;

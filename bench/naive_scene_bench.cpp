@@ -6,7 +6,7 @@
 
 #include "bench/Peer.h"
 #include "network/CompanionClient.h"
-#include "network/MediaMovePointEvent.h"
+#include "network/events/MediaMovePointEvent.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -2,8 +2,8 @@
 // of the same bytes and against a copy of them into a new array.
 
 #include "bench/RatioReporter.h"
-#include "network/EventTable.h"
 #include "network/LVNtc.h"
+#include "network/events/EventTable.h"
 
 #include <QDataStream>
 #include <QIODevice>
@@ -169,34 +169,43 @@ void registerEvent(const std::string& name, std::shared_ptr<Event> event) {
     const int code = static_cast<int>(event->type());
     const QByteArray frame = LVNtc::serialize(header, *event);
     const auto add = [&](const std::string& what, auto body) {
-        benchmark::RegisterBenchmark((name + what).c_str(), [=](benchmark::State& state) {
-            // Not shared with anything, as bytes fresh from a socket.
-            QByteArray bytes(frame.constData(), frame.size());
-            body(state, bytes);
-        });
+        benchmark::RegisterBenchmark((name + what).c_str(),
+                                     [=](benchmark::State& state) {
+                                         // Not shared with anything, as bytes fresh from a socket.
+                                         QByteArray bytes(frame.constData(), frame.size());
+                                         body(state, bytes);
+                                     });
     };
-    add(" encode/ours", [=](benchmark::State& state, QByteArray&) {
-        for (auto _ : state)
-            benchmark::DoNotOptimize(LVNtc::serialize(header, *event));
-    });
+    add(
+        " encode/ours",
+        [=](benchmark::State& state, QByteArray&) {
+            for (auto _ : state)
+                benchmark::DoNotOptimize(LVNtc::serialize(header, *event));
+        });
     add(" encode/copy", [](benchmark::State& state, QByteArray& bytes) {
         for (auto _ : state)
             benchmark::DoNotOptimize(QByteArray(bytes.constData(), bytes.size()));
     });
-    add(" encode/QDataStream", [=](benchmark::State& state, QByteArray& bytes) {
-        const auto plain = plainEvent(bytes);
-        checkSame(state, plainFrame(*plain, qint32(header.dataSize), code), bytes);
-        for (auto _ : state)
-            benchmark::DoNotOptimize(plainFrame(*plain, qint32(header.dataSize), code));
-    });
-    add(" decode/ours", [](benchmark::State& state, QByteArray& bytes) {
-        for (auto _ : state)
-            delete LVNtc::deserialize(bytes).second;
-    });
-    add(" decode/copy", [](benchmark::State& state, QByteArray& bytes) {
-        for (auto _ : state)
-            benchmark::DoNotOptimize(QByteArray(bytes.constData(), bytes.size()));
-    });
+    add(
+        " encode/QDataStream",
+        [=](benchmark::State& state, QByteArray& bytes) {
+            const auto plain = plainEvent(bytes);
+            checkSame(state, plainFrame(*plain, qint32(header.dataSize), code), bytes);
+            for (auto _ : state)
+                benchmark::DoNotOptimize(plainFrame(*plain, qint32(header.dataSize), code));
+        });
+    add(
+        " decode/ours",
+        [](benchmark::State& state, QByteArray& bytes) {
+            for (auto _ : state)
+                delete LVNtc::deserialize(bytes).second;
+        });
+    add(
+        " decode/copy",
+        [](benchmark::State& state, QByteArray& bytes) {
+            for (auto _ : state)
+                benchmark::DoNotOptimize(QByteArray(bytes.constData(), bytes.size()));
+        });
     add(" decode/QDataStream", [](benchmark::State& state, QByteArray& bytes) {
         for (auto _ : state)
             benchmark::DoNotOptimize(plainEvent(bytes));

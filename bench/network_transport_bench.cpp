@@ -1,8 +1,8 @@
 // Throughput and latency of the transport on loopback, against a bare QTcpSocket that carries
 // messages of the same size. Each end has a thread of its own.
 
-#include "network/MediaMovePointEvent.h"
 #include "network/TcpTransportSocket.h"
+#include "network/events/MediaMovePointEvent.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

@@ -3,15 +3,15 @@
 // it connects, a network namespace:
 //   scripts/in-namespace --display -- scene_bench
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
 #include "bench/Peer.h"
-#include "network/AddMediaEvent.h"
-#include "network/ItemDataEvent.h"
+#include "mesh/MeshGridItem.h"
 #include "network/LVNtc.h"
+#include "network/events/AddMediaEvent.h"
+#include "network/events/ItemDataEvent.h"
 #include "resources/CompanionResources.h"
 #include "warp/Canvas.h"
-#include "warp/MeshGridItem.h"
 #include "warp/WarpPage.h"
 
 #include <QApplication>

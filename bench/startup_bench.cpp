@@ -3,12 +3,12 @@
 // on until a large show is on screen. Needs a display and, as discovery looks for Producers, a
 // network namespace.
 
-#include "app/Configuration.h"
 #include "app/Content.h"
-#include "app/EventDispatcher.h"
 #include "app/GuiCompanion.h"
-#include "network/AddMediaEvent.h"
-#include "network/MediaDeformationModeEvent.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "network/events/AddMediaEvent.h"
+#include "network/events/MediaDeformationModeEvent.h"
 #include "resources/CompanionResources.h"
 
 #include <QApplication>
@@ -84,9 +84,8 @@ int runChild(int argc, char** argv, bool withShow) {
     initCompanionResources();
     QApplication application(argc, argv);
     QFile styleSheet(QLatin1StringView(ShellLook::kStyleSheetPath));
-    if (styleSheet.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (styleSheet.open(QIODevice::ReadOnly | QIODevice::Text))
         application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
-    }
     GuiCompanion window(nullptr);
     new FirstFrame(&window, withShow);
     window.show();
@@ -96,9 +95,8 @@ int runChild(int argc, char** argv, bool withShow) {
 /// Resident memory of a process in MiB, 0 where the system does not tell it this way.
 double residentMiB(qint64 processId) {
     QFile status(QStringLiteral("/proc/%1/status").arg(processId));
-    if (!status.open(QIODevice::ReadOnly)) {
+    if (!status.open(QIODevice::ReadOnly))
         return 0;
-    }
     const QByteArray text = status.readAll();
     const qsizetype at = text.indexOf("VmRSS:");
     return at < 0 ? 0 : text.mid(at + 6).simplified().split(' ').first().toDouble() / 1024.0;
@@ -112,13 +110,11 @@ void startUntil(benchmark::State& state, const char* flag, const char* word) {
         timer.start();
         child.start(QCoreApplication::applicationFilePath(), {QLatin1StringView(flag)});
         QByteArray output;
-        while (!output.contains(word) && child.waitForReadyRead(30'000)) {
+        while (!output.contains(word) && child.waitForReadyRead(30'000))
             output += child.readAllStandardOutput();
-        }
         state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
-        if (!output.contains(word)) {
+        if (!output.contains(word))
             state.SkipWithError("no answer");
-        }
         memory = residentMiB(child.processId());
         child.kill();
         child.waitForFinished();
@@ -142,10 +138,9 @@ BENCHMARK(startToShowOfThousandItems)
 } // namespace
 
 int main(int argc, char** argv) {
-    for (const char* flag : {kChildFlag, kShowFlag}) {
+    for (const char* flag : {kChildFlag, kShowFlag})
         if (argc > 1 && std::strcmp(argv[1], flag) == 0)
             return runChild(argc, argv, flag == kShowFlag);
-    }
     benchmark::Initialize(&argc, argv);
     QCoreApplication application(argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -60,12 +60,14 @@ private:
 
 struct Pad {
     Pad() {
-        QObject::connect(&mapper, &ActionMapper::action, &mapper, [this](Action action) {
-            if (action < Action::TOGGLE_BLIND || action > Action::TOGGLE_EDIT_UV)
-                std::abort();
-            last = action;
-            ++actions;
-        });
+        QObject::connect(
+            &mapper, &ActionMapper::action, &mapper,
+            [this](Action action) {
+                if (action < Action::TOGGLE_BLIND || action > Action::TOGGLE_EDIT_UV)
+                    std::abort();
+                last = action;
+                ++actions;
+            });
     }
     void press(int button) {
         actions = 0;

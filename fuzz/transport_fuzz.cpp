@@ -2,8 +2,8 @@
 // lengths in the stream say, however it is cut, and nothing may crash, hang or stay unread.
 
 #include "fuzz/Harness.h"
-#include "network/ProtocolLimits.h"
 #include "network/TcpTransportSocket.h"
+#include "network/events/ProtocolLimits.h"
 
 #include <QCoreApplication>
 #include <QTcpSocket>

@@ -120,12 +120,11 @@ bool ActionMapper::matchesHeldInputs(const Mapping& mapping) const {
     if (heldInputs_.size() != mapping.orderedInputs.size() + mapping.anyPositionInputs.size())
         return false;
     auto nextOrdered = mapping.orderedInputs.begin();
-    for (const GamepadButton held : heldInputs_) {
+    for (const GamepadButton held : heldInputs_)
         if (nextOrdered != mapping.orderedInputs.end() && *nextOrdered == held)
             ++nextOrdered;
         else if (!contains(mapping.anyPositionInputs, held))
             return false;
-    }
     return nextOrdered == mapping.orderedInputs.end();
 }
 

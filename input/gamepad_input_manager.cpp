@@ -120,10 +120,9 @@ void GamepadInputManager::discoverAvailableDevices() {
     if (!controllers) {
         qWarning("Failed to find gamepad devices");
     } else {
-        for (const AttachedController& controller : *controllers) {
+        for (const AttachedController& controller : *controllers)
             if (discoverVisitDevice(controller))
                 break;
-        }
     }
     updateLookTimer();
 }
@@ -351,10 +350,9 @@ void GamepadInputManager::catchUpWithState() {
         axes_[Z].known = axes_[Rz].known = true;
         triggersAligned_ = true;
     }
-    for (std::size_t i = 0; i < kAxisCount; ++i) {
+    for (std::size_t i = 0; i < kAxisCount; ++i)
         if (axes_[i].known && axes_[i].present)
             updateAxis(static_cast<AxisIndex>(i), static_cast<std::uint32_t>(state.axes[i]));
-    }
     for (std::size_t i = 0; i < kMappedButtons && isReading(); ++i)
         updateButton(i, state.buttons[i]);
     if (isReading())

@@ -31,10 +31,9 @@ void KeyEventManager::removeListener(KeyEventListener* listener) {
 void KeyEventManager::notifyListeners(QKeyEvent* keyEvent) {
     ++notifying_;
     const std::size_t count = listeners_.size();
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
         if (listeners_[i])
             listeners_[i]->notified(keyEvent);
-    }
     --notifying_;
     if (notifying_ == 0)
         std::erase(listeners_, nullptr);

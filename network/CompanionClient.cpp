@@ -1,6 +1,6 @@
 #include "network/CompanionClient.h"
 
-#include "network/ProtocolLimits.h"
+#include "network/events/ProtocolLimits.h"
 
 #include <QMetaMethod>
 #include <QPointer>

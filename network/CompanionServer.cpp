@@ -1,7 +1,7 @@
 #include "network/CompanionServer.h"
 
-#include "network/ProtocolLimits.h"
 #include "network/TcpTransportSocket.h"
+#include "network/events/ProtocolLimits.h"
 
 #include <QMetaMethod>
 #include <QPointer>
@@ -30,10 +30,9 @@ quint16 CompanionServer::port() const {
 void CompanionServer::close() {
     const QPointer<CompanionServer> alive(this);
     server_.close();
-    for (const int id : companionIds()) {
+    for (const int id : companionIds())
         if (alive)
             disconnectCompanion(id);
-    }
 }
 
 QList<int> CompanionServer::companionIds() const {
@@ -63,10 +62,9 @@ bool CompanionServer::send(int companionId, Event& event) {
 
 void CompanionServer::sendToAll(Event& event, int exceptCompanionId) {
     const QPointer<CompanionServer> alive(this);
-    for (const int id : companionIds()) {
+    for (const int id : companionIds())
         if (alive && id != exceptCompanionId)
             send(id, event);
-    }
 }
 
 void CompanionServer::disconnectCompanion(int companionId) {

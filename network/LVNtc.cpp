@@ -1,6 +1,6 @@
 #include "network/LVNtc.h"
 
-#include "network/EventTable.h"
+#include "network/events/EventTable.h"
 
 #include <QtEndian>
 

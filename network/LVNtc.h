@@ -1,6 +1,6 @@
 #pragma once
 
-#include "network/Event.h"
+#include "network/events/Event.h"
 
 namespace NetworkCompanion {
 

@@ -1,6 +1,6 @@
 #include "network/NetworkUtils.h"
 
-#include "network/ProtocolLimits.h"
+#include "network/events/ProtocolLimits.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -35,10 +35,9 @@ bool isUsable(const QHostAddress& address) {
 QList<QHostAddress> usableAddresses(const QList<QNetworkInterface>& interfaces) {
     QList<QHostAddress> addresses;
     for (const QNetworkInterface& usable : interfaces) {
-        for (const QNetworkAddressEntry& entry : usable.addressEntries()) {
+        for (const QNetworkAddressEntry& entry : usable.addressEntries())
             if (isUsable(entry.ip()) && !addresses.contains(entry.ip()))
                 addresses.append(entry.ip());
-        }
     }
     return addresses;
 }
@@ -104,10 +103,9 @@ void NetworkUtils::getClientsOnNetwork() {
 
 void NetworkUtils::broadcastDatagramOnAllSockets(const char* data, qint64 size, quint16 port) {
     // From a socket that is bound to an interface's address a broadcast leaves by that interface.
-    for (const BoundSocket& bound : sockets_) {
+    for (const BoundSocket& bound : sockets_)
         if (bound.socket->state() == QAbstractSocket::BoundState)
             bound.socket->writeDatagram(data, size, QHostAddress::Broadcast, port);
-    }
 }
 
 QList<QNetworkInterface> NetworkUtils::getAvailableNetworkInterfaces() {
@@ -131,13 +129,15 @@ void NetworkUtils::followAddresses(const QList<QHostAddress>& addresses) {
 }
 
 void NetworkUtils::removeClientUnusedSockets(const QList<QHostAddress>& addresses) {
-    std::erase_if(sockets_, [&](const BoundSocket& bound) {
-        if (addresses.contains(bound.address))
-            return false;
-        bound.socket->close();
-        bound.socket->deleteLater();
-        return true;
-    });
+    std::erase_if(
+        sockets_,
+        [&](const BoundSocket& bound) {
+            if (addresses.contains(bound.address))
+                return false;
+            bound.socket->close();
+            bound.socket->deleteLater();
+            return true;
+        });
 }
 
 void NetworkUtils::addClientNewSockets(const QList<QHostAddress>& addresses) {
@@ -326,10 +326,9 @@ void NetworkUtils::pruneTimeoutedServers() {
         });
     }
     const QPointer<NetworkUtils> alive(this);
-    for (const QString& address : silent) {
+    for (const QString& address : silent)
         if (alive)
             emit serverTimeouted(address);
-    }
 }
 
 } // namespace NetworkCompanion

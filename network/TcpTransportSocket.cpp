@@ -1,9 +1,9 @@
 #include "network/TcpTransportSocket.h"
 
-#include "network/ItemDataEvent.h"
 #include "network/KeepAlive.h"
 #include "network/LVNtc.h"
-#include "network/ProtocolLimits.h"
+#include "network/events/ItemDataEvent.h"
+#include "network/events/ProtocolLimits.h"
 
 #include <QDeadlineTimer>
 #include <QMetaMethod>
@@ -119,10 +119,9 @@ bool TCPTransportSocket::tryToConnect(const QUrl& url) {
     if (emitting_ > 0) {
         replaceSocket();
     } else {
-        for (QTcpSocket* socket : findChildren<QTcpSocket*>()) {
+        for (QTcpSocket* socket : findChildren<QTcpSocket*>())
             if (socket != socket_)
                 delete socket;
-        }
     }
     socket_->connectToHost(url.host(), static_cast<quint16>(url.port(-1)), QIODevice::ReadWrite,
                            QAbstractSocket::AnyIPProtocol);

@@ -6,7 +6,6 @@ ControlPage::ControlPage(QWidget* parent) : IPage(parent) {}
 
 void ControlPage::showEvent(QShowEvent* event) {
     IPage::showEvent(event);
-    if (!event->spontaneous()) {
+    if (!event->spontaneous())
         setFocus(Qt::OtherFocusReason);
-    }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/IPage.h"
+#include "app/shell/IPage.h"
 
 /// What the pages of widgets share: shown, they take the focus, so that the first Tab leads to the
 /// first control. Keys that no control takes go on to the window, as on every page.

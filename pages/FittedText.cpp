@@ -15,9 +15,8 @@ constexpr QChar kEllipsis = u'\u2026';
 } // namespace
 
 void FittedText::set(const QString& text, const QFont& font, int smallestSize, const QSize& box) {
-    if (text == source_ && font == largestFont_ && smallestSize == smallestSize_ && box == box_) {
+    if (text == source_ && font == largestFont_ && smallestSize == smallestSize_ && box == box_)
         return;
-    }
     source_ = text;
     largestFont_ = font;
     smallestSize_ = smallestSize;
@@ -32,9 +31,8 @@ void FittedText::set(const QString& text, const QFont& font, int smallestSize, c
         QFont tried = font;
         for (int size = font.pixelSize(); size >= smallestSize; --size) {
             tried.setPixelSize(size);
-            if (layOut(tried, wrapMode)) {
+            if (layOut(tried, wrapMode))
                 return;
-            }
         }
     }
     elide();
@@ -63,18 +61,16 @@ bool FittedText::layOut(const QFont& font, QTextOption::WrapMode wrapMode) {
 void FittedText::elide() {
     int last = 0; // of the lines that there is room for
     while (last + 1 < layout_.lineCount() &&
-           layout_.lineAt(last + 1).rect().bottom() <= box_.height()) {
+           layout_.lineAt(last + 1).rect().bottom() <= box_.height())
         ++last;
-    }
     const QString text = layout_.text();
     const int start = layout_.lineAt(last).textStart();
     const QString end =
         QFontMetricsF(layout_.font()).elidedText(text.mid(start), Qt::ElideRight, box_.width());
     elided_ = end != text.mid(start);
     layout_.setText(text.left(start) + end);
-    if (layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere)) {
+    if (layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere))
         return;
-    }
     // Ended, the line may wrap elsewhere or be higher: letters go until it fits.
     elided_ = true;
     QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, text);

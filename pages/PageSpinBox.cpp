@@ -10,9 +10,8 @@ PageSpinBox::PageSpinBox(QWidget* parent) : QSpinBox(parent) {
 
 void PageSpinBox::stepBy(int steps) {
     QSpinBox::stepBy(steps);
-    if (!hasFocus()) {
+    if (!hasFocus())
         lineEdit()->deselect();
-    }
 }
 
 bool PageSpinBox::eventFilter(QObject* watched, QEvent* event) {
@@ -38,9 +37,8 @@ void PageSpinBox::keyPressEvent(QKeyEvent* event) {
 }
 
 void PageSpinBox::mousePressEvent(QMouseEvent* event) {
-    if (hasFocus()) {
+    if (hasFocus())
         endTyping();
-    }
     QSpinBox::mousePressEvent(event);
 }
 

@@ -1,7 +1,7 @@
 #include "pages/QuickKeysButton.h"
 
-#include "app/Configuration.h"
-#include "app/FocusRing.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/FocusRing.h"
 
 #include <QHelpEvent>
 #include <QStyleOptionButton>
@@ -19,7 +19,8 @@ namespace {
 /// the network.
 bool isColor(const QString& text) {
     return QColor::isValidColorName(text) &&
-           std::none_of(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
+           std::none_of(
+               text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
 }
 
 /// Contrast of white text on the ground, 1 to 21.
@@ -55,9 +56,8 @@ void QuickKeysButton::setBckgColor(QString color) {
     bckgColor_ = isColor(color) ? std::move(color) : QString::fromLatin1(kIdleColor);
     const QString style =
         QLatin1StringView(kQuickKeyStyleStart) + bckgColor_ + QLatin1StringView(kQuickKeyStyleEnd);
-    if (style != styleSheet()) {
+    if (style != styleSheet())
         setStyleSheet(style);
-    }
 }
 
 QSize QuickKeysButton::sizeHint() const {
@@ -91,13 +91,11 @@ void QuickKeysButton::paintEvent(QPaintEvent* event) {
     option.text.clear();
     painter.drawControl(QStyle::CE_PushButtonBevel, option); // without the style's own focus
     painter.setRenderHint(QPainter::Antialiasing);
-    if (isEnabled()) {
+    if (isEnabled())
         drawOutline(painter);
-    }
     drawName(painter);
-    if (hasFocus()) {
+    if (hasFocus())
         drawFocusRing(painter, rect(), kQuickKeyRadius);
-    }
 }
 
 void QuickKeysButton::drawOutline(QPainter& painter) const {
@@ -112,11 +110,9 @@ void QuickKeysButton::drawName(QPainter& painter) {
     name_.set(text(), font(), kSmallestQuickKeyFontSize, area.size());
     if (contrastOfWhite(ground()) < kReadableContrast) {
         painter.setPen(QColor(QLatin1StringView(kShadowColor)));
-        for (const int x : {-1, 0, 1}) {
-            for (const int y : {-1, 0, 1}) {
+        for (const int x : {-1, 0, 1})
+            for (const int y : {-1, 0, 1})
                 name_.draw(painter, area.translated(x, y));
-            }
-        }
     }
     painter.setPen(QColor(QLatin1StringView(kTextColor)));
     name_.draw(painter, area);

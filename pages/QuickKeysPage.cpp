@@ -1,13 +1,13 @@
 #include "pages/QuickKeysPage.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
-#include "network/AddQuickKeyEvent.h"
-#include "network/ConfigQuickKeyEvent.h"
-#include "network/DeleteQuickKeyEvent.h"
-#include "network/ExecuteQuickKeyEvent.h"
-#include "network/ProtocolLimits.h"
-#include "network/UpdateQuickKeyEvent.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "network/events/AddQuickKeyEvent.h"
+#include "network/events/ConfigQuickKeyEvent.h"
+#include "network/events/DeleteQuickKeyEvent.h"
+#include "network/events/ExecuteQuickKeyEvent.h"
+#include "network/events/ProtocolLimits.h"
+#include "network/events/UpdateQuickKeyEvent.h"
 #include "pages/PageSpinBox.h"
 #include "pages/QuickKeysButton.h"
 
@@ -72,15 +72,13 @@ QuickKeysPage::QuickKeysPage(const Configuration& configuration, QWidget* parent
     connect(mapper_, &QSignalMapper::mappedInt, this, &QuickKeysPage::onButtonPressed);
     update_.setSingleShot(true);
     connect(&update_, &QTimer::timeout, this, &QuickKeysPage::updateStack);
-    for (const LV_NTC_EventType type : kEventTypes) {
+    for (const LV_NTC_EventType type : kEventTypes)
         EventDispatcher::getInstance()->addListener(this, type);
-    }
 }
 
 QuickKeysPage::~QuickKeysPage() {
-    for (const LV_NTC_EventType type : kEventTypes) {
+    for (const LV_NTC_EventType type : kEventTypes)
         EventDispatcher::getInstance()->removeListener(this, type);
-    }
 }
 
 void QuickKeysPage::initNavSpinBox() {
@@ -127,38 +125,33 @@ void QuickKeysPage::receive(Event* event) {
 }
 
 void QuickKeysPage::addQuickKey(int id, const char* name, const char* color) {
-    if (!isIdInBounds(id) || keysPerPage() == 0) {
+    if (!isIdInBounds(id) || keysPerPage() == 0)
         return;
-    }
-    if (pageOf(id) >= pageCount_) {
+    if (pageOf(id) >= pageCount_)
         setPageCount(pageOf(id) + 1);
-    }
     highestId_ = std::max(highestId_, id);
     place(id).isUsed = true;
     updateQuickKey(id, name, color);
 }
 
 void QuickKeysPage::updateQuickKey(int id, const char* name, const char* color) {
-    if (!isIdInBounds(id) || !isKnown(id)) {
+    if (!isIdInBounds(id) || !isKnown(id))
         return;
-    }
     place(id).name = QString::fromUtf8(name);
     place(id).color = QString::fromUtf8(color);
     showKey(button(id), id);
 }
 
 void QuickKeysPage::deleteQuickKey(int id) {
-    if (!isIdInBounds(id) || !isKnown(id)) {
+    if (!isIdInBounds(id) || !isKnown(id))
         return;
-    }
     place(id) = Place();
     showKey(button(id), id);
 
     if (id == highestId_) {
         int highest = id;
-        while (highest > 0 && !isKnown(highest)) {
+        while (highest > 0 && !isKnown(highest))
             --highest;
-        }
         if (highest > 0) { // without a key left, number and pages stay
             highestId_ = highest;
             setPageCount(pageOf(highest) + 1);
@@ -167,16 +160,14 @@ void QuickKeysPage::deleteQuickKey(int id) {
 }
 
 void QuickKeysPage::configQuickKey(int rows, int columns) {
-    if (!isGridInBounds(rows, columns)) {
+    if (!isGridInBounds(rows, columns))
         return;
-    }
     // The view stays with the key in its first place.
     const int firstShown = (spinBox_->value() - 1) * keysPerPage() + 1;
     rows_ = rows;
     columns_ = columns;
-    if (pageCount_ == 0) {
+    if (pageCount_ == 0)
         return;
-    }
     isGridOutdated_ = true;
     places_.resize(static_cast<std::size_t>(highestId_));
     // Where the highest key fills a page, this is one page more than the keys take: a new grid has
@@ -190,9 +181,8 @@ void QuickKeysPage::setPageCount(int count) {
     pageCount_ = count;
     places_.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(keysPerPage()));
     showSpinBoxPage(std::min(spinBox_->value(), count));
-    if (count < 2) {
+    if (count < 2)
         keepFocusFrom(spinBox_);
-    }
     spinBox_->setVisible(count > 1);
     updateSoon();
 }
@@ -204,9 +194,8 @@ void QuickKeysPage::showSpinBoxPage(int page) {
 }
 
 void QuickKeysPage::updateSoon() {
-    if (isVisible()) {
+    if (isVisible())
         update_.start();
-    }
 }
 
 void QuickKeysPage::showEvent(QShowEvent* event) {
@@ -217,29 +206,24 @@ void QuickKeysPage::showEvent(QShowEvent* event) {
 void QuickKeysPage::updateStack() {
     if (isGridOutdated_) {
         keepFocusFrom(stack_);
-        for (int i = 0; i < stack_->count(); ++i) {
+        for (int i = 0; i < stack_->count(); ++i)
             emptyPage(stack_->widget(i));
-        }
         isGridOutdated_ = false;
     }
     const int shown = spinBox_->value() - 1;
     int left = kPagesInATurn;
-    while (stack_->count() < pageCount_ && (stack_->count() <= shown || left-- > 0)) {
+    while (stack_->count() < pageCount_ && (stack_->count() <= shown || left-- > 0))
         addQuickKeysPage();
-    }
     if (shown != stack_->currentIndex()) {
         keepFocusFrom(stack_);
         stack_->setCurrentIndex(shown);
     }
-    while (stack_->count() > pageCount_ && left-- > 0) {
+    while (stack_->count() > pageCount_ && left-- > 0)
         deleteQuickKeysPage();
-    }
-    if (stack_->count() != pageCount_) {
+    if (stack_->count() != pageCount_)
         updateSoon();
-    }
-    if (pageCount_ > 0) {
+    if (pageCount_ > 0)
         fillPage(shown);
-    }
 }
 
 void QuickKeysPage::addQuickKeysPage() {
@@ -264,9 +248,8 @@ void QuickKeysPage::fillPage(int page) {
         layout->setSpacing(kSpacing);
     }
     const int first = layout->count();
-    if (first == keysPerPage()) {
+    if (first == keysPerPage())
         return;
-    }
     const int end = std::min(first + kButtonsInATurn, keysPerPage());
     // Out of sight: buttons that come into a visible page have it laid out anew, one by one.
     grid->hide();
@@ -280,17 +263,15 @@ void QuickKeysPage::fillPage(int page) {
         showKey(button, id);
         button->ensurePolished(); // which takes the longest, and would wait for the last one
     }
-    if (end == keysPerPage()) {
+    if (end == keysPerPage())
         grid->show();
-    } else {
+    else
         updateSoon();
-    }
 }
 
 void QuickKeysPage::showKey(QuickKeysButton* button, int id) {
-    if (button == nullptr) {
+    if (button == nullptr)
         return;
-    }
     const Place& shown = place(id);
     if (shown.isUsed) {
         button->setName(shown.name);
@@ -307,9 +288,8 @@ void QuickKeysPage::showKey(QuickKeysButton* button, int id) {
 
 void QuickKeysPage::keepFocusFrom(const QWidget* leaving) {
     const QWidget* focused = window()->focusWidget();
-    if (focused != nullptr && (focused == leaving || leaving->isAncestorOf(focused))) {
+    if (focused != nullptr && (focused == leaving || leaving->isAncestorOf(focused)))
         setFocus(Qt::OtherFocusReason);
-    }
 }
 
 bool QuickKeysPage::isKnown(int id) const {
@@ -326,9 +306,8 @@ QuickKeysButton* QuickKeysPage::button(int id) const {
 }
 
 void QuickKeysPage::navigateToPage(int page) {
-    if (page < 1 || page > pageCount_) {
+    if (page < 1 || page > pageCount_)
         return;
-    }
     showSpinBoxPage(page);
     updateStack();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/EventListener.h"
+#include "app/shell/EventListener.h"
 #include "pages/ControlPage.h"
 
 #include <QSignalMapper>

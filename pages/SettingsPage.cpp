@@ -1,8 +1,8 @@
 #include "pages/SettingsPage.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
-#include "network/UpdateSettingsEvent.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "network/events/UpdateSettingsEvent.h"
 
 #include <QAbstractItemView>
 #include <QEvent>
@@ -46,9 +46,8 @@ void SettingsPage::initPointsElements() {
     larger.setPointSizeF(QFontInfo(larger).pointSizeF() * kSettingsFontScale);
     for (QWidget* text : {static_cast<QWidget*>(colorLabel_), static_cast<QWidget*>(color_),
                           static_cast<QWidget*>(color_->view()), static_cast<QWidget*>(shapeLabel_),
-                          static_cast<QWidget*>(shape_), static_cast<QWidget*>(shape_->view())}) {
+                          static_cast<QWidget*>(shape_), static_cast<QWidget*>(shape_->view())})
         text->setFont(larger);
-    }
     QFont bold = larger;
     bold.setWeight(QFont::Bold);
     usePoints_->setFont(bold);
@@ -66,9 +65,8 @@ void SettingsPage::initPointsElements() {
     shape_->setAccessibleName(withoutColon(configuration_.pointsShapeText));
 
     for (QWidget* control : {static_cast<QWidget*>(colorLabel_), static_cast<QWidget*>(color_),
-                             static_cast<QWidget*>(shapeLabel_), static_cast<QWidget*>(shape_)}) {
+                             static_cast<QWidget*>(shapeLabel_), static_cast<QWidget*>(shape_)})
         control->hide();
-    }
 
     // Only now, so that filling the boxes sends nothing.
     connect(usePoints_, &QCheckBox::stateChanged, this,
@@ -78,9 +76,8 @@ void SettingsPage::initPointsElements() {
 }
 
 bool SettingsPage::event(QEvent* event) {
-    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show) {
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show)
         makeRoom();
-    }
     return ControlPage::event(event);
 }
 

@@ -1,6 +1,6 @@
 #include "pages/TestPatternButton.h"
 
-#include "app/FocusRing.h"
+#include "app/shell/FocusRing.h"
 
 #include <QPainter>
 
@@ -22,9 +22,8 @@ void TestPatternButton::paintEvent(QPaintEvent* event) {
     preparePicture();
     drawPicture(painter);
     drawBorder(painter);
-    if (hasFocus()) {
+    if (hasFocus())
         drawFocusRing(painter, rect(), radius_);
-    }
 }
 
 void TestPatternButton::drawFrame(QPainter& painter) const {
@@ -50,9 +49,8 @@ QRect TestPatternButton::pictureArea() const {
 
 void TestPatternButton::preparePicture() {
     const QSize pixels = (QSizeF(pictureArea().size()) * devicePixelRatioF()).toSize();
-    if (pixels == pictureSize_) {
+    if (pixels == pictureSize_)
         return;
-    }
     pictureSize_ = pixels;
     // An empty path would be a line in the log, not just no picture.
     const QImage image = pattern_.imagePath.isEmpty() ? QImage() : QImage(pattern_.imagePath);
@@ -62,15 +60,13 @@ void TestPatternButton::preparePicture() {
 }
 
 void TestPatternButton::drawPicture(QPainter& painter) const {
-    if (!picture_.isNull()) {
+    if (!picture_.isNull())
         painter.drawPixmap(pictureArea(), picture_);
-    }
 }
 
 void TestPatternButton::drawBorder(QPainter& painter) const {
-    if (!isDown() && !underMouse()) {
+    if (!isDown() && !underMouse())
         return;
-    }
     constexpr qreal kInset = PagesLook::kPatternPenWidth / 2.0;
     painter.setPen(
         QPen(isDown() ? QColor(textColor_) : QColor(QLatin1StringView(PagesLook::kHoverColor)),

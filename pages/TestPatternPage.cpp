@@ -1,8 +1,8 @@
 #include "pages/TestPatternPage.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
-#include "network/MireEvent.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "network/events/MireEvent.h"
 #include "pages/TestPatternButton.h"
 
 #include <QTimer>
@@ -41,9 +41,8 @@ void TestPatternPage::initTestPatternButtons() {
 }
 
 void TestPatternPage::preparePicturesFrom(int id) {
-    if (button(id) == nullptr) {
+    if (button(id) == nullptr)
         return;
-    }
     QTimer::singleShot(0, this, [this, id] {
         button(id)->preparePicture();
         preparePicturesFrom(id + 1);
@@ -51,9 +50,8 @@ void TestPatternPage::preparePicturesFrom(int id) {
 }
 
 void TestPatternPage::onButtonPressed(int id) {
-    if (id == activeIndex_) {
+    if (id == activeIndex_)
         return;
-    }
     MireEvent event(0, static_cast<LV_NTC_PictureType>(id));
     EventDispatcher::getInstance()->client().sendEvent(event);
     activate(id);
@@ -61,13 +59,11 @@ void TestPatternPage::onButtonPressed(int id) {
 
 void TestPatternPage::receive(Event* event) {
     const auto* mire = dynamic_cast<const MireEvent*>(event);
-    if (mire == nullptr) {
+    if (mire == nullptr)
         return;
-    }
     const int code = static_cast<int>(mire->picture());
-    if (code >= 0 && code < buttons_->buttons().size() && code != activeIndex_) {
+    if (code >= 0 && code < buttons_->buttons().size() && code != activeIndex_)
         activate(code);
-    }
 }
 
 void TestPatternPage::activate(int id) {
@@ -78,9 +74,8 @@ void TestPatternPage::activate(int id) {
 
 void TestPatternPage::mark(int id, bool active) {
     TestPatternButton* changed = button(id);
-    if (changed == nullptr) {
+    if (changed == nullptr)
         return; // a configuration without patterns
-    }
     changed->setColor(QLatin1StringView(active ? kActiveColor : kIdleColor));
     changed->setAccessibleDescription(active ? QString::fromLatin1(kActivePatternDescription)
                                              : QString());

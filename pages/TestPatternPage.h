@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/EventListener.h"
-#include "network/ProtocolTypes.h"
+#include "app/shell/EventListener.h"
+#include "network/events/ProtocolTypes.h"
 #include "pages/ControlPage.h"
 
 #include <QButtonGroup>

@@ -1,18 +1,18 @@
 #include "warp/Canvas.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
 #include "input/key_event_manager.h"
-#include "network/DeformationModeEvent.h"
-#include "network/ItemDataEvent.h"
-#include "network/MediaDeformationModeEvent.h"
-#include "network/MediaMovePointEvent.h"
-#include "network/ScreenMovePointEvent.h"
-#include "network/ScreenPartDeformationModeEvent.h"
-#include "network/ScreenPartMovePointEvent.h"
-#include "network/TextureMovePointEvent.h"
+#include "mesh/MeshTypes.h"
+#include "network/events/DeformationModeEvent.h"
+#include "network/events/ItemDataEvent.h"
+#include "network/events/MediaDeformationModeEvent.h"
+#include "network/events/MediaMovePointEvent.h"
+#include "network/events/ScreenMovePointEvent.h"
+#include "network/events/ScreenPartDeformationModeEvent.h"
+#include "network/events/ScreenPartMovePointEvent.h"
+#include "network/events/TextureMovePointEvent.h"
 #include "warp/MediaItem.h"
-#include "warp/MeshTypes.h"
 #include "warp/ScreenItem.h"
 #include "warp/ScreenPartItem.h"
 #include "warp/TextureItem.h"
@@ -57,9 +57,8 @@ bool isPosition(double x, double y, double z) {
 }
 
 void warnOfBadPositions(bool allGood) {
-    if (!allGood) {
+    if (!allGood)
         qWarning("Canvas: Point position that is not a number ignored");
-    }
 }
 
 } // namespace
@@ -71,15 +70,13 @@ Canvas::Canvas(const Configuration& configuration, QWidget* parent)
     initCanvas();
     connect(updateProducer_.get(), SIGNAL(updateProducer()), this, SLOT(updateProducer()));
     KeyEventManager::getInstance()->addListener(this);
-    for (const LV_NTC_EventType type : kEventTypes) {
+    for (const LV_NTC_EventType type : kEventTypes)
         EventDispatcher::getInstance()->addListener(this, type);
-    }
 }
 
 Canvas::~Canvas() {
-    for (const LV_NTC_EventType type : kEventTypes) {
+    for (const LV_NTC_EventType type : kEventTypes)
         EventDispatcher::getInstance()->removeListener(this, type);
-    }
     KeyEventManager::getInstance()->removeListener(this);
     delete quickWidget_; // before the rest: the scene may call the bridge until it is gone
     updateProducer_->stop();
@@ -138,11 +135,10 @@ void Canvas::initCanvas() {
 
 void Canvas::onSelectedItem(Item* item) {
     if (item != currentItem_) {
-        if (currentItem_ != nullptr) {
+        if (currentItem_ != nullptr)
             updateProducer();
-        } else {
+        else
             dropPendingMoves();
-        }
     }
     if (item == nullptr) {
         emit currentItemChanged(0, 0, 0);
@@ -164,27 +160,24 @@ void Canvas::onMediaDeformationMode(LV_NTC_ElementType elementType,
                                     LV_NTC_DeformationType deformationType, unsigned int cueId,
                                     int mediaId, const QString& name, int row, int col,
                                     bool reset) {
-    if (isCurrent(LV_NTC_ElementType::Media, static_cast<int>(cueId))) {
+    if (isCurrent(LV_NTC_ElementType::Media, static_cast<int>(cueId)))
         dropPendingMoves();
-    }
     emit mediaDeformationMode(static_cast<int>(elementType), sceneDeformation(deformationType),
                               cueId, mediaId, name, row, col, reset);
 }
 
 void Canvas::onScreenDeformationMode(LV_NTC_DeformationType deformationType, int id,
                                      const QString& name, int row, int col, bool reset) {
-    if (isCurrent(LV_NTC_ElementType::Screen, id)) {
+    if (isCurrent(LV_NTC_ElementType::Screen, id))
         dropPendingMoves();
-    }
     emit screenDeformationMode(sceneDeformation(deformationType), id, name, row, col, reset);
 }
 
 void Canvas::onScreenPartDeformationMode(LV_NTC_DeformationType deformationType, int screenId,
                                          int screenPartId, const QString& name, int row, int col,
                                          bool reset) {
-    if (isCurrent(LV_NTC_ElementType::ScreenPart, screenPartId, screenId)) {
+    if (isCurrent(LV_NTC_ElementType::ScreenPart, screenPartId, screenId))
         dropPendingMoves();
-    }
     emit screenPartDeformationMode(sceneDeformation(deformationType), screenId, screenPartId, name,
                                    row, col, reset);
 }
@@ -193,9 +186,8 @@ void Canvas::onTextureDeformationMode(LV_NTC_ElementType elementType,
                                       LV_NTC_DeformationType deformationType, unsigned int cueId,
                                       int textureId, const QString& name, int row, int col,
                                       bool reset) {
-    if (isCurrent(LV_NTC_ElementType::Texture, static_cast<int>(cueId))) {
+    if (isCurrent(LV_NTC_ElementType::Texture, static_cast<int>(cueId)))
         dropPendingMoves();
-    }
     emit textureDeformationMode(static_cast<int>(elementType), sceneDeformation(deformationType),
                                 cueId, textureId, name, row, col, reset);
 }
@@ -313,18 +305,14 @@ void Canvas::receive(Event* event) {
     case LV_NTC_EventType::ItemData: {
         const auto& mesh = static_cast<ItemDataEvent&>(*event);
         bool allGood = true;
-        for (const ScreenMovePointEvent& point : mesh.screenPoints()) {
+        for (const ScreenMovePointEvent& point : mesh.screenPoints())
             allGood &= updateScreenMovePoint(point);
-        }
-        for (const ScreenPartMovePointEvent& point : mesh.screenPartPoints()) {
+        for (const ScreenPartMovePointEvent& point : mesh.screenPartPoints())
             allGood &= updateScreenPartMovePoint(point);
-        }
-        for (const TextureMovePointEvent& point : mesh.texturePoints()) {
+        for (const TextureMovePointEvent& point : mesh.texturePoints())
             allGood &= updateTextureMovePoint(point);
-        }
-        for (const MediaMovePointEvent& point : mesh.mediaPoints()) {
+        for (const MediaMovePointEvent& point : mesh.mediaPoints())
             allGood &= updateMediaMovePoint(point);
-        }
         warnOfBadPositions(allGood);
         break;
     }
@@ -335,9 +323,8 @@ void Canvas::receive(Event* event) {
 }
 
 bool Canvas::updateMediaMovePoint(const MediaMovePointEvent& event) {
-    if (!isPosition(event.x(), event.y(), event.z())) {
+    if (!isPosition(event.x(), event.y(), event.z()))
         return false;
-    }
     emit mediaMovePoint(event.cueId(), static_cast<int>(event.mediaId()), event.name(),
                         static_cast<int>(event.pointId()), event.x(), event.y(), event.z(),
                         event.xy(), event.selected());
@@ -345,9 +332,8 @@ bool Canvas::updateMediaMovePoint(const MediaMovePointEvent& event) {
 }
 
 bool Canvas::updateScreenMovePoint(const ScreenMovePointEvent& event) {
-    if (!isPosition(event.x(), event.y(), event.z())) {
+    if (!isPosition(event.x(), event.y(), event.z()))
         return false;
-    }
     emit screenMovePoint(static_cast<int>(event.screenId()), event.name(),
                          static_cast<int>(event.pointId()), event.x(), event.y(), event.z(),
                          event.xy(), event.selected());
@@ -355,9 +341,8 @@ bool Canvas::updateScreenMovePoint(const ScreenMovePointEvent& event) {
 }
 
 bool Canvas::updateScreenPartMovePoint(const ScreenPartMovePointEvent& event) {
-    if (!isPosition(event.x(), event.y(), event.z())) {
+    if (!isPosition(event.x(), event.y(), event.z()))
         return false;
-    }
     emit screenPartMovePoint(static_cast<int>(event.screenId()),
                              static_cast<int>(event.screenPartId()), event.name(),
                              static_cast<int>(event.pointId()), event.x(), event.y(), event.z(),
@@ -366,9 +351,8 @@ bool Canvas::updateScreenPartMovePoint(const ScreenPartMovePointEvent& event) {
 }
 
 bool Canvas::updateTextureMovePoint(const TextureMovePointEvent& event) {
-    if (!isPosition(event.x(), event.y(), event.z())) {
+    if (!isPosition(event.x(), event.y(), event.z()))
         return false;
-    }
     emit textureMovePoint(event.cueId(), static_cast<int>(event.textureId()), event.name(),
                           static_cast<int>(event.pointId()), event.x(), event.y(), event.z(),
                           event.xy(), event.selected());
@@ -382,15 +366,13 @@ QPointF Canvas::rotate(QPointF point, double angle) const {
 }
 
 void Canvas::startMovePointTimer() {
-    if (!updateProducer_->isRunning()) {
+    if (!updateProducer_->isRunning())
         updateProducer_->start();
-    }
 }
 
 void Canvas::stopMovePointTimer() {
-    if (updateProducer_->isRunning()) {
+    if (updateProducer_->isRunning())
         updateProducer_->stop();
-    }
 }
 
 void Canvas::newNoneDeformation() {
@@ -417,9 +399,8 @@ void Canvas::newCurveDeformation(int rowNumber, int colNumber, bool resetXY) {
 
 void Canvas::initializeDeformation(LV_NTC_DeformationType type, int rows, int cols, bool reset) {
     updateProducer(); // what was moved before is told before
-    if (currentItem_ == nullptr) {
+    if (currentItem_ == nullptr)
         return;
-    }
     const QByteArray name = currentItem_->name().toUtf8();
     const unsigned int id = wireNumber(currentItem_->id());
     const unsigned int dataIndex = wireNumber(currentItem_->dataIndex());
@@ -456,12 +437,10 @@ void Canvas::initializeDeformation(LV_NTC_DeformationType type, int rows, int co
 
 bool Canvas::isCurrent(LV_NTC_ElementType type, int id, int subId) const {
     const Item* item = currentItem_.data();
-    if (item == nullptr || item->elementType() != type || item->id() != id) {
+    if (item == nullptr || item->elementType() != type || item->id() != id)
         return false;
-    }
-    if (type != LV_NTC_ElementType::ScreenPart) {
+    if (type != LV_NTC_ElementType::ScreenPart)
         return true;
-    }
     const ScreenItem* screen = static_cast<const ScreenPartItem*>(item)->screenItem();
     return screen != nullptr && screen->id() == subId;
 }
@@ -482,17 +461,15 @@ void Canvas::dropPendingMoves() {
 }
 
 void Canvas::updateProducer() {
-    if (currentItem_ == nullptr) {
+    if (currentItem_ == nullptr)
         return;
-    }
     // Sent with the lock released: a link that breaks under a send ends up here again.
     const auto flush = [this](auto& pending, auto send) {
         std::unique_lock lock(pendingLock_);
         const auto moves = std::exchange(pending, {});
         lock.unlock();
-        for (auto move = moves.cbegin(); move != moves.cend(); ++move) {
+        for (auto move = moves.cbegin(); move != moves.cend(); ++move)
             send(move.key(), move.value());
-        }
     };
     switch (currentItem_->elementType()) {
     case LV_NTC_ElementType::Media:
@@ -516,18 +493,16 @@ void Canvas::updateProducer() {
 template <class Pending, class Data, class Send>
 void Canvas::queueOrSend(Pending& pending, int pointId, const Data& move, Send send) {
     const PointState& point = move.point;
-    if (!isPosition(point.x, point.y, point.z)) {
+    if (!isPosition(point.x, point.y, point.z))
         return;
-    }
     const auto key = static_cast<typename Pending::key_type>(pointId);
     if (updateProducer_->isRunning()) {
         const std::lock_guard lock(pendingLock_);
         pending.insert(key, move);
         return;
     }
-    if (!pending.isEmpty()) {
+    if (!pending.isEmpty())
         updateProducer(); // the end of the last drag must not arrive after this move
-    }
     send(key, move);
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/EventListener.h"
-#include "app/UpdateProducer.h"
+#include "app/shell/EventListener.h"
+#include "app/shell/UpdateProducer.h"
 #include "input/action.h"
 #include "input/key_event_listener.h"
-#include "network/ProtocolTypes.h"
+#include "network/events/ProtocolTypes.h"
 
 #include <QMap>
 #include <QPointF>

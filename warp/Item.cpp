@@ -1,6 +1,6 @@
 #include "warp/Item.h"
 
-#include "app/Configuration.h"
+#include "app/shell/Configuration.h"
 #include "warp/OutOfSight.h"
 
 #include <QEvent>
@@ -48,9 +48,8 @@ void Item::initDeformer(LV_NTC_ElementType elementType, int id, const QString& n
 }
 
 void Item::furnish() {
-    if (label_ != nullptr) {
+    if (label_ != nullptr)
         return;
-    }
     label_ = new NameLabel(this);
     label_->setFixedWidth(WarpLook::kRowLabelWidth);
     blindButton_ = new BlindButton(this);
@@ -83,9 +82,8 @@ void Item::setLabelText(const QString& text) {
 }
 
 void Item::showLabelText() {
-    if (label_ == nullptr) {
+    if (label_ == nullptr)
         return;
-    }
     label_->setName(labelText_);
     blindButton_->setAccessibleName(QLatin1StringView(WarpLook::kBlindName) + QLatin1Char(' ') +
                                     labelText_);
@@ -97,9 +95,8 @@ void Item::setBlinded(bool blinded) {
 }
 
 void Item::showBlindPicture() {
-    if (blindButton_ == nullptr) {
+    if (blindButton_ == nullptr)
         return;
-    }
     const QString path = configuration_->visibilityImagesPath.value(blinded_ ? 0 : 1);
     blindButton_->setPixmap(sharpPicture(path, devicePixelRatioF()));
 }
@@ -110,9 +107,8 @@ void Item::setActive(bool active) {
 }
 
 void Item::showActive() {
-    if (label_ == nullptr) {
+    if (label_ == nullptr)
         return;
-    }
     const QString color =
         active_ ? QString(QLatin1StringView(WarpLook::kActiveLabelColor)) : labelColor_.name();
     label_->setStyleSheet(QStringLiteral("color: ") + color + QLatin1Char(';'));
@@ -138,8 +134,7 @@ void Item::mousePressEvent(QMouseEvent* event) {
 }
 
 bool Item::event(QEvent* event) {
-    if (event->type() == QEvent::ScreenChangeInternal) {
+    if (event->type() == QEvent::ScreenChangeInternal)
         showBlindPicture(); // the new screen may have another resolution
-    }
     return isRepaintOutOfSight(*this, *event) || QWidget::event(event);
 }

@@ -1,26 +1,26 @@
 #include "warp/MediaList.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
 #include "input/key_event_manager.h"
-#include "network/AddMediaEvent.h"
-#include "network/AddScreenEvent.h"
-#include "network/AddScreenPartEvent.h"
-#include "network/AddTextureEvent.h"
-#include "network/BlindEvent.h"
-#include "network/DeformationModeEvent.h"
-#include "network/ItemDataEvent.h"
-#include "network/MediaBlindEvent.h"
-#include "network/MediaDeformationModeEvent.h"
-#include "network/MsgEvent.h"
-#include "network/ProtocolLimits.h"
-#include "network/RemoveMediaEvent.h"
-#include "network/RemoveScreenEvent.h"
-#include "network/RemoveScreenPartEvent.h"
-#include "network/RemoveTextureEvent.h"
-#include "network/ScreenModeEvent.h"
-#include "network/ScreenPartBlindEvent.h"
-#include "network/ScreenPartDeformationModeEvent.h"
+#include "network/events/AddMediaEvent.h"
+#include "network/events/AddScreenEvent.h"
+#include "network/events/AddScreenPartEvent.h"
+#include "network/events/AddTextureEvent.h"
+#include "network/events/BlindEvent.h"
+#include "network/events/DeformationModeEvent.h"
+#include "network/events/ItemDataEvent.h"
+#include "network/events/MediaBlindEvent.h"
+#include "network/events/MediaDeformationModeEvent.h"
+#include "network/events/MsgEvent.h"
+#include "network/events/ProtocolLimits.h"
+#include "network/events/RemoveMediaEvent.h"
+#include "network/events/RemoveScreenEvent.h"
+#include "network/events/RemoveScreenPartEvent.h"
+#include "network/events/RemoveTextureEvent.h"
+#include "network/events/ScreenModeEvent.h"
+#include "network/events/ScreenPartBlindEvent.h"
+#include "network/events/ScreenPartDeformationModeEvent.h"
 #include "warp/MediaItem.h"
 #include "warp/ScreenItem.h"
 #include "warp/ScreenPartItem.h"
@@ -76,12 +76,10 @@ bool isScreenOrPart(const Item* row) {
 /// Whether `a` stands before `b`: by label, medias before textures of the same label, then by
 /// number.
 bool precedes(const Item* a, const Item* b) {
-    if (const int order = qstrcmp(a->sortKey(), b->sortKey()); order != 0) {
+    if (const int order = qstrcmp(a->sortKey(), b->sortKey()); order != 0)
         return order < 0;
-    }
-    if (a->elementType() != b->elementType()) {
+    if (a->elementType() != b->elementType())
         return a->elementType() < b->elementType();
-    }
     return static_cast<unsigned int>(a->id()) < static_cast<unsigned int>(b->id());
 }
 
@@ -97,9 +95,8 @@ bool isBuildable(const DeformationEvent& event) {
         return true;
     case LV_NTC_DeformationType::Bezier:
     case LV_NTC_DeformationType::Curve:
-        if (isGridSize(event.rows()) && isGridSize(event.columns())) {
+        if (isGridSize(event.rows()) && isGridSize(event.columns()))
             return true;
-        }
         break;
     }
     qWarning("MediaList: Deformation of type %d with %u x %u points ignored",
@@ -120,15 +117,13 @@ MediaList::MediaList(const Configuration& configuration, QWidget* parent)
       content_(new QWidget), rowsLayout_(new QVBoxLayout(content_)) {
     initMediaList();
     KeyEventManager::getInstance()->addListener(this);
-    for (const LV_NTC_EventType type : kEventTypes) {
+    for (const LV_NTC_EventType type : kEventTypes)
         EventDispatcher::getInstance()->addListener(this, type);
-    }
 }
 
 MediaList::~MediaList() {
-    for (const LV_NTC_EventType type : kEventTypes) {
+    for (const LV_NTC_EventType type : kEventTypes)
         EventDispatcher::getInstance()->removeListener(this, type);
-    }
     KeyEventManager::getInstance()->removeListener(this);
 }
 
@@ -252,9 +247,8 @@ void MediaList::receive(Event* event) {
 }
 
 void MediaList::processMessage(const QString& text) {
-    if (text != kNewShow) {
+    if (text != kNewShow)
         return;
-    }
     purgeMedia();
     MsgEvent request("getResources");
     EventDispatcher::getInstance()->client().sendEvent(request);
@@ -303,16 +297,14 @@ void MediaList::takeOut(Item* row) {
 }
 
 void MediaList::dispose(Item* row) {
-    if (row == selectedItem_) {
+    if (row == selectedItem_)
         onSelectedItem(nullptr);
-    }
     delete row;
 }
 
 void MediaList::relabel(Item* row, const QString& text) {
-    if (row->labelText() == text) {
+    if (row->labelText() == text)
         return;
-    }
     row->setLabelText(text);
     changedRows_.insert(row);
     isOrderStale_ = true;
@@ -353,16 +345,14 @@ void MediaList::addScreen(int screenId, int dataIndex, int sourceWidth, int sour
         return;
     }
     const auto index = static_cast<std::size_t>(screenId);
-    if (index >= screenItems_.size()) {
+    if (index >= screenItems_.size())
         screenItems_.resize(index + 1);
-    }
     ScreenItem* screen = screenItems_[index];
     if (screen != nullptr) {
         screen->setName(name);
         relabel(screen, name);
-        for (ScreenPartItem* part : screen->parts()) {
+        for (ScreenPartItem* part : screen->parts())
             relabel(part, partLabel(screen, part->name()));
-        }
     } else {
         screen = new ScreenItem(screenId, dataIndex, sourceWidth, sourceHeight, blinded, name,
                                 configuration_, content_);
@@ -377,9 +367,8 @@ void MediaList::addScreenPart(int screenId, int partId, int dataIndex, int sourc
                               int sourceHeight, double sourceDeformerRotation, bool blinded,
                               const QString& name) {
     ScreenItem* screen = findScreen(screenId);
-    if (screen == nullptr) {
+    if (screen == nullptr)
         return;
-    }
     ScreenPartItem* part = screen->getPart(partId);
     const bool isNew = part == nullptr;
     if (isNew) {
@@ -402,9 +391,8 @@ void MediaList::addScreenPart(int screenId, int partId, int dataIndex, int sourc
 
 void MediaList::removeMedia(unsigned int cueId) {
     MediaItem* row = findMedia(cueId);
-    if (row == nullptr) {
+    if (row == nullptr)
         return;
-    }
     takeOut(row);
     emit removeMediaItem(cueId);
     mediaItems_.erase(cueId);
@@ -414,9 +402,8 @@ void MediaList::removeMedia(unsigned int cueId) {
 
 void MediaList::removeTexture(unsigned int cueId) {
     TextureItem* row = findTexture(cueId);
-    if (row == nullptr) {
+    if (row == nullptr)
         return;
-    }
     takeOut(row);
     emit removeTextureItem(cueId);
     textureItems_.erase(cueId);
@@ -426,16 +413,13 @@ void MediaList::removeTexture(unsigned int cueId) {
 
 void MediaList::removeScreen(int screenId) {
     ScreenItem* screen = findScreen(screenId);
-    if (screen == nullptr) {
+    if (screen == nullptr)
         return;
-    }
-    while (!screen->parts().isEmpty()) {
+    while (!screen->parts().isEmpty())
         removeScreenPart(screenId, screen->parts().constLast()->id());
-    }
     emit removeScreenItem(screenId);
-    if (screen == selectedItem_) {
+    if (screen == selectedItem_)
         onSelectedItem(nullptr);
-    }
     takeOut(screen);
     screenItems_[static_cast<std::size_t>(screenId)] = nullptr;
     delete screen;
@@ -445,9 +429,8 @@ void MediaList::removeScreen(int screenId) {
 void MediaList::removeScreenPart(int screenId, int partId) {
     ScreenItem* screen = findScreen(screenId);
     ScreenPartItem* part = screen != nullptr ? screen->removePart(partId) : nullptr;
-    if (part == nullptr) {
+    if (part == nullptr)
         return;
-    }
     takeOut(part);
     emit removeScreenPartItem(screenId, partId);
     dispose(part);
@@ -455,15 +438,12 @@ void MediaList::removeScreenPart(int screenId, int partId) {
 }
 
 void MediaList::purgeMedia() {
-    while (!mediaItems_.empty()) {
+    while (!mediaItems_.empty())
         removeMedia(mediaItems_.begin()->first);
-    }
-    while (!textureItems_.empty()) {
+    while (!textureItems_.empty())
         removeTexture(textureItems_.begin()->first);
-    }
-    for (int screenId = 0; screenId < static_cast<int>(screenItems_.size()); ++screenId) {
+    for (int screenId = 0; screenId < static_cast<int>(screenItems_.size()); ++screenId)
         removeScreen(screenId);
-    }
     selectedItem_ = nullptr;
 }
 
@@ -471,9 +451,8 @@ void MediaList::purgeMedia() {
 
 void MediaList::updateScreenMode(int screenId, LV_NTC_ModeType mode) {
     ScreenItem* screen = findScreen(screenId);
-    if (screen == nullptr) {
+    if (screen == nullptr)
         return;
-    }
     if (mode < LV_NTC_ModeType::Unset || mode > LV_NTC_ModeType::Parts) {
         qWarning("MediaList: Mode %d of screen %d ignored", static_cast<int>(mode), screenId);
         return;
@@ -481,15 +460,13 @@ void MediaList::updateScreenMode(int screenId, LV_NTC_ModeType mode) {
     screen->setMode(mode);
     holdLayout();
     if (screen->isHandledThroughParts()) {
-        if (selectedItem_ == screen) {
+        if (selectedItem_ == screen)
             onSelectedItem(nullptr);
-        }
         screen->showParts();
     } else {
         if (std::find(screen->parts().begin(), screen->parts().end(), selectedItem_) !=
-            screen->parts().end()) {
+            screen->parts().end())
             onSelectedItem(nullptr);
-        }
         screen->hideParts();
     }
     applyFilters(screen);
@@ -498,28 +475,24 @@ void MediaList::updateScreenMode(int screenId, LV_NTC_ModeType mode) {
 }
 
 void MediaList::updateScreenBlind(int screenId, bool blinded) {
-    if (ScreenItem* screen = findScreen(screenId)) {
+    if (ScreenItem* screen = findScreen(screenId))
         screen->setBlinded(blinded);
-    }
 }
 
 void MediaList::updateScreenPartBlind(int screenId, int partId, bool blinded) {
-    if (ScreenPartItem* part = findScreenPart(screenId, partId)) {
+    if (ScreenPartItem* part = findScreenPart(screenId, partId))
         part->setBlinded(blinded);
-    }
 }
 
 void MediaList::updateMediaBlind(LV_NTC_ElementType elementType, const QString& name,
                                  unsigned int cueId, bool blinded) {
     Item* row = nullptr;
-    if (elementType == LV_NTC_ElementType::Media) {
+    if (elementType == LV_NTC_ElementType::Media)
         row = findMedia(cueId);
-    } else if (elementType == LV_NTC_ElementType::Texture) {
+    else if (elementType == LV_NTC_ElementType::Texture)
         row = findTexture(cueId);
-    }
-    if (row == nullptr) {
+    if (row == nullptr)
         return;
-    }
     row->setName(name);
     relabel(row, name);
     row->setBlinded(blinded);
@@ -528,18 +501,16 @@ void MediaList::updateMediaBlind(LV_NTC_ElementType elementType, const QString& 
 void MediaList::updateDeformationMode(LV_NTC_DeformationType deformationType, int screenId,
                                       const QString& name, int rows, int columns, bool reset) {
     Q_UNUSED(name)
-    if (ScreenItem* screen = findScreen(screenId)) {
+    if (ScreenItem* screen = findScreen(screenId))
         screen->setDeformation({static_cast<int>(deformationType), rows, columns, reset});
-    }
 }
 
 void MediaList::updateScreenPartDeformationMode(LV_NTC_DeformationType deformationType,
                                                 int screenId, int screenPartId, const QString& name,
                                                 int rows, int columns, bool reset) {
     Q_UNUSED(name)
-    if (ScreenPartItem* part = findScreenPart(screenId, screenPartId)) {
+    if (ScreenPartItem* part = findScreenPart(screenId, screenPartId))
         part->setDeformation({static_cast<int>(deformationType), rows, columns, reset});
-    }
 }
 
 void MediaList::updateMediaDeformationMode(LV_NTC_ElementType elementType,
@@ -550,22 +521,19 @@ void MediaList::updateMediaDeformationMode(LV_NTC_ElementType elementType,
     Q_UNUSED(name)
     const Item::Deformation deformation{static_cast<int>(deformationType), rows, columns, reset};
     if (elementType == LV_NTC_ElementType::Media) {
-        if (MediaItem* media = findMedia(cueId)) {
+        if (MediaItem* media = findMedia(cueId))
             media->setDeformation(deformation);
-        }
     } else if (elementType == LV_NTC_ElementType::Texture) {
-        if (TextureItem* texture = findTexture(cueId)) {
+        if (TextureItem* texture = findTexture(cueId))
             texture->setDeformation(deformation);
-        }
     }
 }
 
 void MediaList::receiveAndUpdateDeformationMode(const DeformationModeEvent& event) {
     const int screenId = static_cast<int>(event.screenId());
     ScreenItem* screen = findScreen(screenId);
-    if (screen == nullptr || !isBuildable(event)) {
+    if (screen == nullptr || !isBuildable(event))
         return;
-    }
     const Item::Deformation deformation = deformationOf(event);
     emit screenDeformationMode(event.deformationType(), screenId, event.name(), deformation.rows,
                                deformation.columns, deformation.reset);
@@ -577,9 +545,8 @@ void MediaList::receiveAndUpdateScreenPartDeformationMode(
     const int screenId = static_cast<int>(event.screenId());
     const int partId = static_cast<int>(event.screenPartId());
     ScreenPartItem* part = findScreenPart(screenId, partId);
-    if (part == nullptr || !isBuildable(event)) {
+    if (part == nullptr || !isBuildable(event))
         return;
-    }
     const Item::Deformation deformation = deformationOf(event);
     emit screenPartDeformationMode(event.deformationType(), screenId, partId, event.name(),
                                    deformation.rows, deformation.columns, deformation.reset);
@@ -611,28 +578,23 @@ void MediaList::receiveAndUpdateMediaDeformationMode(const MediaDeformationModeE
 // Order
 
 void MediaList::sortItemList(std::vector<Item*>& items) const {
-    std::stable_sort(items.begin(), items.end(), [](const Item* a, const Item* b) {
-        return qstrcmp(a->sortKey(), b->sortKey()) < 0;
-    });
+    std::stable_sort(
+        items.begin(), items.end(),
+        [](const Item* a, const Item* b) { return qstrcmp(a->sortKey(), b->sortKey()) < 0; });
 }
 
 void MediaList::updateMediaList() {
-    if (isOrderStale_ || !newRows_.empty() || !changedRows_.empty()) {
+    if (isOrderStale_ || !newRows_.empty() || !changedRows_.empty())
         holdLayout();
-    }
-    for (Item* row : newRows_) {
+    for (Item* row : newRows_)
         applyFilters(row);
-    }
-    for (Item* row : std::exchange(changedRows_, {})) {
+    for (Item* row : std::exchange(changedRows_, {}))
         applyFilters(row);
-    }
-    if (isOrderStale_) {
+    if (isOrderStale_)
         rebuildLayout();
-    } else {
-        for (Item* row : newRows_) {
+    else
+        for (Item* row : newRows_)
             place(row);
-        }
-    }
     newRows_.clear();
     unselectIfHidden();
 }
@@ -649,21 +611,17 @@ void MediaList::rebuildLayout() {
     sortItemList(sortedScreens_);
     for (Item* screen : sortedScreens_) {
         rowsLayout_->addWidget(screen);
-        for (ScreenPartItem* part : static_cast<ScreenItem*>(screen)->parts()) {
+        for (ScreenPartItem* part : static_cast<ScreenItem*>(screen)->parts())
             rowsLayout_->addWidget(part);
-        }
     }
     sortedMedias_.clear();
-    for (const auto& [cueId, media] : mediaItems_) {
+    for (const auto& [cueId, media] : mediaItems_)
         sortedMedias_.push_back(media);
-    }
-    for (const auto& [cueId, texture] : textureItems_) {
+    for (const auto& [cueId, texture] : textureItems_)
         sortedMedias_.push_back(texture);
-    }
     sortItemList(sortedMedias_);
-    for (Item* row : sortedMedias_) {
+    for (Item* row : sortedMedias_)
         rowsLayout_->addWidget(row);
-    }
     isOrderStale_ = false;
 }
 
@@ -696,18 +654,16 @@ Item* MediaList::getItemFromLayout(int index) const {
 }
 
 void MediaList::holdLayout() {
-    if (isLayoutHeld_) {
+    if (isLayoutHeld_)
         return;
-    }
     isLayoutHeld_ = true;
     rowsLayout_->setEnabled(false);
     QMetaObject::invokeMethod(this, &MediaList::layOut, Qt::QueuedConnection);
 }
 
 void MediaList::layOut() {
-    if (!isLayoutHeld_) {
+    if (!isLayoutHeld_)
         return;
-    }
     isLayoutHeld_ = false;
     rowsLayout_->setEnabled(true);
     // The scroll area first gives the content its height, so that the rows move only once.
@@ -721,12 +677,10 @@ void MediaList::furnishRowsInSight() {
     const int top = scrollArea_->verticalScrollBar()->value();
     const int bottom = top + scrollArea_->viewport()->height();
     for (int index = 0; Item* row = getItemFromLayout(index); ++index) {
-        if (row->isHidden() || row->y() + row->height() <= top) {
+        if (row->isHidden() || row->y() + row->height() <= top)
             continue;
-        }
-        if (row->y() >= bottom) {
+        if (row->y() >= bottom)
             break; // and so are all below it
-        }
         row->furnish();
     }
 }
@@ -750,11 +704,9 @@ bool MediaList::matches(const Item* row, const QString& text) const {
 
 void MediaList::applyFilters(Item* row) {
     row->setVisible(!(screensOnly_ && isScreenOrPart(row)) && matches(row, filterText_));
-    if (row->elementType() == LV_NTC_ElementType::Screen) {
-        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts()) {
+    if (row->elementType() == LV_NTC_ElementType::Screen)
+        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts())
             applyFilters(part);
-        }
-    }
 }
 
 int MediaList::showIfMatching(Item* row, const QString& text) {
@@ -764,9 +716,8 @@ int MediaList::showIfMatching(Item* row, const QString& text) {
 }
 
 void MediaList::unselectIfHidden() {
-    if (selectedItem_ != nullptr && selectedItem_->isHidden()) {
+    if (selectedItem_ != nullptr && selectedItem_->isHidden())
         onSelectedItem(nullptr);
-    }
 }
 
 int MediaList::filterByText(const QString& text) {
@@ -788,9 +739,8 @@ int MediaList::textFilterOnScreensAndScreenParts(const QString& text) {
     int visible = 0;
     for (Item* row : sortedScreens_) {
         visible += showIfMatching(row, text);
-        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts()) {
+        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts())
             visible += showIfMatching(part, text);
-        }
     }
     unselectIfHidden();
     return visible;
@@ -799,9 +749,8 @@ int MediaList::textFilterOnScreensAndScreenParts(const QString& text) {
 int MediaList::textFilterOnMedias(const QString& text) {
     holdLayout();
     int visible = 0;
-    for (const auto& [cueId, media] : mediaItems_) {
+    for (const auto& [cueId, media] : mediaItems_)
         visible += showIfMatching(media, text);
-    }
     unselectIfHidden();
     return visible;
 }
@@ -809,9 +758,8 @@ int MediaList::textFilterOnMedias(const QString& text) {
 int MediaList::textFilterOnTextures(const QString& text) {
     holdLayout();
     int visible = 0;
-    for (const auto& [cueId, texture] : textureItems_) {
+    for (const auto& [cueId, texture] : textureItems_)
         visible += showIfMatching(texture, text);
-    }
     unselectIfHidden();
     return visible;
 }
@@ -822,11 +770,10 @@ void MediaList::filterScreens(bool on) {
 }
 
 void MediaList::filterScreens() {
-    if (screensOnly_) {
+    if (screensOnly_)
         hideScreensAndScreenParts();
-    } else {
+    else
         showScreensAndScreenParts();
-    }
     scrollToWhatMatters();
 }
 
@@ -834,24 +781,21 @@ void MediaList::hideScreensAndScreenParts() {
     holdLayout();
     for (Item* row : sortedScreens_) {
         row->hide();
-        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts()) {
+        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts())
             part->hide();
-        }
     }
-    if (selectedItem_ != nullptr && isScreenOrPart(selectedItem_)) {
+    if (selectedItem_ != nullptr && isScreenOrPart(selectedItem_))
         onSelectedItem(nullptr);
-    }
 }
 
 void MediaList::showScreensAndScreenParts() {
     holdLayout();
     for (Item* row : sortedScreens_) {
         auto* screen = static_cast<ScreenItem*>(row);
-        if (screen->isHandledThroughParts() && !screen->parts().isEmpty()) {
+        if (screen->isHandledThroughParts() && !screen->parts().isEmpty())
             screen->showParts();
-        } else {
+        else
             screen->show();
-        }
         changedRows_.insert(screen); // shown without regard to the text
     }
 }
@@ -859,21 +803,17 @@ void MediaList::showScreensAndScreenParts() {
 // Selection
 
 void MediaList::onSelectedItem(Item* item) {
-    if (item == selectedItem_) {
+    if (item == selectedItem_)
         return;
-    }
-    if (selectedItem_ != nullptr) {
+    if (selectedItem_ != nullptr)
         selectedItem_->setActive(false);
-    }
     selectedItem_ = item;
-    if (item != nullptr) {
+    if (item != nullptr)
         item->setActive(true);
-    }
     ItemDataEvent request(item != nullptr ? item->dataIndex() : -1);
     EventDispatcher::getInstance()->client().sendEvent(request);
-    if (item == selectedItem_) { // a link that breaks under the request ends the selection
+    if (item == selectedItem_) // a link that breaks under the request ends the selection
         emit selectedItem(item);
-    }
 }
 
 void MediaList::unselectItem() {
@@ -899,9 +839,8 @@ void MediaList::selectVisible(int from, int step) {
             break;
         }
     }
-    if (selectedItem_ != nullptr) {
+    if (selectedItem_ != nullptr)
         scrollToWhatMatters();
-    }
 }
 
 void MediaList::scrollToWhatMatters() {
@@ -923,9 +862,8 @@ void MediaList::onAction(Action action) {
         selectedItem_ != nullptr ? selectNextVisibleItem() : selectFirstVisibleItem();
         break;
     case Action::TOGGLE_BLIND:
-        if (selectedItem_ != nullptr) {
+        if (selectedItem_ != nullptr)
             selectedItem_->onBlind();
-        }
         break;
     default:
         break;
@@ -943,9 +881,8 @@ void MediaList::notified(QKeyEvent* keyEvent) {
         onAction(Action::SELECT_PREVIOUS_SCREEN);
         break;
     case Qt::Key_Space:
-        if (!keyEvent->isAutoRepeat()) { // held, it would make the output flicker
+        if (!keyEvent->isAutoRepeat()) // held, it would make the output flicker
             onAction(Action::TOGGLE_BLIND);
-        }
         break;
     default:
         return;
@@ -954,9 +891,8 @@ void MediaList::notified(QKeyEvent* keyEvent) {
 }
 
 bool MediaList::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == scrollArea_->viewport() && event->type() == QEvent::Resize) {
+    if (watched == scrollArea_->viewport() && event->type() == QEvent::Resize)
         furnishRowsInSight();
-    }
     if (watched == scrollArea_ && event->type() == QEvent::KeyPress) {
         auto* keyEvent = static_cast<QKeyEvent*>(event);
         if (keyEvent->key() >= Qt::Key_Left && keyEvent->key() <= Qt::Key_Down) {

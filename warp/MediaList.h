@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/EventListener.h"
+#include "app/shell/EventListener.h"
 #include "input/action.h"
 #include "input/key_event_listener.h"
-#include "network/ProtocolTypes.h"
+#include "network/events/ProtocolTypes.h"
 
 #include <QScrollArea>
 #include <QVBoxLayout>

@@ -1,6 +1,6 @@
 #include "warp/MediaListContainer.h"
 
-#include "app/Configuration.h"
+#include "app/shell/Configuration.h"
 #include "input/key_event_manager.h"
 #include "warp/Item.h"
 #include "warp/MediaList.h"
@@ -78,9 +78,8 @@ void MediaListContainer::initMediaList() {
 /// Once for all rows that come and go in a turn of the event loop: the search box tells whether
 /// anything is found.
 void MediaListContainer::searchAgain() {
-    if (isSearchDue_ || searchBox_->text().isEmpty()) {
+    if (isSearchDue_ || searchBox_->text().isEmpty())
         return;
-    }
     isSearchDue_ = true;
     const auto search = [this] {
         isSearchDue_ = false;
@@ -106,9 +105,8 @@ void MediaListContainer::onSearchTextChanged(const QString& text) {
     const int visible = mediaList_->filterByText(text);
     const QString style =
         QLatin1StringView(visible > 0 ? WarpLook::kSearchBox : WarpLook::kSearchBoxNothingFound);
-    if (style != searchBox_->styleSheet()) {
+    if (style != searchBox_->styleSheet())
         searchBox_->setStyleSheet(style);
-    }
 }
 
 void MediaListContainer::onSelectedItem(Item* item) {

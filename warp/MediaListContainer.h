@@ -2,7 +2,7 @@
 
 #include "input/action.h"
 #include "input/key_event_listener.h"
-#include "network/ProtocolTypes.h"
+#include "network/events/ProtocolTypes.h"
 
 #include <QWidget>
 

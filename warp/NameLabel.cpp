@@ -23,11 +23,10 @@ QString NameLabel::shownText() const {
 
 void NameLabel::updateToolTip() {
     const QString name = text();
-    if (shownText() == name) {
+    if (shownText() == name)
         setToolTip({});
-    } else {
+    else
         setToolTip(Qt::mightBeRichText(name) ? name.toHtmlEscaped() : name);
-    }
 }
 
 void NameLabel::resizeEvent(QResizeEvent* event) {
@@ -37,9 +36,8 @@ void NameLabel::resizeEvent(QResizeEvent* event) {
 
 void NameLabel::changeEvent(QEvent* event) {
     QLabel::changeEvent(event);
-    if (event->type() == QEvent::FontChange) {
+    if (event->type() == QEvent::FontChange)
         updateToolTip();
-    }
 }
 
 void NameLabel::paintEvent(QPaintEvent* event) {

@@ -1,8 +1,8 @@
 #include "warp/ScreenItem.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
-#include "network/BlindEvent.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "network/events/BlindEvent.h"
 #include "warp/ScreenPartItem.h"
 
 #include <algorithm>
@@ -35,24 +35,21 @@ ScreenPartItem* ScreenItem::getPart(int partId) const {
 
 ScreenPartItem* ScreenItem::removePart(int partId) {
     ScreenPartItem* part = getPart(partId);
-    if (part != nullptr) {
+    if (part != nullptr)
         parts_.removeOne(part);
-    }
     return part;
 }
 
 void ScreenItem::hideParts() {
-    for (ScreenPartItem* part : parts_) {
+    for (ScreenPartItem* part : parts_)
         part->hide();
-    }
     show();
 }
 
 void ScreenItem::showParts() {
     hide();
-    for (ScreenPartItem* part : parts_) {
+    for (ScreenPartItem* part : parts_)
         part->show();
-    }
 }
 
 void ScreenItem::onBlind() {

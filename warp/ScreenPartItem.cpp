@@ -1,8 +1,8 @@
 #include "warp/ScreenPartItem.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
-#include "network/ScreenPartBlindEvent.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "network/events/ScreenPartBlindEvent.h"
 #include "warp/ScreenItem.h"
 
 using namespace NetworkCompanion;
@@ -18,9 +18,8 @@ ScreenPartItem::ScreenPartItem(int partId, int dataIndex, int sourceWidth, int s
 }
 
 void ScreenPartItem::onBlind() {
-    if (screenItem_ == nullptr) {
+    if (screenItem_ == nullptr)
         return;
-    }
     ScreenPartBlindEvent event(static_cast<unsigned int>(screenItem_->id()),
                                static_cast<unsigned int>(id()), 0, name().toUtf8().constData(),
                                !isBlinded());

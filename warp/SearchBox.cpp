@@ -1,7 +1,7 @@
 #include "warp/SearchBox.h"
 
-#include "app/Configuration.h"
-#include "app/FocusRing.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/FocusRing.h"
 
 #include <QKeyEvent>
 #include <QPainter>

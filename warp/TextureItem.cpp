@@ -1,8 +1,8 @@
 #include "warp/TextureItem.h"
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
-#include "network/MediaBlindEvent.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "network/events/MediaBlindEvent.h"
 
 using namespace NetworkCompanion;
 

@@ -1,6 +1,6 @@
 #include "warp/TouchScroller.h"
 
-#include "app/Configuration.h"
+#include "app/shell/Configuration.h"
 
 #include <QCoreApplication>
 #include <QMouseEvent>
@@ -48,18 +48,15 @@ void TouchScroller::follow(const QTouchEvent& event) {
         scroller->handleInput(QScroller::InputPress, position, time);
         break;
     case QEvent::TouchUpdate:
-        if ((finger.globalPosition() - start_).manhattanLength() > WarpLook::kTapSlack) {
+        if ((finger.globalPosition() - start_).manhattanLength() > WarpLook::kTapSlack)
             isTap_ = false;
-        }
-        if (!isTap_) {
+        if (!isTap_)
             scroller->handleInput(QScroller::InputMove, position, time);
-        }
         break;
     default:
         scroller->handleInput(QScroller::InputRelease, position, time);
-        if (isTap_) {
+        if (isTap_)
             press(finger.globalPosition());
-        }
         break;
     }
 }
@@ -68,9 +65,8 @@ void TouchScroller::press(QPointF position) {
     area_->setFocus(Qt::MouseFocusReason);
     QWidget* content = area_->widget();
     QWidget* target = content->childAt(content->mapFromGlobal(position).toPoint());
-    if (target == nullptr) {
+    if (target == nullptr)
         return;
-    }
     QMouseEvent press(QEvent::MouseButtonPress, target->mapFromGlobal(position), position,
                       Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(target, &press);

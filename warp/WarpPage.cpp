@@ -1,6 +1,6 @@
 #include "warp/WarpPage.h"
 
-#include "app/Configuration.h"
+#include "app/shell/Configuration.h"
 #include "warp/Canvas.h"
 #include "warp/Item.h"
 #include "warp/MediaList.h"

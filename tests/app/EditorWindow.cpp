@@ -1,10 +1,10 @@
 #include "tests/app/EditorWindow.h"
 
-#include "app/EventDispatcher.h"
-#include "app/UpdateProducer.h"
-#include "network/AddMediaEvent.h"
-#include "network/MediaDeformationModeEvent.h"
-#include "network/MsgEvent.h"
+#include "app/shell/EventDispatcher.h"
+#include "app/shell/UpdateProducer.h"
+#include "network/events/AddMediaEvent.h"
+#include "network/events/MediaDeformationModeEvent.h"
+#include "network/events/MsgEvent.h"
 #include "warp/Item.h"
 
 #include <QQmlContext>
@@ -50,10 +50,9 @@ void EditorWindow::sendMedia(int dataIndex, int side, unsigned int cue) {
 
 void EditorWindow::select(int dataIndex, int side) {
     const auto row = [&]() -> Item* {
-        for (Item* item : window->findChildren<Item*>()) {
+        for (Item* item : window->findChildren<Item*>())
             if (item->dataIndex() == dataIndex)
                 return item;
-        }
         return nullptr;
     };
     QTRY_VERIFY(row() != nullptr);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/GuiCompanion.h"
-#include "network/MediaMovePointEvent.h"
+#include "network/events/MediaMovePointEvent.h"
 #include "tests/support/FakeProducer.h"
 #include "tests/support/MessageGuard.h"
 #include "tests/support/WindowUnderTest.h"

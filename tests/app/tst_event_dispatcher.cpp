@@ -1,10 +1,10 @@
-#include "app/EventDispatcher.h"
-#include "app/EventListener.h"
-#include "network/AddMediaEvent.h"
-#include "network/BlindEvent.h"
-#include "network/MediaBlindEvent.h"
-#include "network/MsgEvent.h"
-#include "network/UpdateSettingsEvent.h"
+#include "app/shell/EventDispatcher.h"
+#include "app/shell/EventListener.h"
+#include "network/events/AddMediaEvent.h"
+#include "network/events/BlindEvent.h"
+#include "network/events/MediaBlindEvent.h"
+#include "network/events/MsgEvent.h"
+#include "network/events/UpdateSettingsEvent.h"
 #include "tests/support/GuardedTest.h"
 
 #include <QTest>
@@ -21,9 +21,8 @@ class Recorder : public EventListener {
 public:
     Recorder(QString name, QStringList& calls) : name_(std::move(name)), calls_(calls) {}
     ~Recorder() override {
-        for (const Type type : types_) {
+        for (const Type type : types_)
             EventDispatcher::getInstance()->removeListener(this, type);
-        }
     }
     Q_DISABLE_COPY_MOVE(Recorder)
 
@@ -33,9 +32,8 @@ public:
     }
     void receive(Event* event) override {
         calls_ << name_ + QString::number(static_cast<int>(event->type()));
-        if (then) {
+        if (then)
             then();
-        }
     }
 
     std::function<void()> then;

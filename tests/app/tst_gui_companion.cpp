@@ -1,17 +1,17 @@
-#include "app/CheckConnection.h"
 #include "app/ConnectPage.h"
 #include "app/Content.h"
 #include "app/DisconnectOverlay.h"
-#include "app/EventDispatcher.h"
 #include "app/GuiCompanion.h"
 #include "app/HeadBanner.h"
 #include "app/IPList.h"
 #include "app/KeyRepeatFilter.h"
 #include "app/ToolTipFilter.h"
+#include "app/shell/CheckConnection.h"
+#include "app/shell/EventDispatcher.h"
 #include "input/key_event_listener.h"
 #include "input/key_event_manager.h"
-#include "network/MsgEvent.h"
-#include "network/UpdateSettingsEvent.h"
+#include "network/events/MsgEvent.h"
+#include "network/events/UpdateSettingsEvent.h"
 #include "pages/QuickKeysPage.h"
 #include "pages/SettingsPage.h"
 #include "pages/TestPatternPage.h"
@@ -155,9 +155,8 @@ void TestGuiCompanion::cleanup() {
 bool TestGuiCompanion::eventFilter(QObject* watched, QEvent* event) {
     const auto* widget = qobject_cast<QWidget*>(watched);
     if (event->type() == QEvent::Show && widget != nullptr && widget->isWindow() &&
-        widget != window_.get() && widget->windowType() != Qt::ToolTip) {
+        widget != window_.get() && widget->windowType() != Qt::ToolTip)
         strayWindows_ << QString::fromLatin1(widget->metaObject()->className());
-    }
     return QObject::eventFilter(watched, event);
 }
 
@@ -176,20 +175,16 @@ void TestGuiCompanion::startProducer() {
 }
 
 DisconnectOverlay* TestGuiCompanion::overlay() const {
-    for (auto* overlay : window_->findChildren<DisconnectOverlay*>()) {
-        if (overlay->isVisible()) {
+    for (auto* overlay : window_->findChildren<DisconnectOverlay*>())
+        if (overlay->isVisible())
             return overlay;
-        }
-    }
     return nullptr;
 }
 
 QPushButton* TestGuiCompanion::button(const QWidget* parent, const QString& text) const {
-    for (auto* candidate : parent->findChildren<QPushButton*>()) {
-        if (candidate->text() == text && candidate->isVisible()) {
+    for (auto* candidate : parent->findChildren<QPushButton*>())
+        if (candidate->text() == text && candidate->isVisible())
             return candidate;
-        }
-    }
     return nullptr;
 }
 
@@ -199,9 +194,8 @@ QStringList TestGuiCompanion::listed() const {
     for (const auto* address : find<IPList>()->findChildren<QPushButton*>()) {
         const bool isMarked =
             address->styleSheet() == QLatin1StringView(ShellLook::kAddressButtonOn);
-        if (address->text().startsWith("10.0.")) {
+        if (address->text().startsWith("10.0."))
             texts << address->text() + (isMarked ? " marked" : "");
-        }
     }
     return texts;
 }
@@ -358,9 +352,8 @@ void TestGuiCompanion::anAddressMayGoWhileItIsBeingPressed() {
 }
 
 void TestGuiCompanion::manyProducersCanBeScrolledTo() {
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 40; ++i)
         emit discovery().serverDiscovered(QStringLiteral("10.0.1.%1").arg(i));
-    }
     auto* scrollBar = find<ConnectPage>()->findChild<QScrollArea*>()->verticalScrollBar();
     QTRY_VERIFY(scrollBar->maximum() > 0);
     scrollBar->setValue(scrollBar->maximum());
@@ -406,18 +399,16 @@ void TestGuiCompanion::tabsShowTheirPages() {
     }
     // What is no page stays away.
     messages_->expect(QtDebugMsg, "This menu page does not exist!", 2);
-    for (const int tab : {0, 5}) {
+    for (const int tab : {0, 5})
         banner->onMenuTabPressed(tab);
-    }
     QVERIFY(shows<WarpPage>());
 
     // Without a mouse: Tab leads to the tabs and to the way out, and shows where it is.
     QTest::mouseClick(row[4], Qt::LeftButton);
     const auto tabTo = [&](const QString& text) {
         QPushButton* target = button(banner, text);
-        for (int i = 0; i < 20 && !target->hasFocus(); ++i) {
+        for (int i = 0; i < 20 && !target->hasFocus(); ++i)
             QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
-        }
         return target->hasFocus();
     };
     QVERIFY(tabTo(kDisconnect));
@@ -444,9 +435,8 @@ void TestGuiCompanion::aLossVeilsTheWindow() {
     const QList<int> keys{Qt::Key_M, Qt::Key_Space, Qt::Key_Left};
     for (const Page page : {Page::QuickKeys, Page::TestPatterns, Page::Settings}) {
         find<Content>()->setPage(page);
-        for (const int key : keys) {
+        for (const int key : keys)
             QTest::keyClick(window_->windowHandle(), Qt::Key(key));
-        }
         QCOMPARE(std::exchange(recorder.keys, {}), keys);
     }
     find<Content>()->setPage(Page::Warp);
@@ -471,9 +461,8 @@ void TestGuiCompanion::aLossVeilsTheWindow() {
     QTRY_COMPARE(overlay()->geometry(), QRect(0, 0, 1600, 900));
 
     // No key gets below, and afterwards they go where they went before.
-    for (const auto key : {Qt::Key_M, Qt::Key_Space, Qt::Key_Left, Qt::Key_Tab}) {
+    for (const auto key : {Qt::Key_M, Qt::Key_Space, Qt::Key_Left, Qt::Key_Tab})
         QTest::keyClick(window_->windowHandle(), key);
-    }
     QTest::keyClick(window_->windowHandle(), Qt::Key_Tab); // off the button again
     QTest::keyClick(window_->windowHandle(), Qt::Key_Escape);
     QCOMPARE(recorder.keys, QList<int>());
@@ -488,9 +477,8 @@ void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
     connectByHand();
     find<Content>()->setPage(Page::Settings);
     QTest::mouseClick(find<SettingsPage>()->findChild<QCheckBox*>(), Qt::LeftButton);
-    for (auto* choice : find<SettingsPage>()->findChildren<QComboBox*>()) {
+    for (auto* choice : find<SettingsPage>()->findChildren<QComboBox*>())
         QTest::keyClick(choice, Qt::Key_End); // the last colour, the last shape
-    }
     QTRY_VERIFY(*producer_->events().back() == UpdateSettingsEvent("#ffff00", 4));
     QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
     for (int loss = 1; loss <= 3; ++loss) {
@@ -542,9 +530,8 @@ void TestGuiCompanion::theOperatorsDisconnectIsForGood_data() {
 void TestGuiCompanion::theOperatorsDisconnectIsForGood() {
     QFETCH(bool, lost);
     connectByHand();
-    if (lost) {
+    if (lost)
         loseConnection();
-    }
     const QWidget* parent = lost ? static_cast<QWidget*>(overlay()) : find<HeadBanner>();
     QPushButton* way = button(parent, kDisconnect);
     // Sliding off takes the press back.
@@ -565,9 +552,8 @@ void TestGuiCompanion::theOperatorsDisconnectIsForGood() {
     QVERIFY(shows<ConnectPage>() && !showsWayOut());
 
     // The Producer is seen, for long, and left alone.
-    if (lost) {
+    if (lost)
         startProducer();
-    }
     QTRY_COMPARE(producer_->connectionCount(), 0);
     const int accepted = producer_->acceptedCount();
     QTRY_VERIFY(button(find<IPList>(), kProducerAddress.toString()) != nullptr);
@@ -640,11 +626,9 @@ void TestGuiCompanion::aTipHasTheLookOfTheApplication() {
     auto* part = new QLabel(QStringLiteral("part"), button);
     part->show();
     const auto shownTip = []() -> QWidget* {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (widget->windowType() == Qt::ToolTip && widget->isVisible()) {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->windowType() == Qt::ToolTip && widget->isVisible())
                 return widget;
-            }
-        }
         return nullptr;
     };
     for (QWidget* under : {static_cast<QWidget*>(button), static_cast<QWidget*>(part)}) {

@@ -1,9 +1,9 @@
 #include "app/DisconnectOverlay.h"
-#include "network/MsgEvent.h"
-#include "network/RemoveMediaEvent.h"
+#include "mesh/MeshGridItem.h"
+#include "network/events/MsgEvent.h"
+#include "network/events/RemoveMediaEvent.h"
 #include "tests/app/EditorWindow.h"
 #include "warp/Item.h"
-#include "warp/MeshGridItem.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -1,7 +1,7 @@
 #include "app/DisconnectOverlay.h"
 #include "input/controller_system.h"
-#include "network/ItemDataEvent.h"
-#include "network/MediaBlindEvent.h"
+#include "network/events/ItemDataEvent.h"
+#include "network/events/MediaBlindEvent.h"
 #include "tests/app/EditorWindow.h"
 #include "warp/WarpPage.h"
 
@@ -57,9 +57,8 @@ void TestWindowController::initTestCase() {
     QVERIFY(application_.prepare());
     system_ = ControllerSystem::create();
     QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
-    if (SDL_NumJoysticks() > 0) {
+    if (SDL_NumJoysticks() > 0)
         QSKIP("Unplug the controllers of this machine to test with a virtual one");
-    }
     SDL_VirtualJoystickDesc description{};
     description.version = SDL_VIRTUAL_JOYSTICK_DESC_VERSION;
     description.naxes = 5;
@@ -72,9 +71,8 @@ void TestWindowController::initTestCase() {
 
 void TestWindowController::cleanup() {
     letGo();
-    for (const int index : {0, 1, 2, 3, 4}) {
+    for (const int index : {0, 1, 2, 3, 4})
         axis(index, 0);
-    }
     editor_.reset();
 }
 
@@ -86,9 +84,8 @@ void TestWindowController::cleanupTestCase() {
 /// first.
 void TestWindowController::init() {
     editor_.emplace();
-    if (QByteArray(QTest::currentTestFunction()) == "startsBehindAnotherWindow") {
+    if (QByteArray(QTest::currentTestFunction()) == "startsBehindAnotherWindow")
         return;
-    }
     editor_->open();
     editor_->sendMedia(kDataIndex + 1, kSide, EditorWindow::kCue + 1);
     editor_->sendMedia(kDataIndex, kSide);
@@ -130,23 +127,19 @@ void TestWindowController::hold(const QStringList& inputs) {
 }
 
 void TestWindowController::letGo() {
-    for (const QString& input : std::exchange(held_, {})) {
+    for (const QString& input : std::exchange(held_, {}))
         set(input, false);
-    }
 }
 
 /// Which points are selected, as the Producer was told.
 QString TestWindowController::selection() const {
     QMap<unsigned int, bool> selected;
-    for (const auto* move : editor_->moves()) {
-        if (move->cueId() == EditorWindow::kCue) {
+    for (const auto* move : editor_->moves())
+        if (move->cueId() == EditorWindow::kCue)
             selected[move->pointId()] = move->selected();
-        }
-    }
     QStringList points;
-    for (const unsigned int point : selected.keys(true)) {
+    for (const unsigned int point : selected.keys(true))
         points << QString::number(point);
-    }
     return points.join(' ');
 }
 
@@ -252,11 +245,10 @@ void TestWindowController::restsUnderTheVeilAndWithoutFocus() {
         hold({"Start"});
         letGo();
         QVERIFY(!sticks.wait(100));
-        if (veil) {
+        if (veil)
             editor_->window->onServerAvailableAgain();
-        } else {
+        else
             emit qGuiApp->applicationStateChanged(Qt::ApplicationActive);
-        }
         QTRY_VERIFY(!sticks.isEmpty()); // it is still held
         QVERIFY(actions.isEmpty());
         axis(0, 0);

@@ -1,6 +1,6 @@
-#include "app/CheckConnection.h"
-#include "app/EventDispatcher.h"
-#include "app/UpdateProducer.h"
+#include "app/shell/CheckConnection.h"
+#include "app/shell/EventDispatcher.h"
+#include "app/shell/UpdateProducer.h"
 #include "tests/support/FakeProducer.h"
 #include "tests/support/GuardedTest.h"
 
@@ -29,7 +29,8 @@ struct SteadyProducer : MeshpadTest::FakeProducer {
 class TickCounter : public QObject {
 public:
     explicit TickCounter(const UpdateProducer& thread) {
-        connect(&thread, &UpdateProducer::updateProducer, this, [this] { ++count; });
+        connect(
+            &thread, &UpdateProducer::updateProducer, this, [this] { ++count; });
     }
     int count = 0;
 };

@@ -47,8 +47,8 @@ void ChaosProxy::onNewConnection() {
         for (QTcpSocket* socket : {companion_.socket, producer_.socket}) {
             socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
             Pipe& other = socket == companion_.socket ? producer_ : companion_;
-            connect(socket, &QTcpSocket::readyRead, this,
-                    [=, this, &other] { take(socket, other); });
+            connect(
+                socket, &QTcpSocket::readyRead, this, [=, this, &other] { take(socket, other); });
             connect(socket, &QTcpSocket::disconnected, this, [=, this] { end(socket); });
         }
         connect(producer_.socket, &QTcpSocket::connected, this, [this] { deliver(producer_); });

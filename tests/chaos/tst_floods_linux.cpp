@@ -1,18 +1,18 @@
 #include "app/ConnectPage.h"
 #include "app/Content.h"
-#include "app/EventDispatcher.h"
 #include "app/GuiCompanion.h"
 #include "app/IPList.h"
+#include "app/shell/EventDispatcher.h"
 #include "input/key_event_listener.h"
 #include "input/key_event_manager.h"
-#include "network/AddMediaEvent.h"
-#include "network/AddScreenEvent.h"
-#include "network/BlindEvent.h"
-#include "network/DeformationModeEvent.h"
 #include "network/LVNtc.h"
-#include "network/MediaBlindEvent.h"
-#include "network/ProtocolLimits.h"
-#include "network/ScreenMovePointEvent.h"
+#include "network/events/AddMediaEvent.h"
+#include "network/events/AddScreenEvent.h"
+#include "network/events/BlindEvent.h"
+#include "network/events/DeformationModeEvent.h"
+#include "network/events/MediaBlindEvent.h"
+#include "network/events/ProtocolLimits.h"
+#include "network/events/ScreenMovePointEvent.h"
 #include "tests/support/GuardedTest.h"
 #include "tests/support/PeerNamespace.h"
 #include "tests/support/ThreadTime.h"
@@ -87,10 +87,9 @@ public:
     }
     ~Torrent() {
         shutdown(connection_, SHUT_RDWR);
-        for (std::thread* thread : {&sender_, &listener_}) {
+        for (std::thread* thread : {&sender_, &listener_})
             if (thread->joinable())
                 thread->join();
-        }
         close(connection_);
         close(server_);
     }

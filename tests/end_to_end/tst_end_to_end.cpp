@@ -1,4 +1,4 @@
-#include "app/GraphicsProcessor.h"
+#include "app/graphics/GraphicsProcessor.h"
 #include "tests/end_to_end/Desktop.h"
 #include "tests/end_to_end/ProducerState.h"
 

@@ -92,7 +92,8 @@ public:
             return std::nullopt;
         std::vector<AttachedController> controllers;
         for (const std::shared_ptr<FakePad>& pad : pads_.pads) {
-            controllers.push_back({pad->name, [pad]() -> std::unique_ptr<ControllerDevice> {
+            controllers.push_back({pad->name,
+                                   [pad]() -> std::unique_ptr<ControllerDevice> {
                                        ++pad->created;
                                        if (!pad->canBeCreated)
                                            return nullptr;

@@ -19,14 +19,18 @@ public:
 
     explicit InputLog(const GamepadInputManager& manager, Repeats repeats = Repeats::Every)
         : repeats_(repeats) {
-        connect(&manager, &GamepadInputManager::buttonPressed, this,
-                [this](GamepadButton button) { note(QString("press %1").arg(int(button))); });
-        connect(&manager, &GamepadInputManager::buttonReleased, this,
-                [this](GamepadButton button) { note(QString("release %1").arg(int(button))); });
-        connect(&manager, &GamepadInputManager::leftAxisMoved, this,
-                [this](float x, float y) { note("left " + number(x) + " " + number(y)); });
-        connect(&manager, &GamepadInputManager::rightAxisMoved, this,
-                [this](float x, float y) { note("right " + number(x) + " " + number(y)); });
+        connect(
+            &manager, &GamepadInputManager::buttonPressed, this,
+            [this](GamepadButton button) { note(QString("press %1").arg(int(button))); });
+        connect(
+            &manager, &GamepadInputManager::buttonReleased, this,
+            [this](GamepadButton button) { note(QString("release %1").arg(int(button))); });
+        connect(
+            &manager, &GamepadInputManager::leftAxisMoved, this,
+            [this](float x, float y) { note("left " + number(x) + " " + number(y)); });
+        connect(
+            &manager, &GamepadInputManager::rightAxisMoved, this,
+            [this](float x, float y) { note("right " + number(x) + " " + number(y)); });
         connect(&manager, &GamepadInputManager::pressure, this,
                 [this](float value) { note("pressure " + number(value)); });
     }

@@ -51,10 +51,9 @@ public:
     void unplug() {
         if (!joystick_)
             return;
-        for (int i = 0; i < SDL_NumJoysticks(); ++i) {
+        for (int i = 0; i < SDL_NumJoysticks(); ++i)
             if (SDL_JoystickGetDeviceInstanceID(i) == SDL_JoystickInstanceID(joystick_))
                 SDL_JoystickDetachVirtual(i);
-        }
         SDL_JoystickClose(std::exchange(joystick_, nullptr));
     }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
 #include "resources/CompanionResources.h"
 #include "tests/support/FakeProducer.h"
 #include "tests/support/MessageGuard.h"
@@ -35,9 +35,8 @@ public:
     PageTest() {
         initCompanionResources();
         QFile sheet{QLatin1StringView(ShellLook::kStyleSheetPath)};
-        if (sheet.open(QFile::ReadOnly | QFile::Text)) {
+        if (sheet.open(QFile::ReadOnly | QFile::Text))
             qApp->setStyleSheet(QString::fromUtf8(sheet.readAll()));
-        }
         page = new PageClass(configuration, &window);
         window.layout()->addWidget(page);
         window.resize(1280, 610);

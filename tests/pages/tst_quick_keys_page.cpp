@@ -1,7 +1,7 @@
-#include "network/AddQuickKeyEvent.h"
-#include "network/ConfigQuickKeyEvent.h"
-#include "network/DeleteQuickKeyEvent.h"
-#include "network/UpdateQuickKeyEvent.h"
+#include "network/events/AddQuickKeyEvent.h"
+#include "network/events/ConfigQuickKeyEvent.h"
+#include "network/events/DeleteQuickKeyEvent.h"
+#include "network/events/UpdateQuickKeyEvent.h"
 #include "pages/QuickKeysButton.h"
 #include "pages/QuickKeysPage.h"
 #include "tests/pages/PageTest.h"
@@ -43,9 +43,8 @@ public:
         return qobject_cast<QuickKeysButton*>(grid->itemAtPosition(row, column)->widget());
     }
     void add(std::initializer_list<int> ids) const {
-        for (const int id : ids) {
+        for (const int id : ids)
             page->addQuickKey(id, QByteArray::number(id).constData(), "#203040");
-        }
     }
     /// Names of the keys that can be pressed, page by page: "1 2 3|7".
     QString layout() const {
@@ -80,12 +79,10 @@ bool isNameWhole(QuickKeysButton* button, QRgb ground) {
         for (int x = 3; x < image.width() - 3; ++x) {
             const bool isCorner =
                 (x < 12 || x > image.width() - 13) && (y < 12 || y > image.height() - 13);
-            if (isCorner || image.pixel(x, y) == ground) {
+            if (isCorner || image.pixel(x, y) == ground)
                 continue;
-            }
-            if (!inside.contains(x, y)) {
+            if (!inside.contains(x, y))
                 return false;
-            }
             something = true;
         }
     }
@@ -152,9 +149,8 @@ private slots:
             const KeysTest test;
             test.page->configQuickKey(1, 2);
             test.add({1, 2, 6, 8});
-            for (const int id : deleted) {
+            for (const int id : deleted)
                 test.page->deleteQuickKey(id);
-            }
             QCOMPARE(test.layout(), left);
             QCOMPARE(test.spinBox()->maximum(), test.pages());
             QCOMPARE(test.spinBox()->isVisible(), test.pages() > 1);
@@ -322,11 +318,10 @@ private slots:
             QTest::mouseClick(number, Qt::LeftButton);
             QTest::keyClicks(QApplication::focusWidget(), "11");
             QCOMPARE(test.shownPage(), 11);
-            if (byArrow) {
+            if (byArrow)
                 touchArrow(10);
-            } else {
+            else
                 QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-            }
             QVERIFY(isAtThePage());
             QCOMPARE(test.shownPage(), byArrow ? 10 : 11);
         }
@@ -372,9 +367,8 @@ private slots:
         test.page->configQuickKey(1, 1);
         test.add({1});
         QTRY_VERIFY(test.at(0, 0)->isVisible()); // what is loaded with the first key is
-        for (std::uint32_t id = 1; id < 4096; ++id) {
+        for (std::uint32_t id = 1; id < 4096; ++id)
             test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
-        }
         // The longest time in which the operator could have done nothing.
         ThreadTime turn;
         std::chrono::milliseconds longest{};
@@ -389,9 +383,8 @@ private slots:
         }
         const ThreadTime all;
         flood();
-        for (std::uint32_t id = 1; id < 4096; ++id) {
+        for (std::uint32_t id = 1; id < 4096; ++id)
             test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
-        }
         test.producer.send(AddQuickKeyEvent(4096, 0, 0, "end", "#203040"));
         turn.restart();
         const auto keys = [&] { return test.page->findChildren<QuickKeysButton*>(); };

@@ -14,20 +14,17 @@ class SettingsTest : public PageTest<SettingsPage> {
 public:
     QCheckBox* box() const { return page->findChild<QCheckBox*>(); }
     QComboBox* combo(const QString& name) const {
-        for (auto* candidate : page->findChildren<QComboBox*>()) {
-            if (candidate->accessibleName() == name) {
+        for (auto* candidate : page->findChildren<QComboBox*>())
+            if (candidate->accessibleName() == name)
                 return candidate;
-            }
-        }
         qFatal("no such combo box");
     }
     QComboBox* color() const { return combo("Points color"); }
     QComboBox* shape() const { return combo("Points shape"); }
     int visibleControls() const {
         int count = 0;
-        for (const auto* label : page->findChildren<QLabel*>()) {
+        for (const auto* label : page->findChildren<QLabel*>())
             count += label->isVisible() ? 1 : 0;
-        }
         return count + (color()->isVisible() ? 1 : 0) + (shape()->isVisible() ? 1 : 0);
     }
 };
@@ -71,9 +68,8 @@ private slots:
         test.box()->setChecked(true);
         for (const QWidget* control :
              {static_cast<QWidget*>(test.box()), static_cast<QWidget*>(test.color()),
-              static_cast<QWidget*>(test.shape())}) {
+              static_cast<QWidget*>(test.shape())})
             QTRY_VERIFY(control->width() >= control->sizeHint().width());
-        }
     }
 };
 

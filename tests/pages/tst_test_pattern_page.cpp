@@ -1,4 +1,4 @@
-#include "network/MireEvent.h"
+#include "network/events/MireEvent.h"
 #include "pages/TestPatternButton.h"
 #include "pages/TestPatternPage.h"
 #include "tests/pages/PageTest.h"
@@ -15,11 +15,9 @@ constexpr QRgb kActive = 0xff0096ff;
 class PatternTest : public PageTest<TestPatternPage> {
 public:
     TestPatternButton* button(const QString& name) const {
-        for (auto* candidate : page->findChildren<TestPatternButton*>()) {
-            if (candidate->accessibleName() == name) {
+        for (auto* candidate : page->findChildren<TestPatternButton*>())
+            if (candidate->accessibleName() == name)
                 return candidate;
-            }
-        }
         qFatal("no such pattern");
     }
     /// What the operator sees of the frame, beside the name.
@@ -27,11 +25,9 @@ public:
     void press(const QString& name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
     QStringList marked() const {
         QStringList names;
-        for (const auto* candidate : page->findChildren<TestPatternButton*>()) {
-            if (frameOf(candidate->accessibleName()) == kActive) {
+        for (const auto* candidate : page->findChildren<TestPatternButton*>())
+            if (frameOf(candidate->accessibleName()) == kActive)
                 names << candidate->accessibleName();
-            }
-        }
         return names;
     }
 };

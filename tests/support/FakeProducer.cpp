@@ -107,7 +107,8 @@ void FakeProducer::onNewConnection() {
             socket->setReadBufferSize(1);
         connections_.push_back({socket, {}});
         ++accepted_;
-        connect(socket, &QTcpSocket::readyRead, this, [=, this] { onReadyRead(socket); });
+        connect(
+            socket, &QTcpSocket::readyRead, this, [=, this] { onReadyRead(socket); });
         connect(socket, &QTcpSocket::disconnected, this, [=, this] { onDisconnected(socket); });
         emit connected();
         onReadyRead(socket);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "network/Event.h"
+#include "network/events/Event.h"
 
 #include <QByteArray>
 #include <QHostAddress>
@@ -91,10 +91,9 @@ private:
 template <typename EventClass>
 std::vector<const EventClass*> FakeProducer::eventsOf() const {
     std::vector<const EventClass*> found;
-    for (const auto& event : events_) {
+    for (const auto& event : events_)
         if (const auto* typed = dynamic_cast<const EventClass*>(event.get()))
             found.push_back(typed);
-    }
     return found;
 }
 

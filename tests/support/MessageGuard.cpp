@@ -62,10 +62,9 @@ void MessageGuard::allow(const QRegularExpression& pattern) {
 QStringList MessageGuard::seen(QtMsgType type) const {
     const std::scoped_lock lock(mutex_);
     QStringList texts;
-    for (const Line& line : lines_) {
+    for (const Line& line : lines_)
         if (line.type == type)
             texts.append(line.text);
-    }
     return texts;
 }
 
@@ -89,14 +88,12 @@ void MessageGuard::verify() {
     QStringList failures;
     {
         const std::scoped_lock lock(mutex_);
-        for (const Line& line : lines_) {
+        for (const Line& line : lines_)
             if (!line.expected)
                 failures.append("Unexpected " + nameOf(line.type) + " line: " + line.text);
-        }
-        for (const Expectation& expectation : expectations_) {
+        for (const Expectation& expectation : expectations_)
             if (!expectation.isMet())
                 failures.append(expectation.describe());
-        }
     }
     clear();
     if (!failures.isEmpty())

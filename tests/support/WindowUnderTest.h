@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Configuration.h"
+#include "app/shell/Configuration.h"
 #include "resources/CompanionResources.h"
 
 #include <QApplication>

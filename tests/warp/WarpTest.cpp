@@ -1,7 +1,7 @@
 #include "tests/warp/WarpTest.h"
 
-#include "app/EventDispatcher.h"
-#include "network/MsgEvent.h"
+#include "app/shell/EventDispatcher.h"
+#include "network/events/MsgEvent.h"
 
 #include <QDebug>
 #include <QTest>
@@ -41,9 +41,8 @@ bool WarpTest::gets(std::vector<const Event*> expected) {
     if (!isEqual) {
         QDebug line = qWarning().nospace();
         line << "The Producer got\n" << qPrintable(producer_->lines().join('\n')) << "\nnot";
-        for (const Event* event : expected) {
+        for (const Event* event : expected)
             line << '\n' << *event;
-        }
     }
     producer_->forget();
     return isEqual;

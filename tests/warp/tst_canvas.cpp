@@ -1,20 +1,20 @@
-#include "app/Configuration.h"
-#include "app/UpdateProducer.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/UpdateProducer.h"
 #include "input/key_event_manager.h"
-#include "network/AddMediaEvent.h"
-#include "network/AddScreenEvent.h"
-#include "network/AddScreenPartEvent.h"
-#include "network/AddTextureEvent.h"
-#include "network/DeformationModeEvent.h"
-#include "network/ItemDataEvent.h"
-#include "network/MediaDeformationModeEvent.h"
-#include "network/MediaMovePointEvent.h"
-#include "network/MsgEvent.h"
-#include "network/ScreenModeEvent.h"
-#include "network/ScreenMovePointEvent.h"
-#include "network/ScreenPartDeformationModeEvent.h"
-#include "network/ScreenPartMovePointEvent.h"
-#include "network/TextureMovePointEvent.h"
+#include "network/events/AddMediaEvent.h"
+#include "network/events/AddScreenEvent.h"
+#include "network/events/AddScreenPartEvent.h"
+#include "network/events/AddTextureEvent.h"
+#include "network/events/DeformationModeEvent.h"
+#include "network/events/ItemDataEvent.h"
+#include "network/events/MediaDeformationModeEvent.h"
+#include "network/events/MediaMovePointEvent.h"
+#include "network/events/MsgEvent.h"
+#include "network/events/ScreenModeEvent.h"
+#include "network/events/ScreenMovePointEvent.h"
+#include "network/events/ScreenPartDeformationModeEvent.h"
+#include "network/events/ScreenPartMovePointEvent.h"
+#include "network/events/TextureMovePointEvent.h"
 #include "tests/warp/WarpTest.h"
 #include "warp/Canvas.h"
 #include "warp/MediaItem.h"
@@ -110,9 +110,8 @@ private slots:
         UpdateProducer::tickPeriod = std::chrono::milliseconds(20);
         canvas_->onSelectedItem(screen_.get());
         canvas_->startMovePointTimer();
-        for (const int point : {5, 300, 2, 5}) {
+        for (const int point : {5, 300, 2, 5})
             canvas_->moveScreenPoint(7, "Wall", point, ++x_, 0, 0, true, true);
-        }
         const ScreenMovePointEvent second(7, 33, "Wall", 2, 3, 0, 0, true, true);
         const ScreenMovePointEvent fifth(7, 33, "Wall", 5, 4, 0, 0, true, true);
         const ScreenMovePointEvent last(7, 33, "Wall", 300, 2, 0, 0, true, true);
@@ -233,15 +232,19 @@ private slots:
 
     void pointsOfTheProducerReachTheSceneInOrder() {
         QStringList order;
-        connect(canvas_.get(), &Canvas::screenMovePoint, this,
-                [&](int id, const QString&, int point) {
-                    order << QStringLiteral("screen %1 %2").arg(id).arg(point);
-                });
-        connect(canvas_.get(), &Canvas::screenPartMovePoint, this,
-                [&](int id, int part) { order << QStringLiteral("part %1 %2").arg(id).arg(part); });
-        connect(canvas_.get(), &Canvas::textureMovePoint, this, [&](unsigned cue, int id) {
-            order << QStringLiteral("texture %1 %2").arg(cue).arg(id);
-        });
+        connect(
+            canvas_.get(), &Canvas::screenMovePoint, this,
+            [&](int id, const QString&, int point) {
+                order << QStringLiteral("screen %1 %2").arg(id).arg(point);
+            });
+        connect(
+            canvas_.get(), &Canvas::screenPartMovePoint, this,
+            [&](int id, int part) { order << QStringLiteral("part %1 %2").arg(id).arg(part); });
+        connect(
+            canvas_.get(), &Canvas::textureMovePoint, this,
+            [&](unsigned cue, int id) {
+                order << QStringLiteral("texture %1 %2").arg(cue).arg(id);
+            });
         connect(canvas_.get(), &Canvas::mediaMovePoint, this, [&](unsigned cue, int id) {
             order << QStringLiteral("media %1 %2").arg(cue).arg(id);
         });

@@ -1,24 +1,24 @@
-#include "app/Configuration.h"
-#include "app/EventDispatcher.h"
-#include "app/EventListener.h"
+#include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
+#include "app/shell/EventListener.h"
 #include "input/key_event_manager.h"
-#include "network/AddScreenEvent.h"
-#include "network/AddScreenPartEvent.h"
-#include "network/BlindEvent.h"
-#include "network/DeformationModeEvent.h"
-#include "network/GetResourcesIdEvent.h"
-#include "network/ItemDataEvent.h"
-#include "network/MediaBlindEvent.h"
-#include "network/MediaDeformationModeEvent.h"
-#include "network/MsgEvent.h"
-#include "network/ProtocolLimits.h"
-#include "network/RemoveMediaEvent.h"
-#include "network/RemoveScreenEvent.h"
-#include "network/RemoveScreenPartEvent.h"
-#include "network/RemoveTextureEvent.h"
-#include "network/ScreenModeEvent.h"
-#include "network/ScreenPartBlindEvent.h"
-#include "network/ScreenPartDeformationModeEvent.h"
+#include "network/events/AddScreenEvent.h"
+#include "network/events/AddScreenPartEvent.h"
+#include "network/events/BlindEvent.h"
+#include "network/events/DeformationModeEvent.h"
+#include "network/events/GetResourcesIdEvent.h"
+#include "network/events/ItemDataEvent.h"
+#include "network/events/MediaBlindEvent.h"
+#include "network/events/MediaDeformationModeEvent.h"
+#include "network/events/MsgEvent.h"
+#include "network/events/ProtocolLimits.h"
+#include "network/events/RemoveMediaEvent.h"
+#include "network/events/RemoveScreenEvent.h"
+#include "network/events/RemoveScreenPartEvent.h"
+#include "network/events/RemoveTextureEvent.h"
+#include "network/events/ScreenModeEvent.h"
+#include "network/events/ScreenPartBlindEvent.h"
+#include "network/events/ScreenPartDeformationModeEvent.h"
 #include "tests/warp/WarpTest.h"
 #include "warp/MediaList.h"
 #include "warp/MediaListContainer.h"
@@ -350,15 +350,13 @@ private slots:
         messages().expect(QtWarningMsg, "MediaList: Screen with number 65536 ignored");
         messages().expect(QtWarningMsg, "MediaList: Screen with number 4294967295 ignored");
         messages().expect(QtWarningMsg, "MediaList: Part of screen 65535 ignored, it has too many");
-        for (const std::uint32_t id : {65535U, 65536U, 0xFFFFFFFFU}) {
+        for (const std::uint32_t id : {65535U, 65536U, 0xFFFFFFFFU})
             send(AddScreenEvent(id, 0, 1, 1, 0, 0.0, "Far", false, false));
-        }
         QVERIFY(allArrived());
         auto* screen = static_cast<ScreenItem*>(row("Far"));
         list_->addScreenPart(65535, 1, 0, 1, 1, 0.0, false, "");
-        while (screen->parts().size() < Limits::kMaxPartsPerScreen) {
+        while (screen->parts().size() < Limits::kMaxPartsPerScreen)
             screen->addPart(screen->getPart(1)); // it is only counted
-        }
         send(AddScreenPartEvent(65535, 2, 0, 1, 1, 0, 0.0, "", false));
         QVERIFY(allArrived());
         QCOMPARE(allRows(), QStringList({"Far", "Far, Part"}));
@@ -433,25 +431,22 @@ private slots:
     }
 
     void rowsAreCompleteWhereverOneLooks() {
-        for (int i = 0; i < 200; ++i) {
+        for (int i = 0; i < 200; ++i)
             addMedia(unsigned(i), QString::number(1000 + i));
-        }
         auto* bar = container_->findChild<QScrollArea*>()->verticalScrollBar();
         // The first row in sight, once all that are in sight show their names.
         const auto top = [this] {
             QString first;
             for (int i = 0; const Item* item = list_->getItemFromLayout(i); ++i) {
-                if (item->visibleRegion().isEmpty()) {
+                if (item->visibleRegion().isEmpty())
                     continue;
-                }
                 const auto* label = item->findChild<NameLabel*>();
                 const auto* eye = item->findChild<BlindButton*>();
                 if (label == nullptr || label->text() != item->labelText() ||
                     item->styleSheet().isEmpty() || label->visibleRegion().isEmpty() ||
                     eye->visibleRegion().boundingRect().width() != eye->width() ||
-                    label->geometry().right() >= eye->geometry().left()) {
+                    label->geometry().right() >= eye->geometry().left())
                     return item->labelText() + " is empty";
-                }
                 first = first.isEmpty() ? item->labelText() : first;
             }
             return first;
@@ -460,9 +455,8 @@ private slots:
         list_->selectFirstVisibleItem();
         QCOMPARE(top(), "1000");
         QCOMPARE(row("1150")->findChild<NameLabel*>(), nullptr); // nobody has looked there
-        for (int i = 0; i < 59; ++i) {
+        for (int i = 0; i < 59; ++i)
             list_->selectNextVisibleItem();
-        }
         QCOMPARE(list_->selection(), row("1059"));
         QCOMPARE(row("1059")->visibleRegion().boundingRect().height(), row("1059")->height());
         for (int i = 1; i < 200; ++i) {
@@ -477,9 +471,8 @@ private slots:
         send(MediaBlindEvent(LV_NTC_ElementType::Media, 190, 0, 0, "1001b", true));
         QVERIFY(allArrived());
         bar->setValue(0);
-        for (unsigned int cueId = 0; cueId < 30; ++cueId) {
+        for (unsigned int cueId = 0; cueId < 30; ++cueId)
             list_->removeMedia(cueId);
-        }
         addMedia(300, "0999");
         list_->selectFirstVisibleItem();
         QTRY_COMPARE(top(), "0999");
@@ -499,9 +492,8 @@ private slots:
     }
 
     void aFingerScrollsOrTaps() {
-        for (int i = 0; i < 100; ++i) {
+        for (int i = 0; i < 100; ++i)
             addMedia(unsigned(i), QString::number(1000 + i), i);
-        }
         QTRY_VERIFY(row("1003")->pos().y() > row("1002")->pos().y());
         std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
         Item* touched = row("1003");
@@ -566,25 +558,21 @@ private:
 
     QList<Item*> rows() const {
         QList<Item*> all;
-        for (int i = 0; Item* item = list_->getItemFromLayout(i); ++i) {
+        for (int i = 0; Item* item = list_->getItemFromLayout(i); ++i)
             all << item;
-        }
         return all;
     }
     QStringList allRows() const {
         QStringList labels;
-        for (const Item* item : rows()) {
+        for (const Item* item : rows())
             labels << item->labelText();
-        }
         return labels;
     }
     QStringList shownRows() const {
         QStringList labels;
-        for (const Item* item : rows()) {
-            if (item->isVisible()) {
+        for (const Item* item : rows())
+            if (item->isVisible())
                 labels << item->labelText();
-            }
-        }
         return labels;
     }
     Item* row(const QString& label) const { return rows().value(allRows().indexOf(label)); }
@@ -595,18 +583,15 @@ private:
                        QStringList& shown) const {
         QMap<int, Item*> screens;
         QMap<std::pair<int, int>, Item*> others; // medias by cue, then textures by cue
-        for (Item* item : list_->findChildren<Item*>()) {
-            if (item->elementType() == LV_NTC_ElementType::Screen) {
+        for (Item* item : list_->findChildren<Item*>())
+            if (item->elementType() == LV_NTC_ElementType::Screen)
                 screens.insert(item->id(), item);
-            } else if (item->elementType() != LV_NTC_ElementType::ScreenPart) {
+            else if (item->elementType() != LV_NTC_ElementType::ScreenPart)
                 others.insert({int(item->elementType()), item->id()}, item);
-            }
-        }
         const auto add = [&](const Item* item, bool isShown, const QString& text) {
             all << item->labelText();
-            if (isShown && text.contains(filterText, Qt::CaseInsensitive)) {
+            if (isShown && text.contains(filterText, Qt::CaseInsensitive))
                 shown << item->labelText();
-            }
         };
         for (Item* item : sorted(screens.values())) {
             const auto* screen = static_cast<ScreenItem*>(item);
@@ -617,9 +602,8 @@ private:
                     screen->labelText() + ", " + part->labelText());
             }
         }
-        for (const Item* item : sorted(others.values())) {
+        for (const Item* item : sorted(others.values()))
             add(item, true, item->labelText());
-        }
     }
     static QList<Item*> sorted(QList<Item*> items) {
         const auto key = [](Item* item) { return item->labelText().toUtf8().toLower(); };

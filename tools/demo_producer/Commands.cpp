@@ -146,10 +146,9 @@ bool Commands::remove(const ItemKey& key) {
     if (std::exchange(showOfRemoved_, session_.showsStarted()) != session_.showsStarted())
         removed_.clear();
     removed_.push_back(*item);
-    if (key.type == LV_NTC_ElementType::Screen) {
+    if (key.type == LV_NTC_ElementType::Screen)
         for (const ShowItem* part : session_.show().partsOf(*item))
             removed_.push_back(*part);
-    }
     return session_.removeItem(key);
 }
 
@@ -180,10 +179,12 @@ bool Commands::play(const QString& script) {
         lines.emplace_back(int(seconds * 1000), text.mid(blank + 1));
     }
     for (const auto& [due, line] : lines) {
-        QTimer::singleShot(due, this, [this, command = line] {
-            if (!execute(command))
-                qWarning("Script: \"%s\" refused", qUtf8Printable(command));
-        });
+        QTimer::singleShot(
+            due, this,
+            [this, command = line] {
+                if (!execute(command))
+                    qWarning("Script: \"%s\" refused", qUtf8Printable(command));
+            });
     }
     return true;
 }

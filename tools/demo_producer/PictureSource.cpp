@@ -272,10 +272,9 @@ constexpr std::array<Generated, 7> kPictures{{{"waves", drawNight, drawWaves},
                                               {"emblem", drawEmblem, nullptr}}};
 
 const Generated& generatedFor(const ShowItem& item) {
-    for (const Generated& picture : kPictures) {
+    for (const Generated& picture : kPictures)
         if (item.picture == QLatin1String(picture.name))
             return picture;
-    }
     return kPictures[item.key.id % kPictures.size()];
 }
 

@@ -1,7 +1,7 @@
 #include "tools/demo_producer/ProducerSession.h"
 
-#include "network/EventTable.h"
-#include "network/ProtocolLimits.h"
+#include "network/events/EventTable.h"
+#include "network/events/ProtocolLimits.h"
 #include "tools/demo_producer/ShowEvents.h"
 #include "tools/demo_producer/ShowNames.h"
 
@@ -255,10 +255,9 @@ bool ProducerSession::applyDeformation(const ItemKey& key, Warp::Kind kind, quin
         server_.sendToAll(*ShowEvents::mode(item));
     if (item.shownKind() == Warp::Kind::None)
         return true;
-    for (const bool xy : {true, false}) {
+    for (const bool xy : {true, false})
         for (quint32 point = 0; point < item.warp.xy.size(); ++point)
             server_.sendToAll(*ShowEvents::point(item, xy, point));
-    }
     return true;
 }
 
@@ -377,10 +376,9 @@ bool ProducerSession::removeItem(const ItemKey& key) {
     log(QStringLiteral("removed %1 \"%2\"").arg(nameOf(key), item->name));
     show_.remove(key);
     server_.sendToAll(*event);
-    for (auto& [id, companion] : companions_) {
+    for (auto& [id, companion] : companions_)
         if (companion.editing && !show_.find(*companion.editing))
             companion.editing.reset();
-    }
     emit changed();
     return true;
 }

@@ -1,6 +1,6 @@
 #include "tools/demo_producer/Show.h"
 
-#include "network/ProtocolLimits.h"
+#include "network/events/ProtocolLimits.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,10 +48,9 @@ const ShowItem* Show::findByDataIndex(quint32 dataIndex) const {
 
 std::vector<const ShowItem*> Show::partsOf(const ShowItem& screen) const {
     std::vector<const ShowItem*> parts;
-    for (const ShowItem& item : items_) {
+    for (const ShowItem& item : items_)
         if (item.key.type == LV_NTC_ElementType::ScreenPart && item.key.id == screen.key.id)
             parts.push_back(&item);
-    }
     return parts;
 }
 
@@ -170,10 +169,9 @@ bool Show::setBlinded(const ItemKey& key, bool blinded) {
 
 void Show::unselectPoints(const ItemKey& key) {
     if (ShowItem* const item = itemOf(key)) {
-        for (auto points : {&Warp::xy, &Warp::uv}) {
+        for (auto points : {&Warp::xy, &Warp::uv})
             for (ControlPoint& point : item->warp.*points)
                 point.selected = false;
-        }
     }
 }
 

@@ -31,25 +31,29 @@ Warp bent(Kind kind, int rows, int columns, QSize size, Function offset) {
 
 /// Four corners, each moved by its own offset in units of half the size.
 Warp keystone(QSize size, const std::array<QPointF, 4>& offsets) {
-    return bent(Kind::Keystone, 2, 2, size, [&offsets](double x, double y) {
-        return offsets[(y > 0 ? 2u : 0u) + (x > 0 ? 1u : 0u)];
-    });
+    return bent(
+        Kind::Keystone, 2, 2, size,
+        [&offsets](double x, double y) { return offsets[(y > 0 ? 2u : 0u) + (x > 0 ? 1u : 0u)]; });
 }
 
 /// A round column or a bay: top and bottom edge curve by `depth`, the sides draw in by `taper`.
 Warp column(Kind kind, int rows, int columns, QSize size, double depth, double taper) {
-    return bent(kind, rows, columns, size, [depth, taper](double x, double y) {
-        return QPointF(-taper * x * (1.0 + y) / 2.0 - 0.06 * x,
-                       depth * (1.0 - x * x) * y - 0.08 * y);
-    });
+    return bent(
+        kind, rows, columns, size,
+        [depth, taper](double x, double y) {
+            return QPointF(-taper * x * (1.0 + y) / 2.0 - 0.06 * x,
+                           depth * (1.0 - x * x) * y - 0.08 * y);
+        });
 }
 
 /// A wall that waves like cloth, drawn in by `inset` on all sides.
 Warp cloth(Kind kind, int rows, int columns, QSize size, double amount, double inset) {
-    return bent(kind, rows, columns, size, [amount, inset](double x, double y) {
-        return QPointF(amount * 0.5 * std::sin(y * std::numbers::pi) - inset * x,
-                       amount * std::sin(x * std::numbers::pi) - inset * y);
-    });
+    return bent(
+        kind, rows, columns, size,
+        [amount, inset](double x, double y) {
+            return QPointF(amount * 0.5 * std::sin(y * std::numbers::pi) - inset * x,
+                           amount * std::sin(x * std::numbers::pi) - inset * y);
+        });
 }
 
 /// Adds to a show and hands out the data indexes.

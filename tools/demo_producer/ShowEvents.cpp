@@ -1,6 +1,6 @@
 #include "tools/demo_producer/ShowEvents.h"
 
-#include "network/EventTable.h"
+#include "network/events/EventTable.h"
 
 using namespace NetworkCompanion;
 
@@ -203,10 +203,9 @@ std::vector<ShowEvents::EventPointer> ShowEvents::resources(const Show& show) {
         if (item.key.type == LV_NTC_ElementType::Screen)
             events.push_back(mode(item));
     }
-    for (const ShowItem& item : show.items()) {
+    for (const ShowItem& item : show.items())
         if (item.blinded)
             events.push_back(blind(item));
-    }
     events.push_back(
         std::make_unique<ConfigQuickKeyEvent>(show.quickKeyRows, show.quickKeyColumns, 0));
     for (const auto& [id, key] : show.quickKeys)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "network/Event.h"
+#include "network/events/Event.h"
 #include "tools/demo_producer/Show.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 #include "tools/demo_producer/ShowFile.h"
 
-#include "network/ProtocolLimits.h"
+#include "network/events/ProtocolLimits.h"
 #include "tools/demo_producer/ShowNames.h"
 
 #include <QFile>
@@ -34,10 +34,9 @@ QJsonArray placesToJson(const std::vector<ControlPoint>& points) {
 
 QJsonArray selectionToJson(const std::vector<ControlPoint>& points) {
     QJsonArray array;
-    for (std::size_t id = 0; id < points.size(); ++id) {
+    for (std::size_t id = 0; id < points.size(); ++id)
         if (points[id].selected)
             array.append(qint64(id));
-    }
     return array;
 }
 
@@ -100,10 +99,9 @@ ShowItem itemFrom(const QJsonObject& json, quint32 freeDataIndex, QString& error
     if (const auto mode = modeNamed(text("mode")))
         item.mode = *mode;
     item.picture = text("picture");
-    for (const auto& value : json[QStringLiteral("layers")].toArray()) {
+    for (const auto& value : json[QStringLiteral("layers")].toArray())
         if (const auto layer = itemNamed(value[QStringLiteral("item")].toString()))
             item.layers.push_back({*layer, areaFrom(value[QStringLiteral("area")])});
-    }
     item.area = areaFrom(json[QStringLiteral("area")]);
     return item;
 }

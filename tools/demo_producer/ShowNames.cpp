@@ -56,10 +56,9 @@ QString nameIn(const Table& table, Value value) {
 
 template <typename Value, std::size_t Size>
 std::optional<Value> valueIn(const Names<Value, Size>& table, const QString& name) {
-    for (const auto& [value, text] : table) {
+    for (const auto& [value, text] : table)
         if (name == QLatin1String(text))
             return value;
-    }
     return {};
 }
 

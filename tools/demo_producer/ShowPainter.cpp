@@ -376,12 +376,11 @@ void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const Sho
             paintMesh(painter, item, transform);
         paintRemotePoints(painter, item, true, transform);
     };
-    if (inParts) {
+    if (inParts)
         for (const ShowItem* part : parts)
             overlay(*part, placed(part->area, frame));
-    } else {
+    else
         overlay(screen, frame);
-    }
     painter.restore();
     painter.setPen(QPen(kLine, 1));
     painter.setBrush(Qt::NoBrush);
@@ -407,9 +406,11 @@ void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const Sho
 }
 
 bool ShowPainter::isUvEdited(const ShowItem& item) const {
-    return std::ranges::any_of(session_->companions(), [&item](const auto& entry) {
-        return entry.second.editing == item.key && entry.second.editsUv;
-    });
+    return std::ranges::any_of(
+        session_->companions(),
+        [&item](const auto& entry) {
+            return entry.second.editing == item.key && entry.second.editsUv;
+        });
 }
 
 void ShowPainter::paintElement(QPainter& painter, const QRectF& tile, const ShowItem& item) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "network/ProtocolTypes.h"
+#include "network/events/ProtocolTypes.h"
 
 #include <QPointF>
 

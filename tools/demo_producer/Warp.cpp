@@ -1,6 +1,6 @@
 #include "tools/demo_producer/Warp.h"
 
-#include "network/ProtocolLimits.h"
+#include "network/events/ProtocolLimits.h"
 
 namespace {
 

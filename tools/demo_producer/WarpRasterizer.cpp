@@ -259,8 +259,7 @@ void WarpRasterizer::draw(QImage& target, const QImage& picture, const QRectF& p
         return Vertex{place.x(), place.y(), coordinates[index].x() * texels.width(),
                       coordinates[index].y() * texels.height(), 1.0};
     };
-    for (int row = 0; row < rows; ++row) {
+    for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)
             fillCell(filler, vertexAt, row, column);
-    }
 }

@@ -111,11 +111,10 @@ std::vector<Show> repertoireFor(const QCommandLineParser& parser, QString& error
     }
     if (parser.isSet(kGrid)) {
         const QStringList numbers = parser.value(kGrid).split(u'x');
-        for (Show& show : shows) {
+        for (Show& show : shows)
             if (numbers.size() != 2 ||
                 !ShowCatalog::setFirstGrid(show, numbers[0].toInt(), numbers[1].toInt()))
                 error = QStringLiteral("--grid takes two numbers from 2 to 64, such as 46x46");
-        }
     }
     return shows;
 }
@@ -124,10 +123,9 @@ std::vector<Show> repertoireFor(const QCommandLineParser& parser, QString& error
 /// machine.
 QString placeOf(const QHostAddress& address, quint16 port) {
     QStringList addresses;
-    for (const QHostAddress& own : QNetworkInterface::allAddresses()) {
+    for (const QHostAddress& own : QNetworkInterface::allAddresses())
         if (own.protocol() == QAbstractSocket::IPv4Protocol && !own.isLoopback())
             addresses.append(own.toString());
-    }
     const bool any = address == QHostAddress::AnyIPv4 || address == QHostAddress::Any;
     if (!any || addresses.isEmpty())
         addresses = {address.toString()};

@@ -66,9 +66,8 @@ const QHash<QChar, QString>& glyphs() {
 double glyphWidth(QChar letter) {
     int widest = 0;
     const QString strokes = glyphs().value(letter);
-    for (int i = 0; i < strokes.size(); i += 3) {
+    for (int i = 0; i < strokes.size(); i += 3)
         widest = std::max(widest, strokes[i].digitValue());
-    }
     return widest;
 }
 
@@ -79,9 +78,8 @@ QPainterPath glyphPath(QChar letter) {
         for (const QString& pair : strokeText.split(' ', Qt::SkipEmptyParts)) {
             QPointF point(pair[0].digitValue(), pair[1].digitValue());
             if (down) {
-                if (point == path.currentPosition()) {
+                if (point == path.currentPosition())
                     point.rx() += 0.01; // a dot: a path drops a line of no length
-                }
                 path.lineTo(point);
             } else {
                 path.moveTo(point);
@@ -96,9 +94,8 @@ QPainterPath glyphPath(QChar letter) {
 
 double StrokeFont::width(const QString& text, double height) {
     double units = kSpacing * std::max(0.0, static_cast<double>(text.size()) - 1);
-    for (const QChar letter : text) {
+    for (const QChar letter : text)
         units += glyphWidth(letter);
-    }
     return units * height / kUnits;
 }
 

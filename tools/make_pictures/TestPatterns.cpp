@@ -51,12 +51,10 @@ QPointF onCircle(QPointF centre, double radius, double turns) {
 void drawGeometry(QPainter& painter) {
     constexpr int kCell = 88; // 20 by 12 squares, so that lines cross in the middle
     const auto lines = [&painter](int step, const QColor& color, int width) {
-        for (int x = step; x < kWidth; x += step) {
+        for (int x = step; x < kWidth; x += step)
             painter.fillRect(x - width / 2, 0, width, kHeight, color);
-        }
-        for (int y = step; y < kHeight; y += step) {
+        for (int y = step; y < kHeight; y += step)
             painter.fillRect(0, y - width / 2, kWidth, width, color);
-        }
     };
     lines(kCell / 4, grey(22), 2);
     lines(kCell, grey(70), 4);
@@ -68,11 +66,9 @@ void drawGeometry(QPainter& painter) {
     painter.setPen(QPen(Qt::white, 8));
     painter.drawEllipse(kMiddle, kHeight / 2.0 - 8, kHeight / 2.0 - 8);
     painter.drawEllipse(kMiddle, 2.0 * kCell, 2.0 * kCell);
-    for (const double x : {2.0 * kCell, kWidth - 2.0 * kCell}) {
-        for (const double y : {2.0 * kCell, kHeight - 2.0 * kCell}) {
+    for (const double x : {2.0 * kCell, kWidth - 2.0 * kCell})
+        for (const double y : {2.0 * kCell, kHeight - 2.0 * kCell})
             painter.drawEllipse(QPointF(x, y), 1.5 * kCell, 1.5 * kCell);
-        }
-    }
     painter.drawLine(QLineF(kMiddle.x(), 0, kMiddle.x(), kHeight));
     painter.drawLine(QLineF(0, kMiddle.y(), kWidth, kMiddle.y()));
     painter.setRenderHint(QPainter::Antialiasing, false);
@@ -111,9 +107,8 @@ void drawLevels(QPainter& painter, Qt::Orientation along) {
         return horizontal ? QRect(start, from, size, thickness)
                           : QRect(from, start, thickness, size);
     };
-    for (int i = 0; i < length; ++i) {
+    for (int i = 0; i < length; ++i)
         painter.fillRect(patch(i, 1, 0, band), grey(100.0 * i / (length - 1)));
-    }
     constexpr int kSteps = 11;
     const int step = length / kSteps;
     for (int i = 0; i < kSteps; ++i) {
@@ -340,11 +335,10 @@ void drawFrameRateDial(QPainter& painter) {
 QList<TestPattern> drawTestPatterns() {
     const auto bars = [](Qt::Orientation along) {
         return paint([along](QPainter& painter) {
-            if (along == Qt::Horizontal) {
+            if (along == Qt::Horizontal)
                 painter.scale(kWidth, kHeight);
-            } else {
+            else
                 painter.setTransform(QTransform(0, kHeight, kWidth, 0, 0, 0)); // x and y swapped
-            }
             drawColorBars(painter);
         });
     };

@@ -64,9 +64,8 @@ void drawBentMesh(QPainter& painter, int size) {
     lines(Qt::white, edge, true);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);
-    for (const QPointF corner : {QPointF(0, 0), QPointF(0, 1), QPointF(1, 1)}) {
+    for (const QPointF corner : {QPointF(0, 0), QPointF(0, 1), QPointF(1, 1)})
         painter.drawEllipse(bent(corner.x(), corner.y()) * size, edge * 1.1, edge * 1.1);
-    }
     painter.setPen(QPen(Qt::white, edge * 0.8));
     painter.setBrush(kPulledPoint);
     painter.drawEllipse(bent(1, 0) * size, point, point);
@@ -98,18 +97,14 @@ void appendBitmap(QDataStream& out, const QImage& image) {
     const quint32 maskRow = (size + 31) / 32 * 4;
     out << quint32(40) << size << size * 2 << quint16(1) << quint16(32) << quint32(0)
         << size * size * 4 + maskRow * size << quint32(0) << quint32(0) << quint32(0) << quint32(0);
-    for (int y = image.height() - 1; y >= 0; --y) {
-        for (int x = 0; x < image.width(); ++x) {
-            out << quint32(image.pixel(x, y)); // little endian: blue, green, red, alpha
-        }
-    }
+    for (int y = image.height() - 1; y >= 0; --y)
+        for (int x = 0; x < image.width(); ++x)
+            out << quint32(image.pixel(x, y));      // little endian: blue, green, red, alpha
     for (int y = image.height() - 1; y >= 0; --y) { // one bit a pixel: 1 where nothing is drawn
         QByteArray row(static_cast<qsizetype>(maskRow), '\0');
-        for (int x = 0; x < image.width(); ++x) {
-            if (qAlpha(image.pixel(x, y)) == 0) {
+        for (int x = 0; x < image.width(); ++x)
+            if (qAlpha(image.pixel(x, y)) == 0)
                 row[x / 8] = static_cast<char>(row[x / 8] | (0x80 >> (x % 8)));
-            }
-        }
         out.writeRawData(row.constData(), static_cast<int>(row.size()));
     }
 }
@@ -139,11 +134,10 @@ QImage drawWindowIcon(int size) {
     painter.setBrush(kTile);
     const double corner = size / 6.0;
     painter.drawRoundedRect(QRectF(0, 0, size, size), corner, corner);
-    if (size < kSmallestBent) {
+    if (size < kSmallestBent)
         drawStraightMesh(painter, size);
-    } else {
+    else
         drawBentMesh(painter, size);
-    }
     return image;
 }
 

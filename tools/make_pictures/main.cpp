@@ -13,20 +13,17 @@ namespace {
 
 /// The same picture with the fewest bytes a pixel that hold it without loss.
 QImage compact(const QImage& image) {
-    if (image.isGrayscale()) {
+    if (image.isGrayscale())
         return image.convertToFormat(QImage::Format_Grayscale8);
-    }
     QSet<QRgb> colors;
     for (int y = 0; y < image.height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
+        for (int x = 0; x < image.width(); ++x)
             colors.insert(line[x]);
-        }
     }
     constexpr int kPaletteSize = 256;
-    if (colors.size() > kPaletteSize) {
+    if (colors.size() > kPaletteSize)
         return image.convertToFormat(QImage::Format_RGB888);
-    }
     QList<QRgb> palette(colors.cbegin(), colors.cend());
     std::sort(palette.begin(), palette.end()); // the same file every time
     return image.convertToFormat(QImage::Format_Indexed8, palette);

@@ -1,0 +1,52 @@
+#include "app/shell/CheckConnection.h"
+
+#include "app/shell/EventDispatcher.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+#include <algorithm>
+
+CheckConnection::CheckConnection(QObject* parent) : StoppableThread(parent) {
+    connect(this, &CheckConnection::seen, this, &CheckConnection::announce, Qt::QueuedConnection);
+}
+
+CheckConnection::~CheckConnection() {
+    CheckConnection::stop();
+}
+
+void CheckConnection::setWatchedAddress(const QString& address) {
+    const std::lock_guard lock(addressMutex_);
+    watchedAddress_ = address;
+}
+
+void CheckConnection::stop() {
+    StoppableThread::stop();
+    QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
+    announcementPending_ = false;
+}
+
+void CheckConnection::loop() {
+    if (!pause(firstCheckDelay))
+        return;
+    do {
+        if (isWatchedServerAvailable() && !announcementPending_.exchange(true)) {
+            seenAt_ = Clock::now();
+            emit seen(QPrivateSignal());
+        }
+    } while (pause(checkPeriod));
+}
+
+void CheckConnection::announce() {
+    announcementPending_ = false;
+    // Old news, as after an attempt to connect that took long, would only start the next attempt
+    // before discovery had a chance to notice that the Producer is gone.
+    if (Clock::now() - seenAt_.load() < kCheckPeriod && isWatchedServerAvailable())
+        emit serverAvailableAgain();
+}
+
+bool CheckConnection::isWatchedServerAvailable() {
+    const auto servers = EventDispatcher::getInstance()->networkUtils().getAvailableServers();
+    const std::lock_guard lock(addressMutex_);
+    return std::find(servers.begin(), servers.end(), watchedAddress_) != servers.end();
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "mesh/MeshPoint.h"
+
+#include <QColor>
+#include <QFont>
+#include <QImage>
+#include <QRectF>
+
+#include <array>
+#include <memory>
+
+/// How points and lines of a mesh look. Lengths are in device-independent pixels of the screen.
+struct MeshStyle {
+    struct Colors {
+        QColor fill;
+        QColor border;
+        QColor text;
+
+        friend bool operator==(const Colors&, const Colors&) = default;
+    };
+    std::array<Colors, 3> states; ///< by MeshPoint::State
+    double pointDiameter = 20;
+    double pointBorderWidth = 2;
+    double lineThickness = 2;
+    QColor lineColor;
+    QFont font;
+
+    friend bool operator==(const MeshStyle&, const MeshStyle&) = default;
+};
+
+/// One picture with everything a mesh is drawn from: a circle for each state of a point, the cross
+/// section of a line and the digits of the point numbers, all at the resolution of the screen.
+class MeshAtlas {
+public:
+    /// One part of the picture: where it is (in picture coordinates, 0 to 1, or in its pixels) and
+    /// how large it is on the screen.
+    struct Part {
+        QRectF texture; ///< 0 to 1
+        QRectF pixels;
+        QSizeF size; ///< device-independent pixels
+    };
+
+    MeshAtlas() = default;
+    MeshAtlas(const MeshStyle& style, double devicePixelRatio);
+    /// The same one for all who ask for the same look while anybody has it: a show has thousands of
+    /// meshes. From any thread.
+    static std::shared_ptr<const MeshAtlas> shared(const MeshStyle& style, double devicePixelRatio);
+
+    bool isNull() const { return image_.isNull(); }
+    const QImage& image() const { return image_; }
+    const Part& circle(MeshPoint::State state) const { return circles_[index(state)]; }
+    /// The cross section of a line: as high as the line with a pixel on either side to fade out.
+    const Part& line() const { return line_; }
+    QColor lineColor() const { return lineColor_; }
+    /// The digit (0 to 9) as it is in a number of that many digits; longer numbers are smaller.
+    const Part& digit(MeshPoint::State state, int digits, int value) const;
+
+    static constexpr int kDigitSizes = 3;
+
+private:
+    static std::size_t index(MeshPoint::State state) { return static_cast<std::size_t>(state); }
+
+    QImage image_;
+    std::array<Part, 3> circles_;
+    Part line_;
+    QColor lineColor_;
+    std::array<std::array<std::array<Part, 10>, kDigitSizes>, 3> digits_;
+};

@@ -1,0 +1,310 @@
+#include "mesh/MeshGridItem.h"
+
+#include "mesh/MeshOcclusion.h"
+
+#include <QGuiApplication>
+#include <QJSEngine>
+#include <QQuickWindow>
+#include <QTransform>
+#include <QtMath>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double kUnbounded = std::numeric_limits<double>::max();
+
+} // namespace
+
+MeshGridItem::MeshGridItem(QQuickItem* parent)
+    : QQuickItem(parent), dragMinimumX_(-kUnbounded), dragMaximumX_(kUnbounded),
+      dragMinimumY_(-kUnbounded), dragMaximumY_(kUnbounded) {
+    setFlag(ItemHasContents);
+    connect(this, &MeshGridItem::styleChanged, this, &MeshGridItem::onStyleChanged);
+}
+
+MeshGridItem::~MeshGridItem() {
+    for (MeshPoint* point : points_)
+        point->grid_ = nullptr;
+    for (MeshLine* line : lines_)
+        line->grid_ = nullptr;
+}
+
+void MeshGridItem::setZoom(double zoom) {
+    if (zoom == zoom_ || !(zoom > 0))
+        return;
+    zoom_ = zoom;
+    markMesh();
+    emit zoomChanged();
+}
+
+QPointF MeshGridItem::Outline::evenPosition(int number) const {
+    const int row = number / columns;
+    const int column = number % columns;
+    return {column * size.width() / (columns - 1), row * size.height() / (rows - 1)};
+}
+
+void MeshGridItem::setOutline(int rows, int columns, double width, double height, double rotation,
+                              bool skipPatchCenter) {
+    erase();
+    if (rows < 2 || columns < 2)
+        return;
+    outline_ = std::make_unique<Outline>(
+        Outline{rows, columns, QSizeF(width, height), rotation, skipPatchCenter, {}});
+    markMesh();
+}
+
+void MeshGridItem::makeMesh() {
+    if (isOutline())
+        emit meshWanted(outline_->rows, outline_->columns, outline_->skipPatchCenter);
+}
+
+void MeshGridItem::setMesh(const QJSValue& points, const QJSValue& lines,
+                           const QList<int>& lineEnds) {
+    if (!isOutline())
+        return;
+    isMade_ = true;
+    pointsArray_ = points;
+    linesArray_ = lines;
+    const auto count = static_cast<std::size_t>(outline_->count());
+    points_.reserve(count);
+    for (quint32 number = 0; number < count; ++number) {
+        auto* point = qobject_cast<MeshPoint*>(points.property(number).toQObject());
+        if (!point || point->grid_)
+            break;
+        point->grid_ = this;
+        point->pointNum_ = static_cast<int>(number);
+        point->viewingRotation_ = outline_->rotation;
+        const QPointF position = outline_->positions.empty()
+                                     ? outline_->evenPosition(static_cast<int>(number))
+                                     : outline_->positions[number];
+        point->place(position.x(), position.y());
+        points_.push_back(point);
+    }
+    outline_->positions = {};
+    const qsizetype lineCount = lineEnds.size() / 2;
+    lines_.reserve(static_cast<std::size_t>(lineCount));
+    for (qsizetype index = 0; index < lineCount; ++index) {
+        auto* line =
+            qobject_cast<MeshLine*>(lines.property(static_cast<quint32>(index)).toQObject());
+        if (!line || line->grid_)
+            break;
+        line->grid_ = this;
+        line->setFromPoint(point(lineEnds[2 * index]));
+        line->setToPoint(point(lineEnds[2 * index + 1]));
+        lines_.push_back(line);
+    }
+    markMesh();
+}
+
+QJSValue MeshGridItem::pointsArray() {
+    makeMesh();
+    return pointsArray_.isUndefined() ? qjsEngine(this)->newArray() : pointsArray_;
+}
+
+QJSValue MeshGridItem::linesArray() {
+    makeMesh();
+    return linesArray_.isUndefined() ? qjsEngine(this)->newArray() : linesArray_;
+}
+
+void MeshGridItem::fold() {
+    if (!isMade_ || static_cast<int>(points_.size()) != outline_->count() ||
+        !selectedNumbers().isEmpty())
+        return;
+    outline_->rotation = points_.front()->viewingRotation();
+    outline_->positions.reserve(points_.size());
+    for (const MeshPoint* point : points_)
+        outline_->positions.emplace_back(point->x(), point->y());
+    destroyPointsAndLines();
+}
+
+void MeshGridItem::placePoint(int number, double x, double y) {
+    if (number < 0 || number >= pointCount())
+        return;
+    if (!isOutline()) {
+        points_[static_cast<std::size_t>(number)]->place(x, y);
+        return;
+    }
+    std::vector<QPointF>& positions = outline_->positions;
+    for (int even = static_cast<int>(positions.size()); even < outline_->count(); ++even)
+        positions.push_back(outline_->evenPosition(even));
+    positions[static_cast<std::size_t>(number)] = {x, y};
+}
+
+QList<int> MeshGridItem::selectedNumbers() const {
+    QList<int> numbers;
+    for (std::size_t number = 0; number < points_.size(); ++number)
+        if (points_[number]->isSelected())
+            numbers.append(static_cast<int>(number));
+    return numbers;
+}
+
+void MeshGridItem::erase() {
+    outline_.reset();
+    destroyPointsAndLines();
+}
+
+void MeshGridItem::destroyPointsAndLines() {
+    isMade_ = false;
+    pointsArray_ = linesArray_ = QJSValue();
+    // The points first, as they were made: a child is looked for from the first one on.
+    const std::vector<MeshLine*> lines = std::exchange(lines_, {});
+    for (MeshLine* line : lines)
+        line->grid_ = nullptr;
+    const std::vector<MeshPoint*> points = std::exchange(points_, {});
+    for (MeshPoint* point : points) {
+        point->grid_ = nullptr;
+        delete point;
+    }
+    qDeleteAll(lines);
+    markMesh();
+}
+
+void MeshGridItem::turnNumbers(double degrees) {
+    if (isOutline())
+        outline_->rotation = degrees;
+    for (MeshPoint* point : points_)
+        point->setViewingRotation(degrees);
+}
+
+int MeshGridItem::pointAt(const QPointF& position, double reach) {
+    makeMesh();
+    const double circle = pointDiameter_ / 2 / zoom_;
+    const double far = std::max(reach, 0.0) / zoom_;
+    int covered = -1;
+    int nearest = -1;
+    double nearestDistance = std::max(far, circle);
+    for (int number = static_cast<int>(points_.size()) - 1; number >= 0; --number) {
+        const MeshPoint& point = *points_[static_cast<std::size_t>(number)];
+        const double distance = std::hypot(point.x() - position.x(), point.y() - position.y());
+        if (distance <= circle) {
+            if (point.selection() == MeshPoint::State::Current)
+                return number;
+            if (covered < 0)
+                covered = number;
+        } else if (distance < nearestDistance) {
+            nearestDistance = distance;
+            nearest = number;
+        }
+    }
+    return covered >= 0 ? covered : nearest;
+}
+
+int MeshGridItem::pointCount() const {
+    return isOutline() ? outline_->count() : static_cast<int>(points_.size());
+}
+
+MeshPoint* MeshGridItem::point(int number) {
+    makeMesh();
+    const bool isThere = number >= 0 && number < static_cast<int>(points_.size());
+    return isThere ? points_[static_cast<std::size_t>(number)] : nullptr;
+}
+
+QPointF MeshGridItem::boundedForDrag(const QPointF& position) const {
+    return {std::max(dragMinimumX_, std::min(position.x(), dragMaximumX_)),
+            std::max(dragMinimumY_, std::min(position.y(), dragMaximumY_))};
+}
+
+void MeshGridItem::markMesh() {
+    if (isOutline() && isVisible())
+        polish();
+    update();
+}
+
+void MeshGridItem::forgetPoint(MeshPoint* point) {
+    std::erase(points_, point);
+    markMesh();
+}
+
+void MeshGridItem::forgetLine(MeshLine* line) {
+    std::erase(lines_, line);
+    markMesh();
+}
+
+void MeshGridItem::onStyleChanged() {
+    styleDirty_ = true;
+    update();
+}
+
+MeshStyle MeshGridItem::style() const {
+    const auto colors = [](const QList<QColor>& list) {
+        return MeshStyle::Colors{list.value(0), list.value(1), list.value(2)};
+    };
+    MeshStyle result;
+    result.states = {colors(unselectedColors_), colors(selectedColors_), colors(currentColors_)};
+    result.pointDiameter = pointDiameter_;
+    result.pointBorderWidth = pointBorderWidth_;
+    result.lineThickness = lineThickness_;
+    result.lineColor = lineColor_;
+    result.font = QGuiApplication::font();
+    return result;
+}
+
+MeshPicture MeshGridItem::picture() const {
+    MeshPicture result;
+    result.zoom = zoom_;
+    result.atlas = atlas_;
+    result.lines.reserve(lines_.size());
+    for (const MeshLine* line : lines_) {
+        if (line->fromPoint() && line->toPoint())
+            result.lines.emplace_back(line->fromPoint()->x(), line->fromPoint()->y(),
+                                      line->toPoint()->x(), line->toPoint()->y());
+    }
+
+    const MeshPoint* current = nullptr;
+    result.points.reserve(points_.size());
+    const auto add = [&result](const MeshPoint& point) {
+        result.points.push_back({QPointF(point.x(), point.y()), point.viewingRotation(),
+                                 point.pointNum(), true, point.selection(), MeshPicture::kAll});
+    };
+    for (const MeshPoint* point : points_)
+        if (point->selection() == MeshPoint::State::Current)
+            current = point;
+        else
+            add(*point);
+    if (current)
+        add(*current);
+
+    const QTransform toScreen = itemTransform(nullptr, nullptr);
+    const double turn = qRadiansToDegrees(std::atan2(toScreen.m12(), toScreen.m11()));
+    result.upright = std::abs(std::remainder(turn + result.points.front().rotation, 360)) < 1e-6;
+
+    leaveOutHidden(result, pointDiameter_);
+    return result;
+}
+
+void MeshGridItem::updatePolish() {
+    if (isVisible())
+        makeMesh();
+}
+
+QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
+    // Of a show's meshes one is looked at; the others need nothing to be drawn with.
+    if (points_.empty() || !isVisible()) {
+        delete old;
+        return nullptr;
+    }
+    if (styleDirty_ || !atlas_) {
+        atlas_ = MeshAtlas::shared(style(), window()->effectiveDevicePixelRatio());
+        styleDirty_ = false;
+    }
+    MeshNode* node = old ? MeshNode::from(old) : MeshNode::create(window());
+    node->setPicture(picture());
+    return node->node();
+}
+
+void MeshGridItem::itemChange(ItemChange change, const ItemChangeData& data) {
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) {
+        styleDirty_ = true;
+        update();
+    } else if (change == ItemVisibleHasChanged) {
+        markMesh();
+    }
+    QQuickItem::itemChange(change, data);
+}
+
+void MeshGridItem::releaseResources() {
+    atlas_.reset();
+}

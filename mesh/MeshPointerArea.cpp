@@ -1,0 +1,291 @@
+#include "mesh/MeshPointerArea.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QLineF>
+#include <QMouseEvent>
+#include <QQuickWindow>
+#include <QStyleHints>
+#include <QTimerEvent>
+#include <QTouchEvent>
+#include <QWheelEvent>
+
+namespace {
+constexpr int kRestTime = 100; // ms until a resting finger takes hold of its point
+constexpr int kSecondFingerTime =
+    250;                         // ms within which a second finger takes back what the first moved
+constexpr double kTrembling = 6; // pixels that a finger moves without meaning to
+constexpr int kNotch = 120;
+} // namespace
+
+MeshPointerArea::MeshPointerArea(QQuickItem* parent) : QQuickItem(parent) {
+    setAcceptedMouseButtons(Qt::LeftButton);
+    setAcceptTouchEvents(true);
+    setAcceptHoverEvents(true);
+}
+
+void MeshPointerArea::setGrid(MeshGridItem* grid) {
+    if (grid == grid_)
+        return;
+    endGesture();
+    grid_ = grid;
+    emit gridChanged();
+}
+
+void MeshPointerArea::endGesture() {
+    restTimer_.stop();
+    candidate_ = -1;
+    gesture_ = Gesture::None;
+    releasePoint();
+}
+
+void MeshPointerArea::ignoreSecondTap() {
+    firstTapTime_.start();
+}
+
+void MeshPointerArea::setPointerRests(bool rests) {
+    if (std::exchange(pointerRests_, rests) != rests)
+        emit pointerRestsChanged();
+}
+
+void MeshPointerArea::setReachedByTab(bool reached) {
+    if (std::exchange(reachedByTab_, reached) != reached)
+        emit reachedByTabChanged();
+}
+
+bool MeshPointerArea::eventFilter(QObject* watched, QEvent* event) {
+    const bool isWindow = watched == window();
+    if (isWindow && (event->type() == QEvent::MouseMove || event->type() == QEvent::Enter)) {
+        setPointerRests(false);
+    } else if (!isWindow && event->type() == QEvent::FocusIn) {
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        setReachedByTab(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
+    } else if (!isWindow && event->type() == QEvent::FocusOut) {
+        setReachedByTab(false);
+    }
+    return QQuickItem::eventFilter(watched, event);
+}
+
+void MeshPointerArea::itemChange(ItemChange change, const ItemChangeData& data) {
+    if (change == ItemSceneChange && data.window)
+        data.window->installEventFilter(this); // hover events come also when nothing has moved
+    else if (change == ItemParentHasChanged && data.item)
+        data.item->installEventFilter(this);
+    QQuickItem::itemChange(change, data);
+}
+
+int MeshPointerArea::movablePointAt(const QPointF& position, double reach) const {
+    if (!grid_ || !grid_->isVisible() || !grid_->pointsMovable())
+        return -1;
+    return grid_->pointAt(mapToItem(grid_, position), reach);
+}
+
+bool MeshPointerArea::isSecondTap() const {
+    return firstTapTime_.isValid() &&
+           firstTapTime_.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval();
+}
+
+void MeshPointerArea::takeOffset() {
+    const MeshPoint* point = grid_->point(draggedPoint_);
+    if (!point)
+        return;
+    grabOffset_ = QPointF(point->x(), point->y()) - mapToItem(grid_, lastPosition_);
+    grabView_ = grid_->itemTransform(this, nullptr);
+}
+
+void MeshPointerArea::holdPoint(int pointId, const QPointF& position, bool control) {
+    const MeshPoint* point = grid_->point(pointId);
+    pointStart_ = QPointF(point->x(), point->y());
+    gesture_ = Gesture::Drag;
+    draggedPoint_ = pointId;
+    lastPosition_ = position;
+    takeOffset();
+    emit draggingChanged();
+    emit pointPressed(pointId, control);
+}
+
+void MeshPointerArea::dragPointTo(const QPointF& position) {
+    if (!grid_ || draggedPoint_ < 0)
+        return;
+    if (grid_->itemTransform(this, nullptr) != grabView_)
+        takeOffset(); // turning or zooming the view moves no point
+    lastPosition_ = position;
+    const QPointF target = grid_->boundedForDrag(mapToItem(grid_, position) + grabOffset_);
+    emit pointDragged(draggedPoint_, target.x(), target.y());
+}
+
+void MeshPointerArea::releasePoint() {
+    if (draggedPoint_ < 0)
+        return;
+    const int point = std::exchange(draggedPoint_, -1);
+    emit draggingChanged();
+    emit pointReleased(point);
+}
+
+void MeshPointerArea::panTo(const QPointF& position) {
+    const QPointF step = position - lastPosition_;
+    lastPosition_ = position;
+    emit panned(step.x(), step.y());
+}
+
+void MeshPointerArea::finish() {
+    if (gesture_ == Gesture::Drag)
+        releasePoint();
+    gesture_ = Gesture::None;
+}
+
+void MeshPointerArea::mousePressEvent(QMouseEvent* event) {
+    finish();
+    event->accept();
+    if (isSecondTap())
+        return;
+    lastPosition_ = event->position();
+    const int point = movablePointAt(event->position(), 0);
+    if (point >= 0)
+        holdPoint(point, event->position(), event->modifiers().testFlag(Qt::ControlModifier));
+    else
+        gesture_ = Gesture::Pan;
+}
+
+void MeshPointerArea::mouseMoveEvent(QMouseEvent* event) {
+    if (gesture_ == Gesture::Drag)
+        dragPointTo(event->position());
+    else if (gesture_ == Gesture::Pan)
+        panTo(event->position());
+    event->accept();
+}
+
+void MeshPointerArea::mouseReleaseEvent(QMouseEvent* event) {
+    finish();
+    event->accept();
+}
+
+void MeshPointerArea::mouseDoubleClickEvent(QMouseEvent* event) {
+    event->accept(); // its press has already been taken
+}
+
+void MeshPointerArea::mouseUngrabEvent() {
+    finish();
+}
+
+void MeshPointerArea::touchEvent(QTouchEvent* event) {
+    event->accept();
+    if (event->type() == QEvent::TouchBegin)
+        fingers_.clear();
+    if (event->type() == QEvent::TouchCancel) {
+        fingers_.clear();
+        endGesture();
+        return;
+    }
+    bool pressed = false;
+    bool released = false;
+    for (const QEventPoint& point : event->points()) {
+        released = released || point.state() == QEventPoint::Released;
+        if (point.state() == QEventPoint::Released)
+            fingers_.remove(point.id());
+        else if (point.state() != QEventPoint::Stationary || !fingers_.contains(point.id()))
+            fingers_.insert(point.id(), point.position());
+        pressed = pressed || point.state() == QEventPoint::Pressed;
+    }
+    const QList<QPointF> down = fingers_.values();
+    if (down.isEmpty()) {
+        if (gesture_ == Gesture::Undecided && candidate_ >= 0) // a tap
+            holdPoint(candidate_, touchStart_, candidateControl_);
+        endGesture();
+    } else if (down.size() == 1) {
+        if (pressed)
+            beginTouch(down.first(), event->modifiers().testFlag(Qt::ControlModifier));
+        else
+            continueTouch(down.first());
+    } else if (pressed || (released && gesture_ == Gesture::Pinch)) {
+        beginPinch(down.at(0), down.at(1)); // of what may be another two
+    } else if (gesture_ == Gesture::Pinch) {
+        continuePinch(down.at(0), down.at(1));
+    }
+}
+
+void MeshPointerArea::beginTouch(const QPointF& position, bool control) {
+    finish();
+    if (isSecondTap())
+        return;
+    touchTime_.start();
+    touchStart_ = lastPosition_ = position;
+    moved_ = false;
+    candidate_ = movablePointAt(position, touchReach_);
+    candidateControl_ = control;
+    gesture_ = candidate_ >= 0 ? Gesture::Undecided : Gesture::Pan;
+    if (candidate_ >= 0)
+        restTimer_.start(kRestTime, this);
+}
+
+void MeshPointerArea::continueTouch(const QPointF& position) {
+    switch (gesture_) {
+    case Gesture::Undecided:
+    case Gesture::Drag:
+        moved_ = moved_ || QLineF(touchStart_, position).length() > kTrembling;
+        if (!moved_)
+            break;
+        if (gesture_ == Gesture::Undecided) {
+            restTimer_.stop();
+            holdPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
+        }
+        dragPointTo(position);
+        break;
+    case Gesture::Pinch: // one of two fingers is left
+        gesture_ = Gesture::Pan;
+        lastPosition_ = position;
+        break;
+    case Gesture::Pan:
+        panTo(position);
+        break;
+    case Gesture::None:
+        break;
+    }
+}
+
+void MeshPointerArea::beginPinch(const QPointF& first, const QPointF& second) {
+    if (gesture_ == Gesture::Drag && moved_ && touchTime_.isValid() &&
+        touchTime_.elapsed() < kSecondFingerTime)
+        emit pointDragged(draggedPoint_, pointStart_.x(), pointStart_.y());
+    endGesture();
+    gesture_ = Gesture::Pinch;
+    lastPosition_ = (first + second) / 2;
+    lastSpan_ = QLineF(first, second).length();
+}
+
+void MeshPointerArea::continuePinch(const QPointF& first, const QPointF& second) {
+    const QPointF centre = (first + second) / 2;
+    const double span = QLineF(first, second).length();
+    panTo(centre);
+    if (lastSpan_ > 0 && span > 0 && span != lastSpan_)
+        emit pinched(span / lastSpan_, centre.x(), centre.y());
+    lastSpan_ = span;
+}
+
+void MeshPointerArea::touchUngrabEvent() {
+    endGesture();
+}
+
+void MeshPointerArea::wheelEvent(QWheelEvent* event) {
+    event->accept();
+    notchRemainder_ += event->angleDelta().y();
+    const int notches = notchRemainder_ / kNotch;
+    notchRemainder_ -= notches * kNotch;
+    if (notches != 0)
+        emit wheelTurned(notches);
+}
+
+void MeshPointerArea::hoverMoveEvent(QHoverEvent* event) {
+    setCursor(movablePointAt(event->position(), 0) >= 0 ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    event->ignore();
+}
+
+void MeshPointerArea::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != restTimer_.timerId()) {
+        QQuickItem::timerEvent(event);
+        return;
+    }
+    restTimer_.stop();
+    if (gesture_ == Gesture::Undecided && candidate_ >= 0)
+        holdPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
+}

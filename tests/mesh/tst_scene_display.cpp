@@ -1,0 +1,46 @@
+#include "tests/mesh/SceneUnderTest.h"
+#include "tests/support/MessageGuard.h"
+
+#include <QQuickWindow>
+#include <QSGRendererInterface>
+#include <QTest>
+
+using MeshpadTest::SceneUnderTest;
+
+/// What the operator sees, drawn with OpenGL.
+class SceneDisplayTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void pointsAndLinesOfEachSize();
+};
+
+void SceneDisplayTest::pointsAndLinesOfEachSize() {
+    MeshpadTest::MessageGuard messages;
+    for (const QSize size : {QSize(1030, 610), QSize(1670, 1090)}) {
+        SceneUnderTest s(size);
+        QCOMPARE(s.view->quickWindow()->rendererInterface()->graphicsApi(),
+                 QSGRendererInterface::OpenGL);
+        s.view->grabFramebuffer(); // empty
+        s.select(s.media, 2, 7, 7);
+        s.click(s.onScreen(24));
+        for (const double zoom : {0.4, 0.8}) {
+            s.evaluate(QString("zoomSlider.value = %1").arg(zoom));
+            QCOMPARE(s.faultInPicture(24), QString());
+            QCOMPARE(s.faultInPicture(22), QString());
+            QVERIFY(s.faultInPicture(16).startsWith("line")); // a handle in a patch has none
+        }
+        // Dense, all of it selected, from every side, and with the dialogs in front.
+        s.select(s.screen, 3, 46, 46);
+        s.key(Qt::Key_A, Qt::ControlModifier);
+        for (const char* step : {"", "rotationDialog.open()", "rotationDialog.selectView(1)",
+                                 "deformationDialog.open(2, 4, 3)", "deformationDialog.close()"}) {
+            s.evaluate(step);
+            s.view->grabFramebuffer();
+        }
+    }
+    messages.verify();
+}
+
+QTEST_MAIN(SceneDisplayTest)
+#include "tst_scene_display.moc"
