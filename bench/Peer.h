@@ -7,7 +7,7 @@
 
 #include <atomic>
 
-/// A Producer that only counts what it gets, on a thread of its own.
+/// A Producer on its own thread that only counts the received bytes.
 class Peer {
 public:
     Peer() {

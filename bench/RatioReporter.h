@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-/// Prints what a group of benchmarks named "what/variant" took, a line for each "what", and the
-/// ratio of each variant to the first one that ran.
+/// Prints the times of benchmarks named "what/variant", one line for each "what", with the ratio of
+/// each variant to the first one.
 class RatioReporter : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& context) override {
@@ -31,7 +31,7 @@ public:
             const auto known = std::find_if(times.begin(), times.end(), [&](const auto& time) {
                 return time.first == variant;
             });
-            // Of repetitions the fastest counts: the others met something else on the machine.
+            // The fastest repetition counts, because other processes disturb the others.
             const double time = run.GetAdjustedCPUTime();
             if (known == times.end())
                 times.emplace_back(variant, time);

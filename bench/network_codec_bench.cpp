@@ -1,5 +1,5 @@
-// Encoding and decoding of every kind of event, against a plain field-by-field QDataStream version
-// of the same bytes and against a copy of them into a new array.
+// Encoding and decoding of every event, compared with a plain field-by-field QDataStream version
+// and with copying the bytes into a new array.
 
 #include "bench/RatioReporter.h"
 #include "network/LVNtc.h"
@@ -23,7 +23,7 @@ using U = std::uint32_t;
 using D = double;
 using B = bool;
 
-/// An event as it would be written without the library: a virtual pair of functions over a stream.
+/// An event written without the library: two virtual functions over a stream.
 struct PlainEvent {
     virtual ~PlainEvent() = default;
     virtual void write(QDataStream& stream) const = 0;
@@ -171,7 +171,7 @@ void registerEvent(const std::string& name, std::shared_ptr<Event> event) {
     const auto add = [&](const std::string& what, auto body) {
         benchmark::RegisterBenchmark((name + what).c_str(),
                                      [=](benchmark::State& state) {
-                                         // Not shared with anything, as bytes fresh from a socket.
+                                         // Not shared, like bytes just read from a socket.
                                          QByteArray bytes(frame.constData(), frame.size());
                                          body(state, bytes);
                                      });

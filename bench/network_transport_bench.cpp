@@ -1,5 +1,5 @@
-// Throughput and latency of the transport on loopback, against a bare QTcpSocket that carries
-// messages of the same size. Each end has a thread of its own.
+// Throughput and latency of the transport on loopback, compared with a bare QTcpSocket and messages
+// of the same size. Each end has its own thread.
 
 #include "network/TcpTransportSocket.h"
 #include "network/events/MediaMovePointEvent.h"
@@ -75,7 +75,7 @@ private:
 
 using EndFactory = std::function<std::unique_ptr<End>(QTcpSocket*)>;
 
-/// Connects two ends and runs near on this thread with far on another, until near returns.
+/// Connects two ends; runs far on its own thread and near on this one until near returns.
 void withBothEnds(const EndFactory& create, const std::function<void(End&)>& far,
                   const std::function<void(End&)>& near) {
     QTcpServer server;

@@ -1,5 +1,5 @@
-// Frames: whatever the bytes are, they decode to nothing or to an event that encodes to the same
-// event again, and no byte outside them is read.
+// Decodes any bytes as a frame: the result is no event or one that survives encoding and decoding.
+// The sanitizer reports reads outside the bytes.
 
 #include "fuzz/Harness.h"
 #include "network/LVNtc.h"
@@ -38,10 +38,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // Vectors of exactly that size, so that the sanitizer sees every read behind the end.
+    // Exactly sized vectors, so that the sanitizer reports every read behind the end.
     const std::vector<char> bytes(data, data + size);
     decode(bytes);
-    // The same behind an honest header.
+    // The same bytes behind a correct header.
     if (size == 0)
         return 0;
     std::vector<char> frame(9 + size - 1);

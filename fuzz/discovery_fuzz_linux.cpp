@@ -1,5 +1,5 @@
-// Discovery datagrams: only the exact words have an effect, at a socket of the answering end and,
-// without a socket, at the asking end.
+// Discovery datagrams: only the exact words have an effect. The answering end reads them from a
+// socket; the asking end handles them directly.
 
 #include "fuzz/Harness.h"
 #include "network/NetworkUtils.h"
@@ -22,8 +22,8 @@ namespace {
 
 constexpr quint16 kPort = 62330;
 
-/// In a network namespace of its own, where loopback is all there is.
-void leaveTheNetwork() {
+/// Moves the process into a network namespace with nothing but loopback.
+void enterNamespace() {
     ifreq request{};
     std::snprintf(request.ifr_name, sizeof request.ifr_name, "lo");
     request.ifr_flags = IFF_UP | IFF_RUNNING;
@@ -46,7 +46,7 @@ struct Ends {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-    leaveTheNetwork();
+    enterNamespace();
     dropMessages();
     static QCoreApplication application(*argc, *argv);
     return 0;
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (ends.answering.clients().isEmpty() == (word == "GiveClient"))
             std::abort();
         if (!ends.answering.clients().isEmpty())
-            ends.answering.getClientsOnNetwork(); // forgets it
+            ends.answering.getClientsOnNetwork(); // clears the list
     }
     const QHostAddress producer(size == 0 ? 0x0a000001U : 0x0a000000U + data[0]);
     ends.asking.processDatagram(word, producer);

@@ -1,5 +1,5 @@
-// The file of controller mappings, as a user may have left it. Whatever it holds, loading it ends,
-// a press gives at most one of the known actions, and a file that is in order works afterwards.
+// Loads any bytes as the user's file of controller mappings. Loading returns, a press emits at most
+// one of the known actions, and a correct file works afterwards.
 
 #include "fuzz/Harness.h"
 #include "input/action_mapper.h"
@@ -21,10 +21,10 @@ namespace {
 
 constexpr int kButtons = static_cast<int>(GamepadButton::Start) + 1;
 constexpr std::string_view kGoodFile = "[ActionMappings]\nVertical Mirror=Start, ~Back\n";
-constexpr int kCheckOfTheGoodFile = 64; // inputs between two of them
-std::string folder;                     // in memory
+constexpr int kGoodFileInterval = 64; // inputs between two checks of the good file
+std::string folder;                   // in shared memory
 
-/// The user's file. Each content is newer than the one before, as far as its time can tell.
+/// The user's file. Each write advances its modification time.
 class MappingFile {
 public:
     MappingFile()
@@ -49,7 +49,7 @@ private:
         const QSettings settings(QSettings::IniFormat, QSettings::UserScope, "Orvex", "Meshpad");
         const std::string name = settings.fileName().toStdString();
         if (name.compare(0, folder.size(), folder) != 0)
-            std::abort(); // not the file of whoever runs this
+            std::abort(); // never touch the real user's file
         std::filesystem::create_directories(std::filesystem::path(name).parent_path());
         return name;
     }
@@ -102,8 +102,7 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     return 0;
 }
 
-/// The first two bytes choose the buttons that are pressed, one after the other; the rest is the
-/// file.
+/// The first two bytes choose two buttons to press; the rest is the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t kChoice = 2;
     if (size < kChoice)
@@ -118,7 +117,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     pad.press(second);
     pad.releaseAll();
 
-    if (++inputs % kCheckOfTheGoodFile == 0) {
+    if (++inputs % kGoodFileInterval == 0) {
         pad.file.write(kGoodFile);
         pad.mapper.reloadMappings();
         pad.press(static_cast<int>(GamepadButton::Back));

@@ -1,5 +1,5 @@
-// The byte stream of a connection: any bytes in any chunks. The number of frames is what the
-// lengths in the stream say, however it is cut, and nothing may crash, hang or stay unread.
+// Feeds any bytes in any chunks to a transport. It emits as many frames as the lengths in the
+// stream announce, and reads all bytes.
 
 #include "fuzz/Harness.h"
 #include "network/TcpTransportSocket.h"
@@ -25,7 +25,7 @@ public:
         setSocketState(ConnectedState);
     }
     void disconnectFromHost() override { setSocketState(UnconnectedState); }
-    /// Data stays the caller's, until all of it was read.
+    /// The caller keeps data alive until all of it was read.
     void arrive(const char* data, std::size_t size) {
         next_ = data;
         left_ = qint64(size);
@@ -50,18 +50,18 @@ private:
     qint64 left_ = 0;
 };
 
-// Reading stops behind each length of zero or less, until the next bytes come. A stream of nothing
-// else would only be slow.
-constexpr int kMostStops = 4;
+// Reading stops after each length of zero or less until more bytes arrive. A limit keeps inputs
+// fast that consist of such lengths.
+constexpr int kMaxStops = 4;
 
-/// What a stream holds, by its lengths alone, up to the last stop.
+/// The frames and stops that a stream's lengths announce, up to the last permitted stop.
 struct Contents {
     Contents(const char* stream, std::size_t available) : size(available) {
         for (std::size_t at = 0; at + 4 <= size;) {
             const auto length = qFromBigEndian<qint32>(stream + at);
             at += 4;
             if (length <= 0) {
-                if (++stops == kMostStops)
+                if (++stops == kMaxStops)
                     size = at;
                 continue;
             }
@@ -97,7 +97,7 @@ struct Receiver {
         if (socket->bytesAvailable() != 0)
             std::abort();
     }
-    /// As if more bytes had come, behind each stop and once more, for frames too many.
+    /// Resumes reading after each stop, and once more to detect surplus frames.
     void drain(const Contents& expected) {
         for (int calls = 0; calls <= expected.stops || frames < expected.frames; ++calls) {
             const int before = frames;
@@ -122,7 +122,7 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     return 0;
 }
 
-/// The first byte is the number of cuts, each of which a byte places; the rest is the stream.
+/// The first byte is the number of cuts, then one byte positions each cut; the rest is the stream.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::size_t cuts = size > 0 ? data[0] % 16 : 0;
     if (size < 1 + cuts)

@@ -33,7 +33,7 @@ bool CompanionClient::connectToServer(const QString& host, unsigned short port) 
 }
 
 bool CompanionClient::disconnectFromServer() {
-    // A receiver of the signal may delete this object, and the connection with it.
+    // A slot of the signal may delete this object.
     const QPointer<CompanionClient> alive(this);
     transport_.disconnect();
     if (!alive)
@@ -52,7 +52,7 @@ bool CompanionClient::isConnected() const {
 
 bool CompanionClient::sendEvent(Event& event) {
     if (transport_.unsentBytes() > Limits::kMaxUnsentBytes) {
-        qWarning("The Producer does not read what it is sent, disconnected");
+        qWarning("The Producer leaves too much unread, disconnected");
         transport_.abandon();
         return false;
     }

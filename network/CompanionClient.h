@@ -7,28 +7,30 @@
 
 namespace NetworkCompanion {
 
-/// The companion's end of the link to one Producer. May be connected again after any end.
+/// The companion's end of the TCP connection to one Producer. Can connect again after every
+/// disconnection.
 class CompanionClient : public QObject {
     Q_OBJECT
 
 public:
     explicit CompanionClient(QObject* parent);
 
-    /// Blocks until connected, refused, or 30 s are over. While a connection stands it returns
-    /// false, and events and the loss of that connection are no longer reported: disconnect first.
+    /// Blocks until the connection is established or refused, at most 30 s. Call
+    /// disconnectFromServer() first: while connected it returns false, and the existing connection
+    /// no longer reports its events and its end.
     bool connectToServer(const QString& host, unsigned short port);
-    /// Blocks until closed, at most 30 s; tells whether it is.
+    /// Blocks until the connection is closed, at most 30 s. False after the 30 s.
     bool disconnectFromServer();
     bool isConnected() const;
-    /// False, without a word, when not connected. A Producer that leaves more than
-    /// Limits::kMaxUnsentBytes unread is given up, with a warning: the link is lost.
+    /// False without a log line when not connected. Disconnects, with a warning, a Producer that
+    /// leaves more than Limits::kMaxUnsentBytes unread.
     bool sendEvent(Event& event);
 
 signals:
-    /// The receiver owns the event, which is null when a frame could not be decoded. Without a
-    /// receiver it is freed.
+    /// The receiver owns the event, which is null when the frame could not be decoded. An event
+    /// without a receiver is freed.
     void newEvent(NetworkCompanion::eventData event);
-    /// The connection is gone; clientId is -1.
+    /// The connection has ended; clientId is -1.
     void disconnected(int clientId);
 
 public slots:

@@ -14,7 +14,7 @@ CompanionServer::CompanionServer(QObject* parent) : QObject(parent) {
 }
 
 CompanionServer::~CompanionServer() {
-    // Nobody is told any more; the connections go with their parent.
+    // The transports are children and must not report their end to a destroyed server.
     for (const auto& [id, transport] : companions_)
         QObject::disconnect(transport, nullptr, this, nullptr);
 }
@@ -53,7 +53,7 @@ bool CompanionServer::send(int companionId, Event& event) {
         return false;
     TCPTransportSocket* transport = found->second;
     if (transport->unsentBytes() > Limits::kMaxUnsentBytes) {
-        qWarning("Companion %d does not read what it is sent, disconnected", companionId);
+        qWarning("Companion %d leaves too much unread, disconnected", companionId);
         forget(companionId);
         return false;
     }
@@ -74,7 +74,7 @@ void CompanionServer::disconnectCompanion(int companionId) {
     TCPTransportSocket* transport = found->second;
     companions_.erase(found);
     QObject::disconnect(transport, nullptr, this, nullptr);
-    // Kept until everything sent is out.
+    // The transport stays until it has sent everything.
     connect(transport, &TCPTransportSocket::disconnected, transport, &QObject::deleteLater);
     transport->disconnect();
     emit companionDisconnected(companionId);
@@ -90,8 +90,8 @@ void CompanionServer::onNewConnection() {
         connect(transport, &TCPTransportSocket::receivedEvent, this,
                 [this, id](eventData event) { onReceivedEvent(id, event); });
         emit companionConnected(id);
-        // Only now, so that nobody hears from a companion that was not announced. Bytes that came
-        // with the connection have had their signal already.
+        // Reading starts after companionConnected(), so that no event precedes it. The first bytes
+        // may be in the socket already, which then emits no further readyRead() for them.
         if (alive && companions_.contains(id)) {
             transport->startReading();
             transport->onReadyRead();

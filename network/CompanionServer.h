@@ -13,8 +13,8 @@ namespace NetworkCompanion {
 
 class TCPTransportSocket;
 
-/// A Producer's end of the link: listens, and keeps one connection for each companion, known by a
-/// number that is never used again.
+/// A Producer's end: listens for companions and holds one connection for each. A companion's id is
+/// never reused.
 class CompanionServer : public QObject {
     Q_OBJECT
 
@@ -22,28 +22,28 @@ public:
     explicit CompanionServer(QObject* parent);
     ~CompanionServer() override;
 
-    /// Port 0 takes a free one. False when the address cannot be listened on.
+    /// Port 0 chooses a free port. False when the address or port is not available.
     bool listen(const QHostAddress& address, quint16 port);
-    /// The port listened on; 0 when not listening.
+    /// 0 when not listening.
     quint16 port() const;
-    /// Stops listening and lets every companion go, each with its signal.
+    /// Stops listening and disconnects every companion; emits companionDisconnected() for each.
     void close();
 
     QList<int> companionIds() const;
-    /// Null for an id that is not connected.
+    /// Null for an unknown id.
     QHostAddress companionAddress(int companionId) const;
-    /// False when there is no such companion, or when it has left so much unread that it is now let
-    /// go.
+    /// False for an unknown id. Disconnects, with a warning, a companion that leaves more than
+    /// Limits::kMaxUnsentBytes unread, and returns false.
     bool send(int companionId, Event& event);
     void sendToAll(Event& event, int exceptCompanionId = -1);
-    /// What was sent before still goes out. Unknown ids are ignored.
+    /// Events sent before are still delivered. Ignores unknown ids.
     void disconnectCompanion(int companionId);
 
 signals:
     void companionConnected(int companionId);
     void companionDisconnected(int companionId);
-    /// The receiver owns the event, which is null when a frame could not be decoded. Without a
-    /// receiver it is freed.
+    /// The receiver owns the event, which is null when the frame could not be decoded. An event
+    /// without a receiver is freed.
     void eventReceived(int companionId, NetworkCompanion::eventData event);
 
 private:

@@ -4,12 +4,12 @@
 
 #include <chrono>
 
-/// Makes the operating system notice within seconds that the peer of a TCP connection is gone,
-/// whether the link is silent or bytes are under way. One source file a platform.
+/// Makes the operating system report a vanished peer of a TCP connection within seconds, whether
+/// the connection is idle or has unacknowledged bytes. One source file for each platform.
 namespace NetworkCompanion::KeepAlive {
 
-/// Probes after that much silence, repeated at that interval while none is answered. A platform
-/// that counts in seconds rounds up. False when the descriptor takes no such options.
+/// Sends the first probe after the idle time and repeats unanswered probes at the interval. A
+/// platform that counts in seconds rounds up. False when the descriptor rejects the options.
 bool enable(qintptr socketDescriptor, std::chrono::milliseconds idle,
             std::chrono::milliseconds interval);
 

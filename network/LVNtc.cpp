@@ -18,7 +18,7 @@ char* writeHeader(char* out, const LV_NTC_Header& header) {
     return out + LVNtc::kHeaderSize;
 }
 
-/// The big-endian number at offset, or 0 where data does not reach that far.
+/// The big-endian integer at offset; 0 when data ends before it.
 std::int32_t readInteger(QByteArrayView data, qsizetype offset) {
     return data.size() < offset + 4 ? 0 : qFromBigEndian<std::int32_t>(data.data() + offset);
 }
@@ -27,11 +27,11 @@ void warnBadSize(const char* what, std::int64_t expected, qsizetype found) {
     qWarning().noquote().nospace() << what << expected << "/" << found;
 }
 
-/// What can be done with a kind of event before there is one.
-struct Kind {
+/// Creates and decodes one class of event.
+struct Factory {
     Event* (*create)();
-    /// Creating and reading in one place spares clearing what is overwritten at once. Null, and
-    /// logged, when the payload makes no sense.
+    /// Null, with a log line, when the payload is invalid. Does not zero the fields first, because
+    /// reading overwrites them all.
     Event* (*decode)(QByteArrayView payload);
 };
 
@@ -51,21 +51,21 @@ Event* decode(QByteArrayView payload) {
 }
 
 template <typename... Rows>
-constexpr auto makeKinds(const std::tuple<Rows...>*) {
-    return std::array{Kind{&create<typename Rows::Class>, &decode<typename Rows::Class>}...};
+constexpr auto makeFactories(const std::tuple<Rows...>*) {
+    return std::array{Factory{&create<typename Rows::Class>, &decode<typename Rows::Class>}...};
 }
-constexpr auto kKinds = makeKinds(static_cast<const EventTable*>(nullptr));
+constexpr auto kFactories = makeFactories(static_cast<const EventTable*>(nullptr));
 
-const Kind* kindOf(unsigned char type) {
-    return type >= 1 && type <= kKinds.size() ? &kKinds[type - 1U] : nullptr;
+const Factory* factoryOf(unsigned char type) {
+    return type >= 1 && type <= kFactories.size() ? &kFactories[type - 1U] : nullptr;
 }
 
 template <typename... Rows>
-constexpr bool rowsStandAtTheirCodes(const std::tuple<Rows...>*) {
+constexpr bool rowsAreOrderedByCode(const std::tuple<Rows...>*) {
     int code = 0;
     return ((static_cast<int>(Rows::Class::kType) == ++code) && ...);
 }
-static_assert(rowsStandAtTheirCodes(static_cast<const EventTable*>(nullptr)));
+static_assert(rowsAreOrderedByCode(static_cast<const EventTable*>(nullptr)));
 
 } // namespace
 
@@ -107,12 +107,12 @@ Event* LVNtc::readEvent(const LV_NTC_Header& header, QByteArrayView data) {
         warnBadSize("Bad data size: ", header.dataSize, payload.size());
         return nullptr;
     }
-    const Kind* kind = kindOf(static_cast<unsigned char>(header.type));
-    if (!kind) {
+    const Factory* factory = factoryOf(static_cast<unsigned char>(header.type));
+    if (!factory) {
         qCritical("Try to deserialize unknown event");
         return nullptr;
     }
-    return kind->decode(payload);
+    return factory->decode(payload);
 }
 
 eventData LVNtc::read(QByteArrayView data) {
@@ -133,8 +133,8 @@ eventData LVNtc::deserialize(QByteArray& data) {
 }
 
 Event* LVNtc::getEvent(unsigned char type) {
-    const Kind* kind = kindOf(type);
-    return kind ? kind->create() : nullptr;
+    const Factory* factory = factoryOf(type);
+    return factory ? factory->create() : nullptr;
 }
 
 } // namespace NetworkCompanion

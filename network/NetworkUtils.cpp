@@ -23,9 +23,8 @@ constexpr QByteArrayView kGiveClient = "GiveClient";
 constexpr qint64 kLongestWord =
     std::max({kPingServers.size(), kPingReceived.size(), kGetClients.size(), kGiveClient.size()});
 
-// Datagrams taken from a socket at a time, each of which may become a button of the window; further
-// ones wait for the next turn of the event loop.
-constexpr int kDatagramsPerTurn = 16;
+// Each datagram may add a button to the window, so the rest wait for the next event-loop iteration.
+constexpr int kDatagramsPerRead = 16;
 
 bool isUsable(const QHostAddress& address) {
     static const QPair<QHostAddress, int> linkLocal = QHostAddress::parseSubnet("169.254.0.0/16");
@@ -102,7 +101,7 @@ void NetworkUtils::getClientsOnNetwork() {
 }
 
 void NetworkUtils::broadcastDatagramOnAllSockets(const char* data, qint64 size, quint16 port) {
-    // From a socket that is bound to an interface's address a broadcast leaves by that interface.
+    // A socket bound to an interface's address broadcasts on that interface.
     for (const BoundSocket& bound : sockets_)
         if (bound.socket->state() == QAbstractSocket::BoundState)
             bound.socket->writeDatagram(data, size, QHostAddress::Broadcast, port);
@@ -119,13 +118,13 @@ QList<QNetworkInterface> NetworkUtils::getAvailableNetworkInterfaces() {
 
 void NetworkUtils::updateClientSockets() {
     if (!isServer_)
-        followAddresses(usableAddresses(getAvailableNetworkInterfaces()));
+        updateSockets(usableAddresses(getAvailableNetworkInterfaces()));
 }
 
-void NetworkUtils::followAddresses(const QList<QHostAddress>& addresses) {
+void NetworkUtils::updateSockets(const QList<QHostAddress>& addresses) {
     removeClientUnusedSockets(addresses);
     addClientNewSockets(addresses);
-    followBroadcasts();
+    updateBroadcastSocket();
 }
 
 void NetworkUtils::removeClientUnusedSockets(const QList<QHostAddress>& addresses) {
@@ -151,14 +150,14 @@ void NetworkUtils::addClientNewSockets(const QList<QHostAddress>& addresses) {
                 qCritical("NetworkCompanion: Socket not bound when constructing NetworkUtils!");
             sockets_.push_back({address, socket});
         } else if (known->socket->state() != QAbstractSocket::BoundState) {
-            bindSocket(known->socket, address); // said once; whoever has the port may let it go
+            bindSocket(known->socket, address); // the port may be free now; logged once only
         }
     }
 }
 
-/// Where a socket bound to an interface's address is not given what is broadcast to everybody, one
-/// that is bound to the broadcast address is. Where there is no such binding, none is needed.
-void NetworkUtils::followBroadcasts() {
+/// On Linux a socket bound to an interface's address does not receive broadcasts, so another one is
+/// bound to the broadcast address. On Windows that bind fails and is not needed.
+void NetworkUtils::updateBroadcastSocket() {
     if (sockets_.empty()) {
         if (broadcastSocket_) {
             broadcastSocket_->close();
@@ -195,14 +194,14 @@ void NetworkUtils::onReadyRead() {
         qint64 size = 0;
         QHostAddress sender;
     };
-    // First taken, then acted on: a slot of a signal may change the sockets or delete this object.
+    // Reads first and handles afterwards, because a slot may change the sockets or delete this.
     std::vector<Datagram> datagrams;
-    const auto take = [&](QUdpSocket* socket) {
+    const auto read = [&](QUdpSocket* socket) {
         if (socket->state() != QAbstractSocket::BoundState)
             return;
-        for (int i = 0; i < kDatagramsPerTurn && socket->hasPendingDatagrams(); ++i) {
+        for (int i = 0; i < kDatagramsPerRead && socket->hasPendingDatagrams(); ++i) {
             Datagram datagram;
-            // One byte more than the longest word tells a longer one, whose rest is dropped.
+            // One byte more than the longest word distinguishes longer datagrams.
             datagram.size = socket->readDatagram(datagram.data.data(), qint64(datagram.data.size()),
                                                  &datagram.sender);
             if (datagram.size > 0 && datagram.size <= kLongestWord)
@@ -210,9 +209,9 @@ void NetworkUtils::onReadyRead() {
         }
     };
     for (const BoundSocket& bound : sockets_)
-        take(bound.socket);
+        read(bound.socket);
     if (broadcastSocket_)
-        take(broadcastSocket_);
+        read(broadcastSocket_);
 
     const QPointer<NetworkUtils> alive(this);
     for (const Datagram& datagram : datagrams) {
@@ -253,7 +252,7 @@ void NetworkUtils::serverAnswered(const QString& sender) {
 void NetworkUtils::getClients(const QString&) {
     if (isServer_)
         return;
-    // Writing to one that is not bound would bind it, to any port.
+    // Writing to an unbound socket would bind it to a random port.
     const auto bound = std::find_if(sockets_.begin(), sockets_.end(), [](const auto& candidate) {
         return candidate.socket->state() == QAbstractSocket::BoundState;
     });
@@ -274,7 +273,7 @@ void NetworkUtils::serversDiscoveryThreadFunction() {
         const auto addresses = usableAddresses(getAvailableNetworkInterfaces());
         std::unique_lock lock(mutex_);
         foundAddresses_ = addresses;
-        // While this object's thread is busy, ticks do not pile up.
+        // At most one tick is pending while this object's thread is busy.
         if (!std::exchange(tickPending_, true))
             QCoreApplication::postEvent(this, new QEvent(QEvent::User));
         next = std::max(next + timing_.pingPeriod, Clock::now());
@@ -283,7 +282,7 @@ void NetworkUtils::serversDiscoveryThreadFunction() {
     }
 }
 
-/// The thread's tick; nobody else posts such events here.
+/// The discovery thread's tick, the only event of this kind.
 void NetworkUtils::customEvent(QEvent*) {
     QList<QHostAddress> addresses;
     {
@@ -292,17 +291,17 @@ void NetworkUtils::customEvent(QEvent*) {
         addresses = foundAddresses_;
     }
     const QPointer<NetworkUtils> alive(this);
-    onReadyRead(); // answers that came while nobody looked
+    onReadyRead(); // answers that arrived while this thread was busy
     if (!alive)
         return;
-    followAddresses(addresses);
-    discountDeafness(Clock::now());
+    updateSockets(addresses);
+    excludeUnpingedTime(Clock::now());
     pingServers();
     pruneTimeoutedServers();
 }
 
-/// A Producer cannot answer what it was not asked: time without a ping is no silence.
-void NetworkUtils::discountDeafness(Clock::time_point now) {
+/// Time without a ping does not count as a Producer's silence, because it was not asked.
+void NetworkUtils::excludeUnpingedTime(Clock::time_point now) {
     const auto late = lastPing_ == Clock::time_point() ? Clock::duration::zero()
                                                        : now - lastPing_ - timing_.pingPeriod;
     lastPing_ = now;

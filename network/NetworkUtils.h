@@ -19,42 +19,44 @@ class QUdpSocket;
 
 namespace NetworkCompanion {
 
-/// The periods of discovery, so that a test need not wait as long as an operator.
+/// The periods of discovery, which tests shorten.
 struct DiscoveryTiming {
     std::chrono::milliseconds pingPeriod{1000};
-    std::chrono::milliseconds serverTimeout{3000}; ///< longer silence ends a Producer's listing
+    std::chrono::milliseconds serverTimeout{3000}; ///< longer silence removes a Producer
 };
 
-/// Finds Producers by UDP broadcast and lists those that still answer; in server mode it is the end
-/// that answers.
+/// Finds Producers by UDP broadcast and lists those that answer; in server mode it is the end that
+/// answers.
 ///
-/// Sockets and signals belong to the thread of this object, which needs an event loop. A thread of
-/// its own only keeps the time, and looks the network interfaces up, which can be slow.
+/// Sockets, pruning and signals run on the object's thread, which needs an event loop. A second
+/// thread only sends it a tick each period and enumerates the network interfaces, which can be
+/// slow.
 class NetworkUtils : public QObject {
     Q_OBJECT
 
 public:
-    /// Binds to localPort and sends to targetPort, in client mode once a period from now on.
+    /// Binds to localPort and sends to targetPort. Client mode pings at once and then every period.
     NetworkUtils(unsigned int localPort, unsigned int targetPort, bool isServer,
                  QObject* parent = nullptr, DiscoveryTiming timing = DiscoveryTiming());
     ~NetworkUtils() override;
 
-    /// Addresses of the Producers that answer, in the order of their text. From any thread.
+    /// Addresses of the listed Producers, sorted as text. Thread-safe.
     QStringList getAvailableServers() const;
-    /// Forgets the Producer until it answers again; the signal comes for an unknown one too.
+    /// Removes the Producer until it answers again. Emits serverDisconnected() for unknown ones
+    /// too.
     void serverHasDisconnected(const QString& address);
-    /// Client mode only: asks once, on every interface, who is there.
+    /// Client mode only: broadcasts one ping on every interface.
     void pingServers();
-    /// Server mode: forgets the companions seen and asks for them anew.
+    /// Server mode: clears the list of companions and asks them to answer.
     void getClientsOnNetwork();
-    /// Addresses of the companions that answered getClientsOnNetwork().
+    /// Addresses of the companions that have answered getClientsOnNetwork().
     QStringList clients() const { return clients_; }
     void broadcastDatagramOnAllSockets(const char* data, qint64 size, quint16 port);
-    /// The interfaces that are up and can broadcast. From any thread.
+    /// The interfaces that are up and can broadcast. Thread-safe.
     static QList<QNetworkInterface> getAvailableNetworkInterfaces();
-    /// Client mode: one socket for each usable address there is now.
+    /// Client mode: binds one socket to each usable address and closes the others.
     void updateClientSockets();
-    /// Acts on a datagram if it is one of the known words, and ignores it otherwise.
+    /// Handles a datagram that is one of the known words and ignores all others.
     void processDatagram(QByteArrayView data, const QHostAddress& sender);
 
 signals:
@@ -83,12 +85,12 @@ private:
     void giveClient(const QString& sender);
 
     void serversDiscoveryThreadFunction();
-    void discountDeafness(Clock::time_point now);
+    void excludeUnpingedTime(Clock::time_point now);
     void pruneTimeoutedServers();
-    void followAddresses(const QList<QHostAddress>& addresses);
+    void updateSockets(const QList<QHostAddress>& addresses);
     void removeClientUnusedSockets(const QList<QHostAddress>& addresses);
     void addClientNewSockets(const QList<QHostAddress>& addresses);
-    void followBroadcasts();
+    void updateBroadcastSocket();
     QUdpSocket* newSocket();
     bool bindSocket(QUdpSocket* socket, const QHostAddress& address) const;
     void send(QUdpSocket* socket, QByteArrayView word, const QHostAddress& receiver) const;
@@ -103,7 +105,7 @@ private:
     QStringList clients_;
     Clock::time_point lastPing_;
 
-    mutable std::mutex mutex_; // guards what follows
+    mutable std::mutex mutex_; // guards the members below
     std::map<QString, Clock::time_point> servers_;
     QList<QHostAddress> foundAddresses_;
     bool tickPending_ = false;

@@ -23,16 +23,16 @@ constexpr int kLengthSize = 4;
 constexpr unsigned long kKeepAliveInterval = 200; // ms
 constexpr unsigned long kKeepAliveTime = 1000;    // ms
 
-// Events are handed over in slices of this many milliseconds, so that a flood of them leaves the
-// event loop its turn; what is waiting meanwhile is bounded, and the sender is slowed down.
+// Events are emitted in slices of this many milliseconds, so that a flood of them does not block
+// the event loop. The socket's read buffer is bounded meanwhile, which slows the sender down.
 constexpr int kReceiveSlice = 8;
-// Every eighth small frame, and every large one, is followed by a look at the clock.
-constexpr qint64 kBytesPerLookAtTheClock = 4096;
-constexpr qint64 kCostOfAFrame = kBytesPerLookAtTheClock / 8; // in bytes
+// The clock is checked after every eighth small frame and after every large one.
+constexpr qint64 kBytesPerClockCheck = 4096;
+constexpr qint64 kFrameCost = kBytesPerClockCheck / 8; // in bytes
 constexpr qint32 kReadAhead = 1024 * 1024;
 
-// A frame whose length is too small borrows from the bytes behind it, but never more than this:
-// otherwise many small ones could each make the decoder go through all that follows.
+// A frame with a too small length takes its fields from the bytes behind it, but from no more than
+// this many: otherwise each of many small frames could make the decoder read all that follow.
 constexpr qsizetype kDecoderSight = LVNtc::kHeaderSize + ItemDataEvent::wireSize();
 
 QUrl urlOf(const QString& host, int port) {
@@ -66,7 +66,7 @@ TCPTransportSocket::~TCPTransportSocket() {
         socket_->flush();
     }
     if (emitting_ > 0) {
-        // A socket may be in the middle of its own signal: it has to outlive this object.
+        // A socket must not be deleted within its own signal.
         for (QTcpSocket* socket : findChildren<QTcpSocket*>()) {
             socket->setParent(nullptr);
             socket->abort();
@@ -85,7 +85,7 @@ void TCPTransportSocket::initSocket() {
             Qt::UniqueConnection);
 }
 
-/// A socket in the middle of its own signal cannot be connected again. It stays until none is.
+/// QTcpSocket cannot reconnect from within its own signal, so a new socket replaces it.
 void TCPTransportSocket::replaceSocket() {
     QObject::disconnect(socket_, nullptr, this, nullptr);
     socket_ = new QTcpSocket(this);
@@ -113,7 +113,7 @@ bool TCPTransportSocket::tryToConnect(const QUrl& url) {
         ended_ = false;
     }
     if (socket_->state() != QAbstractSocket::UnconnectedState) {
-        const QSignalBlocker blocker(socket_); // the end of an old connection is no news
+        const QSignalBlocker blocker(socket_); // the old connection's end is not reported
         socket_->abort();
     }
     if (emitting_ > 0) {
@@ -143,7 +143,7 @@ void TCPTransportSocket::disconnect() {
         resetReceiving();
         closing_ = true;
     }
-    // The signals that this causes must find the mutex free.
+    // Emits signals, so it runs without the mutex.
     const QPointer<TCPTransportSocket> alive(this);
     sendWaiting();
     socket_->flush();
@@ -157,7 +157,7 @@ void TCPTransportSocket::abandon() {
     waiting_.clear();
     abandoned_ = true;
     const auto end = [this] {
-        if (std::exchange(abandoned_, false)) // it may be another connection by now
+        if (std::exchange(abandoned_, false)) // false after a reconnect
             socket_->abort();
     };
     QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
@@ -194,7 +194,8 @@ bool TCPTransportSocket::write(Event& event) {
         return false;
     const LV_NTC_Header header{static_cast<std::uint32_t>(event.getSize()), event.type()};
     const QByteArray message = LVNtc::serializeWithLength(header, event);
-    // The socket hands what it is given to the system piece by piece, one a turn of the event loop.
+    // QTcpSocket passes its writes to the system one by one, one in each event-loop iteration, so
+    // they are joined first.
     if (socket_->bytesToWrite() > 0) {
         waiting_.append(message);
         return true;
@@ -230,7 +231,7 @@ void TCPTransportSocket::activeKeepAlive(unsigned long interval, unsigned long t
 
 void TCPTransportSocket::onDisconnected() {
     ended_ = true;
-    // What a peer said before it went still counts, and comes first.
+    // Events received before the end are emitted first.
     if (resumeTimer_.isActive() || emitting_ > 0)
         onReadyRead();
     else
@@ -239,7 +240,7 @@ void TCPTransportSocket::onDisconnected() {
 
 void TCPTransportSocket::reportEnd() {
     ended_ = false;
-    // Before the signal: its receiver may connect and start reading again.
+    // Before the signal, because its receiver may reconnect and start reading again.
     stopReading();
     const QPointer<TCPTransportSocket> alive(this);
     ++emitting_;
@@ -253,7 +254,7 @@ void TCPTransportSocket::onBytesWritten(qint64 sizeWritten) {
         qWarning("Error when sent an event, no data was send");
     if (socket_->bytesToWrite() == 0 && !waiting_.isEmpty()) {
         sendWaiting();
-        socket_->flush(); // what else is due, a frame for instance, may take a while
+        socket_->flush(); // the next event-loop iteration may come late
     }
 }
 
@@ -264,15 +265,15 @@ void TCPTransportSocket::onReadyRead() {
         reportEnd();
 }
 
-/// Hands over what is waiting, for one slice of time; the timer is active when there is more.
+/// Emits waiting events for one slice of time; the timer is active when more are waiting.
 void TCPTransportSocket::receive() {
     const QPointer<TCPTransportSocket> alive(this);
     const QDeadlineTimer deadline(kReceiveSlice);
-    qint64 sinceLookAtTheClock = 0;
+    qint64 sinceClockCheck = 0;
     const auto isTimeUp = [&] {
-        if (sinceLookAtTheClock < kBytesPerLookAtTheClock)
+        if (sinceClockCheck < kBytesPerClockCheck)
             return false;
-        sinceLookAtTheClock = 0;
+        sinceClockCheck = 0;
         return deadline.hasExpired();
     };
     bool hasTime = true;
@@ -288,19 +289,19 @@ void TCPTransportSocket::receive() {
             {
                 const std::scoped_lock lock(mutex_);
                 frame = nextFrame();
-                sinceLookAtTheClock += kCostOfAFrame + expectedLength_;
+                sinceClockCheck += kFrameCost + expectedLength_;
             }
             if (!frame)
                 break;
-            handOver(*frame);
+            emitEvent(*frame);
             if (!alive)
                 return;
             hasTime = !isTimeUp();
         }
-        // More may have come while a receiver ran an event loop of its own.
+        // A receiver that ran an event loop may have let more bytes arrive.
         if (hasTime && (closing_ || socket_->bytesAvailable() == 0))
             break;
-        // Lengths that announce no frame take their time, too.
+        // Lengths without a frame take time, too.
         hasTime = hasTime && !isTimeUp();
     }
     if (!hasTime && reading_ && hasMoreToRead())
@@ -308,11 +309,11 @@ void TCPTransportSocket::receive() {
     --emitting_;
 }
 
-/// Unless enough is waiting already, takes over what the socket has.
+/// Reads the socket's bytes unless enough are waiting already.
 void TCPTransportSocket::takeAvailable() {
     if (bytesWaiting() >= (waitingForLength_ ? kReadAhead : expectedLength_))
         return;
-    // Little is left at this point, and the same memory serves again, unless it was a giant's.
+    // Few bytes are left here. The memory is reused unless it held a giant frame.
     if (consumed_ > 0) {
         const qsizetype left = bytesWaiting();
         std::memmove(buffer_.data(), buffer_.constData() + consumed_,
@@ -340,7 +341,7 @@ void TCPTransportSocket::takeAvailable() {
     }
 }
 
-/// The next frame of the buffer, or nothing when reading stops until there are more bytes.
+/// The next frame of the buffer, or nothing when reading stops until more bytes arrive.
 std::optional<eventData> TCPTransportSocket::nextFrame() {
     while (bytesWaiting() > 0) {
         if (waitingForLength_) {
@@ -369,7 +370,7 @@ std::optional<eventData> TCPTransportSocket::nextFrame() {
     return std::nullopt;
 }
 
-/// Takes a length off the bytes that are waiting; 0 when they are too few, which then stay.
+/// Consumes a length prefix; 0, and consumes nothing, when fewer than 4 bytes are waiting.
 qint32 TCPTransportSocket::onReadHeader() {
     if (bytesWaiting() < kLengthSize) {
         qCritical().nospace() << "Invalid header size. Size must be at least " << kLengthSize
@@ -389,7 +390,7 @@ void TCPTransportSocket::skipOversized() {
     expectedLength_ = 0;
 }
 
-void TCPTransportSocket::handOver(eventData frame) {
+void TCPTransportSocket::emitEvent(eventData frame) {
     static const QMetaMethod signal = QMetaMethod::fromSignal(&TCPTransportSocket::receivedEvent);
     if (isSignalConnected(signal))
         emit receivedEvent(frame);

@@ -14,58 +14,59 @@
 
 namespace NetworkCompanion {
 
-/// Carries events over one TCP connection: a length of 4 bytes in front of each frame on the way
-/// out, frames put together from whatever chunks arrive on the way in.
+/// Sends and receives events over one TCP connection. Each frame has a length prefix of 4 bytes.
 ///
-/// Lives on one thread. A slot of its signals may write, disconnect, reconnect or delete it.
+/// Everything runs on the object's thread. A slot of its signals may write, disconnect, reconnect
+/// or delete it.
 class TCPTransportSocket : public QObject {
     Q_OBJECT
 
 public:
-    /// What state() tells; the numbers are fixed.
+    /// The results of state(); the numbers are fixed.
     enum State { Idle = 0, Connecting = 1, Connected = 2, Disconnected = 4 };
 
     /// The client's end, not connected.
     explicit TCPTransportSocket(QObject* parent);
-    /// The server's end of an accepted connection; takes the socket over.
+    /// The server's end of an accepted connection. Becomes the socket's parent.
     TCPTransportSocket(int socketId, QTcpSocket* socket, QObject* parent);
     ~TCPTransportSocket() override;
 
-    /// Begins to connect to the url's host and port and does not wait. False, and nothing is
-    /// touched, while a connection stands or is being made.
+    /// Starts connecting to the url's host and port without waiting. False, without effect, while
+    /// connected or connecting.
     bool tryToConnect(const QUrl& url);
-    /// Waits at most msecs milliseconds (-1: without limit); tells whether it is connected.
+    /// Waits at most msecs milliseconds (-1: no limit). True when connected.
     bool waitForConnected(int msecs);
-    /// As above; a connection that is closing counts as gone.
+    /// Waits at most msecs milliseconds (-1: no limit). True when disconnected or closing.
     bool waitForDisconnected(int msecs);
-    /// Forgets what was received and closes once everything written is out. Nothing is received
-    /// any more.
+    /// Drops received bytes, emits no further events and closes the connection after everything
+    /// written has been sent.
     void disconnect();
-    /// Drops what is not out yet and lets nothing more in; the end of the connection is told from
-    /// the event loop, not in the middle of the caller's work.
+    /// Drops unsent bytes, refuses further writes and aborts the connection from the event loop, so
+    /// that disconnected() is not emitted within the call.
     void abandon();
-    /// Events are received between these two only; what came meanwhile waits for the first.
+    /// Events are emitted between these two only. Bytes that arrive earlier wait for
+    /// startReading().
     void startReading();
     void stopReading();
-    /// Sends the event in one write that is neither awaited nor flushed; events that are written
-    /// while others are on their way leave together. False, without a word, when not connected or
-    /// abandoned.
+    /// Sends the event in one write, without waiting or flushing. Events written while the socket
+    /// is still sending follow together in one further write. False without a log line when not
+    /// connected or abandoned.
     bool write(Event& event);
 
     int state() const;
-    /// Switches keep-alive on: probes after time ms of silence, one every interval ms.
+    /// Enables keep-alive: the first probe after time ms of silence, then one every interval ms.
     void activeKeepAlive(unsigned long interval, unsigned long time) const;
 
     int socketId() const { return socketId_; }
     /// The peer of the client's end; empty after disconnect().
     QUrl url() const { return url_; }
     QHostAddress peerAddress() const { return socket_->peerAddress(); }
-    /// Bytes written that the operating system has not taken yet.
+    /// Bytes written that the operating system has not accepted yet.
     qint64 unsentBytes() const { return socket_->bytesToWrite() + waiting_.size(); }
 
 signals:
-    /// One frame arrived; its event is null when it was none. The receiver owns the event. Without
-    /// a receiver it is freed.
+    /// A frame has arrived. The receiver owns the event, which is null when the frame could not be
+    /// decoded. An event without a receiver is freed.
     void receivedEvent(NetworkCompanion::eventData event);
     void disconnected(int socketId);
 
@@ -88,25 +89,25 @@ private:
     std::optional<eventData> nextFrame();
     qint32 onReadHeader();
     void skipOversized();
-    void handOver(eventData frame);
+    void emitEvent(eventData frame);
 
     QUrl url_;
     int socketId_ = -1;
     bool waitingForLength_ = true;
     QTcpSocket* socket_; // a child
-    QByteArray waiting_; // frames for when the socket has sent what it has
+    QByteArray waiting_; // frames to write after the socket has sent the previous ones
     QByteArray buffer_;
-    qsizetype consumed_ = 0; // bytes at the buffer's front that are done with
+    qsizetype consumed_ = 0; // bytes at the buffer's front that were decoded
     qint32 expectedLength_ = 0;
     std::mutex mutex_; // guards the flag, the buffer and the lengths; never held while emitting
 
-    qint64 bytesToSkip_ = 0; // what is left of a frame that is too long to be stored
-    bool closing_ = false;   // by disconnect(): whatever still arrives is of no interest
-    bool abandoned_ = false; // by abandon(), until the socket has heard of it
+    qint64 bytesToSkip_ = 0; // the rest of a frame that is too long to be stored
+    bool closing_ = false;   // disconnect() was called: arriving bytes are dropped
+    bool abandoned_ = false; // abandon() was called, the socket not yet aborted
     bool reading_ = false;
-    bool ended_ = false; // the connection is gone, which is told once its last event was
+    bool ended_ = false; // the connection has ended; disconnected() follows its last event
     int emitting_ = 0;
-    QTimer resumeTimer_; // continues a long read after the event loop had its turn
+    QTimer resumeTimer_; // continues a long read in the next event-loop iteration
 };
 
 } // namespace NetworkCompanion

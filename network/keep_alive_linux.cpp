@@ -11,7 +11,7 @@ namespace NetworkCompanion {
 namespace {
 
 constexpr int kProbes = 2;
-// Also ends a connection whose sent bytes nobody acknowledges: probes are not sent meanwhile.
+// Ends a connection with unacknowledged bytes, for which the system sends no probes.
 constexpr unsigned int kUserTimeoutMs = 3000;
 
 int wholeSeconds(std::chrono::milliseconds time) {

@@ -1,7 +1,7 @@
 #include "network/KeepAlive.h"
 
 #include <winsock2.h>
-// winsock2.h has to come first.
+// These require winsock2.h before them.
 #include <mstcpip.h>
 #include <ws2tcpip.h>
 
@@ -9,8 +9,7 @@ namespace NetworkCompanion {
 
 namespace {
 
-// Keep-alive probes stop while bytes are under way; this ends a connection that repeats them in
-// vain.
+// Ends a connection with unacknowledged bytes, for which the system sends no probes.
 constexpr DWORD kRetransmissionSeconds = 3;
 
 } // namespace
@@ -26,7 +25,7 @@ bool KeepAlive::enable(qintptr socketDescriptor, std::chrono::milliseconds idle,
     const bool ok = WSAIoctl(socket, SIO_KEEPALIVE_VALS, &settings, sizeof settings, nullptr, 0,
                              &returned, nullptr, nullptr) == 0;
 #ifdef TCP_MAXRT
-    // Systems that do not know this one keep their own, longer time.
+    // Older systems reject this option and keep their own, longer time.
     setsockopt(socket, IPPROTO_TCP, TCP_MAXRT,
                reinterpret_cast<const char*>(&kRetransmissionSeconds),
                sizeof kRetransmissionSeconds);

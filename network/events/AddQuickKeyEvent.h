@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A quick key of the Producer: a button that starts something there.
+/// A quick key of the Producer: a button that starts an action there.
 class AddQuickKeyEvent final : public FieldEvent<AddQuickKeyEvent, LV_NTC_EventType::AddQuickKey> {
 public:
     AddQuickKeyEvent() = default;

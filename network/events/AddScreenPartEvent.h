@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A part of a screen that was announced before.
+/// A part of a screen; the screen was added before.
 class AddScreenPartEvent final
     : public FieldEvent<AddScreenPartEvent, LV_NTC_EventType::AddScreenPart> {
 public:

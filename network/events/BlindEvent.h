@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A screen is blinded, or to be blinded: its output is muted.
+/// State of a screen's blind, which mutes its output, or the request to change it.
 class BlindEvent final : public FieldEvent<BlindEvent, LV_NTC_EventType::Blind> {
 public:
     BlindEvent() = default;

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// The rows and columns in which the quick keys are laid out.
+/// The rows and columns of a page of quick keys.
 class ConfigQuickKeyEvent final
     : public FieldEvent<ConfigQuickKeyEvent, LV_NTC_EventType::ConfigQuickKey> {
 public:

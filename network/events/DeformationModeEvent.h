@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// The kind and grid of a screen's deformation, or the wish to change them.
+/// Type and grid of the deformation of a screen, or the request to change them.
 class DeformationModeEvent final
     : public FieldEvent<DeformationModeEvent, LV_NTC_EventType::DeformationMode> {
 public:
@@ -19,10 +19,10 @@ public:
     std::uint32_t screenId() const { return screenId_; }
     std::uint32_t dataIndex() const { return dataIndex_; }
     QString name() const { return name_.toString(); }
-    /// Control points, not cells.
+    /// Control points.
     std::uint32_t rows() const { return rows_; }
     std::uint32_t columns() const { return columns_; }
-    /// Forget the shape instead of carrying it over to the new grid.
+    /// Start with a straight grid instead of keeping the shape.
     bool reset() const { return reset_; }
 
 private:

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A quick key is gone.
+/// A quick key was removed.
 class DeleteQuickKeyEvent final
     : public FieldEvent<DeleteQuickKeyEvent, LV_NTC_EventType::DeleteQuickKey> {
 public:

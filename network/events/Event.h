@@ -9,33 +9,33 @@
 
 namespace NetworkCompanion {
 
-/// Anything that companion and Producer tell each other: a type and the payload that goes with it.
+/// Base of all messages between companion and Producer: a type and its payload.
 class Event {
 public:
     explicit Event(LV_NTC_EventType type) : type_(type) {}
     virtual ~Event() = default;
 
-    /// Exactly the payload, without header or length.
+    /// The payload, without header or length prefix.
     virtual QByteArray serialize() const = 0;
-    /// Takes the fields from the start of data; bytes behind them are ignored. When data holds too
-    /// few bytes, or counts that cannot be true, the event is left as it was.
+    /// Reads the fields from the start of data and ignores bytes behind them. Leaves the event
+    /// unchanged when data is too short or holds a count that exceeds its bytes.
     virtual void deserialize(QByteArray& data) = 0;
-    /// The payload size in bytes that the header announces.
+    /// The payload size in bytes as the header announces it.
     virtual int getSize() const = 0;
 
-    /// The number of bytes that serialize() returns and writePayload() writes.
+    /// The number of bytes of serialize() and writePayload().
     virtual qsizetype encodedSize() const = 0;
-    /// Writes the payload to out, which has room for encodedSize() bytes; returns its end.
+    /// Writes the payload to out, which must have room for encodedSize() bytes. Returns its end.
     virtual char* writePayload(char* out) const = 0;
-    /// As deserialize(), without a copy of the bytes; tells whether the payload made sense.
+    /// As deserialize(), without copying the bytes. False when the event was left unchanged.
     [[nodiscard]] virtual bool readPayload(QByteArrayView payload) = 0;
 
     LV_NTC_EventType type() const { return type_; }
-    /// A number for the program's own bookkeeping, -1 until set; it never travels.
+    /// A number for local use, initially -1. Never sent.
     int localId() const { return localId_; }
     void setLocalId(int id) { localId_ = id; }
 
-    /// Equal when they are of the same type and would be the same bytes on the wire.
+    /// Equal when type and wire bytes are equal.
     friend bool operator==(const Event& left, const Event& right) {
         return left.type_ == right.type_ && left.hasSameFields(right);
     }

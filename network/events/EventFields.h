@@ -13,15 +13,15 @@
 
 namespace NetworkCompanion {
 
-/// One entry of an event's statement of fields: its name in a log line and the member it is.
+/// One field of an event: its name in log lines and its member.
 template <typename Owner, typename Value>
 struct Field {
     const char* name;
     Value Owner::*member;
 };
 
-/// How each kind of field looks on the wire: its size, the way there and back, and equality.
-/// Numbers are big-endian. Nothing here checks a length: whoever calls has done so for all fields.
+/// Size, encoding, decoding and equality of each kind of field. Numbers are big-endian. The caller
+/// has checked that the bytes hold all fields.
 namespace Wire {
 
 template <typename Value>
@@ -87,7 +87,7 @@ void print(QDebug& debug, const Value& value) {
 
 } // namespace Wire
 
-/// What follows from a statement of fields, for all of them in wire order. A class states them as
+/// The operations on all fields of a class, in wire order. The class lists them as
 /// `static constexpr auto fields() { return std::tuple{Field{"name", &X::name_}, ...}; }`.
 struct FieldList {
     template <typename... Owner, typename... Value>

@@ -41,7 +41,7 @@ struct EventRow {
     static_assert(EventClass::wireSize() == Size, "the fields do not add up to the payload");
 };
 
-/// Every event there is; the row's place is its code, from 1.
+/// All events, ordered by their codes, which start at 1.
 using EventTable = std::tuple<                     //
     EventRow<MsgEvent, 256>,                       //
     EventRow<MireEvent, 8>,                        //

@@ -5,13 +5,13 @@
 
 namespace NetworkCompanion {
 
-/// Base of every event with a fixed layout: Derived states its fields once, in wire order, and
-/// everything else an event can do follows from that statement.
+/// Base of every event with a fixed layout. Derived lists its fields once, in wire order; encoding,
+/// decoding, comparison and printing use that list.
 template <typename Derived, LV_NTC_EventType Type>
 class FieldEvent : public Event {
 public:
     static constexpr LV_NTC_EventType kType = Type;
-    /// Bytes of the payload.
+    /// Size of the payload in bytes.
     static constexpr int wireSize() { return FieldList::wireSize(Derived::fields()); }
 
     QByteArray serialize() const final {
@@ -31,7 +31,7 @@ public:
         return true;
     }
 
-    /// As writePayload() and readPayload(), for wireSize() bytes that the caller has checked.
+    /// As writePayload() and readPayload(), but the caller provides at least wireSize() bytes.
     char* writeFields(char* out) const { return FieldList::write(self(), Derived::fields(), out); }
     const char* readFields(const char* in) {
         return FieldList::read(static_cast<Derived&>(*this), Derived::fields(), in);

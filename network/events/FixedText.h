@@ -15,19 +15,18 @@ namespace NetworkCompanion {
 template <std::size_t Size>
 struct Literal {
     char text[Size]{};
-    // NOLINTNEXTLINE(google-explicit-constructor): a literal is what the argument is written as
+    // NOLINTNEXTLINE(google-explicit-constructor): the template argument is written as a literal
     constexpr Literal(const char (&literal)[Size]) { std::copy_n(literal, Size, text); }
 };
 
-/// A text that always takes Size bytes on the wire: UTF-8, padded with zero bytes. Label is what a
-/// log line calls it.
+/// A text of Size bytes on the wire: UTF-8, padded with zero bytes. Label names it in log lines.
 template <std::size_t Size, Literal Label>
 class FixedText {
 public:
     static constexpr std::size_t kSize = Size;
 
     FixedText() = default;
-    /// A text that does not leave room for a terminator is logged and dropped. Null is empty.
+    /// A text without room for a terminator is logged and replaced by an empty one. Null is empty.
     explicit FixedText(const char* text) {
         const std::size_t length = text ? qstrnlen(text, Size) : 0;
         if (length == Size)
@@ -36,7 +35,7 @@ public:
             std::memcpy(bytes_.data(), text ? text : "", length);
     }
 
-    /// Up to the first zero byte or the end of the field: a peer need not send a terminator.
+    /// Ends at the first zero byte or at the end of the field.
     QString toString() const { return QString::fromUtf8(text()); }
     QByteArrayView text() const {
         return QByteArrayView(bytes_.data(), qsizetype(qstrnlen(bytes_.data(), Size)));

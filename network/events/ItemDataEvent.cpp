@@ -17,7 +17,7 @@ char* writeList(char* out, const std::vector<Point>& points) {
     return out;
 }
 
-/// Moves in behind what it read; false, with a log line, for a count that cannot be true.
+/// Advances in behind the list. False, with a log line, for a count that exceeds the bytes.
 template <typename Point>
 bool readList(const char*& in, const char* end, std::vector<Point>& points) {
     points.clear();
@@ -33,7 +33,7 @@ bool readList(const char*& in, const char* end, std::vector<Point>& points) {
         return false;
     }
     points.reserve(static_cast<std::size_t>(count));
-    Point point; // copying it is twice as fast as clearing and then filling each in its place
+    Point point; // copying it is twice as fast as zeroing and then reading each in place
     for (std::int64_t i = 0; i < count; ++i) {
         in = point.readFields(in);
         points.push_back(point);

@@ -12,7 +12,7 @@
 
 namespace NetworkCompanion {
 
-/// The whole deformation of one item, or, without points, the request for it.
+/// The whole deformation of one item; without points, the request for it.
 class ItemDataEvent final : public Event {
     static constexpr auto fields() {
         return std::tuple{
@@ -21,7 +21,7 @@ class ItemDataEvent final : public Event {
             Field{"screenPartDeformationMode", &ItemDataEvent::screenPartDeformationMode_},
             Field{"mediaDeformationMode", &ItemDataEvent::mediaDeformationMode_}};
     }
-    /// The lists behind the fields, each with its count in front.
+    /// The lists behind the fields, each preceded by its count.
     static constexpr auto lists() {
         return std::tuple{Field{"screenPoints", &ItemDataEvent::screenPoints_},
                           Field{"screenPartPoints", &ItemDataEvent::screenPartPoints_},
@@ -44,7 +44,7 @@ public:
     void setGetItemCallerId(int callerId) { callerId_ = callerId; }
     int second() const { return second_; }
 
-    /// The two modes that do not concern the item carry ids that no item has (0xFFFFFFFF).
+    /// The two modes that do not apply to the item carry the ids 0xFFFFFFFF, which no item has.
     const DeformationModeEvent& deformationMode() const { return deformationMode_; }
     const ScreenPartDeformationModeEvent& screenPartDeformationMode() const {
         return screenPartDeformationMode_;
@@ -77,16 +77,16 @@ public:
 
     QByteArray serialize() const override;
     void deserialize(QByteArray& data) override { static_cast<void>(readPayload(data)); }
-    /// Without the four counts of points: the wire has always announced 32 bytes too few.
+    /// Excludes the four point counts: the protocol announces 32 bytes less than it sends.
     int getSize() const override;
 
-    /// The size without any point, and therefore the smallest payload that is accepted.
+    /// The size without counts and points: the smallest payload that is accepted.
     static constexpr int wireSize() { return FieldList::wireSize(fields()); }
 
     qsizetype encodedSize() const override;
     char* writePayload(char* out) const override;
-    /// Counts that are missing from the end are read as 0. A count that the bytes left cannot hold
-    /// makes the payload undecodable; it is logged.
+    /// Missing counts at the end are read as 0. A count that exceeds the remaining bytes is logged
+    /// and makes the payload invalid.
     bool readPayload(QByteArrayView payload) override;
 
 protected:

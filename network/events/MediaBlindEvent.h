@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A media or a texture is blinded, or to be blinded.
+/// State of the blind of a media or texture, or the request to change it.
 class MediaBlindEvent final : public FieldEvent<MediaBlindEvent, LV_NTC_EventType::MediaBlind> {
 public:
     MediaBlindEvent() = default;
@@ -15,7 +15,7 @@ public:
 
     LV_NTC_ElementType elementType() const { return elementType_; }
     std::uint32_t cueId() const { return cueId_; }
-    /// The media id or the texture id, by elementType().
+    /// The media id or texture id, depending on elementType().
     std::uint32_t elementId() const { return elementId_; }
     std::uint32_t reserved() const { return reserved_; }
     QString name() const { return name_.toString(); }

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// The kind and grid of a media's or a texture's deformation, or the wish to change them.
+/// Type and grid of the deformation of a media or texture, or the request to change them.
 class MediaDeformationModeEvent final
     : public FieldEvent<MediaDeformationModeEvent, LV_NTC_EventType::MediaDeformationMode> {
 public:
@@ -20,14 +20,14 @@ public:
     LV_NTC_ElementType elementType() const { return elementType_; }
     LV_NTC_DeformationType deformationType() const { return deformationType_; }
     std::uint32_t cueId() const { return cueId_; }
-    /// The media id or the texture id, by elementType().
+    /// The media id or texture id, depending on elementType().
     std::uint32_t elementId() const { return elementId_; }
     std::uint32_t dataIndex() const { return dataIndex_; }
     QString name() const { return name_.toString(); }
-    /// Control points, not cells.
+    /// Control points.
     std::uint32_t rows() const { return rows_; }
     std::uint32_t columns() const { return columns_; }
-    /// Forget the shape instead of carrying it over to the new grid.
+    /// Start with a straight grid instead of keeping the shape.
     bool reset() const { return reset_; }
 
 private:

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// Shows a test picture on every output of the Producer, or takes it away.
+/// Shows a test picture on every output of the Producer, or removes it.
 class MireEvent final : public FieldEvent<MireEvent, LV_NTC_EventType::Mire> {
 public:
     MireEvent() = default;

@@ -2,12 +2,12 @@
 
 #include <cstdint>
 
-/// The bounds of everything that a peer may ask the companion to believe, store or build.
+/// Upper bounds for everything that a peer can make the companion store or build.
 namespace NetworkCompanion::Limits {
 
-// Frames. A length counts the header and the payload.
+// Frames: header and payload.
 inline constexpr std::int32_t kMaxFrameLength = 16 * 1024 * 1024;
-// Whoever leaves this much unread is let go.
+// A peer that leaves more than this unread is disconnected.
 inline constexpr std::int64_t kMaxUnsentBytes = std::int64_t{64} * 1024 * 1024;
 
 // Discovery.
@@ -18,7 +18,7 @@ inline constexpr int kMaxListedCompanions = 256;
 inline constexpr std::uint32_t kMaxScreenId = 65'536;
 inline constexpr int kMaxPartsPerScreen = 4'096;
 
-// Rows and columns of the grids that are built in the scene.
+// Rows and columns of the grids built in the scene.
 inline constexpr std::uint32_t kMinGridSize = 2;
 inline constexpr std::uint32_t kMaxGridSize = 64;
 

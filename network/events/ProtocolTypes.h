@@ -62,7 +62,7 @@ Q_ENUM_NS(LV_NTC_DeformationType)
 enum class LV_NTC_ModeType : std::int32_t { Unset = 0, Simple = 1, Deformation = 2, Parts = 3 };
 Q_ENUM_NS(LV_NTC_ModeType)
 
-/// The test picture that a Producer lays over its outputs; None takes it away.
+/// The test picture that a Producer shows on its outputs; None removes it.
 enum class LV_NTC_PictureType : std::int32_t {
     None = 0,
     Small,
@@ -79,7 +79,7 @@ enum class LV_NTC_PictureType : std::int32_t {
 };
 Q_ENUM_NS(LV_NTC_PictureType)
 
-/// Scope of the kinds of media.
+/// Scope of the enumeration of media types.
 struct MediaType {
     Q_GADGET
 public:
@@ -87,19 +87,19 @@ public:
     Q_ENUM(Enum)
 };
 
-/// What stands in front of every payload. All zero when no header could be read.
+/// The header before every payload. All zero when it could not be read.
 struct LV_NTC_Header {
-    std::uint32_t dataSize = 0; ///< bytes of payload, as Event::getSize() tells them
-    LV_NTC_EventType type{};    ///< one byte on the wire; may be a code that is no event
+    std::uint32_t dataSize = 0; ///< bytes of payload, see Event::getSize()
+    LV_NTC_EventType type{};    ///< one byte on the wire; may be an unknown code
 
     friend bool operator==(const LV_NTC_Header&, const LV_NTC_Header&) = default;
 };
 
-/// A received frame. The last receiver owns the event; null when the frame was no event.
+/// A received frame. The last receiver owns the event, which is null when decoding failed.
 using eventData = std::pair<LV_NTC_Header, Event*>;
 
 } // namespace NetworkCompanion
 
-// Lets the pair cross threads in places that do not know the event's class.
+// Allows queued signals of the pair where Event is only declared.
 Q_DECLARE_OPAQUE_POINTER(NetworkCompanion::Event*)
 Q_DECLARE_METATYPE(NetworkCompanion::eventData)

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A media is gone.
+/// A media was removed.
 class RemoveMediaEvent final : public FieldEvent<RemoveMediaEvent, LV_NTC_EventType::RemoveMedia> {
 public:
     RemoveMediaEvent() = default;

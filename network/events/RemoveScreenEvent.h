@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A screen is gone, and its parts with it.
+/// A screen and its parts were removed.
 class RemoveScreenEvent final
     : public FieldEvent<RemoveScreenEvent, LV_NTC_EventType::RemoveScreen> {
 public:

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A part of a screen is gone.
+/// A part of a screen was removed.
 class RemoveScreenPartEvent final
     : public FieldEvent<RemoveScreenPartEvent, LV_NTC_EventType::RemoveScreenPart> {
 public:

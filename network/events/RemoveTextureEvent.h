@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A texture is gone.
+/// A texture was removed.
 class RemoveTextureEvent final
     : public FieldEvent<RemoveTextureEvent, LV_NTC_EventType::RemoveTexture> {
 public:

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// How a screen is shown: simple, deformed, or through its parts.
+/// The mode of a screen: simple, deformed, or handled through its parts.
 class ScreenModeEvent final : public FieldEvent<ScreenModeEvent, LV_NTC_EventType::ScreenMode> {
 public:
     ScreenModeEvent() = default;

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A part of a screen is blinded, or to be blinded.
+/// State of the blind of a screen part, or the request to change it.
 class ScreenPartBlindEvent final
     : public FieldEvent<ScreenPartBlindEvent, LV_NTC_EventType::ScreenPartBlind> {
 public:

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A point of a screen part's mesh is, or is to be, at a place.
+/// Position of a point of a screen part's mesh, or the request to move it.
 class ScreenPartMovePointEvent final
     : public FieldEvent<ScreenPartMovePointEvent, LV_NTC_EventType::ScreenPartMovePoint> {
 public:
@@ -21,11 +21,11 @@ public:
     QString name() const { return name_.toString(); }
     /// Index in the grid, row by row.
     std::uint32_t pointId() const { return pointId_; }
-    /// Pixels from the item's centre when xy(), otherwise a texture coordinate from 0 to 1.
+    /// Pixels from the item's centre when xy(), otherwise texture coordinates from 0 to 1.
     double x() const { return x_; }
     double y() const { return y_; }
     double z() const { return z_; }
-    /// Whether the position is meant, not the texture coordinate.
+    /// True for a position, false for texture coordinates.
     bool xy() const { return xy_; }
     bool selected() const { return selected_; }
 

@@ -4,7 +4,7 @@
 
 namespace NetworkCompanion {
 
-/// A quick key has a new name or colour.
+/// New name and colour of a quick key.
 class UpdateQuickKeyEvent final
     : public FieldEvent<UpdateQuickKeyEvent, LV_NTC_EventType::UpdateQuickKey> {
 public:

@@ -11,7 +11,7 @@ public:
     UpdateSettingsEvent() = default;
     UpdateSettingsEvent(const char* color, std::int32_t shape) : color_(color), shape_(shape) {}
 
-    /// As "#RRGGBB"; empty when nothing is to be drawn.
+    /// As "#RRGGBB"; empty draws nothing.
     QString color() const { return color_.toString(); }
     /// 0 draws nothing.
     std::int32_t shape() const { return shape_; }

@@ -311,7 +311,7 @@ void LinkTest::serverIsDestroyedByItsReceiver() {
 void LinkTest::whoDoesNotReadIsLetGo() {
     ItemDataEvent large = largeItem();
     const qint64 enough = Limits::kMaxUnsentBytes / large.getSize();
-    messages_->expect(QtWarningMsg, "Companion 1 does not read what it is sent, disconnected", 2);
+    messages_->expect(QtWarningMsg, "Companion 1 leaves too much unread, disconnected", 2);
     for (const bool destroyed : {false, true}) {
         server_ = std::make_unique<CompanionServer>(nullptr);
         QVERIFY(server_->listen(QHostAddress::LocalHost, 0));
@@ -345,7 +345,7 @@ void LinkTest::whoDoesNotReadIsLetGo() {
         }
     }
 
-    messages_->expect(QtWarningMsg, "The Producer does not read what it is sent, disconnected");
+    messages_->expect(QtWarningMsg, "The Producer leaves too much unread, disconnected");
     QTcpServer deaf;
     QVERIFY(deaf.listen(QHostAddress::LocalHost));
     Companion companion;

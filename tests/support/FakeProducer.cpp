@@ -76,27 +76,27 @@ void FakeProducer::stall() {
 }
 
 bool FakeProducer::answerDiscovery(const QHostAddress& from) {
-    ear_ = std::make_unique<QUdpSocket>();
-    mouth_ = std::make_unique<QUdpSocket>();
-    connect(ear_.get(), &QUdpSocket::readyRead, this, &FakeProducer::onDatagram);
-    return mouth_->bind(from, 0) &&
-           ear_->bind(QHostAddress::AnyIPv4, 62330, QUdpSocket::ReuseAddressHint);
+    receiver_ = std::make_unique<QUdpSocket>();
+    sender_ = std::make_unique<QUdpSocket>();
+    connect(receiver_.get(), &QUdpSocket::readyRead, this, &FakeProducer::onDatagram);
+    return sender_->bind(from, 0) &&
+           receiver_->bind(QHostAddress::AnyIPv4, 62330, QUdpSocket::ReuseAddressHint);
 }
 
 void FakeProducer::stopAnswering() {
-    ear_.reset();
-    mouth_.reset();
+    receiver_.reset();
+    sender_.reset();
 }
 
 void FakeProducer::onDatagram() {
-    while (ear_->hasPendingDatagrams()) {
+    while (receiver_->hasPendingDatagrams()) {
         QByteArray data(64, '\0');
         QHostAddress sender;
-        data.truncate(ear_->readDatagram(data.data(), data.size(), &sender));
+        data.truncate(receiver_->readDatagram(data.data(), data.size(), &sender));
         if (data != "PingServers")
             continue;
         ++pings_;
-        mouth_->writeDatagram("PingReceived", sender, 62331);
+        sender_->writeDatagram("PingReceived", sender, 62331);
     }
 }
 

@@ -83,8 +83,8 @@ private:
     bool stalled_ = false;
     QByteArray bytes_;
     std::vector<std::unique_ptr<NetworkCompanion::Event>> events_;
-    std::unique_ptr<QUdpSocket> ear_;
-    std::unique_ptr<QUdpSocket> mouth_;
+    std::unique_ptr<QUdpSocket> receiver_;
+    std::unique_ptr<QUdpSocket> sender_;
     int pings_ = 0;
 };
 
