@@ -1,7 +1,7 @@
-// How long the operator waits for the list: a show's items arriving, the next row, a key typed into
-// the search box. The naive list beside it does what is asked for to the letter: on every arrival
-// all rows out of the layout, a bubble sort, and all back in. Run it in a network namespace; the
-// list's requests go through the process's dispatcher.
+// Latency of the media list: arrival and removal of a show's items, selection of the next row, one
+// key in the search box. The naive list for comparison rebuilds its layout with a bubble sort on
+// every arrival. Run it in a network namespace because the list sends requests through the
+// process's client.
 
 #include "app/shell/Configuration.h"
 #include "network/events/AddMediaEvent.h"
@@ -28,7 +28,7 @@ const Configuration& configuration() {
     return instance;
 }
 
-/// Media in an order that is nobody's: neither sorted nor reversed.
+/// Medias in shuffled order: neither sorted nor reversed.
 std::vector<AddMediaEvent> makeShow(int count) {
     std::vector<AddMediaEvent> show;
     for (int i = 0; i < count; ++i) {
@@ -40,7 +40,7 @@ std::vector<AddMediaEvent> makeShow(int count) {
     return show;
 }
 
-/// Until everything that is due has been laid out and painted.
+/// Runs the event loop until layout and painting are done.
 void settle() {
     for (int i = 0; i < 3; ++i) {
         QApplication::sendPostedEvents();

@@ -1,6 +1,6 @@
 #include "warp/BlindButton.h"
 
-#include "warp/OutOfSight.h"
+#include "warp/OutOfView.h"
 
 #include <QMouseEvent>
 
@@ -14,5 +14,5 @@ void BlindButton::mousePressEvent(QMouseEvent* event) {
 }
 
 bool BlindButton::event(QEvent* event) {
-    return isRepaintOutOfSight(*this, *event) || QLabel::event(event);
+    return isRepaintOutOfView(*this, *event) || QLabel::event(event);
 }

@@ -2,7 +2,7 @@
 
 #include <QLabel>
 
-/// The eye of a list row: shows the picture that its row gives it and reports presses.
+/// The eye of a list row: shows the picture that its row sets and reports presses.
 class BlindButton final : public QLabel {
     Q_OBJECT
 
@@ -14,6 +14,6 @@ signals:
 
 protected:
     bool event(QEvent* event) override;
-    /// Any button counts, and the press ends here: it does not select the row.
+    /// Accepts a press of any mouse button, so that it does not reach and select the row.
     void mousePressEvent(QMouseEvent* event) override;
 };

@@ -40,7 +40,7 @@ constexpr std::array kEventTypes{LV_NTC_EventType::MediaMovePoint,
                                  LV_NTC_EventType::ScreenPartMovePoint,
                                  LV_NTC_EventType::TextureMovePoint, LV_NTC_EventType::ItemData};
 
-unsigned int wireNumber(int number) {
+unsigned int toUnsigned(int number) {
     return static_cast<unsigned int>(number);
 }
 
@@ -78,7 +78,7 @@ Canvas::~Canvas() {
     for (const LV_NTC_EventType type : kEventTypes)
         EventDispatcher::getInstance()->removeListener(this, type);
     KeyEventManager::getInstance()->removeListener(this);
-    delete quickWidget_; // before the rest: the scene may call the bridge until it is gone
+    delete quickWidget_; // first, because the scene may call the bridge until it is deleted
     updateProducer_->stop();
 }
 
@@ -87,7 +87,7 @@ void Canvas::initCanvas() {
     quickWidget_ = new QQuickWidget(this);
     layout_->addWidget(quickWidget_);
     quickWidget_->setResizeMode(QQuickWidget::SizeRootObjectToView);
-    quickWidget_->setClearColor(Qt::black); // nothing flashes up before the first frame
+    quickWidget_->setClearColor(Qt::black); // white would flash before the first frame
     quickWidget_->setAttribute(Qt::WA_AcceptTouchEvents);
     quickWidget_->setFocusPolicy(Qt::StrongFocus);
     setFocusProxy(quickWidget_);
@@ -127,7 +127,7 @@ void Canvas::initCanvas() {
     context->setContextProperty("curveMaxCols", 16);
 
     registerMeshTypes();
-    quickWidget_->setSource(QUrl(configuration_.canvasPath)); // logs what is wrong with it
+    quickWidget_->setSource(QUrl(configuration_.canvasPath)); // logs errors in the document
     quickWidget_->show();
 }
 
@@ -198,7 +198,7 @@ void Canvas::onMediaItemAdded(int type, unsigned int cueId, int mediaId, int sou
 }
 
 void Canvas::onRemoveMediaItem(unsigned int cueId) {
-    forget(LV_NTC_ElementType::Media, static_cast<int>(cueId));
+    releaseItem(LV_NTC_ElementType::Media, static_cast<int>(cueId));
     emit removeMediaItem(cueId);
 }
 
@@ -209,7 +209,7 @@ void Canvas::onScreenItemAdded(int idNum, int sourceWidth, int sourceHeight, flo
 }
 
 void Canvas::onRemoveScreenItem(int idNum) {
-    forget(LV_NTC_ElementType::Screen, idNum);
+    releaseItem(LV_NTC_ElementType::Screen, idNum);
     emit removeScreenItem(idNum);
 }
 
@@ -221,7 +221,7 @@ void Canvas::onScreenPartItemAdded(int screenId, int screenPartId, int sourceWid
 }
 
 void Canvas::onRemoveScreenPartItem(int screenId, int screenPartId) {
-    forget(LV_NTC_ElementType::ScreenPart, screenPartId, screenId);
+    releaseItem(LV_NTC_ElementType::ScreenPart, screenPartId, screenId);
     emit removeScreenPartItem(screenId, screenPartId);
 }
 
@@ -231,7 +231,7 @@ void Canvas::onTextureItemAdded(unsigned int cueId, int textureId, int sourceWid
 }
 
 void Canvas::onRemoveTextureItem(unsigned int cueId) {
-    forget(LV_NTC_ElementType::Texture, static_cast<int>(cueId));
+    releaseItem(LV_NTC_ElementType::Texture, static_cast<int>(cueId));
     emit removeTextureItem(cueId);
 }
 
@@ -398,36 +398,36 @@ void Canvas::newCurveDeformation(int rowNumber, int colNumber, bool resetXY) {
 }
 
 void Canvas::initializeDeformation(LV_NTC_DeformationType type, int rows, int cols, bool reset) {
-    updateProducer(); // what was moved before is told before
+    updateProducer(); // queued moves refer to the present mesh
     if (currentItem_ == nullptr)
         return;
     const QByteArray name = currentItem_->name().toUtf8();
-    const unsigned int id = wireNumber(currentItem_->id());
-    const unsigned int dataIndex = wireNumber(currentItem_->dataIndex());
+    const unsigned int id = toUnsigned(currentItem_->id());
+    const unsigned int dataIndex = toUnsigned(currentItem_->dataIndex());
     switch (currentItem_->elementType()) {
     case LV_NTC_ElementType::Media: {
         const int mediaId = static_cast<MediaItem*>(currentItem_.data())->mediaId();
         sendToProducer(MediaDeformationModeEvent(LV_NTC_ElementType::Media, type, id,
-                                                 wireNumber(mediaId), dataIndex, name.constData(),
-                                                 wireNumber(rows), wireNumber(cols), reset));
+                                                 toUnsigned(mediaId), dataIndex, name.constData(),
+                                                 toUnsigned(rows), toUnsigned(cols), reset));
         break;
     }
     case LV_NTC_ElementType::Texture: {
         const int textureId = static_cast<TextureItem*>(currentItem_.data())->textureId();
         sendToProducer(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, type, id,
-                                                 wireNumber(textureId), dataIndex, name.constData(),
-                                                 wireNumber(rows), wireNumber(cols), reset));
+                                                 toUnsigned(textureId), dataIndex, name.constData(),
+                                                 toUnsigned(rows), toUnsigned(cols), reset));
         break;
     }
     case LV_NTC_ElementType::Screen:
-        sendToProducer(DeformationModeEvent(type, id, dataIndex, name.constData(), wireNumber(rows),
-                                            wireNumber(cols), reset));
+        sendToProducer(DeformationModeEvent(type, id, dataIndex, name.constData(), toUnsigned(rows),
+                                            toUnsigned(cols), reset));
         break;
     case LV_NTC_ElementType::ScreenPart:
         if (const auto* screen = static_cast<ScreenPartItem*>(currentItem_.data())->screenItem()) {
             sendToProducer(ScreenPartDeformationModeEvent(
-                type, wireNumber(screen->id()), id, dataIndex, name.constData(), wireNumber(rows),
-                wireNumber(cols), reset));
+                type, toUnsigned(screen->id()), id, dataIndex, name.constData(), toUnsigned(rows),
+                toUnsigned(cols), reset));
         }
         break;
     case LV_NTC_ElementType::None:
@@ -445,7 +445,7 @@ bool Canvas::isCurrent(LV_NTC_ElementType type, int id, int subId) const {
     return screen != nullptr && screen->id() == subId;
 }
 
-void Canvas::forget(LV_NTC_ElementType type, int id, int subId) {
+void Canvas::releaseItem(LV_NTC_ElementType type, int id, int subId) {
     if (isCurrent(type, id, subId)) {
         dropPendingMoves();
         currentItem_ = nullptr;
@@ -463,7 +463,7 @@ void Canvas::dropPendingMoves() {
 void Canvas::updateProducer() {
     if (currentItem_ == nullptr)
         return;
-    // Sent with the lock released: a link that breaks under a send ends up here again.
+    // The lock is released before sending because a connection lost in sendEvent() reenters here.
     const auto flush = [this](auto& pending, auto send) {
         std::unique_lock lock(pendingLock_);
         const auto moves = std::exchange(pending, {});
@@ -502,7 +502,7 @@ void Canvas::queueOrSend(Pending& pending, int pointId, const Data& move, Send s
         return;
     }
     if (!pending.isEmpty())
-        updateProducer(); // the end of the last drag must not arrive after this move
+        updateProducer(); // keeps the last drag's moves ahead of this one
     send(key, move);
 }
 
@@ -510,8 +510,8 @@ void Canvas::moveMediaPoint(int tag, int id, const QString& name, int pointId, d
                             double z, bool xy, bool selected) {
     if (isCurrent(LV_NTC_ElementType::Media, tag)) {
         queueOrSend(pendingMediaMoves_, pointId,
-                    CuePointData{wireNumber(tag),
-                                 wireNumber(id),
+                    CuePointData{toUnsigned(tag),
+                                 toUnsigned(id),
                                  {currentItem_->dataIndex(), name, x, y, z, xy, selected}},
                     sendMediaMove);
     }
@@ -521,7 +521,7 @@ void Canvas::moveScreenPoint(int id, const QString& name, int pointId, double x,
                              bool xy, bool selected) {
     if (isCurrent(LV_NTC_ElementType::Screen, id)) {
         queueOrSend(pendingScreenMoves_, pointId,
-                    ScreenPointData{wireNumber(id),
+                    ScreenPointData{toUnsigned(id),
                                     {currentItem_->dataIndex(), name, x, y, z, xy, selected}},
                     sendScreenMove);
     }
@@ -531,8 +531,8 @@ void Canvas::moveScreenPartPoint(int screenId, int partId, const QString& name, 
                                  double x, double y, double z, bool xy, bool selected) {
     if (isCurrent(LV_NTC_ElementType::ScreenPart, partId, screenId)) {
         queueOrSend(pendingScreenPartMoves_, pointId,
-                    ScreenPartPointData{wireNumber(screenId),
-                                        wireNumber(partId),
+                    ScreenPartPointData{toUnsigned(screenId),
+                                        toUnsigned(partId),
                                         {currentItem_->dataIndex(), name, x, y, z, xy, selected}},
                     sendScreenPartMove);
     }
@@ -542,8 +542,8 @@ void Canvas::moveTexturePoint(int tag, int id, const QString& name, int pointId,
                               double z, bool xy, bool selected) {
     if (isCurrent(LV_NTC_ElementType::Texture, tag)) {
         queueOrSend(pendingTextureMoves_, pointId,
-                    CuePointData{wireNumber(tag),
-                                 wireNumber(id),
+                    CuePointData{toUnsigned(tag),
+                                 toUnsigned(id),
                                  {currentItem_->dataIndex(), name, x, y, z, xy, selected}},
                     sendTextureMove);
     }
@@ -551,29 +551,29 @@ void Canvas::moveTexturePoint(int tag, int id, const QString& name, int pointId,
 
 void Canvas::sendMediaMove(unsigned int pointId, const CuePointData& move) {
     const PointState& point = move.point;
-    sendToProducer(MediaMovePointEvent(move.cueId, move.elementId, wireNumber(point.dataIndex),
+    sendToProducer(MediaMovePointEvent(move.cueId, move.elementId, toUnsigned(point.dataIndex),
                                        point.name.toUtf8().constData(), pointId, point.x, point.y,
                                        point.z, point.xy, point.selected));
 }
 
 void Canvas::sendTextureMove(unsigned int pointId, const CuePointData& move) {
     const PointState& point = move.point;
-    sendToProducer(TextureMovePointEvent(move.cueId, move.elementId, wireNumber(point.dataIndex),
+    sendToProducer(TextureMovePointEvent(move.cueId, move.elementId, toUnsigned(point.dataIndex),
                                          point.name.toUtf8().constData(), pointId, point.x, point.y,
                                          point.z, point.xy, point.selected));
 }
 
 void Canvas::sendScreenMove(int pointId, const ScreenPointData& move) {
     const PointState& point = move.point;
-    sendToProducer(ScreenMovePointEvent(move.screenId, wireNumber(point.dataIndex),
-                                        point.name.toUtf8().constData(), wireNumber(pointId),
+    sendToProducer(ScreenMovePointEvent(move.screenId, toUnsigned(point.dataIndex),
+                                        point.name.toUtf8().constData(), toUnsigned(pointId),
                                         point.x, point.y, point.z, point.xy, point.selected));
 }
 
 void Canvas::sendScreenPartMove(int pointId, const ScreenPartPointData& move) {
     const PointState& point = move.point;
     sendToProducer(ScreenPartMovePointEvent(move.screenId, move.screenPartId,
-                                            wireNumber(point.dataIndex),
-                                            point.name.toUtf8().constData(), wireNumber(pointId),
+                                            toUnsigned(point.dataIndex),
+                                            point.name.toUtf8().constData(), toUnsigned(pointId),
                                             point.x, point.y, point.z, point.xy, point.selected));
 }

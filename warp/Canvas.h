@@ -28,12 +28,12 @@ class ScreenPartMovePointEvent;
 class TextureMovePointEvent;
 } // namespace NetworkCompanion
 
-/// Hosts the mesh editor's scene and is its only bridge to the program: tells it what the list and
-/// the Producer report, and turns its requests into events for the Producer. The scene knows it as
-/// `cppCanvas`.
+/// Hosts the mesh editor's scene and is its only bridge to the program: emits as signals what the
+/// list and the Producer report, and sends the scene's requests as events to the Producer. The
+/// scene accesses it as `cppCanvas`.
 ///
-/// Item types towards the scene are 0 none, 1 media, 2 texture, 3 screen, 4 screen part. The scene
-/// numbers deformations 0 none, 1 keystone, 2 bezier, 3 curve, one more than on the wire.
+/// Item types in signals are 0 none, 1 media, 2 texture, 3 screen, 4 screen part. Deformation types
+/// are 0 none, 1 keystone, 2 bezier, 3 curve: one more than on the wire.
 class Canvas final : public QWidget, public EventListener, public KeyEventListener {
     Q_OBJECT
 
@@ -45,24 +45,25 @@ public:
     void receive(NetworkCompanion::Event* event) override;
     void notified(QKeyEvent* keyEvent) override;
 
-    /// `point` turned by `angle` degrees about the origin.
+    /// `point` rotated by `angle` degrees about the origin.
     Q_INVOKABLE QPointF rotate(QPointF point, double angle) const;
 
-    // Between these two, moves are collected by point and sent with the tick of UpdateProducer;
-    // outside, each is sent at once.
+    // Between these two calls, moves are queued by point and sent with the tick of UpdateProducer;
+    // otherwise each is sent at once.
     Q_INVOKABLE void startMovePointTimer();
     Q_INVOKABLE void stopMovePointTimer();
 
-    // Ask the Producer for another deformation of the current item. A bezier's rows and columns are
-    // counted in patch corners, a curve's in points. `resetXY` gives up the shape there is.
+    // Request another deformation of the current item from the Producer. A bezier's rows and
+    // columns are counted in patch corners, a curve's in points. `resetXY` discards the present
+    // shape.
     Q_INVOKABLE void newNoneDeformation();
     Q_INVOKABLE void newKeystoneDeformation(bool resetXY);
     Q_INVOKABLE void newBezierDeformation(int rowNumber, int colNumber, bool resetXY);
     Q_INVOKABLE void newCurveDeformation(int rowNumber, int colNumber, bool resetXY);
 
     // Move one point of the current item: x and y in pixels from the item's centre when `xy`, else
-    // in 0..1 of the source's size. Moves of any other item, and positions that are not finite
-    // numbers, are ignored: the item may have been removed a moment ago.
+    // in 0..1 of the source's size. Positions that are not finite are ignored, and so are moves of
+    // any other item, because the scene may still move an item that was just removed.
     Q_INVOKABLE void moveMediaPoint(int tag, int id, const QString& name, int pointId, double x,
                                     double y, double z, bool xy, bool selected);
     Q_INVOKABLE void moveScreenPoint(int id, const QString& name, int pointId, double x, double y,
@@ -72,7 +73,7 @@ public:
     Q_INVOKABLE void moveTexturePoint(int tag, int id, const QString& name, int pointId, double x,
                                       double y, double z, bool xy, bool selected);
 
-    /// Hands a key that the scene does not use back to the program.
+    /// Emits keyEvent() for a key that the scene does not use.
     Q_INVOKABLE void notifyKeyEventFromQml(int type, int key, int modifiers, const QString& text,
                                            bool autorep, int count);
 
@@ -107,7 +108,7 @@ signals:
                              double y, double z, bool xy, bool selected);
     void textureMovePoint(unsigned int cueId, int textureId, QString name, int pointId, double x,
                           double y, double z, bool xy, bool selected);
-    /// The event lives only as long as the signal.
+    /// The event is valid only during the signal.
     void keyEvent(QKeyEvent* keyEvent);
     void leftAxisMoved(float x, float y);
     void rightAxisMoved(float x, float y);
@@ -115,9 +116,9 @@ signals:
     void action(Action action);
 
 public slots:
-    /// Sends the collected moves of the current item, in ascending order of their points.
+    /// Sends the queued moves of the current item in ascending order of points.
     void updateProducer();
-    /// Moves that are still collected for the item that was current are sent first.
+    /// Sends the queued moves of the previous item first.
     void onSelectedItem(Item* item);
     void onScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType);
     void onMediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
@@ -180,10 +181,10 @@ private:
                                bool reset);
 
     bool isCurrent(NetworkCompanion::LV_NTC_ElementType type, int id, int subId = 0) const;
-    /// The item is about to go, or its points are about to be replaced.
+    /// For an item that is removed or whose mesh is replaced.
     void dropPendingMoves();
-    /// Nothing more is sent for the item if it is the current one; its row is about to be deleted.
-    void forget(NetworkCompanion::LV_NTC_ElementType type, int id, int subId = 0);
+    /// If the item is the current one, drops its moves and leaves no current item.
+    void releaseItem(NetworkCompanion::LV_NTC_ElementType type, int id, int subId = 0);
 
     /// Queues the move, or sends it with `send` when no drag is running.
     template <class Pending, class Data, class Send>
@@ -193,7 +194,7 @@ private:
     static void sendScreenMove(int pointId, const ScreenPointData& move);
     static void sendScreenPartMove(int pointId, const ScreenPartPointData& move);
 
-    // Each tells the scene, and says whether the position was one.
+    // Each emits the signal; false, without a signal, if the position is not finite.
     bool updateMediaMovePoint(const NetworkCompanion::MediaMovePointEvent& event);
     bool updateScreenMovePoint(const NetworkCompanion::ScreenMovePointEvent& event);
     bool updateScreenPartMovePoint(const NetworkCompanion::ScreenPartMovePointEvent& event);

@@ -1,7 +1,7 @@
 #include "warp/Item.h"
 
 #include "app/shell/Configuration.h"
-#include "warp/OutOfSight.h"
+#include "warp/OutOfView.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -14,8 +14,8 @@ using namespace NetworkCompanion;
 
 namespace {
 
-/// The picture in the resolution of the screen, drawn once for all rows.
-QPixmap sharpPicture(const QString& path, qreal devicePixelRatio) {
+/// The picture in the resolution of the screen; rendered once and shared by all rows.
+QPixmap scaledPicture(const QString& path, qreal devicePixelRatio) {
     const QString key = QStringLiteral("%1@%2").arg(path).arg(devicePixelRatio);
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
@@ -47,7 +47,7 @@ void Item::initDeformer(LV_NTC_ElementType elementType, int id, const QString& n
     deformation_ = Deformation();
 }
 
-void Item::furnish() {
+void Item::createWidgets() {
     if (label_ != nullptr)
         return;
     label_ = new NameLabel(this);
@@ -68,7 +68,7 @@ void Item::furnish() {
     showLabelText();
     showBlindPicture();
     showActive();
-    // At once, not with the next turn of the event loop: the row may be painted before that.
+    // Shown at once because the row may be painted before the next event-loop iteration.
     label_->show();
     blindButton_->show();
     layout->activate();
@@ -98,7 +98,7 @@ void Item::showBlindPicture() {
     if (blindButton_ == nullptr)
         return;
     const QString path = configuration_->visibilityImagesPath.value(blinded_ ? 0 : 1);
-    blindButton_->setPixmap(sharpPicture(path, devicePixelRatioF()));
+    blindButton_->setPixmap(scaledPicture(path, devicePixelRatioF()));
 }
 
 void Item::setActive(bool active) {
@@ -136,5 +136,5 @@ void Item::mousePressEvent(QMouseEvent* event) {
 bool Item::event(QEvent* event) {
     if (event->type() == QEvent::ScreenChangeInternal)
         showBlindPicture(); // the new screen may have another resolution
-    return isRepaintOutOfSight(*this, *event) || QWidget::event(event);
+    return isRepaintOutOfView(*this, *event) || QWidget::event(event);
 }

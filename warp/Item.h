@@ -11,8 +11,8 @@
 
 struct Configuration;
 
-/// One row of the media list: shows an element of the Producer's show and asks for its blind.
-/// A click never changes the row itself; the new state comes back from the Producer.
+/// One row of the media list: shows an element of the Producer's show and requests its blind.
+/// A click never changes the row itself; the Producer reports the new state.
 class Item : public QWidget {
     Q_OBJECT
 
@@ -34,41 +34,41 @@ public:
     /// The cue of a media or texture, the screen's number, or the part's number within its screen.
     int id() const { return id_; }
     QString name() const { return name_; }
-    /// The label stays as it is.
+    /// Leaves the label unchanged.
     void setName(const QString& name) { name_ = name; }
-    /// Identifies the element in requests for its mesh.
+    /// The element's identifier in requests for its mesh.
     int dataIndex() const { return dataIndex_; }
     int sourceWidth() const { return sourceWidth_; }
     int sourceHeight() const { return sourceHeight_; }
 
-    /// Makes this the row of that element, with nothing reported about its mesh yet.
+    /// Sets the element and resets the deformation to "not reported".
     void initDeformer(NetworkCompanion::LV_NTC_ElementType elementType, int id,
                       const QString& name);
     const Deformation& deformation() const { return deformation_; }
     void setDeformation(const Deformation& deformation) { deformation_ = deformation; }
 
-    /// The name as the list sorts, filters and shows it.
+    /// The text by which the list sorts and filters, and which the row shows.
     QString labelText() const { return labelText_; }
     void setLabelText(const QString& text);
-    /// The label's text as the list compares it: UTF-8 with A to Z lowered.
+    /// labelText() as UTF-8 with A to Z lowered: the list sorts by these bytes.
     const QByteArray& sortKey() const { return sortKey_; }
 
     bool isBlinded() const { return blinded_; }
     void setBlinded(bool blinded);
 
-    /// Of the name while the row is not selected; shown from the next setActive() on.
+    /// The label's colour while the row is not selected; applied by the next setActive().
     void setLabelColor(const QColor& color) { labelColor_ = color; }
     bool isActive() const { return active_; }
-    /// Shows the row as the selected one, or as one among others.
+    /// Applies the look of a selected row, or of any other.
     void setActive(bool active);
 
-    /// Gives the row what it shows, once: name, eye and colours. Until then it is an empty place;
-    /// of a long list, a few rows are ever looked at.
-    void furnish();
+    /// Creates label and eye on the first call; does nothing later. The list calls it when the row
+    /// scrolls into view, because most rows of a long list never do.
+    void createWidgets();
 
 public slots:
     void onBlindPressed();
-    /// Asks the Producer for the opposite of the blind state that this row shows.
+    /// Requests the opposite of the shown blind state from the Producer.
     virtual void onBlind() = 0;
 
 signals:
@@ -97,6 +97,6 @@ private:
     const Configuration* configuration_;
     QString labelText_;
     QByteArray sortKey_;
-    NameLabel* label_ = nullptr; ///< with the eye, not there before the row is furnished
+    NameLabel* label_ = nullptr; ///< null, like the eye, until createWidgets()
     BlindButton* blindButton_ = nullptr;
 };

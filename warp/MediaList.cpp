@@ -73,8 +73,8 @@ bool isScreenOrPart(const Item* row) {
            row->elementType() == LV_NTC_ElementType::ScreenPart;
 }
 
-/// Whether `a` stands before `b`: by label, medias before textures of the same label, then by
-/// number.
+/// Whether `a` is sorted before `b`: by label, medias before textures of the same label, then by
+/// id.
 bool precedes(const Item* a, const Item* b) {
     if (const int order = qstrcmp(a->sortKey(), b->sortKey()); order != 0)
         return order < 0;
@@ -83,7 +83,7 @@ bool precedes(const Item* a, const Item* b) {
     return static_cast<unsigned int>(a->id()) < static_cast<unsigned int>(b->id());
 }
 
-/// Whether the scene can build it; warns when not.
+/// Whether the scene can build the deformation; warns otherwise.
 template <class DeformationEvent>
 bool isBuildable(const DeformationEvent& event) {
     const auto isGridSize = [](std::uint32_t size) {
@@ -91,7 +91,7 @@ bool isBuildable(const DeformationEvent& event) {
     };
     switch (event.deformationType()) {
     case LV_NTC_DeformationType::None:
-    case LV_NTC_DeformationType::Keystone: // its size is known
+    case LV_NTC_DeformationType::Keystone: // always 2 x 2
         return true;
     case LV_NTC_DeformationType::Bezier:
     case LV_NTC_DeformationType::Curve:
@@ -141,7 +141,7 @@ void MediaList::initMediaList() {
     scrollArea_->installEventFilter(this);
     scrollArea_->viewport()->installEventFilter(this);
     connect(scrollArea_->verticalScrollBar(), &QScrollBar::valueChanged, this,
-            &MediaList::furnishRowsInSight);
+            &MediaList::createWidgetsInView);
     new TouchScroller(scrollArea_);
     setFocusProxy(scrollArea_);
 
@@ -281,22 +281,22 @@ QString MediaList::partLabel(const ScreenItem* screen, const QString& partName) 
            (partName.isEmpty() ? QString(QLatin1StringView(WarpLook::kUnnamedPart)) : partName);
 }
 
-void MediaList::adopt(Item* row) {
+void MediaList::initRow(Item* row) {
     row->setFixedHeight(WarpLook::kRowHeight);
-    row->move(0, -WarpLook::kRowHeight); // shown, but out of sight until it has its place
+    row->move(0, -WarpLook::kRowHeight); // above the visible area until the layout positions it
     connect(row, &Item::selected, this, &MediaList::onSelectedItem);
     newRows_.push_back(row);
 }
 
-void MediaList::takeOut(Item* row) {
-    holdLayout();
+void MediaList::removeFromLayout(Item* row) {
+    deferLayout();
     rowsLayout_->removeWidget(row);
     std::erase(isScreenOrPart(row) ? sortedScreens_ : sortedMedias_, row);
     std::erase(newRows_, row);
     changedRows_.erase(row);
 }
 
-void MediaList::dispose(Item* row) {
+void MediaList::deleteRow(Item* row) {
     if (row == selectedItem_)
         onSelectedItem(nullptr);
     delete row;
@@ -316,7 +316,7 @@ void MediaList::addMedia(MediaType::Enum type, unsigned int cueId, int mediaId, 
     if (findMedia(cueId) == nullptr) {
         auto* row = new MediaItem(type, cueId, mediaId, dataIndex, sourceWidth, sourceHeight, flag,
                                   name, configuration_, content_);
-        adopt(row);
+        initRow(row);
         mediaItems_.emplace(cueId, row);
     }
     emit mediaItemAdded(type, cueId, mediaId, sourceWidth, sourceHeight, sourceRotation, name);
@@ -329,7 +329,7 @@ void MediaList::addTexture(unsigned int cueId, int textureId, int dataIndex, int
     if (findTexture(cueId) == nullptr) {
         auto* row = new TextureItem(cueId, textureId, dataIndex, sourceWidth, sourceHeight, flag,
                                     name, configuration_, content_);
-        adopt(row);
+        initRow(row);
         textureItems_.emplace(cueId, row);
     }
     emit textureItemAdded(cueId, textureId, sourceWidth, sourceHeight, sourceRotation, name);
@@ -356,7 +356,7 @@ void MediaList::addScreen(int screenId, int dataIndex, int sourceWidth, int sour
     } else {
         screen = new ScreenItem(screenId, dataIndex, sourceWidth, sourceHeight, blinded, name,
                                 configuration_, content_);
-        adopt(screen);
+        initRow(screen);
         screenItems_[index] = screen;
     }
     emit screenItemAdded(screenId, sourceWidth, sourceHeight, 0.0F, sourceDeformerRotation, name);
@@ -379,7 +379,7 @@ void MediaList::addScreenPart(int screenId, int partId, int dataIndex, int sourc
         part = new ScreenPartItem(partId, dataIndex, sourceWidth, sourceHeight, blinded, name,
                                   configuration_, content_);
         part->setLabelText(partLabel(screen, name));
-        adopt(part);
+        initRow(part);
         screen->addPart(part);
     } else {
         relabel(part, partLabel(screen, name));
@@ -393,10 +393,10 @@ void MediaList::removeMedia(unsigned int cueId) {
     MediaItem* row = findMedia(cueId);
     if (row == nullptr)
         return;
-    takeOut(row);
+    removeFromLayout(row);
     emit removeMediaItem(cueId);
     mediaItems_.erase(cueId);
-    dispose(row);
+    deleteRow(row);
     emit itemRemoved();
 }
 
@@ -404,10 +404,10 @@ void MediaList::removeTexture(unsigned int cueId) {
     TextureItem* row = findTexture(cueId);
     if (row == nullptr)
         return;
-    takeOut(row);
+    removeFromLayout(row);
     emit removeTextureItem(cueId);
     textureItems_.erase(cueId);
-    dispose(row);
+    deleteRow(row);
     emit itemRemoved();
 }
 
@@ -420,7 +420,7 @@ void MediaList::removeScreen(int screenId) {
     emit removeScreenItem(screenId);
     if (screen == selectedItem_)
         onSelectedItem(nullptr);
-    takeOut(screen);
+    removeFromLayout(screen);
     screenItems_[static_cast<std::size_t>(screenId)] = nullptr;
     delete screen;
     emit itemRemoved();
@@ -431,9 +431,9 @@ void MediaList::removeScreenPart(int screenId, int partId) {
     ScreenPartItem* part = screen != nullptr ? screen->removePart(partId) : nullptr;
     if (part == nullptr)
         return;
-    takeOut(part);
+    removeFromLayout(part);
     emit removeScreenPartItem(screenId, partId);
-    dispose(part);
+    deleteRow(part);
     emit itemRemoved();
 }
 
@@ -458,7 +458,7 @@ void MediaList::updateScreenMode(int screenId, LV_NTC_ModeType mode) {
         return;
     }
     screen->setMode(mode);
-    holdLayout();
+    deferLayout();
     if (screen->isHandledThroughParts()) {
         if (selectedItem_ == screen)
             onSelectedItem(nullptr);
@@ -585,7 +585,7 @@ void MediaList::sortItemList(std::vector<Item*>& items) const {
 
 void MediaList::updateMediaList() {
     if (isOrderStale_ || !newRows_.empty() || !changedRows_.empty())
-        holdLayout();
+        deferLayout();
     for (Item* row : newRows_)
         applyFilters(row);
     for (Item* row : std::exchange(changedRows_, {}))
@@ -594,14 +594,14 @@ void MediaList::updateMediaList() {
         rebuildLayout();
     else
         for (Item* row : newRows_)
-            place(row);
+            insertIntoLayout(row);
     newRows_.clear();
     unselectIfHidden();
 }
 
 void MediaList::rebuildLayout() {
     while (QLayoutItem* item = rowsLayout_->takeAt(0)) {
-        // Without this, every addWidget() below would search the layout for its widget.
+        // Cleared because addWidget() would otherwise search the layout for the widget.
         item->widget()->setAttribute(Qt::WA_LaidOut, false);
         delete item;
     }
@@ -625,7 +625,7 @@ void MediaList::rebuildLayout() {
     isOrderStale_ = false;
 }
 
-void MediaList::place(Item* row) {
+void MediaList::insertIntoLayout(Item* row) {
     // The layout holds the screens with their parts, then the medias and textures.
     const int firstMedia = rowsLayout_->count() - static_cast<int>(sortedMedias_.size());
     if (row->elementType() == LV_NTC_ElementType::ScreenPart) {
@@ -653,35 +653,35 @@ Item* MediaList::getItemFromLayout(int index) const {
     return item != nullptr ? static_cast<Item*>(item->widget()) : nullptr;
 }
 
-void MediaList::holdLayout() {
-    if (isLayoutHeld_)
+void MediaList::deferLayout() {
+    if (isLayoutDeferred_)
         return;
-    isLayoutHeld_ = true;
+    isLayoutDeferred_ = true;
     rowsLayout_->setEnabled(false);
-    QMetaObject::invokeMethod(this, &MediaList::layOut, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &MediaList::applyLayout, Qt::QueuedConnection);
 }
 
-void MediaList::layOut() {
-    if (!isLayoutHeld_)
+void MediaList::applyLayout() {
+    if (!isLayoutDeferred_)
         return;
-    isLayoutHeld_ = false;
+    isLayoutDeferred_ = false;
     rowsLayout_->setEnabled(true);
-    // The scroll area first gives the content its height, so that the rows move only once.
+    // The scroll area resizes the content first, so that the rows move only once.
     QEvent request(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(scrollArea_, &request);
     rowsLayout_->activate();
-    furnishRowsInSight();
+    createWidgetsInView();
 }
 
-void MediaList::furnishRowsInSight() {
+void MediaList::createWidgetsInView() {
     const int top = scrollArea_->verticalScrollBar()->value();
     const int bottom = top + scrollArea_->viewport()->height();
     for (int index = 0; Item* row = getItemFromLayout(index); ++index) {
         if (row->isHidden() || row->y() + row->height() <= top)
             continue;
         if (row->y() >= bottom)
-            break; // and so are all below it
-        row->furnish();
+            break; // all rows below are out of view
+        row->createWidgets();
     }
 }
 
@@ -723,7 +723,7 @@ void MediaList::unselectIfHidden() {
 int MediaList::filterByText(const QString& text) {
     filterText_ = text;
     const int visible = filterByText();
-    scrollToWhatMatters();
+    scrollToSelection();
     return visible;
 }
 
@@ -735,7 +735,7 @@ int MediaList::filterByText() {
 }
 
 int MediaList::textFilterOnScreensAndScreenParts(const QString& text) {
-    holdLayout();
+    deferLayout();
     int visible = 0;
     for (Item* row : sortedScreens_) {
         visible += showIfMatching(row, text);
@@ -747,7 +747,7 @@ int MediaList::textFilterOnScreensAndScreenParts(const QString& text) {
 }
 
 int MediaList::textFilterOnMedias(const QString& text) {
-    holdLayout();
+    deferLayout();
     int visible = 0;
     for (const auto& [cueId, media] : mediaItems_)
         visible += showIfMatching(media, text);
@@ -756,7 +756,7 @@ int MediaList::textFilterOnMedias(const QString& text) {
 }
 
 int MediaList::textFilterOnTextures(const QString& text) {
-    holdLayout();
+    deferLayout();
     int visible = 0;
     for (const auto& [cueId, texture] : textureItems_)
         visible += showIfMatching(texture, text);
@@ -774,11 +774,11 @@ void MediaList::filterScreens() {
         hideScreensAndScreenParts();
     else
         showScreensAndScreenParts();
-    scrollToWhatMatters();
+    scrollToSelection();
 }
 
 void MediaList::hideScreensAndScreenParts() {
-    holdLayout();
+    deferLayout();
     for (Item* row : sortedScreens_) {
         row->hide();
         for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts())
@@ -789,14 +789,14 @@ void MediaList::hideScreensAndScreenParts() {
 }
 
 void MediaList::showScreensAndScreenParts() {
-    holdLayout();
+    deferLayout();
     for (Item* row : sortedScreens_) {
         auto* screen = static_cast<ScreenItem*>(row);
         if (screen->isHandledThroughParts() && !screen->parts().isEmpty())
             screen->showParts();
         else
             screen->show();
-        changedRows_.insert(screen); // shown without regard to the text
+        changedRows_.insert(screen); // shown regardless of the text filter
     }
 }
 
@@ -812,7 +812,7 @@ void MediaList::onSelectedItem(Item* item) {
         item->setActive(true);
     ItemDataEvent request(item != nullptr ? item->dataIndex() : -1);
     EventDispatcher::getInstance()->client().sendEvent(request);
-    if (item == selectedItem_) // a link that breaks under the request ends the selection
+    if (item == selectedItem_) // a connection lost in sendEvent() clears the selection
         emit selectedItem(item);
 }
 
@@ -840,11 +840,11 @@ void MediaList::selectVisible(int from, int step) {
         }
     }
     if (selectedItem_ != nullptr)
-        scrollToWhatMatters();
+        scrollToSelection();
 }
 
-void MediaList::scrollToWhatMatters() {
-    layOut();
+void MediaList::scrollToSelection() {
+    applyLayout();
     if (selectedItem_ != nullptr) {
         scrollArea_->ensureWidgetVisible(selectedItem_, configuration_.listScrollMargins.left(),
                                          configuration_.listScrollMargins.top());
@@ -881,7 +881,7 @@ void MediaList::notified(QKeyEvent* keyEvent) {
         onAction(Action::SELECT_PREVIOUS_SCREEN);
         break;
     case Qt::Key_Space:
-        if (!keyEvent->isAutoRepeat()) // held, it would make the output flicker
+        if (!keyEvent->isAutoRepeat()) // a held key would make the output flicker
             onAction(Action::TOGGLE_BLIND);
         break;
     default:
@@ -892,7 +892,7 @@ void MediaList::notified(QKeyEvent* keyEvent) {
 
 bool MediaList::eventFilter(QObject* watched, QEvent* event) {
     if (watched == scrollArea_->viewport() && event->type() == QEvent::Resize)
-        furnishRowsInSight();
+        createWidgetsInView();
     if (watched == scrollArea_ && event->type() == QEvent::KeyPress) {
         auto* keyEvent = static_cast<QKeyEvent*>(event);
         if (keyEvent->key() >= Qt::Key_Left && keyEvent->key() <= Qt::Key_Down) {

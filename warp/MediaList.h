@@ -28,11 +28,11 @@ class ScreenPartDeformationModeEvent;
 } // namespace NetworkCompanion
 
 /// The list of the Producer's elements, one row each: screens with their parts, then medias and
-/// textures. Keeps the books on them, the selection and the filters, and tells what changes.
+/// textures. Holds the rows, the selection and the filters; emits a signal for every change.
 ///
-/// Order and visibility of the rows are right as soon as an operation returns; their geometry
-/// follows with the next turn of the event loop, however many rows came and went. A row counts as
-/// visible when nothing hides it, also while the whole list is not on screen.
+/// Order and visibility of the rows are up to date when an operation returns; their geometry
+/// follows once in the next event-loop iteration. A row is visible unless it is hidden explicitly,
+/// whether or not the list itself is on screen.
 class MediaList final : public QWidget, public EventListener, public KeyEventListener {
     Q_OBJECT
 
@@ -41,13 +41,13 @@ public:
     MediaList(const Configuration& configuration, QWidget* parent);
     ~MediaList() override;
 
-    /// Events outside the bounds of the protocol are dropped with a warning, those that name
-    /// unknown elements silently.
+    /// Drops events outside the protocol's bounds with a warning, and events that name unknown
+    /// elements silently.
     void receive(NetworkCompanion::Event* event) override;
     void notified(QKeyEvent* keyEvent) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-    // An element that is there already gets no second row, but is announced again.
+    // An element that exists gets no second row, but the signal is emitted again.
     void addMedia(NetworkCompanion::MediaType::Enum type, unsigned int cueId, int mediaId,
                   int dataIndex, int sourceWidth, int sourceHeight, double sourceRotation,
                   bool flag, const QString& name);
@@ -58,7 +58,7 @@ public:
     void addScreenPart(int screenId, int partId, int dataIndex, int sourceWidth, int sourceHeight,
                        double sourceDeformerRotation, bool blinded, const QString& name);
 
-    // A selected element is unselected before its row is deleted.
+    // Clear the selection before deleting a selected row.
     void removeMedia(unsigned int cueId);
     void removeTexture(unsigned int cueId);
     void removeScreen(int screenId);
@@ -68,11 +68,11 @@ public:
     void updateScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType mode);
     void updateScreenBlind(int screenId, bool blinded);
     void updateScreenPartBlind(int screenId, int partId, bool blinded);
-    /// Also takes the element's name. The row finds its place anew with the next update.
+    /// Also sets the element's name. The next updateMediaList() sorts the row again.
     void updateMediaBlind(NetworkCompanion::LV_NTC_ElementType elementType, const QString& name,
                           unsigned int cueId, bool blinded);
 
-    // Record a deformation without telling anybody.
+    // Store a deformation without emitting a signal.
     void updateDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
                                int screenId, const QString& name, int rows, int columns,
                                bool reset);
@@ -83,29 +83,30 @@ public:
                                     NetworkCompanion::LV_NTC_DeformationType deformationType,
                                     unsigned int cueId, int elementId, const QString& name,
                                     int rows, int columns, bool reset);
-    // Tell of a deformation that the Producer reports, then record it.
+    // Emit the signal of a deformation that the Producer reports, then store it.
     void receiveAndUpdateDeformationMode(const NetworkCompanion::DeformationModeEvent& event);
     void receiveAndUpdateScreenPartDeformationMode(
         const NetworkCompanion::ScreenPartDeformationModeEvent& event);
     void
     receiveAndUpdateMediaDeformationMode(const NetworkCompanion::MediaDeformationModeEvent& event);
 
-    /// "newShow" empties the list and asks for the new show's elements.
+    /// "newShow" clears the list and requests the elements of the new show.
     void processMessage(const QString& text);
 
-    /// Brings order and visibility up to date with the elements, their names and the filters.
+    /// Updates order and visibility of the rows from the elements, their names and the filters.
     void updateMediaList();
-    /// By label, byte by byte with A to Z lowered; equal labels keep their order.
+    /// Sorts by Item::sortKey(); equal keys keep their order.
     void sortItemList(std::vector<Item*>& items) const;
 
-    // Show the rows whose label contains the text, ignoring case, and return how many there are.
+    // Show the rows whose label contains the text, ignoring case, hide the others and return the
+    // number of rows shown.
     int filterByText(const QString& text);
     int filterByText();
     int textFilterOnScreensAndScreenParts(const QString& text);
     int textFilterOnMedias(const QString& text);
     int textFilterOnTextures(const QString& text);
 
-    /// Takes screens and their parts out of view, or back into it.
+    /// Hides screens and their parts, or shows them again.
     void filterScreens(bool on);
     void filterScreens();
     void hideScreensAndScreenParts();
@@ -118,7 +119,7 @@ public:
     void selectPreviousVisibleItem();
     void selectNextVisibleItem();
 
-    /// The row at that place of the list, hidden ones counted; null outside the list.
+    /// The row at that position, hidden rows included; null outside the list.
     Item* getItemFromLayout(int index) const;
 
 public slots:
@@ -165,49 +166,50 @@ private:
     ScreenItem* findScreen(int screenId) const;
     ScreenPartItem* findScreenPart(int screenId, int partId) const;
 
-    /// What every new row gets. It waits, hidden, for the next updateMediaList().
-    void adopt(Item* row);
-    /// Removes the row from the layout and from the books of order and visibility.
-    void takeOut(Item* row);
-    /// Deletes the row, unselected first.
-    void dispose(Item* row);
-    /// Order and visibility of a row with a new label are due with the next updateMediaList().
+    /// Sets up a new row, which stays hidden until the next updateMediaList().
+    void initRow(Item* row);
+    /// Removes the row from the layout and from the state of order and visibility.
+    void removeFromLayout(Item* row);
+    /// Clears the selection if it is this row, then deletes the row.
+    void deleteRow(Item* row);
+    /// Sets the label; the next updateMediaList() sorts and filters the row again.
     void relabel(Item* row, const QString& text);
     QString partLabel(const ScreenItem* screen, const QString& partName) const;
 
     void rebuildLayout();
-    void place(Item* row);
-    /// By the text alone; also false for a screen or part that stands in for the other.
+    void insertIntoLayout(Item* row);
+    /// Whether the text filter shows the row. False for a screen in mode `Parts`, and for the parts
+    /// of any other screen.
     bool matches(const Item* row, const QString& text) const;
     int showIfMatching(Item* row, const QString& text);
     void applyFilters(Item* row);
     void unselectIfHidden();
-    /// Selects the first visible row among those at the places from, from + step and so on.
+    /// Selects the first visible row at the positions from, from + step and so on.
     void selectVisible(int from, int step);
 
-    /// From here to the next turn of the event loop, a change of a row costs only itself: the
-    /// layout is computed and the list painted once for all of them.
-    void holdLayout();
-    void layOut();
-    void furnishRowsInSight();
-    /// The selected row if there is one to be seen, the first one otherwise.
-    void scrollToWhatMatters();
+    /// Disables the layout until the next event-loop iteration, so that many changes of rows cost
+    /// one layout pass and one repaint.
+    void deferLayout();
+    void applyLayout();
+    void createWidgetsInView();
+    /// Scrolls to the selected row, without a selection to the top.
+    void scrollToSelection();
 
     const Configuration& configuration_;
     QScrollArea* scrollArea_;
     QWidget* content_;
     QVBoxLayout* rowsLayout_;
     Item* selectedItem_ = nullptr;
-    bool screensOnly_ = false; ///< whether screens and their parts are kept out of view
+    bool screensOnly_ = false; ///< whether screens and their parts are hidden
     QString filterText_;
     std::map<unsigned int, MediaItem*> mediaItems_;
     std::map<unsigned int, TextureItem*> textureItems_;
-    std::vector<ScreenItem*> screenItems_; ///< by screen number, with null where there is none
+    std::vector<ScreenItem*> screenItems_; ///< by screen id; null where there is no screen
 
-    std::vector<Item*> sortedScreens_; ///< as in the layout, without their parts
-    std::vector<Item*> sortedMedias_;  ///< as in the layout, with textures
-    std::vector<Item*> newRows_;       ///< not in the layout yet
-    std::set<Item*> changedRows_;      ///< whose visibility may not be what the filters say
-    bool isOrderStale_ = false;        ///< whether a label changed since the rows were sorted
-    bool isLayoutHeld_ = false;
+    std::vector<Item*> sortedScreens_; ///< in layout order, without parts
+    std::vector<Item*> sortedMedias_;  ///< in layout order, with textures
+    std::vector<Item*> newRows_;       ///< not yet in the layout
+    std::set<Item*> changedRows_;      ///< visibility may differ from the filters
+    bool isOrderStale_ = false;        ///< whether a label changed since the last sort
+    bool isLayoutDeferred_ = false;
 };

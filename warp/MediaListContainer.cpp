@@ -67,22 +67,20 @@ void MediaListContainer::initMediaList() {
     connect(this, &Container::keyEvent, mediaList_, &MediaList::notified);
     connect(this, &Container::action, mediaList_, &MediaList::onAction);
 
-    connect(list, &MediaList::mediaItemAdded, this, &Container::searchAgain);
-    connect(list, &MediaList::textureItemAdded, this, &Container::searchAgain);
-    connect(list, &MediaList::screenItemAdded, this, &Container::searchAgain);
-    connect(list, &MediaList::screenPartItemAdded, this, &Container::searchAgain);
-    connect(list, &MediaList::screenMode, this, &Container::searchAgain);
-    connect(list, &MediaList::itemRemoved, this, &Container::searchAgain);
+    connect(list, &MediaList::mediaItemAdded, this, &Container::scheduleSearch);
+    connect(list, &MediaList::textureItemAdded, this, &Container::scheduleSearch);
+    connect(list, &MediaList::screenItemAdded, this, &Container::scheduleSearch);
+    connect(list, &MediaList::screenPartItemAdded, this, &Container::scheduleSearch);
+    connect(list, &MediaList::screenMode, this, &Container::scheduleSearch);
+    connect(list, &MediaList::itemRemoved, this, &Container::scheduleSearch);
 }
 
-/// Once for all rows that come and go in a turn of the event loop: the search box tells whether
-/// anything is found.
-void MediaListContainer::searchAgain() {
-    if (isSearchDue_ || searchBox_->text().isEmpty())
+void MediaListContainer::scheduleSearch() {
+    if (isSearchScheduled_ || searchBox_->text().isEmpty())
         return;
-    isSearchDue_ = true;
+    isSearchScheduled_ = true;
     const auto search = [this] {
-        isSearchDue_ = false;
+        isSearchScheduled_ = false;
         onSearchTextChanged(searchBox_->text());
     };
     QMetaObject::invokeMethod(this, search, Qt::QueuedConnection);
@@ -98,7 +96,7 @@ void MediaListContainer::notified(QKeyEvent* keyEvent) {
 void MediaListContainer::onScreenCheckBoxStateChanged(int state) {
     mediaList_->filterScreens(state == Qt::Checked);
     mediaList_->setFocus(Qt::OtherFocusReason);
-    emit searchBox_->textChanged(searchBox_->text()); // the text filters what came into view
+    emit searchBox_->textChanged(searchBox_->text()); // filters the rows that are shown again
 }
 
 void MediaListContainer::onSearchTextChanged(const QString& text) {

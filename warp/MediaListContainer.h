@@ -13,8 +13,8 @@ class QKeyEvent;
 class SearchBox;
 struct Configuration;
 
-/// The media list with its search box and screen filter. Passes everything the list tells on to
-/// whoever holds the container, and actions the other way.
+/// The media list with its search box and screen filter. Re-emits every signal of the list and
+/// forwards keys and actions to it.
 class MediaListContainer final : public QWidget, public KeyEventListener {
     Q_OBJECT
 
@@ -57,7 +57,7 @@ public slots:
                             double sourceRotation, const QString& name);
     void onRemoveTextureItem(unsigned int cueId);
     void onItemRemoved();
-    /// A key that the mesh editor does not use: the list may.
+    /// Forwards a key that the mesh editor does not use to the list.
     void onKeyEvent(QKeyEvent* keyEvent);
     void onEmitKeyEvent(QKeyEvent* keyEvent);
     void onAction(Action action);
@@ -101,11 +101,13 @@ signals:
 private:
     void initControls();
     void initMediaList();
-    void searchAgain();
+    /// Repeats the search once after all changes of this event-loop iteration, because the search
+    /// box shows whether there is a hit.
+    void scheduleSearch();
 
     const Configuration& configuration_;
     SearchBox* searchBox_;
     QCheckBox* screenCheckBox_;
     MediaList* mediaList_;
-    bool isSearchDue_ = false; // rows came or went since the last search
+    bool isSearchScheduled_ = false;
 };

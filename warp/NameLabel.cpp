@@ -1,6 +1,6 @@
 #include "warp/NameLabel.h"
 
-#include "warp/OutOfSight.h"
+#include "warp/OutOfView.h"
 
 #include <QPainter>
 #include <QStyle>
@@ -17,7 +17,7 @@ void NameLabel::setName(const QString& name) {
 }
 
 QString NameLabel::shownText() const {
-    // Names of one series differ at their ends.
+    // Elided in the middle because names of a series differ at their ends.
     return fontMetrics().elidedText(text().simplified(), Qt::ElideMiddle, contentsRect().width());
 }
 
@@ -53,5 +53,5 @@ void NameLabel::paintEvent(QPaintEvent* event) {
 }
 
 bool NameLabel::event(QEvent* event) {
-    return isRepaintOutOfSight(*this, *event) || QLabel::event(event);
+    return isRepaintOutOfView(*this, *event) || QLabel::event(event);
 }

@@ -2,8 +2,8 @@
 
 #include <QLabel>
 
-/// A label for a name from the network: shows it as plain text on one line, shortened in its middle
-/// to the width there is; what is not shown whole is in its tool tip. text() stays the whole name.
+/// A label for a name from the network: one line of plain text, elided in the middle to the label's
+/// width. The tool tip shows an elided name in full; text() is always the full name.
 class NameLabel final : public QLabel {
     Q_OBJECT
 

@@ -6,7 +6,7 @@
 
 class ScreenPartItem;
 
-/// The row of a screen; knows the rows of its parts, which can stand in the list in its place.
+/// The row of a screen; holds the rows of its parts, which replace it in the list in mode `Parts`.
 class ScreenItem final : public Item {
     Q_OBJECT
 
@@ -16,16 +16,16 @@ public:
 
     NetworkCompanion::LV_NTC_ModeType mode() const { return mode_; }
     void setMode(NetworkCompanion::LV_NTC_ModeType mode) { mode_ = mode; }
-    /// Whether its parts stand for it in the list.
+    /// Whether the list shows the parts instead of the screen.
     bool isHandledThroughParts() const { return mode_ == NetworkCompanion::LV_NTC_ModeType::Parts; }
 
-    /// In the order of their addition; not owned.
+    /// In order of addition; not owned.
     const QList<ScreenPartItem*>& parts() const { return parts_; }
     void addPart(ScreenPartItem* part);
     bool hasPart(int partId) const;
-    /// The part that was first added with this number, or null.
+    /// The first part with that id, or null.
     ScreenPartItem* getPart(int partId) const;
-    /// Forgets that part and returns it undeleted; null when there is none.
+    /// Removes the first part with that id and returns it undeleted; null when there is none.
     ScreenPartItem* removePart(int partId);
 
     void hideParts();

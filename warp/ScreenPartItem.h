@@ -12,7 +12,7 @@ public:
     ScreenPartItem(int partId, int dataIndex, int sourceWidth, int sourceHeight, bool blinded,
                    const QString& name, const Configuration& configuration, QWidget* parent);
 
-    /// The screen that the part was added to; null before.
+    /// The screen that the part belongs to; null before ScreenItem::addPart().
     ScreenItem* screenItem() const { return screenItem_; }
     void setScreenItem(ScreenItem* screen) { screenItem_ = screen; }
 

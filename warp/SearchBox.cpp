@@ -46,7 +46,7 @@ void SearchBox::keyPressEvent(QKeyEvent* event) {
 
 void SearchBox::paintEvent(QPaintEvent* event) {
     QLineEdit::paintEvent(event);
-    if (hasFocus()) { // its own style sheet leaves no border to colour
+    if (hasFocus()) { // drawn here because the style sheet of the box sets a fixed border
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         drawFocusRing(painter, rect(), kSearchRadius);

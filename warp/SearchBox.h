@@ -4,8 +4,8 @@
 
 class QToolButton;
 
-/// A line edit that keeps its keys to itself: those it has no use for are no shortcuts either while
-/// somebody types. Esc or a button that a finger hits empties it.
+/// A line edit that accepts every key press, so that typing never triggers a shortcut. Esc or a
+/// button of touch size clears it.
 class SearchBox final : public QLineEdit {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ public:
     explicit SearchBox(QWidget* parent);
 
 signals:
-    /// Enter or Down, or Esc in an empty box: the keyboard is wanted elsewhere.
+    /// Enter or Down, or Esc in an empty box: the focus should move to the list.
     void left();
 
 protected:

@@ -2,12 +2,12 @@
 
 #include "warp/Item.h"
 
-/// The row of a texture of a cue. Starts as not blinded, whatever the Producer's state.
+/// The row of a cue's texture. Starts as not blinded because the Producer's event carries no state.
 class TextureItem final : public Item {
     Q_OBJECT
 
 public:
-    /// `flag` is kept as it came.
+    /// `flag` is stored unchanged.
     TextureItem(unsigned int cueId, int textureId, int dataIndex, int sourceWidth, int sourceHeight,
                 bool flag, const QString& name, const Configuration& configuration,
                 QWidget* parent);

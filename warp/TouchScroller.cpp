@@ -24,8 +24,8 @@ bool TouchScroller::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::TouchBegin:
     case QEvent::TouchUpdate:
     case QEvent::TouchEnd:
-        follow(static_cast<QTouchEvent&>(*event));
-        event->accept(); // no mouse events are made of it
+        handleTouch(static_cast<QTouchEvent&>(*event));
+        event->accept(); // so that Qt synthesizes no mouse events
         return true;
     case QEvent::TouchCancel:
         isTap_ = false;
@@ -36,7 +36,7 @@ bool TouchScroller::eventFilter(QObject* watched, QEvent* event) {
     }
 }
 
-void TouchScroller::follow(const QTouchEvent& event) {
+void TouchScroller::handleTouch(const QTouchEvent& event) {
     QScroller* scroller = QScroller::scroller(area_);
     const QEventPoint& finger = event.points().first();
     const QPointF position = area_->mapFromGlobal(finger.globalPosition());
@@ -44,7 +44,7 @@ void TouchScroller::follow(const QTouchEvent& event) {
     switch (event.type()) {
     case QEvent::TouchBegin:
         start_ = finger.globalPosition();
-        isTap_ = scroller->state() != QScroller::Scrolling; // a touch ends the motion
+        isTap_ = scroller->state() != QScroller::Scrolling; // a touch that stops a flick is no tap
         scroller->handleInput(QScroller::InputPress, position, time);
         break;
     case QEvent::TouchUpdate:

@@ -6,23 +6,22 @@
 class QScrollArea;
 class QTouchEvent;
 
-/// Lets a finger scroll an area's content: dragging moves it, letting go in motion lets it run on.
-/// A finger that stays where it is presses what lies under it as it is lifted, so that scrolling
-/// never presses anything.
+/// Scrolls an area by touch: a drag moves the content, a flick keeps it moving. A tap is sent as a
+/// mouse press to the widget under the finger on release, so that scrolling never presses a widget.
 class TouchScroller final : public QObject {
     Q_OBJECT
 
 public:
-    /// `area` owns the scroller and already has its content.
+    /// `area` becomes the owner; its content widget must be set.
     explicit TouchScroller(QScrollArea* area);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void follow(const QTouchEvent& event);
+    void handleTouch(const QTouchEvent& event);
     void press(QPointF position);
 
     QScrollArea* area_;
-    QPointF start_; ///< of the finger, on the screen
+    QPointF start_; ///< of the touch, in global coordinates
     bool isTap_ = false;
 };

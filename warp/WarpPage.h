@@ -8,8 +8,8 @@ class Canvas;
 class MediaListContainer;
 struct Configuration;
 
-/// The page on which meshes are edited: the list at the left, the editor in the rest. Joins the two
-/// and passes controller input on to them.
+/// The page for editing meshes: connects the media list at the left with the mesh editor and
+/// forwards controller input to both.
 class WarpPage final : public IPage {
     Q_OBJECT
 
@@ -17,10 +17,10 @@ public:
     /// `configuration` has to outlive the page.
     WarpPage(const Configuration& configuration, QWidget* parent);
 
-    /// Drops the current item.
+    /// Clears the selection.
     void lockPage() override;
     void purgeMedia();
-    /// Directs key presses to the editor.
+    /// Sets the keyboard focus to the editor.
     void giveFocusToCanvas();
 
 public slots:

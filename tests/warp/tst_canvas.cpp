@@ -67,7 +67,7 @@ private slots:
         disconnectProducer();
     }
 
-    void currentItemIsToldBeforeItIsTaken() {
+    void emitsCurrentItemBeforeStoringIt() {
         QSignalSpy changes(canvas_.get(), &Canvas::currentItemChanged);
         canvas_->onSelectedItem(screen_.get());
         // The scene unselects the points of the item that it leaves: those moves still count.
@@ -84,7 +84,7 @@ private slots:
         QCOMPARE(QList<QList<QVariant>>(changes), expected);
     }
 
-    void movesOutsideADragLeaveAtOnce() {
+    void sendsMovesAtOnceOutsideADrag() {
         canvas_->moveScreenPoint(7, "Wall", 0, 1, 2, 0, true, true);
         QVERIFY(getsNothing());
 
@@ -106,7 +106,7 @@ private slots:
         QVERIFY(getsNothing());
     }
 
-    void aDragSendsTheNewestOfEachPointWithTheTick() {
+    void sendsNewestMoveOfEachPointWithTheTick() {
         UpdateProducer::tickPeriod = std::chrono::milliseconds(20);
         canvas_->onSelectedItem(screen_.get());
         canvas_->startMovePointTimer();
@@ -123,7 +123,7 @@ private slots:
         QVERIFY(getsNothing());
     }
 
-    void whatIsLeftAtTheEndOfADragIsSentOnceAndForTheItemThatWasDragged() {
+    void sendsQueuedMovesAtTheEndOfADrag() {
         canvas_->onSelectedItem(screen_.get());
         drag(7, 1);
         QCoreApplication::processEvents();
@@ -153,7 +153,7 @@ private slots:
                      ScreenMovePointEvent(8, 34, "", 0, 2, 0, 0, true, true)));
     }
 
-    void nothingIsSentForAnItemThatIsGone() {
+    void sendsNothingForARemovedItem() {
         struct Kind {
             Item* item;
             std::function<void()> move, remove;
@@ -196,7 +196,7 @@ private slots:
         QVERIFY(getsNothing());
     }
 
-    void aCanvasMayGoInTheMiddleOfADrag() {
+    void canvasIsDeletedDuringADrag() {
         canvas_->onSelectedItem(screen_.get());
         canvas_->startMovePointTimer();
         canvas_->moveScreenPoint(7, "", 0, 1, 0, 0, true, true);
@@ -209,7 +209,7 @@ private slots:
         QVERIFY(getsNothing());
     }
 
-    void deformationsAreAskedForByKindOfItem() {
+    void requestsDeformationsByKindOfItem() {
         using Type = LV_NTC_DeformationType;
         canvas_->newKeystoneDeformation(true);
         QVERIFY(getsNothing());
@@ -230,7 +230,7 @@ private slots:
             gets(ScreenPartDeformationModeEvent(Type::Keystone, 7, 2, 43, "Left", 2, 2, false)));
     }
 
-    void pointsOfTheProducerReachTheSceneInOrder() {
+    void emitsTheProducersPointsInOrder() {
         QStringList order;
         connect(
             canvas_.get(), &Canvas::screenMovePoint, this,
@@ -268,7 +268,7 @@ private slots:
     }
 
     /// What the list tells the editor, of each kind of item.
-    void theEditorFollowsTheList() {
+    void editorReceivesTheListsSignals() {
         canvas_.reset();
         WarpPage page(configuration_, nullptr);
         auto* canvas = page.findChild<Canvas*>();
@@ -319,7 +319,7 @@ private slots:
                                      "screen removed"}));
     }
 
-    void keysFindTheirWayBetweenListAndEditor() {
+    void keysPassBetweenListAndEditor() {
         canvas_.reset();
         WarpPage page(configuration_, nullptr);
         auto* canvas = page.findChild<Canvas*>();
@@ -362,7 +362,7 @@ private slots:
         QCOMPARE(areHeld, QList<bool>{true});
     }
 
-    void aBrokenSceneIsLoggedOnceAndHurtsNobody() {
+    void brokenSceneIsLoggedOnce() {
         Configuration broken = configuration_;
         broken.canvasPath = QStringLiteral("qrc:/no/such/Scene.qml");
         messages().expectMatching(QtWarningMsg, QRegularExpression("Scene.qml"));

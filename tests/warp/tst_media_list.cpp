@@ -78,7 +78,7 @@ private slots:
         disconnectProducer();
     }
 
-    void whatIsThereAlreadyGetsNoSecondRow() {
+    void existingElementGetsNoSecondRow() {
         QSignalSpy medias(container_, &MediaListContainer::mediaItemAdded);
         QSignalSpy screens(container_, &MediaListContainer::screenItemAdded);
         list_->addScreen(1, 0, 800, 600, 90.0, false, false, "Wall");
@@ -101,7 +101,7 @@ private slots:
 
     /// Beside a list that is kept by rebuilding everything, everything that happens to one must
     /// leave the same.
-    void orderAndVisibilityAreThoseOfARebuild() {
+    void orderAndVisibilityEqualAReferenceList() {
         QRandomGenerator random(20240607);
         const auto name = [&random] {
             const QStringList names{"a", "B", "ab", "b", "A", "ba, c", "", "Part", "é", "É"};
@@ -167,7 +167,7 @@ private slots:
         producer().forget();
     }
 
-    void selectionTellsTheProducerAndEverybody() {
+    void selectionIsSentAndEmitted() {
         addMedia(1, "a", 100);
         addMedia(2, "b", 200);
         addMedia(3, "c", 300);
@@ -202,7 +202,7 @@ private slots:
         QVERIFY(getsNothing());
     }
 
-    void aRowThatGoesIsUnselectedFirst() {
+    void removedRowIsUnselectedFirst() {
         list_->addScreen(1, 10, 1, 1, 0.0, false, false, "Wall");
         list_->addScreenPart(1, 5, 15, 1, 1, 0.0, false, "Left");
         list_->addScreenPart(1, 6, 16, 1, 1, 0.0, false, "Right");
@@ -248,7 +248,7 @@ private slots:
                      MsgEvent("getResources")));
     }
 
-    void aScreensModeDecidesWhichOfItsRowsStand() {
+    void screenModeSelectsScreenOrParts() {
         list_->addScreen(1, 10, 1, 1, 0.0, false, false, "Wall");
         list_->addScreenPart(1, 5, 15, 1, 1, 0.0, false, "Left");
         QSignalSpy modes(container_, &MediaListContainer::screenMode);
@@ -274,14 +274,14 @@ private slots:
         QCOMPARE(shownRows(), QStringList({"Wall, Left"}));
     }
 
-    void blindsAreAskedForAndShown() {
+    void blindIsRequestedAndShown() {
         using Type = LV_NTC_ElementType;
         list_->addScreen(1, 0, 1, 1, 0.0, true, false, "Wall");
         list_->addScreenPart(1, 5, 0, 1, 1, 0.0, false, "Left");
         list_->addTexture(2, 20, 0, 1, 1, 0.0, false, "Sky");
         list_->addMedia(MediaType::Image, 3, 30, 0, 1, 1, 0.0, false, "Clip");
         for (const char* label : {"Wall", "Wall, Left", "Sky", "Clip"}) {
-            row(label)->furnish(); // the part's row is not in sight
+            row(label)->createWidgets(); // the part's row is not in sight
             QTest::mouseClick(row(label)->findChild<BlindButton*>(), Qt::LeftButton);
         }
         QVERIFY(gets(BlindEvent(0, 1, "Wall", false), ScreenPartBlindEvent(1, 5, 0, "Left", true),
@@ -311,7 +311,7 @@ private slots:
         QVERIFY(getsNothing());
     }
 
-    void deformationsAreToldWhenTheyCanBeBuilt() {
+    void buildableDeformationsAreEmitted() {
         using Type = LV_NTC_DeformationType;
         QStringList heard;
         const auto listen = [&](auto signal, const char* name) {
@@ -346,7 +346,7 @@ private slots:
         QCOMPARE(heard.size(), 3);
     }
 
-    void whatIsOutOfBoundsIsDroppedWithAWord() {
+    void outOfBoundsEventsAreDroppedWithAWarning() {
         messages().expect(QtWarningMsg, "MediaList: Screen with number 65536 ignored");
         messages().expect(QtWarningMsg, "MediaList: Screen with number 4294967295 ignored");
         messages().expect(QtWarningMsg, "MediaList: Part of screen 65535 ignored, it has too many");
@@ -362,7 +362,7 @@ private slots:
         QCOMPARE(allRows(), QStringList({"Far", "Far, Part"}));
     }
 
-    void searchingFiltersWithoutShortcuts() {
+    void searchFiltersRowsWithoutShortcuts() {
         list_->addScreen(1, 0, 1, 1, 0.0, false, false, "Wall");
         list_->addScreen(2, 0, 1, 1, 0.0, false, false, "Floor");
         list_->addScreenPart(2, 5, 0, 1, 1, 0.0, false, "MT part");
@@ -410,7 +410,7 @@ private slots:
         QVERIFY(getsNothing());
     }
 
-    void screensCanBeTakenOutOfView() {
+    void checkBoxHidesScreens() {
         list_->addScreen(1, 10, 1, 1, 0.0, false, false, "Wall");
         addMedia(1, "Clip", 100);
         auto* filter = container_->findChild<QCheckBox*>();
@@ -430,7 +430,7 @@ private slots:
         QCOMPARE(shownRows(), QStringList({"Wall", "Clip"}));
     }
 
-    void rowsAreCompleteWhereverOneLooks() {
+    void rowsInViewHaveTheirWidgets() {
         for (int i = 0; i < 200; ++i)
             addMedia(unsigned(i), QString::number(1000 + i));
         auto* bar = container_->findChild<QScrollArea*>()->verticalScrollBar();
@@ -491,7 +491,7 @@ private slots:
         QVERIFY(!top().endsWith("empty") && !row("1105")->visibleRegion().isEmpty());
     }
 
-    void aFingerScrollsOrTaps() {
+    void touchScrollsOrTaps() {
         for (int i = 0; i < 100; ++i)
             addMedia(unsigned(i), QString::number(1000 + i), i);
         QTRY_VERIFY(row("1003")->pos().y() > row("1002")->pos().y());
@@ -525,7 +525,7 @@ private slots:
         QCOMPARE(list_->selection(), touched);
     }
 
-    void aLongNameIsShortenedAndAStrangeOneIsPlainText() {
+    void longNameIsElidedAndShownAsPlainText() {
         const QString name = "<b>A name that is far too long for the row it stands in</b>";
         addMedia(1, name);
         QTRY_VERIFY(row(name)->findChild<NameLabel*>());
