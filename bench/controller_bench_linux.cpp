@@ -7,8 +7,7 @@
 #include <cstdio>
 #include <ctime>
 
-/// Prints what reading a controller costs: processor time of this process in one second of each
-/// case.
+/// Prints the processor time that reading a controller takes per second, for each case.
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What a controller can ask of the warp page. The deformer scene holds the same numbers, so the
-/// order is part of the contract.
+/// The actions of the warp page that a controller can trigger. The deformer scene uses the same
+/// numbers, so the values must not change.
 enum class Action : int {
     TOGGLE_BLIND = 0,
     SELECT_PREVIOUS_SCREEN,

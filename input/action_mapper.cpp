@@ -75,13 +75,13 @@ void ActionMapper::installDefaultMappings() {
         return;
     if (!QFile::copy(":/config/Meshpad.ini", file.absoluteFilePath()))
         return;
-    // What is copied out of the resources is read-only, but this file is there to be edited.
+    // Copies of resources are read-only, but users edit this file.
     QFile copy(file.absoluteFilePath());
     copy.setPermissions(copy.permissions() | QFileDevice::ReadUser | QFileDevice::WriteUser);
 }
 
 void ActionMapper::reloadMappings() {
-    settings_.sync(); // the file may be newer than the settings object
+    settings_.sync(); // the user may have edited the file since the last read
     mappings_.clear();
     settings_.beginGroup("ActionMappings");
     const QStringList keys = settings_.childKeys();

@@ -9,28 +9,29 @@
 
 #include <vector>
 
-/// Turns presses and releases of a controller's buttons into actions, by the user's mapping file.
+/// Translates presses and releases of controller buttons into actions according to the user's
+/// mapping file.
 class ActionMapper : public QObject {
     Q_OBJECT
 
 public:
-    /// Installs the built-in mappings as the user's file when there is none yet, then loads the
-    /// file. An existing file is never touched.
+    /// Copies the built-in mappings to the user's file if that does not exist, then loads the file.
+    /// An existing file is not changed.
     explicit ActionMapper(QObject* parent = nullptr);
 
-    /// Reads the user's file again, as it is now on disk; the mappings loaded before are dropped.
-    /// Entries with an unknown action or input are skipped with a warning, the rest is loaded.
+    /// Replaces all mappings by those of the user's file, read from disk again. Entries with an
+    /// unknown action or input are skipped with a warning; the others are loaded.
     void reloadMappings();
 
 public slots:
     void onButtonPressed(GamepadButton button);
 
-    /// A release of a button that is not held changes nothing.
+    /// Does nothing if the button is not held.
     void onButtonReleased(GamepadButton button);
 
 signals:
-    /// Emitted at the press that completes a combination, exactly when nothing else is held. When
-    /// several mappings match, only the first one that was loaded counts.
+    /// Emitted when a press completes a combination and no other input is held. If several mappings
+    /// match, the first loaded one determines the action.
     void action(Action action);
 
 private:
@@ -40,5 +41,5 @@ private:
 
     QSettings settings_;
     std::vector<Mapping> mappings_;
-    std::vector<GamepadButton> heldInputs_; ///< in the order in which they were pressed
+    std::vector<GamepadButton> heldInputs_; ///< in the order of their presses
 };

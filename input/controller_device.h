@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <span>
 
-/// Where an input lies in the standard joystick state; records and properties name inputs by it.
+/// Offsets of the inputs in the standard joystick state. Records and properties identify inputs by
+/// these offsets.
 namespace ControllerOffset {
 inline constexpr std::uint32_t kX = 0;
 inline constexpr std::uint32_t kY = 4;
@@ -20,7 +21,7 @@ constexpr std::uint32_t button(std::uint32_t index) {
 }
 } // namespace ControllerOffset
 
-/// How a call to a controller ended. What is Ok, NoEffect or BufferOverflow succeeded.
+/// Result of a call to a controller. Ok, NoEffect and BufferOverflow mean success.
 enum class ControllerResult {
     Ok,
     NoEffect,
@@ -31,7 +32,7 @@ enum class ControllerResult {
     Failed
 };
 
-/// The range that a device reports for one axis.
+/// The range of positions that a device reports for one axis.
 struct AnalogRange {
     std::int32_t min = 0;
     std::int32_t max = 65535;
@@ -43,15 +44,15 @@ struct ControllerRecord {
     std::uint32_t data = 0; ///< axis position, hundredths of a degree, or 0x80 for a pressed button
 };
 
-/// What all inputs of a controller are at one moment.
+/// The positions of all inputs of a controller at one moment.
 struct ControllerState {
     std::array<std::int32_t, 6> axes{}; ///< in the order X, Y, Z, Rx, Ry, Rz; 0 for a missing one
     std::uint32_t hat = 0xFFFF;
     std::array<bool, 32> buttons{};
 };
 
-/// One controller as the platform offers it. The calls are made on the GUI thread, in the order
-/// data format, properties, acquisition; only then polls and reads.
+/// One controller of the platform. Call it on the GUI thread and in this order: setDataFormat(),
+/// properties, acquire(), then poll() and reads.
 class ControllerDevice {
 public:
     static constexpr std::size_t kBufferSize = 32;
@@ -62,13 +63,13 @@ public:
 
     virtual ControllerResult setDataFormat() = 0;
 
-    /// NoSuchInput when the device lacks the axis, as for the dead zone.
+    /// Returns NoSuchInput if the device lacks the axis; so does setDeadZone().
     virtual ControllerResult range(std::uint32_t axisOffset, AnalogRange& range) = 0;
 
-    /// How many records are kept between two reads.
+    /// Sets how many records the device buffers between two reads.
     virtual ControllerResult setBufferSize(std::uint32_t records) = 0;
 
-    /// In ten-thousandths of the way from the centre to either end.
+    /// `size` is in ten-thousandths of the distance from the centre to either end.
     virtual ControllerResult setDeadZone(std::uint32_t axisOffset, std::uint32_t size) = 0;
 
     virtual ControllerResult acquire() = 0;
@@ -76,8 +77,8 @@ public:
     virtual ControllerResult poll() = 0;
     virtual ControllerResult state(ControllerState& state) = 0;
 
-    /// Moves the oldest records into `records` and sets `count` to their number. BufferOverflow
-    /// means that records were lost, those returned are good.
+    /// Moves the oldest records into `records` and sets `count` to their number. After
+    /// BufferOverflow the returned records are valid, but further ones were lost.
     virtual ControllerResult bufferedData(std::span<ControllerRecord> records,
                                           std::size_t& count) = 0;
 };

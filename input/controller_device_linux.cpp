@@ -8,39 +8,37 @@
 #include <array>
 #include <utility>
 
-/// Controllers on Linux come from SDL's joysticks. What SDL tells is brought into the form in which
-/// DirectInput tells it: numbered inputs, positions from 0 to 65535, hats in hundredths of a
-/// degree.
+/// Controllers on Linux are SDL joysticks. Their events are converted to DirectInput's form:
+/// numbered inputs, positions from 0 to 65535, hats in hundredths of a degree.
 
 namespace {
 
 constexpr AnalogRange kAxisRange{0, 65535};
 constexpr std::uint32_t kFullDeadZone = 10000;
 constexpr std::size_t kSixAxes = 6;
-constexpr Sint16 kLowEnd = -32000; // as good as the lowest
+constexpr Sint16 kLowEnd = -32000; // positions up to here count as the low end
 constexpr std::uint32_t kFirstUnmappedAxis = 24;
 constexpr std::uint32_t kNoAxis = 0xFFFFFFFF;
-// As many as the standard joystick state has room for; what a device has beyond them is left out.
+// The capacity of the standard joystick state; further inputs of a device are ignored.
 constexpr int kMaxAxes = 8;
 constexpr int kMaxHats = 4;
 constexpr int kMaxButtons = 32;
 constexpr int kRetries = 5;
-constexpr std::chrono::milliseconds kLookPeriod{1000};
-constexpr int kEventsAtOnce = 64;
+constexpr std::chrono::milliseconds kCheckPeriod{1000};
+constexpr int kEventsPerCall = 64;
 
-/// Which of the standard axes SDL's axes are, by how many there are. The system numbers the axes of
-/// a pad in the order of their codes, which is left stick, left trigger, right stick, right
-/// trigger; what a pad lacks is left out. With four axes there are two sticks and no analog
-/// trigger, with three or five one axis stands for both triggers.
+/// The offsets of SDL's axes, guessed from their number. Linux numbers the axes of a pad in the
+/// order of their codes: left stick, left trigger, right stick, right trigger. A pad with four axes
+/// has two sticks and no analog trigger; with three or five axes, one axis combines both triggers.
 ///
-/// With six axes some drivers have another order. A trigger that nobody touches is at its low end,
-/// a stick in the middle: `resting` says which axes are at their low end now.
+/// Some drivers order six axes differently. Released triggers are at their low end and released
+/// sticks in the middle, so `resting`, the axes that are at their low end now, shows the order.
 std::vector<std::uint32_t> standardAxes(int count, const std::array<bool, kSixAxes>& resting) {
     using namespace ControllerOffset;
     if (count >= static_cast<int>(kSixAxes) &&
         std::count(resting.begin() + 2, resting.end(), true) == 2) {
         std::vector<std::uint32_t> axes{kX, kY};
-        // Side by side at the end, the right one comes first.
+        // Drivers that put both triggers at the end put the right one first.
         const bool rightFirst = resting[4] && resting[5];
         std::vector<std::uint32_t> triggers{rightFirst ? kRz : kZ, rightFirst ? kZ : kRz};
         std::vector<std::uint32_t> stick{kRx, kRy};
@@ -92,10 +90,10 @@ std::uint32_t hundredthsOfDegree(Uint8 hat) {
     }
 }
 
-/// The position as DirectInput would report it: the centre within the dead zone, and outside it the
-/// rest of the way stretched over the whole range, so that nothing jumps at the edge of the zone.
+/// The position as DirectInput reports it: the centre inside the dead zone. The rest of the way is
+/// stretched over the whole range, so that positions do not jump at the edge of the zone.
 std::uint32_t positionOf(Sint16 value, std::uint32_t deadZone) {
-    // Twice the distance from the centre, which lies between two positions.
+    // Twice the distance from the centre, because the centre lies between two positions.
     constexpr int kFull = 65535;
     const int distance = 2 * int{value} + 1;
     const int zone = static_cast<int>(std::int64_t{kFull} * deadZone / kFullDeadZone);
@@ -177,7 +175,7 @@ public:
             acquired_ = false;
             return ControllerResult::InputLost;
         }
-        takeEvents();
+        recordPendingEvents();
         return ControllerResult::Ok;
     }
 
@@ -211,7 +209,7 @@ private:
     struct Axis {
         std::uint32_t offset = kNoAxis;
         std::uint32_t deadZone = 0;
-        std::uint32_t position = 0; ///< as last recorded
+        std::uint32_t position = 0; ///< last recorded
     };
 
     Axis* findAxis(std::uint32_t offset) {
@@ -225,18 +223,18 @@ private:
                           axes_[axis].deadZone);
     }
 
-    void takeEvents() {
-        std::array<SDL_Event, kEventsAtOnce> events{};
+    void recordPendingEvents() {
+        std::array<SDL_Event, kEventsPerCall> events{};
         int count = 0;
         do {
-            count = SDL_PeepEvents(events.data(), kEventsAtOnce, SDL_GETEVENT, SDL_JOYAXISMOTION,
+            count = SDL_PeepEvents(events.data(), kEventsPerCall, SDL_GETEVENT, SDL_JOYAXISMOTION,
                                    SDL_JOYBUTTONUP);
             for (int i = 0; i < count; ++i)
-                takeEvent(events[static_cast<std::size_t>(i)]);
-        } while (count == kEventsAtOnce);
+                recordEvent(events[static_cast<std::size_t>(i)]);
+        } while (count == kEventsPerCall);
     }
 
-    void takeEvent(const SDL_Event& event) {
+    void recordEvent(const SDL_Event& event) {
         switch (event.type) {
         case SDL_JOYAXISMOTION:
             if (event.jaxis.which == id_ && event.jaxis.axis < axes_.size())
@@ -262,8 +260,8 @@ private:
         const std::uint32_t position = positionOf(value, axis.deadZone);
         if (std::exchange(axis.position, position) == position)
             return;
-        // Where a stick is counts only at the end of a poll. A pad that reports a thousand times a
-        // second must not crowd the buttons out of the buffer.
+        // Only an axis's last position of a poll matters. One record an axis keeps a pad that
+        // reports a thousand times a second from filling the buffer.
         const auto same =
             std::find_if(records_.begin(), records_.end(),
                          [&](const ControllerRecord& old) { return old.offset == axis.offset; });
@@ -297,10 +295,10 @@ public:
     }
 
     OpenResult open() override {
-        // Windows, focus, signals and the end of the program are Qt's business.
+        // Qt handles windows, focus, signals and the end of the program.
         SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
         SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
-        // SDL's own drivers number the inputs of some pads differently from the system's.
+        // SDL's own drivers number the inputs of some pads differently from the system's drivers.
         SDL_SetHint(SDL_HINT_JOYSTICK_HIDAPI, "0");
         opened_ = SDL_InitSubSystem(SDL_INIT_JOYSTICK) == 0;
         return opened_ ? OpenResult::Ok : OpenResult::NoInterface;
@@ -311,7 +309,7 @@ public:
         const int count = SDL_NumJoysticks();
         if (count < 0)
             return std::nullopt;
-        // Whoever is listed now need not be announced any more.
+        // The list includes all controllers that these pending events announce.
         SDL_FlushEvents(SDL_JOYDEVICEADDED, SDL_JOYDEVICEREMOVED);
         std::vector<AttachedController> controllers;
         controllers.reserve(static_cast<std::size_t>(count));
@@ -326,7 +324,7 @@ public:
         return false;
     }
 
-    std::chrono::milliseconds lookPeriod() const override { return kLookPeriod; }
+    std::chrono::milliseconds checkPeriod() const override { return kCheckPeriod; }
 
     bool attachedChanged() override {
         SDL_JoystickUpdate();
@@ -338,8 +336,8 @@ public:
     }
 
 private:
-    /// The system may hand a new controller over a moment after announcing it, so one that cannot
-    /// be opened is worth some more looks; not endless ones, as each is logged.
+    /// The system may announce a controller a moment before it can be opened, so a failed attempt
+    /// is repeated; only a few times, because each attempt is logged.
     std::unique_ptr<ControllerDevice> openDevice(int index) {
         JoystickPointer joystick(SDL_JoystickOpen(index));
         if (!joystick) {

@@ -10,8 +10,7 @@
 
 #include <algorithm>
 
-/// Controllers on Windows come from DirectInput 8, whose records and offsets are passed on as they
-/// are.
+/// Controllers on Windows are DirectInput 8 devices; their records and offsets are used unchanged.
 
 namespace {
 
@@ -23,15 +22,15 @@ static_assert(ControllerOffset::kX == DIJOFS_X && ControllerOffset::kY == DIJOFS
 
 constexpr HRESULT kNoSuchInput = static_cast<HRESULT>(0x80070002);
 
-/// Calls up a COM object's own end.
+/// Releases a COM object.
 struct Releaser {
     void operator()(IUnknown* object) const { object->Release(); }
 };
 using DirectInputPointer = std::unique_ptr<IDirectInput8W, Releaser>;
 using DevicePointer = std::unique_ptr<IDirectInputDevice8W, Releaser>;
 
-/// One and the same code of DirectInput stands for "had no effect" and "buffer overflowed", so what
-/// it means depends on the call.
+/// DirectInput uses code 1 both for "had no effect" and for "buffer overflowed", so its meaning
+/// depends on the call.
 ControllerResult resultOf(HRESULT code,
                           ControllerResult meaningOfOne = ControllerResult::NoEffect) {
     static_assert(DI_NOEFFECT == 1 && DI_BUFFEROVERFLOW == 1);
@@ -154,7 +153,7 @@ public:
                 native->wParam == DBT_DEVNODES_CHANGED);
     }
 
-    std::chrono::milliseconds lookPeriod() const override { return std::chrono::milliseconds(0); }
+    std::chrono::milliseconds checkPeriod() const override { return std::chrono::milliseconds(0); }
     bool attachedChanged() override { return false; }
 
 private:

@@ -11,37 +11,37 @@
 #include <optional>
 #include <vector>
 
-/// A controller that is plugged in but not opened yet.
+/// A controller that is plugged in but not open.
 struct AttachedController {
     QString name; ///< the product's name
     std::function<std::unique_ptr<ControllerDevice>()>
-        create; ///< gives null when it cannot be opened
+        create; ///< returns null if the controller cannot be opened
 };
 
-/// The way to the controllers of one platform: everything about them that differs between platforms
-/// stands behind this interface and ControllerDevice.
+/// Access to the controllers of one platform. This interface and ControllerDevice hide all
+/// differences between platforms.
 class ControllerSystem {
 public:
     enum class OpenResult { Ok, NoModule, NoInterface };
 
     virtual ~ControllerSystem() = default;
 
-    /// Nothing else may be called unless this gave Ok.
+    /// Call this first; the other functions require that it returned Ok.
     virtual OpenResult open() = 0;
 
-    /// In the platform's order; nothing when they could not be enumerated.
+    /// The plugged-in controllers in the platform's order, or nullopt if the enumeration failed.
     virtual std::optional<std::vector<AttachedController>> attachedControllers() = 0;
 
-    /// Whether a native message of the application says that a controller may have come or gone.
+    /// Whether the native message reports that a controller may have been plugged in or removed.
     virtual bool announcesChange(const QByteArray& eventType, void* message) const = 0;
 
-    /// How often `attachedChanged` wants to be asked while no controller is in use; zero for never,
-    /// where native messages tell.
-    virtual std::chrono::milliseconds lookPeriod() const = 0;
+    /// The interval at which to poll attachedChanged() while no controller is in use; zero on a
+    /// platform that announces changes by native messages.
+    virtual std::chrono::milliseconds checkPeriod() const = 0;
 
-    /// Whether controllers have come or gone since the last time.
+    /// Whether controllers were plugged in or removed since the previous call.
     virtual bool attachedChanged() = 0;
 
-    /// The system of the platform that this was built for.
+    /// The implementation for the platform of this build.
     static std::unique_ptr<ControllerSystem> create();
 };

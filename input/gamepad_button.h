@@ -1,7 +1,7 @@
 #pragma once
 
-/// The inputs of a controller that mappings are made of. They are named by place: the pad on the
-/// left, the four buttons on the right, the two shoulder buttons and the two in the middle.
+/// The controller inputs that mappings can use, named by their positions: the pad on the left, the
+/// four buttons on the right, the two shoulder buttons and the two buttons in the middle.
 enum class GamepadButton : int {
     RightCross_Bottom = 0,
     RightCross_Right,

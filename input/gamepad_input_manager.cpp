@@ -12,7 +12,7 @@ constexpr int kPollPeriodMs = 16;
 constexpr std::uint32_t kStickDeadZone = 1750;
 constexpr std::uint32_t kTriggerDeadZone = 25;
 
-/// What is the same for one axis on every device.
+/// The properties of an axis that are the same on every device.
 struct AxisTraits {
     std::uint32_t offset;
     std::uint32_t deadZone;
@@ -26,7 +26,7 @@ constexpr std::array<AxisTraits, 6> kAxisTraits{{
     {ControllerOffset::kZ, kTriggerDeadZone, -1, 1},
     {ControllerOffset::kRx, kStickDeadZone, -1, 1},
     {ControllerOffset::kRy, kStickDeadZone, -1, 1},
-    {ControllerOffset::kRz, kTriggerDeadZone, 1, -1}, // the triggers pull against each other
+    {ControllerOffset::kRz, kTriggerDeadZone, 1, -1}, // opposite to Z, so that the triggers cancel
 }};
 
 constexpr std::array<GamepadButton, 8> kButtons{
@@ -57,8 +57,8 @@ float remapAnalogValue(std::uint32_t value, const AnalogRange& range, float outM
     return (outMax - outMin) * (static_cast<float>(v) / static_cast<float>(w)) + outMin;
 }
 
-/// The direction of a hat in hundredths of a degree. Exact diagonals are no direction, so that
-/// rolling over one lets go of the first direction before the second is taken.
+/// The direction of a hat in hundredths of a degree. Exact diagonals have no direction, so that
+/// rolling over one releases the first direction before it presses the second.
 std::optional<GamepadButton> getButtonFromDirectInputPOV(std::uint32_t value) {
     if ((value & 0xFFFF) == ControllerDevice::kHatCentred)
         return std::nullopt;
@@ -124,7 +124,7 @@ void GamepadInputManager::discoverAvailableDevices() {
             if (discoverVisitDevice(controller))
                 break;
     }
-    updateLookTimer();
+    updateCheckTimer();
 }
 
 /// Whether the controller is now the one in use.
@@ -168,7 +168,7 @@ bool GamepadInputManager::configureAndAcquireDevice() {
 /// What is held already is told at the next poll: whoever has just made this object could not hear
 /// it yet, and nothing is to be told without the focus.
 void GamepadInputManager::initGamepadState() {
-    noteLoss(device_->poll());
+    recordInputLost(device_->poll());
     stateWanted_ = true;
 }
 
@@ -182,7 +182,7 @@ void GamepadInputManager::deinitGamepad() {
     }
     stopActiveTimer();
     inputLost_ = stateWanted_ = false;
-    letGoOfEverything();
+    releaseAll();
 }
 
 void GamepadInputManager::onFocusGained() {
@@ -215,15 +215,15 @@ void GamepadInputManager::stopActiveTimer() {
     timerId_ = kNoTimer;
 }
 
-void GamepadInputManager::updateLookTimer() {
-    const bool needed = !device_ && system_->lookPeriod().count() > 0;
-    if (needed == (lookTimerId_ != kNoTimer))
+void GamepadInputManager::updateCheckTimer() {
+    const bool needed = !device_ && system_->checkPeriod().count() > 0;
+    if (needed == (checkTimerId_ != kNoTimer))
         return;
     if (needed) {
-        lookTimerId_ = startTimer(system_->lookPeriod(), Qt::CoarseTimer);
+        checkTimerId_ = startTimer(system_->checkPeriod(), Qt::CoarseTimer);
     } else {
-        killTimer(lookTimerId_);
-        lookTimerId_ = kNoTimer;
+        killTimer(checkTimerId_);
+        checkTimerId_ = kNoTimer;
     }
 }
 
@@ -231,7 +231,7 @@ void GamepadInputManager::timerEvent(QTimerEvent* event) {
     if (event->timerId() == timerId_) {
         event->accept();
         readDeviceDataAndUpdate();
-    } else if (event->timerId() == lookTimerId_) {
+    } else if (event->timerId() == checkTimerId_) {
         event->accept();
         if (system_->attachedChanged())
             discoverAvailableDevices();
@@ -259,7 +259,7 @@ void GamepadInputManager::readDeviceDataAndUpdate() {
         deinitGamepad();
         if (replaced || system_->attachedChanged())
             discoverAvailableDevices();
-        updateLookTimer();
+        updateCheckTimer();
         return;
     }
     case ControllerResult::NotAcquired:
@@ -277,7 +277,7 @@ void GamepadInputManager::readDeviceDataAndUpdate() {
 
     std::array<ControllerRecord, ControllerDevice::kBufferSize> records;
     std::size_t count = 0;
-    const ControllerResult result = noteLoss(device_->bufferedData(records, count));
+    const ControllerResult result = recordInputLost(device_->bufferedData(records, count));
     if (!succeeded(result)) {
         qWarning("Got error while getting gamepad data despite polling being ok");
         return;
@@ -302,7 +302,7 @@ bool GamepadInputManager::isReading() const {
 }
 
 /// A loss is told once, by whichever call comes first; the next poll has to know of it.
-ControllerResult GamepadInputManager::noteLoss(ControllerResult result) {
+ControllerResult GamepadInputManager::recordInputLost(ControllerResult result) {
     if (result == ControllerResult::InputLost)
         inputLost_ = true;
     return result;
@@ -310,11 +310,11 @@ ControllerResult GamepadInputManager::noteLoss(ControllerResult result) {
 
 /// Forgets what was done while nobody was meant to see it.
 void GamepadInputManager::dropRecords() {
-    noteLoss(device_->poll());
+    recordInputLost(device_->poll());
     std::array<ControllerRecord, ControllerDevice::kBufferSize> records;
     std::size_t count = records.size();
     while (!inputLost_ && count == records.size()) {
-        const ControllerResult result = noteLoss(device_->bufferedData(records, count));
+        const ControllerResult result = recordInputLost(device_->bufferedData(records, count));
         if (!succeeded(result))
             return;
         for (std::size_t i = 0; i < kAxisCount; ++i) {
@@ -336,7 +336,7 @@ void GamepadInputManager::dropRecords() {
 /// trigger rests, at an end of its range.
 void GamepadInputManager::catchUpWithState() {
     ControllerState state;
-    if (!isReading() || !succeeded(noteLoss(device_->state(state))))
+    if (!isReading() || !succeeded(recordInputLost(device_->state(state))))
         return;
     for (std::size_t i = 0; i < kAxisCount; ++i) {
         Axis& axis = axes_[i];
@@ -423,7 +423,8 @@ void GamepadInputManager::alignTriggers() {
     if (triggersAligned_ || !device_)
         return;
     ControllerState state;
-    if (axes_[Z].present && axes_[Rz].present && succeeded(noteLoss(device_->state(state)))) {
+    if (axes_[Z].present && axes_[Rz].present &&
+        succeeded(recordInputLost(device_->state(state)))) {
         updateAxis(Z, static_cast<std::uint32_t>(state.axes[Z]));
         updateAxis(Rz, static_cast<std::uint32_t>(state.axes[Rz]));
     }
@@ -469,7 +470,7 @@ void GamepadInputManager::reportMovement() {
 
 /// A controller that is gone holds nothing any more: what it held is released and its sticks are
 /// centred, so that neither a later combination nor a later controller inherits them.
-void GamepadInputManager::letGoOfEverything() {
+void GamepadInputManager::releaseAll() {
     for (std::size_t i = 0; i < kMappedButtons; ++i)
         updateButton(i, false);
     updateHat(ControllerDevice::kHatCentred);

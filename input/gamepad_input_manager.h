@@ -10,40 +10,41 @@
 #include <memory>
 #include <optional>
 
-/// Finds one controller, reads it every 16 ms while the application has the focus and tells what
-/// its buttons, sticks and triggers do. GUI thread only.
+/// Finds one controller, reads it every 16 ms while the application has the focus and emits signals
+/// for its buttons, sticks and triggers. GUI thread only.
 class GamepadInputManager : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
 public:
-    /// Takes the first controller that works, if one is plugged in, and starts to read it; the
-    /// focus is taken for granted until onFocusLost().
+    /// Opens the first working controller, if one is plugged in, and starts to read it. Assumes
+    /// that the application has the focus until onFocusLost().
     explicit GamepadInputManager(QObject* parent = nullptr);
 
-    /// The same with another source of controllers.
+    /// The same with another source of controllers, for tests.
     explicit GamepadInputManager(std::unique_ptr<ControllerSystem> system,
                                  QObject* parent = nullptr);
     ~GamepadInputManager() override;
 
     bool isGamepadConnected() const { return device_ != nullptr; }
 
-    /// Looks for controllers when the message says that one may have come. Never consumes it.
+    /// Starts a discovery if the message announces a controller. Always returns false.
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
 public slots:
-    /// What was done without the focus is not told any more, only what is held now.
+    /// Resumes reading. Emits signals for what is held now, not for what happened without the
+    /// focus.
     void onFocusGained();
-    /// Sticks that are off their centre are reported with zeros.
+    /// Stops reading and reports sticks that are off their centre with zeros.
     void onFocusLost();
 
 signals:
-    /// The sticks, -1..1 to the right and downwards. Emitted on every poll while the stick is off
-    /// its centre, and once with zeros when it has returned.
+    /// Stick positions, -1..1 to the right and downwards. Emitted on every poll while the stick is
+    /// off its centre, and once with zeros when it has returned.
     void leftAxisMoved(float x, float y);
     void rightAxisMoved(float x, float y);
 
-    /// Both triggers taken together, the left one counting up and the right one down. Emitted on
-    /// every poll while the sum is not 0.
+    /// The sum of both triggers; the left one counts up, the right one down. Emitted on every poll
+    /// while the sum is not 0.
     void pressure(float value);
 
     void buttonPressed(GamepadButton button);
@@ -75,11 +76,11 @@ private:
 
     void startActiveTimer();
     void stopActiveTimer();
-    void updateLookTimer();
+    void updateCheckTimer();
 
     void readDeviceDataAndUpdate();
     bool isReading() const;
-    ControllerResult noteLoss(ControllerResult result);
+    ControllerResult recordInputLost(ControllerResult result);
     void dropRecords();
     void catchUpWithState();
     void processRecord(const ControllerRecord& record);
@@ -88,13 +89,13 @@ private:
     void updateHat(std::uint32_t data);
     void updateButton(std::size_t index, bool down);
     void reportMovement();
-    void letGoOfEverything();
+    void releaseAll();
     void centreSticks();
 
     std::unique_ptr<ControllerSystem> system_; ///< null when the platform's interface did not open
     std::unique_ptr<ControllerDevice> device_; ///< the controller in use
     int timerId_ = kNoTimer;
-    int lookTimerId_ = kNoTimer;
+    int checkTimerId_ = kNoTimer;
     bool focused_ = true;
     bool inputLost_ = false;    ///< told by another call than a poll
     bool stateWanted_ = false;  ///< the next poll tells what is held and where the sticks are

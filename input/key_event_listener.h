@@ -2,12 +2,12 @@
 
 class QKeyEvent;
 
-/// Takes the key presses that KeyEventManager hands out.
+/// Receives the key presses that KeyEventManager distributes.
 class KeyEventListener {
 public:
     virtual ~KeyEventListener() = default;
 
     /// Called for every key press of the main window. Accepting the event marks the key as handled;
-    /// the listeners that follow are notified all the same. The event belongs to the caller.
+    /// the manager still notifies the remaining listeners. The caller owns the event.
     virtual void notified(QKeyEvent* keyEvent) = 0;
 };

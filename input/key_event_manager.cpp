@@ -21,7 +21,7 @@ void KeyEventManager::removeListener(KeyEventListener* listener) {
         qWarning("No key event listener to remove!");
         return;
     }
-    // A key may close what listens; while keys are handed out, places must not move.
+    // A key may destroy a listener; indices must stay valid during notifyListeners().
     if (notifying_ > 0)
         *found = nullptr;
     else

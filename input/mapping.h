@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-/// One combination of inputs and the action it asks for.
+/// One combination of inputs and the action that it triggers.
 struct Mapping {
     Mapping(std::vector<GamepadButton> ordered, std::vector<GamepadButton> anyPosition,
             Action mappedAction)

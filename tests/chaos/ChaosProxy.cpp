@@ -6,13 +6,13 @@
 
 namespace {
 
-constexpr int kMostSingleBytes = 1500; // about five events; further ones go in pieces
-constexpr int kLargestPiece = 700;     // bytes
-constexpr int kSlowPortion = 256;      // bytes a millisecond
-constexpr int kLongestPause = 3;       // ms
-constexpr int kLongestStall = 80;      // ms
-constexpr int kPortionsToAStall = 12;
-constexpr qint64 kBrightening = 4096; // bytes, after which portions are twice as large, and so on
+constexpr int kMaxSingleBytes = 1500; // about five events; later ones are sent in pieces
+constexpr int kMaxPiece = 700;        // bytes
+constexpr int kSlowPortion = 256;     // bytes a millisecond
+constexpr int kMaxPause = 3;          // ms
+constexpr int kMaxStall = 80;         // ms
+constexpr int kPortionsPerStall = 12;
+constexpr qint64 kBytesPerScale = 4096; // portions grow by their first size after that many bytes
 
 } // namespace
 
@@ -38,7 +38,7 @@ void ChaosProxy::cutAfter(qint64 bytes, End end) {
 void ChaosProxy::onNewConnection() {
     while (QTcpSocket* arrived = server_.nextPendingConnection()) {
         if (companion_.socket)
-            cut(End::Closed); // of two companions the newer one counts
+            cut(End::Closed); // a new companion replaces the old one
         sent_ = 0;
         companion_.socket = arrived;
         arrived->setParent(this);
@@ -48,15 +48,16 @@ void ChaosProxy::onNewConnection() {
             socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
             Pipe& other = socket == companion_.socket ? producer_ : companion_;
             connect(
-                socket, &QTcpSocket::readyRead, this, [=, this, &other] { take(socket, other); });
+                socket, &QTcpSocket::readyRead, this,
+                [=, this, &other] { receive(socket, other); });
             connect(socket, &QTcpSocket::disconnected, this, [=, this] { end(socket); });
         }
         connect(producer_.socket, &QTcpSocket::connected, this, [this] { deliver(producer_); });
-        take(companion_.socket, producer_);
+        receive(companion_.socket, producer_);
     }
 }
 
-void ChaosProxy::take(QTcpSocket* from, Pipe& to) {
+void ChaosProxy::receive(QTcpSocket* from, Pipe& to) {
     to.waiting += from->readAll();
     if (!to.next.isActive())
         deliver(to);
@@ -86,23 +87,23 @@ void ChaosProxy::deliver(Pipe& to) {
 }
 
 std::pair<qsizetype, int> ChaosProxy::portion(qsizetype waiting) {
-    const int scale = 1 + int(sent_ / kBrightening);
+    const int scale = 1 + int(sent_ / kBytesPerScale);
     const auto piece = [&](int largest) {
         return qMin<qsizetype>(waiting, random_.bounded(1, largest * scale));
     };
-    switch (weather_) {
-    case Weather::Bytewise:
-        if (sent_ < kMostSingleBytes)
+    switch (condition_) {
+    case NetworkCondition::Bytewise:
+        if (sent_ < kMaxSingleBytes)
             return {1, 0};
         [[fallthrough]];
-    case Weather::Pieces:
-        return {piece(kLargestPiece), random_.bounded(kLongestPause)};
-    case Weather::Slow:
+    case NetworkCondition::Pieces:
+        return {piece(kMaxPiece), random_.bounded(kMaxPause)};
+    case NetworkCondition::Slow:
         return {qMin<qsizetype>(waiting, kSlowPortion * scale), 1};
-    case Weather::Stalling:
-        return {piece(4 * kLargestPiece),
-                random_.bounded(kPortionsToAStall) == 0 ? random_.bounded(kLongestStall) : 0};
-    case Weather::Clear:
+    case NetworkCondition::Stalling:
+        return {piece(4 * kMaxPiece),
+                random_.bounded(kPortionsPerStall) == 0 ? random_.bounded(kMaxStall) : 0};
+    case NetworkCondition::Clear:
         break;
     }
     return {waiting, 0};
@@ -128,7 +129,7 @@ void ChaosProxy::cut(End end) {
     }
 }
 
-/// What the one side had said before it went still reaches the other one.
+/// Delivers the remaining bytes of a closed connection before it closes the other one.
 void ChaosProxy::end(QTcpSocket* which) {
     Pipe& other = which == companion_.socket ? producer_ : companion_;
     other.sourceEnded = true;

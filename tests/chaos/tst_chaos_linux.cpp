@@ -28,7 +28,7 @@
 
 using namespace NetworkCompanion;
 using namespace std::chrono_literals;
-using Weather = ChaosProxy::Weather;
+using NetworkCondition = ChaosProxy::NetworkCondition;
 using Cut = ChaosProxy::End;
 using Element = LV_NTC_ElementType;
 
@@ -37,15 +37,15 @@ namespace {
 const QHostAddress kHere(QStringLiteral("10.78.0.1"));
 const QHostAddress kThere(QStringLiteral("10.78.0.2"));
 constexpr int kUsualLosses = 60;
-constexpr int kLongest = 60'000;      // ms, for anything to come right
-constexpr int kBytesOfAShow = 12'000; // that a companion gets to hear at first, about
+constexpr int kTimeout = 60'000;      // ms, for every recovery
+constexpr int kBytesOfAShow = 12'000; // about as many as a Producer sends at first
 
 template <typename Condition>
-bool soon(Condition condition) {
+bool waitUntil(Condition condition) {
     QElapsedTimer waited;
     waited.start();
     while (!condition()) {
-        if (waited.hasExpired(kLongest))
+        if (waited.hasExpired(kTimeout))
             return false;
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -77,9 +77,8 @@ int environmentNumber(const char* name, int otherwise) {
 
 } // namespace
 
-/// The whole window and a real Producer on two machines, with a network between them that breaks
-/// at any byte and any moment. Whatever was going on: once there is a connection again, the window
-/// shows what the Producer has.
+/// The whole window and a real Producer on two machines, connected by a network that breaks at any
+/// byte and any moment. After every reconnection the window shows the Producer's state.
 class ChaosTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
@@ -88,8 +87,8 @@ private slots:
     void init();
     void cleanup();
 
-    void everyLossIsRecoveredFrom();
-    void cableIsPulledAndPluggedIn();
+    void windowShowsProducerStateAfterEveryLoss();
+    void windowShowsProducerStateAfterPulledCable();
 
 private:
     template <typename Widget>
@@ -106,8 +105,7 @@ private:
     QHash<ItemKey, Item*> rows() const;
     QString listDifference() const;
     QString pointsDifference(const ItemKey& key) const;
-    /// What the window shows otherwise than the Producer has it, for as long as anything could
-    /// take.
+    /// The first difference between window and Producer that lasts until the timeout; else empty.
     QString lastingDifference() const;
     void operate();
     bool waitForEarlyBreak(int lossesBefore);
@@ -143,7 +141,9 @@ void ChaosTest::init() {
     window_->show();
     QVERIFY(QTest::qWaitForWindowActive(window_.get()));
     lost_.emplace(EventDispatcher::getInstance(), &EventDispatcher::disconnected);
-    EventDispatcher::getInstance()->networkUtils().updateClientSockets(); // need not wait a second
+    EventDispatcher::getInstance()
+        ->networkUtils()
+        .updateClientSockets(); // without waiting a second
     window_->onConnectToServer(kThere.toString());
 }
 
@@ -235,7 +235,7 @@ QString ChaosTest::pointsDifference(const ItemKey& key) const {
             const QPointF size(item->size.width(), item->size.height());
             const QPointF seen = xy ? QPointF(point->x(), point->y()) - size / 2
                                     : QPointF(point->x() / size.x(), point->y() / size.y());
-            // Which points are selected is the operator's choice; a Producer only follows it.
+            // The selection is not compared because the operator determines it.
             if ((seen - wanted).manhattanLength() > 1e-6) {
                 QDebug(&name) << (xy ? "xy" : "uv") << "point" << id << seen << "for" << wanted;
                 return name;
@@ -246,23 +246,23 @@ QString ChaosTest::pointsDifference(const ItemKey& key) const {
 }
 
 QString ChaosTest::lastingDifference() const {
-    if (!soon([this] { return listDifference().isEmpty(); }))
+    if (!waitUntil([this] { return listDifference().isEmpty(); }))
         return listDifference();
     const Show expected = show();
     for (const ShowItem& item : expected.items()) {
         const auto isEqual = [&] {
-            // A show that started anew a moment ago may still take the selection away.
+            // A show that has just restarted may still remove the selected item.
             if (Item* row = rows().value(item.key); row != find<MediaList>()->selection())
                 find<MediaList>()->onSelectedItem(row);
             return pointsDifference(item.key).isEmpty();
         };
-        if (!soon(isEqual))
+        if (!waitUntil(isEqual))
             return pointsDifference(item.key);
     }
     return listDifference();
 }
 
-/// Something that an operator does, with a network or without: by key, or with a finger on a point.
+/// Performs a random action of an operator: a key press or a drag of a point.
 void ChaosTest::operate() {
     QWindow* target = window_->windowHandle();
     constexpr Qt::Key kArrows[] = {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down};
@@ -289,24 +289,24 @@ void ChaosTest::operate() {
     QTest::mousePress(target, Qt::LeftButton, {}, start);
     for (int step = 1; step <= 5; ++step) {
         QTest::mouseMove(target, start + step * QPoint(random_.bounded(-8, 8), 3));
-        QCoreApplication::processEvents(); // in which the connection may break
+        QCoreApplication::processEvents(); // the connection may break here
     }
     QTest::mouseRelease(target, Qt::LeftButton, {}, start + QPoint(20, 15));
 }
 
-/// Until the connection breaks, or everything got through before that. Whether it broke.
+/// Waits until the connection breaks or the whole show has arrived; returns whether it broke.
 bool ChaosTest::waitForEarlyBreak(int lossesBefore) {
     static_cast<void>(
-        soon([=, this] { return losses() > lossesBefore || listDifference().isEmpty(); }));
+        waitUntil([=, this] { return losses() > lossesBefore || listDifference().isEmpty(); }));
     int pending = 0;
     machine_->run([&] {
         producer_->network.cutAfter(-1, Cut::Closed);
         pending = producer_->network.cuts();
     });
-    return soon([=, this] { return losses() >= pending; }) && losses() > lossesBefore;
+    return waitUntil([=, this] { return losses() >= pending; }) && losses() > lossesBefore;
 }
 
-void ChaosTest::everyLossIsRecoveredFrom() {
+void ChaosTest::windowShowsProducerStateAfterEveryLoss() {
     QCOMPARE(lastingDifference(), QString());
     const int wanted = environmentNumber("MESHPAD_CHAOS_LOSSES", kUsualLosses);
     int recoveries = 0, early = 0;
@@ -317,31 +317,31 @@ void ChaosTest::everyLossIsRecoveredFrom() {
         const QString where = QString(" (seed %1, loss %2)").arg(seed_).arg(before + 1);
         const auto cut = random_.bounded(2) ? Cut::Closed : Cut::Reset;
 
-        // In the middle of work, behind any byte of what comes in.
+        // Breaks the connection during work, after any byte of the incoming data.
         const bool atOnce = random_.bounded(5) == 0;
         const int bytes = random_.bounded(3'000);
         machine_->run([&] {
             if (!atOnce)
                 producer_->network.cutAfter(bytes, cut);
         });
-        const bool broke = soon([&] {
+        const bool broke = waitUntil([&] {
             edit(random_.bounded(1, 4));
             operate();
             if (atOnce && random_.bounded(4) == 0)
                 machine_->run([&] { producer_->network.cut(cut); });
             return losses() > before;
         });
-        QVERIFY2(broke, qPrintable("the break was not noticed" + where));
+        QVERIFY2(broke, qPrintable("the loss was not noticed" + where));
 
-        // Meanwhile the show goes on, the operator tries, and the next network is no better.
+        // Show and operator go on without a connection; the next network is bad, too.
         edit(random_.bounded(20));
         operate();
-        const auto weather = Weather(random_.bounded(5));
+        const auto condition = NetworkCondition(random_.bounded(5));
         const bool breaksEarly = random_.bounded(3) == 0;
         const bool refuses = random_.bounded(8) == 0;
         const int firstBytes = random_.bounded(kBytesOfAShow);
         machine_->run([&] {
-            producer_->network.setWeather(weather);
+            producer_->network.setNetworkCondition(condition);
             if (breaksEarly)
                 producer_->network.cutAfter(firstBytes, cut);
             if (refuses)
@@ -357,17 +357,18 @@ void ChaosTest::everyLossIsRecoveredFrom() {
         QVERIFY2(difference.isEmpty(), qPrintable(difference + where));
         ++recoveries;
     }
-    qInfo("seed %u: %d connections lost, %d of them while the show was still coming; %d times "
-          "everything was compared and equal; %.1f s",
-          seed_, losses(), early, recoveries, double(timer.elapsed()) / 1000);
+    qInfo(
+        "seed %u: %d connections lost, %d of them while the show was still arriving; %d recoveries "
+        "with equal states; %.1f s",
+        seed_, losses(), early, recoveries, double(timer.elapsed()) / 1000);
 }
 
-void ChaosTest::cableIsPulledAndPluggedIn() {
+void ChaosTest::windowShowsProducerStateAfterPulledCable() {
     const auto link = [](const char* state) {
         return MeshpadTest::PeerNamespace::ipHere(QString("link set here0 %1").arg(state));
     };
     QCOMPARE(lastingDifference(), QString());
-    // Shorter than what a connection bears: nothing is lost, not even what was said meanwhile.
+    // A connection survives short interruptions and loses nothing.
     int before = 0;
     for (const int pause : {50, 400, 1500}) {
         QElapsedTimer away;
@@ -378,22 +379,22 @@ void ChaosTest::cableIsPulledAndPluggedIn() {
         QTest::qWait(pause);
         edit(10);
         QVERIFY(machine_->ip("link set there0 up"));
-        const bool tooLong = away.hasExpired(2'000); // on a machine that has other things to do
+        const bool tooLong = away.hasExpired(2'000); // on a busy machine
         QCOMPARE(lastingDifference(), QString());
         if (!tooLong)
             QCOMPARE(losses(), before);
         before = losses();
     }
-    // Longer, at either end.
+    // A long interruption, at either end, breaks the connection.
     QVERIFY(link("down"));
-    QVERIFY(soon([this] { return isVeiled(); }));
+    QVERIFY(waitUntil([this] { return isVeiled(); }));
     edit(30);
     QVERIFY(link("up"));
     QCOMPARE(lastingDifference(), QString());
     QCOMPARE(losses(), before + 1);
 
     QVERIFY(machine_->ip("link set there0 down"));
-    QVERIFY(soon([this] { return isVeiled(); }));
+    QVERIFY(waitUntil([this] { return isVeiled(); }));
     QVERIFY(machine_->ip("link set there0 up"));
     QCOMPARE(lastingDifference(), QString());
     QCOMPARE(losses(), before + 2);

@@ -53,7 +53,7 @@ constexpr unsigned int kScreens = 20;
 constexpr unsigned int kMedias = 40;
 constexpr auto kKeyPeriod = 20ms;
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr auto kPatience = 400ms; // what is instrumented is slower, and the memory is not its own
+constexpr auto kPatience = 400ms; // instrumentation is slower and uses memory
 constexpr double kRoom = 1e9;
 #else
 constexpr auto kPatience = 100ms;
@@ -71,11 +71,11 @@ double residentMiB() {
                : 0;
 }
 
-/// A Producer that sends as fast as the system takes it, on threads of its own, and lets the
-/// companion say what it likes.
-class Torrent {
+/// A Producer that sends as fast as the socket accepts bytes, on threads of its own, and discards
+/// everything that it receives.
+class FloodProducer {
 public:
-    Torrent() : server_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    FloodProducer() : server_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
         const int on = 1;
         setsockopt(server_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
         sockaddr_in address{};
@@ -85,7 +85,7 @@ public:
         isListening = bind(server_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
                       listen(server_, 1) == 0;
     }
-    ~Torrent() {
+    ~FloodProducer() {
         shutdown(connection_, SHUT_RDWR);
         for (std::thread* thread : {&sender_, &listener_})
             if (thread->joinable())
@@ -93,10 +93,10 @@ public:
         close(connection_);
         close(server_);
     }
-    Torrent(const Torrent&) = delete;
-    Torrent& operator=(const Torrent&) = delete;
+    FloodProducer(const FloodProducer&) = delete;
+    FloodProducer& operator=(const FloodProducer&) = delete;
 
-    /// The companion is connecting, or has done so.
+    /// Waits for the companion's connection.
     void accept() {
         connection_ = ::accept4(server_, nullptr, nullptr, SOCK_CLOEXEC);
         listener_ = std::thread([this] {
@@ -124,11 +124,11 @@ private:
     std::thread sender_, listener_;
 };
 
-/// Somebody who presses a key again and again, and notes how long the window works until it has
-/// done all there is to do about it, the painting included.
-class Presser final : public QObject, public KeyEventListener {
+/// Presses a key again and again and measures the processor time of the window's thread until it
+/// has handled the key, including the painting.
+class KeyLatencyProbe final : public QObject, public KeyEventListener {
 public:
-    Presser(QWidget* window, Qt::Key key) : window_(window), key_(key) {
+    KeyLatencyProbe(QWidget* window, Qt::Key key) : window_(window), key_(key) {
         KeyEventManager::getInstance()->addListener(this);
         thread_ = std::thread([this] {
             while (!stop_) {
@@ -141,11 +141,11 @@ public:
             }
         });
     }
-    ~Presser() override {
+    ~KeyLatencyProbe() override {
         stop();
         KeyEventManager::getInstance()->removeListener(this);
     }
-    Q_DISABLE_COPY_MOVE(Presser)
+    Q_DISABLE_COPY_MOVE(KeyLatencyProbe)
     void stop() {
         stop_ = true;
         if (thread_.joinable())
@@ -155,7 +155,7 @@ public:
         if (event->key() == key_)
             QCoreApplication::postEvent(this, new QEvent(kAnswered), Qt::LowEventPriority - 1);
     }
-    /// The slowest answer but one in twenty, and the slowest.
+    /// The time within which 95 of 100 keys are handled, and the slowest key's time.
     std::pair<milliseconds, milliseconds> slowest() {
         std::ranges::sort(times_);
         const auto usual = times_[times_.size() - 1 - times_.size() / 20];
@@ -165,8 +165,7 @@ public:
 
 protected:
     void customEvent(QEvent* event) override {
-        // A standard mutex, which the thread sanitizer understands; Qt's own are a closed book to
-        // it.
+        // A standard mutex, because the thread sanitizer does not understand Qt's mutexes.
         const std::scoped_lock lock(mutex_);
         if (event->type() == kPress) {
             QKeyEvent press(QEvent::KeyPress, key_, {});
@@ -192,7 +191,7 @@ private:
 
 } // namespace
 
-/// More than a window can have wished for: it stays a window to work with.
+/// A window that receives a flood of events keeps handling keys.
 class FloodTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
@@ -201,16 +200,16 @@ private slots:
     void init();
     void cleanup();
 
-    void hundredThousandEvents_data();
-    void hundredThousandEvents();
-    void thousandProducers();
+    void keysStayFastDuringEventFlood_data();
+    void keysStayFastDuringEventFlood();
+    void keysStayFastDuringDiscoveryFlood();
 
 private:
     template <typename Widget>
     Widget* find() const {
         return window_->findChild<Widget*>();
     }
-    void judge(Presser& presser, double memoryBefore, const char* what);
+    void judge(KeyLatencyProbe& probe, double memoryBefore, const char* what);
 
     MeshpadTest::WindowUnderTest application_;
     std::unique_ptr<GuiCompanion> window_;
@@ -229,36 +228,36 @@ void FloodTest::init() {
 
 void FloodTest::cleanup() {
     window_->onDisconnectFromServer();
-    find<Content>()->setPage(Companion::Page::Warp); // whose scene draws a last time
+    find<Content>()->setPage(Companion::Page::Warp); // because its scene must draw a last time
     MeshpadTest::WindowUnderTest::clear(find<QQuickWidget>());
     window_.reset();
     GuardedTest::cleanup();
 }
 
-void FloodTest::judge(Presser& presser, double memoryBefore, const char* what) {
-    presser.stop();
-    QTest::qWait(100); // a press that is under way
+void FloodTest::judge(KeyLatencyProbe& probe, double memoryBefore, const char* what) {
+    probe.stop();
+    QTest::qWait(100); // for a pending press
     const double growth = residentMiB() - memoryBefore;
-    QVERIFY(presser.count() >= 5);
-    const auto [usual, slowest] = presser.slowest();
+    QVERIFY(probe.count() >= 5);
+    const auto [usual, slowest] = probe.slowest();
     qInfo("%s: %zu keys answered, 95 of 100 within %d ms, all within %d ms; %.1f MiB more", what,
-          presser.count(), int(usual.count()), int(slowest.count()), growth);
+          probe.count(), int(usual.count()), int(slowest.count()), growth);
     const int slower = std::max(1, qEnvironmentVariableIntValue("MESHPAD_SLOWER"));
     QVERIFY(usual <= slower * kPatience);
-    QVERIFY(slowest <= 3 * slower * kPatience); // whatever else the machine did meanwhile
-    QVERIFY(slower > 1 || growth < kRoom);      // an emulated machine's memory is not its own
+    QVERIFY(slowest <= 3 * slower * kPatience); // tolerates other work of the machine
+    QVERIFY(slower > 1 || growth < kRoom);      // memcheck's memory is included
 }
 
-void FloodTest::hundredThousandEvents_data() {
+void FloodTest::keysStayFastDuringEventFlood_data() {
     QTest::addColumn<int>("kind");
     QTest::newRow("moves of the points on screen") << 0;
     QTest::newRow("blinds of all rows") << 1;
     QTest::newRow("meshes rebuilt among moves") << 2;
 }
 
-void FloodTest::hundredThousandEvents() {
+void FloodTest::keysStayFastDuringEventFlood() {
     QFETCH(int, kind);
-    Torrent producer;
+    FloodProducer producer;
     QVERIFY(producer.isListening);
     window_->onConnectToServer("127.0.0.1");
     producer.accept();
@@ -302,41 +301,41 @@ void FloodTest::hundredThousandEvents() {
     const double memory = residentMiB();
     QElapsedTimer timer;
     timer.start();
-    // The list's key: another item, with its mesh, each time.
-    Presser presser(window_.get(), Qt::Key_M);
+    // The list's key selects another item and shows its mesh.
+    KeyLatencyProbe probe(window_.get(), Qt::Key_M);
     producer.start([&producer, last, blocks = std::move(blocks)] {
         for (const QByteArray& block : blocks)
             producer.send(block);
         producer.send(last);
     });
-    const auto everythingCame = [this] {
+    const auto allArrived = [this] {
         for (int i = 0; Item* row = find<MediaList>()->getItemFromLayout(i); ++i) {
             if (row->name() == "The last one")
                 return true;
         }
         return false;
     };
-    QTRY_VERIFY_WITH_TIMEOUT(everythingCame(), 280'000);
+    QTRY_VERIFY_WITH_TIMEOUT(allArrived(), 280'000);
     qInfo("%d events in %.2f s", kEvents, double(timer.elapsed()) / 1000);
-    judge(presser, memory, QTest::currentDataTag());
+    judge(probe, memory, QTest::currentDataTag());
 }
 
-void FloodTest::thousandProducers() {
+void FloodTest::keysStayFastDuringDiscoveryFlood() {
     QVERIFY(MeshpadTest::PeerNamespace::ipHere("route add local 10.90.0.0/16 dev lo"));
     const QSize size = window_->size();
     const double memory = residentMiB();
-    Presser presser(window_.get(), Qt::Key_M);
+    KeyLatencyProbe probe(window_.get(), Qt::Key_M);
     const auto answerFrom = [](int producer) {
         QUdpSocket socket;
         if (socket.bind(
                 QHostAddress(QString("10.90.%1.%2").arg(producer / 250).arg(1 + producer % 250))))
             socket.writeDatagram("PingReceived", QHostAddress("10.77.0.1"), kCompanionPort);
     };
-    // Several times over, so that those who are not listed keep asking for room.
+    // Repeats the answers, so that unlisted Producers keep claiming a place in the list.
     std::atomic<bool> done = false;
     std::thread flood([&done, answerFrom] {
         for (int i = 0; i < 5000; ++i) {
-            if (i % 50 == 0) // no more than a socket holds
+            if (i % 50 == 0) // not more than a socket buffers
                 std::this_thread::sleep_for(10ms);
             answerFrom(i % 1000);
         }
@@ -350,9 +349,9 @@ void FloodTest::thousandProducers() {
     }
     flood.join();
     QCOMPARE(most, Limits::kMaxListedProducers);
-    judge(presser, memory, "discovery answers");
+    judge(probe, memory, "discovery answers");
     QCOMPARE(window_->size(), size);
-    // They have nothing more to say: there is room for those that do.
+    // Producers that stop answering make room for others.
     QTRY_COMPARE_WITH_TIMEOUT(listed(), 0, 20'000);
     answerFrom(999);
     QTRY_COMPARE(listed(), 1);

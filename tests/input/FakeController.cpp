@@ -107,7 +107,7 @@ public:
         return eventType == kFakeChangeMessage;
     }
 
-    std::chrono::milliseconds lookPeriod() const override { return pads_.lookPeriod; }
+    std::chrono::milliseconds checkPeriod() const override { return pads_.checkPeriod; }
     bool attachedChanged() override { return std::exchange(pads_.changed, false); }
 
 private:

@@ -42,7 +42,7 @@ struct FakePads {
     std::vector<std::shared_ptr<FakePad>> pads;
     ControllerSystem::OpenResult openResult = ControllerSystem::OpenResult::Ok;
     bool canBeEnumerated = true;
-    std::chrono::milliseconds lookPeriod{0};
+    std::chrono::milliseconds checkPeriod{0};
     bool changed = false;
 
     std::shared_ptr<FakePad> plugIn(const QString& name = "Pad");

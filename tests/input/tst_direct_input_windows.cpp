@@ -31,7 +31,7 @@ public:
     bool announcesChange(const QByteArray& eventType, void* message) const override {
         return real_->announcesChange(eventType, message);
     }
-    std::chrono::milliseconds lookPeriod() const override { return real_->lookPeriod(); }
+    std::chrono::milliseconds checkPeriod() const override { return real_->checkPeriod(); }
     bool attachedChanged() override { return real_->attachedChanged(); }
 
 private:

@@ -333,7 +333,7 @@ void TestGamepadInputManager::failedReadsAreLoggedAndSurvived() {
 
 void TestGamepadInputManager::looksForControllersWhereNoMessageTells() {
     pads_.pads.clear();
-    pads_.lookPeriod = std::chrono::milliseconds(20);
+    pads_.checkPeriod = std::chrono::milliseconds(20);
     start();
     QVERIFY(!manager_->isGamepadConnected());
     pad_ = pads_.plugIn();
