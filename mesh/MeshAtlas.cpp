@@ -23,7 +23,7 @@ QFont fontFor(const MeshStyle& style, int digits) {
     font.setWeight(QFont::DemiBold);
     font.setHintingPreference(QFont::PreferNoHinting);
     double height = style.pointDiameter * kLargestDigits;
-    font.setPixelSize(100); // measured large, as sizes in pixels are whole numbers
+    font.setPixelSize(100); // measured at 100, because pixel sizes are whole numbers
     const double widest = QFontMetricsF(font).horizontalAdvance(QLatin1Char('0')) / 100;
     height = std::min(height, kShareOfNumber * inside / (widest * std::max(digits, 2)));
     font.setPixelSize(std::max(1, static_cast<int>(std::floor(height + 0.25))));
@@ -81,8 +81,7 @@ MeshAtlas::MeshAtlas(const MeshStyle& style, double devicePixelRatio) {
         for (const MeshPoint::State state : kStates) {
             painter.setPen(style.states[index(state)].text);
             for (int value = 0; value < 10; ++value) {
-                // The part is as high as a digit with a pixel around it, so that its centre is the
-                // digit's centre.
+                // One pixel around the digit, so that the part's centre is the digit's centre.
                 const QRectF place(value * rowHeight + kMargin, top + kMargin, digitWidth,
                                    std::ceil(capHeight) + 2);
                 painter.drawText(QPointF(place.x(), place.center().y() + capHeight / 2),

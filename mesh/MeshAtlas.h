@@ -29,12 +29,11 @@ struct MeshStyle {
     friend bool operator==(const MeshStyle&, const MeshStyle&) = default;
 };
 
-/// One picture with everything a mesh is drawn from: a circle for each state of a point, the cross
-/// section of a line and the digits of the point numbers, all at the resolution of the screen.
+/// The image that a mesh is drawn from: a circle for each state of a point, the cross section of a
+/// line and the digits of the point numbers, at the resolution of the screen.
 class MeshAtlas {
 public:
-    /// One part of the picture: where it is (in picture coordinates, 0 to 1, or in its pixels) and
-    /// how large it is on the screen.
+    /// One part of the image: its place (0 to 1, and in pixels) and its size on the screen.
     struct Part {
         QRectF texture; ///< 0 to 1
         QRectF pixels;
@@ -43,17 +42,17 @@ public:
 
     MeshAtlas() = default;
     MeshAtlas(const MeshStyle& style, double devicePixelRatio);
-    /// The same one for all who ask for the same look while anybody has it: a show has thousands of
-    /// meshes. From any thread.
+    /// Meshes with the same style share one atlas, because a show has thousands of meshes. It lives
+    /// as long as one of them holds it. Thread-safe.
     static std::shared_ptr<const MeshAtlas> shared(const MeshStyle& style, double devicePixelRatio);
 
     bool isNull() const { return image_.isNull(); }
     const QImage& image() const { return image_; }
     const Part& circle(MeshPoint::State state) const { return circles_[index(state)]; }
-    /// The cross section of a line: as high as the line with a pixel on either side to fade out.
+    /// The cross section of a line: as high as the line, with a fading pixel on either side.
     const Part& line() const { return line_; }
     QColor lineColor() const { return lineColor_; }
-    /// The digit (0 to 9) as it is in a number of that many digits; longer numbers are smaller.
+    /// A digit (0 to 9) as drawn in a number of `digits` digits; longer numbers are smaller.
     const Part& digit(MeshPoint::State state, int digits, int value) const;
 
     static constexpr int kDigitSizes = 3;

@@ -36,7 +36,7 @@ void MeshGridItem::setZoom(double zoom) {
     if (zoom == zoom_ || !(zoom > 0))
         return;
     zoom_ = zoom;
-    markMesh();
+    scheduleRedraw();
     emit zoomChanged();
 }
 
@@ -53,19 +53,19 @@ void MeshGridItem::setOutline(int rows, int columns, double width, double height
         return;
     outline_ = std::make_unique<Outline>(
         Outline{rows, columns, QSizeF(width, height), rotation, skipPatchCenter, {}});
-    markMesh();
+    scheduleRedraw();
 }
 
-void MeshGridItem::makeMesh() {
+void MeshGridItem::ensureBuilt() {
     if (isOutline())
-        emit meshWanted(outline_->rows, outline_->columns, outline_->skipPatchCenter);
+        emit meshRequested(outline_->rows, outline_->columns, outline_->skipPatchCenter);
 }
 
 void MeshGridItem::setMesh(const QJSValue& points, const QJSValue& lines,
                            const QList<int>& lineEnds) {
     if (!isOutline())
         return;
-    isMade_ = true;
+    isBuilt_ = true;
     pointsArray_ = points;
     linesArray_ = lines;
     const auto count = static_cast<std::size_t>(outline_->count());
@@ -80,7 +80,7 @@ void MeshGridItem::setMesh(const QJSValue& points, const QJSValue& lines,
         const QPointF position = outline_->positions.empty()
                                      ? outline_->evenPosition(static_cast<int>(number))
                                      : outline_->positions[number];
-        point->place(position.x(), position.y());
+        point->setPosition(position.x(), position.y());
         points_.push_back(point);
     }
     outline_->positions = {};
@@ -96,21 +96,21 @@ void MeshGridItem::setMesh(const QJSValue& points, const QJSValue& lines,
         line->setToPoint(point(lineEnds[2 * index + 1]));
         lines_.push_back(line);
     }
-    markMesh();
+    scheduleRedraw();
 }
 
 QJSValue MeshGridItem::pointsArray() {
-    makeMesh();
+    ensureBuilt();
     return pointsArray_.isUndefined() ? qjsEngine(this)->newArray() : pointsArray_;
 }
 
 QJSValue MeshGridItem::linesArray() {
-    makeMesh();
+    ensureBuilt();
     return linesArray_.isUndefined() ? qjsEngine(this)->newArray() : linesArray_;
 }
 
-void MeshGridItem::fold() {
-    if (!isMade_ || static_cast<int>(points_.size()) != outline_->count() ||
+void MeshGridItem::reduceToOutline() {
+    if (!isBuilt_ || static_cast<int>(points_.size()) != outline_->count() ||
         !selectedNumbers().isEmpty())
         return;
     outline_->rotation = points_.front()->viewingRotation();
@@ -120,11 +120,11 @@ void MeshGridItem::fold() {
     destroyPointsAndLines();
 }
 
-void MeshGridItem::placePoint(int number, double x, double y) {
+void MeshGridItem::setPointPosition(int number, double x, double y) {
     if (number < 0 || number >= pointCount())
         return;
     if (!isOutline()) {
-        points_[static_cast<std::size_t>(number)]->place(x, y);
+        points_[static_cast<std::size_t>(number)]->setPosition(x, y);
         return;
     }
     std::vector<QPointF>& positions = outline_->positions;
@@ -147,9 +147,9 @@ void MeshGridItem::erase() {
 }
 
 void MeshGridItem::destroyPointsAndLines() {
-    isMade_ = false;
+    isBuilt_ = false;
     pointsArray_ = linesArray_ = QJSValue();
-    // The points first, as they were made: a child is looked for from the first one on.
+    // Points first: QObject searches its children from the oldest on.
     const std::vector<MeshLine*> lines = std::exchange(lines_, {});
     for (MeshLine* line : lines)
         line->grid_ = nullptr;
@@ -159,10 +159,10 @@ void MeshGridItem::destroyPointsAndLines() {
         delete point;
     }
     qDeleteAll(lines);
-    markMesh();
+    scheduleRedraw();
 }
 
-void MeshGridItem::turnNumbers(double degrees) {
+void MeshGridItem::setNumberRotation(double degrees) {
     if (isOutline())
         outline_->rotation = degrees;
     for (MeshPoint* point : points_)
@@ -170,7 +170,7 @@ void MeshGridItem::turnNumbers(double degrees) {
 }
 
 int MeshGridItem::pointAt(const QPointF& position, double reach) {
-    makeMesh();
+    ensureBuilt();
     const double circle = pointDiameter_ / 2 / zoom_;
     const double far = std::max(reach, 0.0) / zoom_;
     int covered = -1;
@@ -197,7 +197,7 @@ int MeshGridItem::pointCount() const {
 }
 
 MeshPoint* MeshGridItem::point(int number) {
-    makeMesh();
+    ensureBuilt();
     const bool isThere = number >= 0 && number < static_cast<int>(points_.size());
     return isThere ? points_[static_cast<std::size_t>(number)] : nullptr;
 }
@@ -207,20 +207,20 @@ QPointF MeshGridItem::boundedForDrag(const QPointF& position) const {
             std::max(dragMinimumY_, std::min(position.y(), dragMaximumY_))};
 }
 
-void MeshGridItem::markMesh() {
+void MeshGridItem::scheduleRedraw() {
     if (isOutline() && isVisible())
         polish();
     update();
 }
 
-void MeshGridItem::forgetPoint(MeshPoint* point) {
+void MeshGridItem::removePoint(MeshPoint* point) {
     std::erase(points_, point);
-    markMesh();
+    scheduleRedraw();
 }
 
-void MeshGridItem::forgetLine(MeshLine* line) {
+void MeshGridItem::removeLine(MeshLine* line) {
     std::erase(lines_, line);
-    markMesh();
+    scheduleRedraw();
 }
 
 void MeshGridItem::onStyleChanged() {
@@ -277,11 +277,11 @@ MeshPicture MeshGridItem::picture() const {
 
 void MeshGridItem::updatePolish() {
     if (isVisible())
-        makeMesh();
+        ensureBuilt();
 }
 
 QSGNode* MeshGridItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
-    // Of a show's meshes one is looked at; the others need nothing to be drawn with.
+    // A hidden mesh keeps no node, because a show has thousands of meshes.
     if (points_.empty() || !isVisible()) {
         delete old;
         return nullptr;
@@ -300,7 +300,7 @@ void MeshGridItem::itemChange(ItemChange change, const ItemChangeData& data) {
         styleDirty_ = true;
         update();
     } else if (change == ItemVisibleHasChanged) {
-        markMesh();
+        scheduleRedraw();
     }
     QQuickItem::itemChange(change, data);
 }

@@ -12,12 +12,12 @@
 #include <memory>
 #include <vector>
 
-/// Draws all points and lines of one mesh at once and tells which point lies under a pointer.
+/// Holds one mesh, draws all its points and lines in one node and finds the point under a pointer.
 /// Points keep their size on the screen at every zoom. Positions are in the item's pixels.
 ///
-/// A mesh begins as an outline: its size, and where points were moved to. Of a show's meshes few
-/// are ever opened; points and lines of the others would only take memory. They are made when
-/// somebody asks for them or is about to see them; no one else notices.
+/// A mesh starts as an outline (its size and the positions of moved points), because an operator
+/// opens few of a show's meshes and points and lines take memory. The mesh is built when a property
+/// or function needs its points, and before it is drawn.
 class MeshGridItem : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -34,18 +34,18 @@ class MeshGridItem : public QQuickItem {
     Q_PROPERTY(QList<QColor> selectedColors MEMBER selectedColors_ NOTIFY styleChanged)
     Q_PROPERTY(QList<QColor> currentColors MEMBER currentColors_ NOTIFY styleChanged)
 
-    /// Whether a pointer can take hold of points.
+    /// Whether a pointer can grab points.
     Q_PROPERTY(bool pointsMovable MEMBER pointsMovable_ NOTIFY dragRulesChanged)
-    /// The area that a dragged point cannot leave.
+    /// Bounds of a dragged point.
     Q_PROPERTY(double dragMinimumX MEMBER dragMinimumX_ NOTIFY dragRulesChanged)
     Q_PROPERTY(double dragMaximumX MEMBER dragMaximumX_ NOTIFY dragRulesChanged)
     Q_PROPERTY(double dragMinimumY MEMBER dragMinimumY_ NOTIFY dragRulesChanged)
     Q_PROPERTY(double dragMaximumY MEMBER dragMaximumY_ NOTIFY dragRulesChanged)
 
-    /// The points by number, and the lines; reading either makes them. Arrays.
+    /// Arrays of the points, by number, and of the lines. Reading builds the mesh.
     Q_PROPERTY(QJSValue pointsArray READ pointsArray)
     Q_PROPERTY(QJSValue linesArray READ linesArray)
-    /// Whether the mesh has points that are not made yet: none of them is selected.
+    /// Whether the mesh is not built yet; no point of an outline is selected.
     Q_PROPERTY(bool isOutline READ isOutline)
 
 public:
@@ -54,50 +54,49 @@ public:
 
     QJSValue pointsArray();
     QJSValue linesArray();
-    bool isOutline() const { return outline_ != nullptr && !isMade_; }
+    bool isOutline() const { return outline_ != nullptr && !isBuilt_; }
 
-    /// Replaces the mesh by one of `rows` x `columns` points, at least two each, that lie evenly
-    /// over an area of that size with their numbers turned by `rotation` degrees. With
-    /// `skipPatchCenter` only the borders of patches of three by three cells get lines.
+    /// Replaces the mesh by an outline of `rows` x `columns` points, at least two each, spread
+    /// evenly over the area, with numbers rotated by `rotation` degrees. With `skipPatchCenter`
+    /// only the borders of patches of three by three cells get lines.
     Q_INVOKABLE void setOutline(int rows, int columns, double width, double height, double rotation,
                                 bool skipPatchCenter);
-    /// The answer to meshWanted(): points by number and lines, whose owner is unchanged. `lineEnds`
-    /// are the numbers of each line's points, in pairs.
+    /// Takes points (by number) and lines in answer to meshRequested(); does not own them.
+    /// `lineEnds` holds the two point numbers of each line.
     Q_INVOKABLE void setMesh(const QJSValue& points, const QJSValue& lines,
                              const QList<int>& lineEnds);
 
     double zoom() const { return zoom_; }
     void setZoom(double zoom);
 
-    /// Makes the mesh an outline again, unless a point is selected.
-    Q_INVOKABLE void fold();
-    /// Writes position and last written position of a point; a number that is none is ignored.
-    Q_INVOKABLE void placePoint(int number, double x, double y);
+    /// Destroys points and lines and keeps an outline, unless a point is selected.
+    Q_INVOKABLE void reduceToOutline();
+    /// Sets the position and last written position of a point; ignores unknown numbers.
+    Q_INVOKABLE void setPointPosition(int number, double x, double y);
     /// Numbers of the selected points, ascending.
     Q_INVOKABLE QList<int> selectedNumbers() const;
-    /// Destroys all lines and points of the mesh.
+    /// Removes the mesh and destroys its points and lines.
     Q_INVOKABLE void erase();
-    /// Turns the numbers of all points.
-    Q_INVOKABLE void turnNumbers(double degrees);
+    /// Rotates the numbers of all points.
+    Q_INVOKABLE void setNumberRotation(double degrees);
 
-    /// Number of the point at the position, -1 for none. A point whose circle covers the position
-    /// is taken first, the one drawn on top before others; otherwise the nearest point that is at
-    /// most `reach` screen pixels away.
+    /// Number of the point at the position, -1 for none: the topmost point whose circle covers the
+    /// position, otherwise the nearest point within `reach` screen pixels.
     Q_INVOKABLE int pointAt(const QPointF& position, double reach);
 
     int pointCount() const;
-    /// Null when the number is none of the mesh.
+    /// Null for an unknown number.
     MeshPoint* point(int number);
     bool pointsMovable() const { return pointsMovable_; }
-    /// The position moved into the area that a dragged point cannot leave.
+    /// The position, moved into the bounds of a dragged point.
     QPointF boundedForDrag(const QPointF& position) const;
 
-    /// Something that is drawn has changed.
-    void markMesh();
+    /// Schedules a redraw.
+    void scheduleRedraw();
 
 signals:
-    /// The mesh is to be made, at once: somebody needs its points.
-    void meshWanted(int rows, int columns, bool skipPatchCenter);
+    /// The receiver must call setMesh() before it returns.
+    void meshRequested(int rows, int columns, bool skipPatchCenter);
     void zoomChanged();
     void styleChanged();
     void dragRulesChanged();
@@ -124,19 +123,19 @@ private:
         QPointF evenPosition(int number) const;
     };
 
-    void makeMesh();
+    void ensureBuilt();
     void destroyPointsAndLines();
-    void forgetPoint(MeshPoint* point);
-    void forgetLine(MeshLine* line);
+    void removePoint(MeshPoint* point);
+    void removeLine(MeshLine* line);
     void onStyleChanged();
     MeshStyle style() const;
     MeshPicture picture() const;
 
-    std::unique_ptr<Outline> outline_; // null without a mesh; its positions only count until made
-    bool isMade_ = false;
+    std::unique_ptr<Outline> outline_; // null without a mesh; its positions count until it is built
+    bool isBuilt_ = false;
     QJSValue pointsArray_;
     QJSValue linesArray_;
-    std::vector<MeshPoint*> points_; // by number; points and lines belong to whoever created them
+    std::vector<MeshPoint*> points_; // by number; the grid's users own points and lines
     std::vector<MeshLine*> lines_;
 
     double zoom_ = 1;
@@ -154,5 +153,5 @@ private:
     double dragMaximumY_;
 
     bool styleDirty_ = true;
-    std::shared_ptr<const MeshAtlas> atlas_; // shared with the nodes that draw from it
+    std::shared_ptr<const MeshAtlas> atlas_; // shared with the nodes
 };

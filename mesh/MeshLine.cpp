@@ -10,14 +10,14 @@ MeshLine::MeshLine(QObject* parent) : QObject(parent) {}
 
 MeshLine::~MeshLine() {
     if (grid_)
-        grid_->forgetLine(this);
+        grid_->removeLine(this);
 }
 
 void MeshLine::setFromPoint(MeshPoint* point) {
     if (point == fromPoint_)
         return;
     fromPoint_ = point;
-    markGrid();
+    scheduleRedraw();
     emit endsChanged();
 }
 
@@ -25,7 +25,7 @@ void MeshLine::setToPoint(MeshPoint* point) {
     if (point == toPoint_)
         return;
     toPoint_ = point;
-    markGrid();
+    scheduleRedraw();
     emit endsChanged();
 }
 
@@ -42,7 +42,7 @@ double MeshLine::rotation() const {
         std::atan2(toPoint_->y() - fromPoint_->y(), toPoint_->x() - fromPoint_->x()));
 }
 
-void MeshLine::markGrid() {
+void MeshLine::scheduleRedraw() {
     if (grid_)
-        grid_->markMesh();
+        grid_->scheduleRedraw();
 }

@@ -8,8 +8,8 @@
 
 class MeshGridItem;
 
-/// A straight edge of a mesh between two of its control points. The grid draws it; length and
-/// direction are computed when somebody asks.
+/// A straight edge of a mesh between two control points. The grid draws it; length and direction
+/// are computed on reading.
 class MeshLine : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -38,7 +38,7 @@ signals:
 private:
     friend class MeshGridItem;
 
-    void markGrid();
+    void scheduleRedraw();
 
     MeshGridItem* grid_ = nullptr; // set and cleared by the grid
     QPointer<MeshPoint> fromPoint_;

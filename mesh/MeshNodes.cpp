@@ -12,8 +12,8 @@
 
 namespace {
 
-/// Calls draw(part, centre) for each digit of the number, the centres relative to the point's
-/// centre in pixels of the screen, unturned.
+/// Calls draw(part, centre) for each digit of the number; centres are relative to the point's
+/// centre in screen pixels, before rotation.
 template <typename Draw>
 void forEachDigit(const MeshAtlas& atlas, MeshPoint::State state, int number, Draw draw) {
     std::array<int, 10> values{};
@@ -37,7 +37,7 @@ int digitCount(int number) {
     return digits;
 }
 
-/// Quads with parts of one picture on them; later ones cover earlier ones.
+/// Quads textured with parts of one image; later quads cover earlier ones.
 class QuadsNode final : public QSGGeometryNode {
 public:
     QuadsNode()
@@ -59,7 +59,7 @@ public:
         markDirty(DirtyMaterial);
     }
 
-    /// To be followed by as many calls of quad().
+    /// Followed by `quads` calls of quad().
     void begin(std::size_t quads) {
         if (static_cast<int>(quads) * 4 != geometry_.vertexCount()) {
             geometry_.allocate(static_cast<int>(quads) * 4, static_cast<int>(quads) * 6);
@@ -109,8 +109,7 @@ public:
             sprites_->setTexture(texture.get(), QSGTexture::Linear);
             texture_ = std::move(texture);
         }
-        // A sprite covers as many pixels as it has; without interpolation each becomes exactly one
-        // of them, which is crisp and cheap.
+        // An upright sprite maps one to one onto the screen's pixels: nearest is crisp and cheap.
         sprites_->setTexture(texture_.get(),
                              picture.upright ? QSGTexture::Nearest : QSGTexture::Linear);
         drawLines(picture);
@@ -140,7 +139,7 @@ private:
             const double angle = qDegreesToRadians(point.rotation);
             const QPointF right = QPointF(std::cos(angle), std::sin(angle)) * pixel;
             const QPointF down(-right.y(), right.x());
-            // Off the middle between two pixels, where rounding errors would choose.
+            // Not exactly between two pixels, where rounding errors decide which one is hit.
             const QPointF position = point.position + (right + down) * kOffMiddle;
             const auto sprite = [&](const MeshAtlas::Part& part, const QPointF& centre) {
                 const QPointF middle = position + right * centre.x() + down * centre.y();
@@ -177,12 +176,11 @@ private:
     QQuickWindow* window_;
     std::shared_ptr<const MeshAtlas> atlas_;
     std::unique_ptr<QSGTexture> texture_;
-    QuadsNode* lines_ = new QuadsNode; // both are owned by this node
+    QuadsNode* lines_ = new QuadsNode; // owned by this node
     QuadsNode* sprites_ = new QuadsNode;
 };
 
-/// Draws a mesh with a painter where the window is drawn without a graphics interface; geometry of
-/// one's own is left out there.
+/// Draws a mesh with QPainter for Qt Quick's software renderer, which ignores geometry nodes.
 class MeshPainterNode : public QSGRenderNode, public MeshNode {
 public:
     explicit MeshPainterNode(QQuickWindow* window) : window_(window) {}
@@ -226,7 +224,7 @@ public:
         painter->setPen(pen);
         painter->drawLines(picture_.lines.data(), static_cast<int>(picture_.lines.size()));
 
-        // Circles and digits are drawn without the zoom, so that their pixels stay what they are.
+        // Circles and digits are not scaled, so that their pixels stay sharp.
         const double turn = qRadiansToDegrees(std::atan2(toWindow.m12(), toWindow.m11()));
         painter->setTransform(QTransform());
         const double scale = window_->effectiveDevicePixelRatio();

@@ -10,14 +10,13 @@
 
 class QQuickWindow;
 
-/// Everything that the drawing of a mesh needs to know, copied out of the mesh so that it can be
-/// drawn on another thread.
+/// A copy of what is drawn of a mesh, so that the render thread needs no access to the mesh.
 struct MeshPicture {
     static constexpr QRectF kAll{-1e3, -1e3, 2e3, 2e3};
 
     struct Point {
         QPointF position;
-        double rotation = 0; ///< of the number, degrees
+        double rotation = 0; ///< of the number in degrees
         int number = 0;
         bool isNumberSeen = true; ///< false where other points lie on it
         MeshPoint::State state = MeshPoint::State::Unselected;
@@ -26,22 +25,21 @@ struct MeshPicture {
         QRectF seen = kAll;
     };
     std::vector<QLineF> lines;
-    std::vector<Point> points; ///< later ones lie above earlier ones
+    std::vector<Point> points; ///< later points are drawn above earlier ones
     double zoom = 1;
-    bool upright = true; ///< whether the numbers stand upright on the screen, pixel by pixel
+    bool upright = true; ///< whether the numbers align with the screen's pixels
     std::shared_ptr<const MeshAtlas> atlas;
 };
 
-/// A scene-graph node that draws a mesh; which one depends on what the window is drawn with.
+/// A scene-graph node that draws a mesh; the window's graphics API decides which one.
 class MeshNode {
 public:
     virtual ~MeshNode() = default;
     virtual QSGNode* node() = 0;
-    /// Takes over what to draw from now on.
     virtual void setPicture(MeshPicture picture) = 0;
 
-    /// A new node fit for the window; the caller owns it through node().
+    /// Creates a node for the window's graphics API; the caller owns it through node().
     static MeshNode* create(QQuickWindow* window);
-    /// The node again as it was created, null for null.
+    /// The MeshNode of a scene-graph node from create(); null for null.
     static MeshNode* from(QSGNode* node);
 };

@@ -11,7 +11,7 @@ MeshPoint::MeshPoint(QObject* parent) : QObject(parent) {}
 
 MeshPoint::~MeshPoint() {
     if (grid_)
-        grid_->forgetPoint(this);
+        grid_->removePoint(this);
 }
 
 QString MeshPoint::state() const {
@@ -26,7 +26,7 @@ void MeshPoint::setX(double x) {
     if (x == x_)
         return;
     x_ = x;
-    markGrid();
+    scheduleRedraw();
     emit moved();
 }
 
@@ -34,7 +34,7 @@ void MeshPoint::setY(double y) {
     if (y == y_)
         return;
     y_ = y;
-    markGrid();
+    scheduleRedraw();
     emit moved();
 }
 
@@ -52,7 +52,7 @@ void MeshPoint::setPointNum(int number) {
     if (number == pointNum_)
         return;
     pointNum_ = number;
-    markGrid();
+    scheduleRedraw();
     emit pointNumChanged();
 }
 
@@ -60,7 +60,7 @@ void MeshPoint::setViewingRotation(double degrees) {
     if (degrees == viewingRotation_)
         return;
     viewingRotation_ = degrees;
-    markGrid();
+    scheduleRedraw();
     emit viewingRotationChanged();
 }
 
@@ -69,20 +69,20 @@ void MeshPoint::setState(const QString& state) {
         if (candidate == state_ || state != kStateNames[static_cast<int>(candidate)])
             continue;
         state_ = candidate;
-        markGrid();
+        scheduleRedraw();
         emit stateChanged();
         return;
     }
 }
 
-void MeshPoint::place(double x, double y) {
+void MeshPoint::setPosition(double x, double y) {
     x_ = previousX_ = x;
     y_ = previousY_ = y;
-    markGrid();
+    scheduleRedraw();
     emit moved();
 }
 
-void MeshPoint::markGrid() {
+void MeshPoint::scheduleRedraw() {
     if (grid_)
-        grid_->markMesh();
+        grid_->scheduleRedraw();
 }

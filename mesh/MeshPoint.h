@@ -5,28 +5,27 @@
 
 class MeshGridItem;
 
-/// One control point of a mesh, as the scene's rules see it: where it stands, whether it is
-/// selected, which way up its number reads. It draws nothing itself; every change only marks the
-/// grid that draws all points of the mesh at once.
+/// One control point of a mesh: its position, its selection state and the rotation of its number.
+/// The grid draws all points; a change of a point schedules a redraw of the grid.
 class MeshPoint : public QObject {
     Q_OBJECT
     QML_ELEMENT
     /// Position in the item's pixels, origin at the item's top left corner.
     Q_PROPERTY(double x READ x WRITE setX NOTIFY moved)
     Q_PROPERTY(double y READ y WRITE setY NOTIFY moved)
-    /// The position that the program wrote last.
+    /// The last position that the program wrote.
     Q_PROPERTY(double previousX READ previousX WRITE setPreviousX NOTIFY moved)
     Q_PROPERTY(double previousY READ previousY WRITE setPreviousY NOTIFY moved)
     /// Index of the point in its mesh, row by row.
     Q_PROPERTY(int pointNum READ pointNum WRITE setPointNum NOTIFY pointNumChanged)
-    /// Degrees by which the number is turned against the mesh.
+    /// Rotation of the number against the mesh in degrees.
     Q_PROPERTY(double viewingRotation READ viewingRotation WRITE setViewingRotation NOTIFY
                    viewingRotationChanged)
-    /// "UNSELECTED", "SELECTED" or "CURRENT"; anything else is ignored.
+    /// "UNSELECTED", "SELECTED" or "CURRENT"; other values are ignored.
     Q_PROPERTY(QString state READ state WRITE setState NOTIFY stateChanged)
     /// Whether the state is "SELECTED" or "CURRENT".
     Q_PROPERTY(bool selected READ isSelected NOTIFY stateChanged)
-    /// Whether the grid of the point is shown.
+    /// Whether the point's grid is visible.
     Q_PROPERTY(bool visible READ isVisible)
 
 public:
@@ -54,8 +53,8 @@ public:
     void setViewingRotation(double degrees);
     void setState(const QString& state);
 
-    /// Writes position and last written position at once.
-    Q_INVOKABLE void place(double x, double y);
+    /// Sets position and last written position.
+    Q_INVOKABLE void setPosition(double x, double y);
 
 signals:
     void moved();
@@ -66,7 +65,7 @@ signals:
 private:
     friend class MeshGridItem;
 
-    void markGrid();
+    void scheduleRedraw();
 
     MeshGridItem* grid_ = nullptr; // set and cleared by the grid
     double x_ = 0;

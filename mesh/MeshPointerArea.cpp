@@ -11,10 +11,10 @@
 #include <QWheelEvent>
 
 namespace {
-constexpr int kRestTime = 100; // ms until a resting finger takes hold of its point
+constexpr int kGrabDelay = 100; // ms until a resting finger grabs its point
 constexpr int kSecondFingerTime =
-    250;                         // ms within which a second finger takes back what the first moved
-constexpr double kTrembling = 6; // pixels that a finger moves without meaning to
+    250; // ms within which a second finger undoes the first finger's drag
+constexpr double kTouchThreshold = 6; // pixels that a resting finger may move
 constexpr int kNotch = 120;
 } // namespace
 
@@ -43,32 +43,32 @@ void MeshPointerArea::ignoreSecondTap() {
     firstTapTime_.start();
 }
 
-void MeshPointerArea::setPointerRests(bool rests) {
-    if (std::exchange(pointerRests_, rests) != rests)
-        emit pointerRestsChanged();
+void MeshPointerArea::setPointerIgnored(bool rests) {
+    if (std::exchange(pointerIgnored_, rests) != rests)
+        emit pointerIgnoredChanged();
 }
 
-void MeshPointerArea::setReachedByTab(bool reached) {
-    if (std::exchange(reachedByTab_, reached) != reached)
-        emit reachedByTabChanged();
+void MeshPointerArea::setTabFocus(bool reached) {
+    if (std::exchange(hasTabFocus_, reached) != reached)
+        emit tabFocusChanged();
 }
 
 bool MeshPointerArea::eventFilter(QObject* watched, QEvent* event) {
     const bool isWindow = watched == window();
     if (isWindow && (event->type() == QEvent::MouseMove || event->type() == QEvent::Enter)) {
-        setPointerRests(false);
+        setPointerIgnored(false);
     } else if (!isWindow && event->type() == QEvent::FocusIn) {
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        setReachedByTab(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
+        setTabFocus(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
     } else if (!isWindow && event->type() == QEvent::FocusOut) {
-        setReachedByTab(false);
+        setTabFocus(false);
     }
     return QQuickItem::eventFilter(watched, event);
 }
 
 void MeshPointerArea::itemChange(ItemChange change, const ItemChangeData& data) {
     if (change == ItemSceneChange && data.window)
-        data.window->installEventFilter(this); // hover events come also when nothing has moved
+        data.window->installEventFilter(this); // hover events also arrive without a movement
     else if (change == ItemParentHasChanged && data.item)
         data.item->installEventFilter(this);
     QQuickItem::itemChange(change, data);
@@ -85,7 +85,7 @@ bool MeshPointerArea::isSecondTap() const {
            firstTapTime_.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval();
 }
 
-void MeshPointerArea::takeOffset() {
+void MeshPointerArea::updateGrabOffset() {
     const MeshPoint* point = grid_->point(draggedPoint_);
     if (!point)
         return;
@@ -93,13 +93,13 @@ void MeshPointerArea::takeOffset() {
     grabView_ = grid_->itemTransform(this, nullptr);
 }
 
-void MeshPointerArea::holdPoint(int pointId, const QPointF& position, bool control) {
+void MeshPointerArea::grabPoint(int pointId, const QPointF& position, bool control) {
     const MeshPoint* point = grid_->point(pointId);
     pointStart_ = QPointF(point->x(), point->y());
     gesture_ = Gesture::Drag;
     draggedPoint_ = pointId;
     lastPosition_ = position;
-    takeOffset();
+    updateGrabOffset();
     emit draggingChanged();
     emit pointPressed(pointId, control);
 }
@@ -108,7 +108,7 @@ void MeshPointerArea::dragPointTo(const QPointF& position) {
     if (!grid_ || draggedPoint_ < 0)
         return;
     if (grid_->itemTransform(this, nullptr) != grabView_)
-        takeOffset(); // turning or zooming the view moves no point
+        updateGrabOffset(); // rotating or zooming the view must not move the point
     lastPosition_ = position;
     const QPointF target = grid_->boundedForDrag(mapToItem(grid_, position) + grabOffset_);
     emit pointDragged(draggedPoint_, target.x(), target.y());
@@ -142,7 +142,7 @@ void MeshPointerArea::mousePressEvent(QMouseEvent* event) {
     lastPosition_ = event->position();
     const int point = movablePointAt(event->position(), 0);
     if (point >= 0)
-        holdPoint(point, event->position(), event->modifiers().testFlag(Qt::ControlModifier));
+        grabPoint(point, event->position(), event->modifiers().testFlag(Qt::ControlModifier));
     else
         gesture_ = Gesture::Pan;
 }
@@ -161,7 +161,7 @@ void MeshPointerArea::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void MeshPointerArea::mouseDoubleClickEvent(QMouseEvent* event) {
-    event->accept(); // its press has already been taken
+    event->accept(); // the press before it is handled
 }
 
 void MeshPointerArea::mouseUngrabEvent() {
@@ -190,7 +190,7 @@ void MeshPointerArea::touchEvent(QTouchEvent* event) {
     const QList<QPointF> down = fingers_.values();
     if (down.isEmpty()) {
         if (gesture_ == Gesture::Undecided && candidate_ >= 0) // a tap
-            holdPoint(candidate_, touchStart_, candidateControl_);
+            grabPoint(candidate_, touchStart_, candidateControl_);
         endGesture();
     } else if (down.size() == 1) {
         if (pressed)
@@ -198,7 +198,7 @@ void MeshPointerArea::touchEvent(QTouchEvent* event) {
         else
             continueTouch(down.first());
     } else if (pressed || (released && gesture_ == Gesture::Pinch)) {
-        beginPinch(down.at(0), down.at(1)); // of what may be another two
+        beginPinch(down.at(0), down.at(1)); // the two fingers may be others now
     } else if (gesture_ == Gesture::Pinch) {
         continuePinch(down.at(0), down.at(1));
     }
@@ -215,23 +215,23 @@ void MeshPointerArea::beginTouch(const QPointF& position, bool control) {
     candidateControl_ = control;
     gesture_ = candidate_ >= 0 ? Gesture::Undecided : Gesture::Pan;
     if (candidate_ >= 0)
-        restTimer_.start(kRestTime, this);
+        restTimer_.start(kGrabDelay, this);
 }
 
 void MeshPointerArea::continueTouch(const QPointF& position) {
     switch (gesture_) {
     case Gesture::Undecided:
     case Gesture::Drag:
-        moved_ = moved_ || QLineF(touchStart_, position).length() > kTrembling;
+        moved_ = moved_ || QLineF(touchStart_, position).length() > kTouchThreshold;
         if (!moved_)
             break;
         if (gesture_ == Gesture::Undecided) {
             restTimer_.stop();
-            holdPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
+            grabPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
         }
         dragPointTo(position);
         break;
-    case Gesture::Pinch: // one of two fingers is left
+    case Gesture::Pinch: // one of the two fingers was lifted
         gesture_ = Gesture::Pan;
         lastPosition_ = position;
         break;
@@ -287,5 +287,5 @@ void MeshPointerArea::timerEvent(QTimerEvent* event) {
     }
     restTimer_.stop();
     if (gesture_ == Gesture::Undecided && candidate_ >= 0)
-        holdPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
+        grabPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
 }

@@ -12,27 +12,27 @@
 
 #include <optional>
 
-/// Turns what mouse and fingers do on the canvas into gestures: taking hold of a point and dragging
-/// it, panning, zooming with the wheel or two fingers. It moves nothing by itself.
+/// Recognises the gestures of mouse and fingers on the canvas: grabbing and dragging a point,
+/// panning, zooming with the wheel or two fingers. It moves nothing itself.
 ///
-/// A mouse takes hold of a point at once. A finger does so when it is lifted, rests for a moment or
-/// moves on, because until then it may be the first of two; two fingers never take hold of a point,
-/// and end a drag.
+/// A mouse grabs a point when it presses. A finger grabs a point when it lifts, rests for a moment
+/// or moves on, because before that it may be the first of two fingers. Two fingers never grab a
+/// point, and end a drag.
 ///
-/// It also knows how pointer and keyboard came here: whether the pointer has moved since what it
-/// rests on was uncovered, and whether its parent has the keyboard by Tab.
+/// It also tracks whether the pointer has moved since ignorePointerUntilMoved() and whether its
+/// parent has the keyboard focus by Tab.
 class MeshPointerArea : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
-    /// The mesh whose points can be taken hold of; null for none.
+    /// The mesh whose points a pointer grabs; null for none.
     Q_PROPERTY(MeshGridItem* grid READ grid WRITE setGrid NOTIFY gridChanged)
-    /// How far from its centre a finger reaches a point, in pixels of the screen.
+    /// Distance within which a finger grabs a point, in screen pixels from the point's centre.
     Q_PROPERTY(double touchReach MEMBER touchReach_ NOTIFY touchReachChanged)
     Q_PROPERTY(bool dragging READ isDragging NOTIFY draggingChanged)
-    /// From restPointer() until the pointer moves.
-    Q_PROPERTY(bool pointerRests READ pointerRests NOTIFY pointerRestsChanged)
-    /// Whether the parent has the keyboard because Tab or Backtab led to it.
-    Q_PROPERTY(bool reachedByTab READ isReachedByTab NOTIFY reachedByTabChanged)
+    /// True from ignorePointerUntilMoved() until the pointer moves.
+    Q_PROPERTY(bool pointerIgnored READ pointerIgnored NOTIFY pointerIgnoredChanged)
+    /// Whether the parent got the keyboard focus by Tab or Backtab.
+    Q_PROPERTY(bool hasTabFocus READ hasTabFocus NOTIFY tabFocusChanged)
 
 public:
     explicit MeshPointerArea(QQuickItem* parent = nullptr);
@@ -40,16 +40,16 @@ public:
     MeshGridItem* grid() const { return grid_; }
     void setGrid(MeshGridItem* grid);
     bool isDragging() const { return draggedPoint_ >= 0; }
-    bool pointerRests() const { return pointerRests_; }
-    bool isReachedByTab() const { return reachedByTab_; }
+    bool pointerIgnored() const { return pointerIgnored_; }
+    bool hasTabFocus() const { return hasTabFocus_; }
 
-    /// Lets go of whatever is held; the pointers that are down do nothing until they are lifted.
+    /// Releases a grabbed point; pointers that are down do nothing until they are lifted.
     Q_INVOKABLE void endGesture();
-    /// For the time of a double click no press is taken: what was tapped is gone, and a second tap
-    /// was not meant for what lies behind.
+    /// Ignores presses for the double-click interval, because the second tap on a control that has
+    /// closed would hit what is behind it.
     Q_INVOKABLE void ignoreSecondTap();
-    /// What covered the window is gone: whatever the pointer is on now, it did not go there.
-    Q_INVOKABLE void restPointer() { setPointerRests(true); }
+    /// Call when a dialog closes: the pointer did not choose the control that it is on now.
+    Q_INVOKABLE void ignorePointerUntilMoved() { setPointerIgnored(true); }
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -57,19 +57,19 @@ signals:
     void gridChanged();
     void touchReachChanged();
     void draggingChanged();
-    void pointerRestsChanged();
-    void reachedByTabChanged();
+    void pointerIgnoredChanged();
+    void tabFocusChanged();
 
-    /// A point was taken hold of; every pointPressed() is followed by one pointReleased().
+    /// A point was grabbed; one pointReleased() follows every pointPressed().
     void pointPressed(int pointId, bool control);
-    /// The held point shall be at this position of the mesh.
+    /// The grabbed point moves to this position of the mesh.
     void pointDragged(int pointId, double x, double y);
     void pointReleased(int pointId);
-    /// The canvas shall be moved by so many pixels of the screen.
+    /// The canvas moves by (dx, dy) screen pixels.
     void panned(double dx, double dy);
-    /// The canvas shall be scaled by the factor around the position.
+    /// The canvas is scaled by the factor around the position.
     void pinched(double factor, double x, double y);
-    /// The wheel was turned by whole notches, upwards positive.
+    /// The wheel moved by whole notches, upwards positive.
     void wheelTurned(int notches);
 
 protected:
@@ -90,8 +90,8 @@ private:
 
     int movablePointAt(const QPointF& position, double reach) const;
     bool isSecondTap() const;
-    void takeOffset();
-    void holdPoint(int pointId, const QPointF& position, bool control);
+    void updateGrabOffset();
+    void grabPoint(int pointId, const QPointF& position, bool control);
     void dragPointTo(const QPointF& position);
     void releasePoint();
     void panTo(const QPointF& position);
@@ -100,8 +100,8 @@ private:
     void beginPinch(const QPointF& first, const QPointF& second);
     void continuePinch(const QPointF& first, const QPointF& second);
     void finish();
-    void setPointerRests(bool rests);
-    void setReachedByTab(bool reached);
+    void setPointerIgnored(bool rests);
+    void setTabFocus(bool reached);
 
     QPointer<MeshGridItem> grid_;
     double touchReach_ = 22;
@@ -109,20 +109,20 @@ private:
     Gesture gesture_ = Gesture::None;
     int draggedPoint_ = -1;
     QPointF grabOffset_;   // from the pointer to the point, in the mesh
-    QTransform grabView_;  // of the mesh, at that moment
-    QPointF lastPosition_; // of the pointer, or between two fingers
-    double lastSpan_ = 0;  // between two fingers
-    bool pointerRests_ = false;
-    bool reachedByTab_ = false;
+    QTransform grabView_;  // transform of the mesh when the offset was taken
+    QPointF lastPosition_; // of the pointer, or of the middle of two fingers
+    double lastSpan_ = 0;  // distance of two fingers
+    bool pointerIgnored_ = false;
+    bool hasTabFocus_ = false;
     int notchRemainder_ = 0; // of the wheel, in eighths of a degree
 
-    QMap<int, QPointF> fingers_; // that are down, by their ids
+    QMap<int, QPointF> fingers_; // that are down, by id
     QElapsedTimer firstTapTime_;
 
-    // A finger that has not decided yet.
+    // Gesture::Undecided: one finger is down on a point.
     int candidate_ = -1;
     bool candidateControl_ = false;
-    bool moved_ = false; // beyond the trembling of a resting finger
+    bool moved_ = false; // further than kTouchThreshold
     QPointF touchStart_;
     QPointF pointStart_;
     QElapsedTimer touchTime_;

@@ -1,5 +1,5 @@
 #pragma once
 
-/// Makes the C++ types of the mesh editor known to QML as the module "Meshpad.Scene" 1.0. Called
-/// before the scene is loaded; more calls do nothing.
+/// Registers the C++ types of the mesh editor as the QML module "Meshpad.Scene" 1.0. Call before
+/// loading the scene; further calls do nothing.
 void registerMeshTypes();

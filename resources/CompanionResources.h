@@ -1,7 +1,7 @@
 #pragma once
 
-/// Makes the collection of compiled-in files (":/img", ":/qml", ":/js", ":/patterns", ":/config",
-/// ":/qss", ":/icon") available. The linker drops a static library's resources unless something
-/// refers to them, so every program that links CompanionResources calls this once, before it opens
-/// the first of the files; more calls do nothing.
+/// Registers the compiled-in files (":/img", ":/qml", ":/js", ":/patterns", ":/config", ":/qss",
+/// ":/icon"). Every program that links CompanionResources calls this before it opens one of them,
+/// because the linker drops the resources of a static library without a reference. Further calls do
+/// nothing.
 void initCompanionResources();

@@ -1,6 +1,6 @@
 .pragma library
 
-// What a controller can ask for; the numbers are those of the program's Action.
+// Actions of a controller, numbered like the program's Action.
 
 var TOGGLE_BLIND = 0;
 var SELECT_PREVIOUS_SCREEN = 1;

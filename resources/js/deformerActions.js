@@ -10,9 +10,9 @@ var SELECTED = "SELECTED";
 var CURRENT = "CURRENT";
 
 // What can be in the middle of moving points, as a set of bits.
-var MOVED_BY_POINTER = 1;
-var MOVED_BY_KEY = 2;
-var MOVED_BY_STICK = 4;
+var POINTER_GESTURE = 1;
+var KEY_GESTURE = 2;
+var STICK_GESTURE = 4;
 
 var KEY_STEP = 1;
 var FINE_KEY_STEP = 0.2;
@@ -77,7 +77,7 @@ var toProducer = Rules.toProducer;
 var fromProducer = Rules.fromProducer;
 
 // The function that tells the Producer about a point of the entry's item.
-function tellerOf(scene, entry) {
+function moveSender(scene, entry) {
     const bridge = scene.bridge;
     switch (scene.canvasCurrentItemType) {
     case Rules.MEDIA: {
@@ -109,12 +109,12 @@ function pointWriter(scene, gridId) {
     const item = entry.item;
     const grid = item.deformerGrids[gridId];
     return {
-        place: grid.placePoint,
+        setPosition: grid.setPointPosition,
         points: grid.pointsArray,
         isXy: gridId === Rules.XY_GRID,
         width: item.sourceWidth,
         height: item.sourceHeight,
-        tell: tellerOf(scene, entry)
+        send: moveSender(scene, entry)
     };
 }
 
@@ -126,11 +126,11 @@ function writePoint(writer, pointId, x, y) {
     const producerX = toProducer(x, width, isXy);
     const producerY = toProducer(y, height, isXy);
     if (!Number.isFinite(producerX) || !Number.isFinite(producerY)) { // an item without a size has no such place
-        writer.place(pointId, x, y);
+        writer.setPosition(pointId, x, y);
         return;
     }
-    writer.place(pointId, fromProducer(producerX, width, isXy), fromProducer(producerY, height, isXy));
-    writer.tell(pointId, producerX, producerY, isXy, writer.points[pointId].selected);
+    writer.setPosition(pointId, fromProducer(producerX, width, isXy), fromProducer(producerY, height, isXy));
+    writer.send(pointId, producerX, producerY, isXy, writer.points[pointId].selected);
 }
 
 function updatePoint(scene, gridId, pointId, x, y) {
@@ -159,7 +159,7 @@ function applyIncomingMove(scene, item, pointId, x, y, isXy) {
     const sceneY = Rules.fromProducer(y, item.sourceHeight, isXy);
     if (!Number.isFinite(sceneX) || !Number.isFinite(sceneY))
         return;
-    grid.placePoint(pointId, sceneX, sceneY);
+    grid.setPointPosition(pointId, sceneX, sceneY);
     if (grid.currentSelectedPointId === pointId && isXy === scene.isCurrentGridXy && item === getCurrentItem(scene))
         updateCurrentPointText(scene);
 }
@@ -186,15 +186,15 @@ function updateCurrentPointText(scene) {
 
 // While something moves points, the Producer's echoes of them are left aside; while a pointer or a repeated key does,
 // their positions are collected and sent with a tick.
-function setMoving(scene, mover, moving) {
-    const movers = moving ? scene.movers | mover : scene.movers & ~mover;
-    if (movers === scene.movers)
+function setGestureActive(scene, mover, moving) {
+    const activeGestures = moving ? scene.activeGestures | mover : scene.activeGestures & ~mover;
+    if (activeGestures === scene.activeGestures)
         return;
-    const ticking = MOVED_BY_POINTER | MOVED_BY_KEY;
-    const wasTicking = (scene.movers & ticking) !== 0;
-    const isTicking = (movers & ticking) !== 0;
-    scene.movers = movers;
-    scene.isMovingPoint = movers !== 0;
+    const ticking = POINTER_GESTURE | KEY_GESTURE;
+    const wasTicking = (scene.activeGestures & ticking) !== 0;
+    const isTicking = (activeGestures & ticking) !== 0;
+    scene.activeGestures = activeGestures;
+    scene.isMovingPoint = activeGestures !== 0;
     if (isTicking && !wasTicking)
         scene.bridge.startMovePointTimer();
     else if (wasTicking && !isTicking)
@@ -202,9 +202,9 @@ function setMoving(scene, mover, moving) {
 }
 
 // Ends whatever moves points: the mesh or the item under it is about to change.
-function endMoves(scene) {
+function endGestures(scene) {
     scene.pointerArea.endGesture();
-    setMoving(scene, MOVED_BY_POINTER | MOVED_BY_KEY | MOVED_BY_STICK, false);
+    setGestureActive(scene, POINTER_GESTURE | KEY_GESTURE | STICK_GESTURE, false);
 }
 
 // Selecting
@@ -225,7 +225,7 @@ function selectCurrentPoint(scene, pointId) {
     updateCurrentPointText(scene);
 }
 
-function unselectOthers(grid, writer, pointId) {
+function unselectAllBut(grid, writer, pointId) {
     for (const selected of grid.selectedNumbers()) {
         if (selected !== pointId)
             writeState(writer, writer.points[selected], UNSELECTED);
@@ -236,7 +236,7 @@ function selectPoint(scene, pointId) {
     const item = currentItemOf(scene, "selectPoint");
     if (!item)
         return;
-    unselectOthers(currentGridOf(scene, item), pointWriter(scene, getCurrentGridId(scene)), pointId);
+    unselectAllBut(currentGridOf(scene, item), pointWriter(scene, getCurrentGridId(scene)), pointId);
     selectCurrentPoint(scene, pointId);
 }
 
@@ -274,7 +274,7 @@ function pointPressed(scene, pointId) {
     if (point.state === UNSELECTED) {
         grid.lastSelectedPointId = -1;
         selectCurrentPoint(scene, pointId);
-        unselectOthers(grid, pointWriter(scene, getCurrentGridId(scene)), pointId);
+        unselectAllBut(grid, pointWriter(scene, getCurrentGridId(scene)), pointId);
     } else if (point.state === SELECTED) {
         demoteCurrentPoint(grid);
         selectCurrentPoint(scene, pointId);
@@ -297,7 +297,7 @@ function pointerPressed(scene, pointId, control) {
         pointCtrlPressed(scene, pointId);
     else
         pointPressed(scene, pointId);
-    setMoving(scene, MOVED_BY_POINTER, true);
+    setGestureActive(scene, POINTER_GESTURE, true);
 }
 
 function selectAllPoints(scene) {
@@ -321,7 +321,7 @@ function unselectAllPoints(scene) {
     if (!item)
         return;
     const grid = currentGridOf(scene, item);
-    unselectOthers(grid, pointWriter(scene, getCurrentGridId(scene)), -1);
+    unselectAllBut(grid, pointWriter(scene, getCurrentGridId(scene)), -1);
     grid.currentSelectedPointId = -1;
     updateCurrentPointText(scene);
 }
@@ -332,7 +332,7 @@ function unselectBothGrids(scene) {
         const grid = getCurrentItem(scene).deformerGrids[gridId];
         if (grid.isOutline)
             continue; // nobody has seen a point of it
-        unselectOthers(grid, pointWriter(scene, gridId), -1);
+        unselectAllBut(grid, pointWriter(scene, gridId), -1);
         grid.currentSelectedPointId = -1;
     }
     updateCurrentPointText(scene);
@@ -352,8 +352,8 @@ function selectNeighbourPoint(scene, action, direction) {
         selectCurrentPoint(scene, 0);
         return;
     }
-    const turned = Rules.turnedDirection(direction, -item.getFullRotation(), rotator(scene));
-    const next = Rules.neighbour(turned, grid.currentSelectedPointId, item.deformerColsNumber, grid.pointsArray.length);
+    const rotated = Rules.rotatedDirection(direction, -item.getFullRotation(), rotator(scene));
+    const next = Rules.neighbour(rotated, grid.currentSelectedPointId, item.deformerColsNumber, grid.pointsArray.length);
     if (next < 0)
         return;
     if (action === "add")
@@ -376,8 +376,8 @@ function selectLine(scene, line) {
         console.log("selectLine: currentPointId value is -1 (null)");
         return;
     }
-    const turned = Rules.turnedLine(line, -item.getFullRotation(), rotator(scene));
-    for (const point of Rules.pointsOfLine(turned, current, item.deformerRowsNumber, item.deformerColsNumber))
+    const rotated = Rules.rotatedLine(line, -item.getFullRotation(), rotator(scene));
+    for (const point of Rules.pointsOfLine(rotated, current, item.deformerRowsNumber, item.deformerColsNumber))
         addToSelection(scene, point);
 }
 
@@ -437,7 +437,7 @@ function moveOnScreen(scene, item, direction, step) {
 
 // Writes all points of a grid at place(point), which is asked for each before any is written.
 function rewriteGrid(scene, gridId, place) {
-    endMoves(scene);
+    endGestures(scene);
     const writer = pointWriter(scene, gridId);
     const places = writer.points.map(point => place(point, writer));
     places.forEach((to, pointId) => {
@@ -526,16 +526,16 @@ function initializeDeformerQML(item, rows, columns, skipPatchCenter) {
         item.deformerGrids[gridId].setOutline(rows, columns, item.width, item.height, rotation, skipPatchCenter);
 }
 
-function makeMesh(grid, rows, columns, skipPatchCenter) {
-    const makeAll = (name, count) => {
-        const make = componentOf(name).createObject;
-        const made = [];
-        while (made.length < count)
-            made.push(make(grid));
-        return made;
+function buildMesh(grid, rows, columns, skipPatchCenter) {
+    const createAll = (name, count) => {
+        const create = componentOf(name).createObject;
+        const objects = [];
+        while (objects.length < count)
+            objects.push(create(grid));
+        return objects;
     };
     const ends = Rules.lineEnds(rows, columns, skipPatchCenter);
-    grid.setMesh(makeAll("Point", rows * columns), makeAll("Line", ends.length / 2), ends);
+    grid.setMesh(createAll("Point", rows * columns), createAll("Line", ends.length / 2), ends);
 }
 
 // Whether the mesh is now as described.
@@ -555,7 +555,7 @@ function updateDeformationMode(scene, item, deformationType, row, col, reset) {
     }
     const isCurrent = item === getCurrentItem(scene);
     if (isCurrent)
-        endMoves(scene);
+        endGestures(scene);
     item.deformerDeformationType = deformationType;
     item.deformerRowsNumber = deformationType === Rules.KEYSTONE ? 2 : row;
     item.deformerColsNumber = deformationType === Rules.KEYSTONE ? 2 : col;
@@ -583,7 +583,7 @@ function showGrid(grid) {
 function hideDeformer(scene, item) {
     item.itemDeformer.visible = false;
     if (item === getCurrentItem(scene)) {
-        endMoves(scene);
+        endGestures(scene);
         scene.currentPointText.clear();
     }
 }
@@ -601,7 +601,7 @@ function showDeformer(scene, item) {
 // The numbers of the points stay upright however the item is turned.
 function refreshPoints(scene, item) {
     if (item.deformerGrids && item.deformerGrids.length > 0) // else the item is just being made
-        currentGridOf(scene, item).turnNumbers(-item.getFullRotation());
+        currentGridOf(scene, item).setNumberRotation(-item.getFullRotation());
 }
 
 // View
@@ -649,7 +649,7 @@ function manageKeyEvent(scene, event) {
         return;
     }
     if (event.isAutoRepeat)
-        setMoving(scene, MOVED_BY_KEY, true);
+        setGestureActive(scene, KEY_GESTURE, true);
     if (modifiers === Qt.AltModifier)
         selectNeighbourPoint(scene, "select", direction);
     else if (modifiers === (Qt.ShiftModifier | Qt.AltModifier))
@@ -668,7 +668,7 @@ function manageKeyEvent(scene, event) {
 
 function manageKeyRelease(scene, event) {
     if (ARROWS[event.key] && !event.isAutoRepeat)
-        setMoving(scene, MOVED_BY_KEY, false);
+        setGestureActive(scene, KEY_GESTURE, false);
 }
 
 var NEIGHBOUR_ACTIONS = {};
@@ -741,7 +741,7 @@ function leftStickMoved(scene, x, y) {
         return;
     const canMove = item.itemDeformer.visible && !scene.isDialogOpen;
     const moving = canMove && (x !== 0 || y !== 0);
-    setMoving(scene, MOVED_BY_STICK, moving);
+    setGestureActive(scene, STICK_GESTURE, moving);
     if (!moving)
         return;
     const step = stickStep(scene, x, y);

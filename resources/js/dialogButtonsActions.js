@@ -2,7 +2,7 @@
 .import "deformerActions.js" as DeformerActions
 .import "meshRules.js" as Rules
 
-// What the buttons and lists of the configuration dialog do.
+// Buttons and lists of the configuration dialog.
 
 var CURVES = ["None", "Keystone", "Bezier", "Curve"];
 
@@ -19,7 +19,7 @@ function counts(smallest, largest) {
     return list;
 }
 
-// Where a count stands in the list; one that is too small stands for the first.
+// Index of a count in the list; 0 for a smaller count.
 function indexOfCount(count, smallest) {
     return Math.max(Math.floor(count) - smallest, 0);
 }
@@ -43,7 +43,7 @@ function connectButton(scene, button) {
     button.clicked.connect(() => scene.pointerArea.ignoreSecondTap());
 }
 
-// Asks the Producer for what the dialog shows.
+// Sends the chosen deformation to the Producer.
 function confirm(scene) {
     const dialog = scene.deformationDialog;
     switch (dialog.curve) {

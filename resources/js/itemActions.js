@@ -37,7 +37,7 @@ function removeEntry(scene, array, key, isCurrentEntry, message) {
         return;
     }
     if (isCurrentEntry) {
-        DeformerActions.endMoves(scene);
+        DeformerActions.endGestures(scene);
         scene.deformationDialog.close();
         scene.rotationDialog.close();
         entry.visible = false;
@@ -97,7 +97,7 @@ function removeTextureItem(scene, cueId) {
 }
 
 // The locked zone of the current item follows its size.
-function renewZone(scene, itemIsCurrent) {
+function updateZone(scene, itemIsCurrent) {
     if (itemIsCurrent && scene.warpToolBar.zoneLockerButtonPushed)
         WarpToolButtonsActions.lockZone(scene, true);
 }
@@ -110,7 +110,7 @@ function addScreenItem(scene, idNum, sourceWidth, sourceHeight, sourceRotation, 
         known.screenRotation = sourceRotation;
         known.screenDeformerRotation = sourceDeformerRotation;
         known.screenName = name;
-        renewZone(scene, isCurrent(scene, Rules.SCREEN, idNum));
+        updateZone(scene, isCurrent(scene, Rules.SCREEN, idNum));
         return;
     }
     const entry = createEntry(scene, "ScreenItem", {
@@ -140,7 +140,7 @@ function addScreenPartItem(scene, screenId, screenPartId, sourceWidth, sourceHei
         known.screenPartHeight = sourceHeight;
         known.screenPartDeformerRotation = sourceDeformerRotation;
         known.screenPartName = name;
-        renewZone(scene, isCurrent(scene, Rules.SCREEN_PART, screenId, screenPartId));
+        updateZone(scene, isCurrent(scene, Rules.SCREEN_PART, screenId, screenPartId));
         return;
     }
     const entry = createEntry(scene, "ScreenPartItem", {
@@ -204,7 +204,7 @@ function updateCurrentItem(scene, type, id, subId) {
     scene.rotationDialog.close();
     if (isCurrent(scene, type, id, subId) && scene.canvasCurrentSubItemId === subId)
         return;
-    DeformerActions.endMoves(scene);
+    DeformerActions.endGestures(scene);
     if (scene.canvasCurrentItemType !== Rules.NO_ITEM)
         leaveItem(scene);
     scene.canvasCurrentItemType = type;
@@ -227,7 +227,7 @@ function leaveItem(scene) {
     entry.visible = false;
     DeformerActions.hideGrid(entry.item.deformerGrids[Rules.XY_GRID]);
     for (let gridId = 0; gridId < 2; ++gridId)
-        entry.item.deformerGrids[gridId].fold();
+        entry.item.deformerGrids[gridId].reduceToOutline();
 }
 
 function enterItem(scene) {

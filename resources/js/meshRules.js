@@ -1,7 +1,7 @@
 .pragma library
 
-// The geometry of a mesh: who is whose neighbour, which points make a row, which points a line joins, how far a selection
-// may move, how positions are told to the Producer. Nothing here knows the scene; points are numbered row by row.
+// The geometry of a mesh: neighbours, rows and columns, lines, the limits of a move, coordinates of the Producer. These
+// functions do not depend on the scene. Points are numbered row by row.
 
 // Kinds of items, as list, bridge and scene number them.
 var NO_ITEM = 0;
@@ -50,31 +50,31 @@ function isVertical(direction) {
     return direction === "top" || direction === "bottom";
 }
 
-// The direction that a vector points to; a vector between two counts as vertical.
+// The direction of a vector; a diagonal counts as vertical.
 function directionOf(vector) {
     if (Math.abs(vector.x) > Math.abs(vector.y))
         return vector.x < 0 ? "left" : "right";
     return vector.y < 0 ? "top" : "bottom";
 }
 
-// The direction in the mesh of a direction on the screen. `rotate(point, degrees)` turns a point about the origin.
-function turnedDirection(direction, degrees, rotate) {
+// The direction in the mesh of a direction on the screen. `rotate(point, degrees)` rotates a point about the origin.
+function rotatedDirection(direction, degrees, rotate) {
     const unit = UNIT_VECTORS[direction];
     return directionOf(rotate(Qt.point(unit.x, unit.y), degrees));
 }
 
 // The line in the mesh ("topRow", "currentRow", "bottomRow", "leftColumn", "currentColumn", "rightColumn") of a line on
 // the screen.
-function turnedLine(line, degrees, rotate) {
+function rotatedLine(line, degrees, rotate) {
     if (line === "currentRow" || line === "currentColumn") {
-        const keepsKind = !isVertical(turnedDirection("left", degrees, rotate));
+        const keepsKind = !isVertical(rotatedDirection("left", degrees, rotate));
         return keepsKind === (line === "currentRow") ? "currentRow" : "currentColumn";
     }
-    const side = turnedDirection(LINES_AND_SIDES[line], degrees, rotate);
+    const side = rotatedDirection(LINES_AND_SIDES[line], degrees, rotate);
     return side + (isVertical(side) ? "Row" : "Column");
 }
 
-// Number of the neighbour in that direction of the mesh, -1 at its edge.
+// Number of the neighbour in a direction of the mesh, -1 at the mesh's edge.
 function neighbour(direction, point, columns, count) {
     switch (direction) {
     case "top":
@@ -88,7 +88,7 @@ function neighbour(direction, point, columns, count) {
     }
 }
 
-// Numbers of the points of a line of the mesh beside or through a point, in order; none beyond the mesh's edge.
+// Numbers of the points of a line through or beside a point, in order; empty beyond the mesh's edge.
 function pointsOfLine(line, point, rows, columns) {
     let through = point;
     if (line !== "currentRow" && line !== "currentColumn")
@@ -139,7 +139,7 @@ function clampedDelta(points, width, height, dx, dy) {
     }
     if (!outside)
         return { dx: dx, dy: dy };
-    // Points from outside have pulled the others towards them: those that are inside stay there.
+    // Points outside pulled the selection towards the inside; the points inside must stay inside.
     for (const point of points) {
         if (point.x >= 0 && point.x <= width)
             dx = clampedStep(point.x, dx, width);
@@ -149,9 +149,8 @@ function clampedDelta(points, width, height, dx, dy) {
     return { dx: dx, dy: dy };
 }
 
-// Positions are told to the Producer in pixels from the item's centre (XY) or in shares of its size (UV). Both ways
-// round, and the scene keeps what comes back of what it sends: so that both hold the same position to the last bit, and
-// an echo moves nothing.
+// The Producer counts in pixels from the item's centre (XY) or in fractions of its size (UV). The scene keeps the
+// position converted forth and back, so that both ends hold the same bits and an echo moves no point.
 function toProducer(position, size, isXy) {
     return isXy ? position - size / 2 : position / size;
 }
@@ -160,7 +159,7 @@ function fromProducer(position, size, isXy) {
     return isXy ? position + size / 2 : position * size;
 }
 
-// A bezier's control points are counted, the operator counts the corners of its patches.
+// The protocol counts the control points of a bezier, the operator the corners of its patches.
 function patchCorners(controlPoints) {
     return (controlPoints - 1) / 3 + 1;
 }
@@ -185,7 +184,7 @@ function boundingBox(points) {
     return { x: left, y: top, width: right - left, height: bottom - top };
 }
 
-// The view a workspace rotation stands for: 0 front, 1 left, 2 back, 3 right.
+// The view of a workspace rotation: 0 front, 1 left, 2 back, 3 right.
 function viewOfRotation(degrees) {
     switch (degrees) {
     case 0:

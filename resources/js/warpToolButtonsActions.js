@@ -3,7 +3,7 @@
 .import "deformerActions.js" as DeformerActions
 .import "meshRules.js" as Rules
 
-// What the buttons around the canvas do.
+// Buttons around the canvas, and the actions of a controller.
 
 // Canvas buttons
 var ADJUST_VIEW = 0;
@@ -46,12 +46,12 @@ var DEFORM_ACTIONS = [
     Actions.XY_TO_UV
 ];
 
-// Whether a button of the deform tab needs an item whose texture coordinates can be edited.
+// Whether a button of the deform tab needs an item with editable texture coordinates.
 function needsUv(buttonId) {
     return DEFORM_ACTIONS[buttonId] === Actions.UV_TO_XY || DEFORM_ACTIONS[buttonId] === Actions.XY_TO_UV;
 }
 
-// Arrow keys that the select tab's tool tips name, by button id.
+// Arrow keys in the tool tips of the select tab, by button id.
 var SELECT_KEYS = [
     [], [],
     ["Right"], ["Left"], ["Down"], ["Up"],
@@ -89,7 +89,7 @@ function handlerOf(type) {
     }
 }
 
-// Connects a button's click to what buttons of its type do.
+// Connects a button's click to the handler of its type.
 function connectButton(scene, button) {
     const handler = handlerOf(button.type);
     if (handler)
@@ -104,7 +104,7 @@ function canvasButtonClicked(scene, buttonId) {
     if (buttonId === ADJUST_VIEW)
         DeformerActions.adjustView(scene);
     else if (buttonId === OPEN_ROTATION_DIALOG) {
-        DeformerActions.endMoves(scene);
+        DeformerActions.endGestures(scene);
         scene.rotationDialog.open();
     }
 }
@@ -166,7 +166,7 @@ function moveLockerClicked(scene) {
     if (!DeformerActions.getCurrentItem(scene))
         return;
     if (!scene.warpToolBar.moveLockerButtonPushed)
-        DeformerActions.endMoves(scene);
+        DeformerActions.endGestures(scene);
     lockMoves(scene, !scene.warpToolBar.moveLockerButtonPushed);
 }
 
@@ -177,7 +177,7 @@ function releaseLockers(scene) {
         lockMoves(scene, false);
 }
 
-// The texture coordinates of a texture never leave it.
+// The texture coordinates of a texture stay inside it.
 function lockZoneOfTextureUv(scene) {
     if (isTextureUvEdited(scene))
         lockZone(scene, true);
@@ -189,7 +189,7 @@ function openDeformationDialog(scene) {
     const entry = DeformerActions.getCurrentEntry(scene);
     if (!entry)
         return;
-    DeformerActions.endMoves(scene);
+    DeformerActions.endGestures(scene);
     const item = entry.item;
     const isSimple = DeformerActions.isInSimpleMode(scene, entry);
     const type = isSimple ? Rules.NONE : item.deformerDeformationType;
@@ -205,7 +205,7 @@ function mapClicked(scene) {
     const entry = DeformerActions.getCurrentEntry(scene);
     if (!entry || (type !== Rules.MEDIA && type !== Rules.TEXTURE))
         return;
-    DeformerActions.endMoves(scene);
+    DeformerActions.endGestures(scene);
     releaseLockers(scene);
     const grids = entry.item.deformerGrids;
     DeformerActions.hideGrid(grids[DeformerActions.getCurrentGridId(scene)]);
@@ -219,7 +219,6 @@ function mapClicked(scene) {
     DeformerActions.updateCurrentPointText(scene);
 }
 
-// An action of the controller.
 function actionTriggered(scene, action) {
     if (scene.isDialogOpen || !DeformerActions.getCurrentItem(scene))
         return;

@@ -5,8 +5,8 @@ import "../js/itemActions.js" as ItemActions
 import "../js/meshRules.js" as Rules
 import "../js/warpToolButtonsActions.js" as WarpToolButtonsActions
 
-// The mesh editor. What happens is decided by the libraries; this document says what there is and what is connected
-// to what. `cppCanvas` is the bridge to the program.
+// The mesh editor: its items and their connections. The rules stand in the libraries; `cppCanvas` is the bridge to the
+// program.
 Rectangle {
     id: canvas
 
@@ -27,12 +27,12 @@ Rectangle {
     property int previousWidth: width
     property int previousHeight: height
 
-    property int movers: 0 // what is in the middle of moving points
+    property int activeGestures: 0 // bits of gestures that move points
     property bool buttonsEnabled: false
     readonly property DeformerGrid currentGrid: pointerArea.grid as DeformerGrid
-    readonly property bool hasPoints: currentGrid !== null && currentGrid.visible && currentGrid.hasMesh // to be seen
+    readonly property bool hasPoints: currentGrid !== null && currentGrid.visible && currentGrid.hasMesh
     readonly property bool isDialogOpen: deformationDialog.visible || rotationDialog.visible
-    readonly property bool pointerRests: pointerArea.pointerRests
+    readonly property bool pointerIgnored: pointerArea.pointerIgnored
     property var entryComponents: ({}) // by name
     property alias pointerArea: pointerArea
     property alias currentPointText: currentPointText
@@ -86,7 +86,7 @@ Rectangle {
             item.itemDeformer.manageKeyEvent(event);
     }
 
-    // With a zoom of z, the position (x, y) of the screen stays where it is.
+    // Scales the zoom by the factor; the screen position (x, y) stays in place.
     function zoomAround(factor, x, y) {
         const before = mediaScaleFactor;
         zoomSlider.value = before * factor;
@@ -113,13 +113,13 @@ Rectangle {
     onActiveFocusChanged: {
         if (activeFocus)
             return;
-        ctrlPressed = false; // its release will not be heard of
-        DeformerActions.setMoving(canvas, DeformerActions.MOVED_BY_KEY, false);
+        ctrlPressed = false; // the release goes to another item
+        DeformerActions.setGestureActive(canvas, DeformerActions.KEY_GESTURE, false);
     }
 
     onIsDialogOpenChanged: {
         if (!isDialogOpen)
-            pointerArea.restPointer();
+            pointerArea.ignorePointerUntilMoved();
     }
 
     Keys.onPressed: event => {
@@ -243,7 +243,7 @@ Rectangle {
             DeformerActions.pointerPressed(canvas, pointId, control || canvas.ctrlPressed);
         }
         onPointDragged: (pointId, x, y) => DeformerActions.dragPoint(canvas, pointId, x, y)
-        onPointReleased: DeformerActions.setMoving(canvas, DeformerActions.MOVED_BY_POINTER, false)
+        onPointReleased: DeformerActions.setGestureActive(canvas, DeformerActions.POINTER_GESTURE, false)
         onPanned: (dx, dy) => {
             media.x += dx / canvas.mediaScaleFactor;
             media.y += dy / canvas.mediaScaleFactor;
@@ -272,7 +272,7 @@ Rectangle {
     FocusRing {
         anchors { leftMargin: toolTabs.width; bottomMargin: warpToolBar.height }
         radius: 0
-        visible: pointerArea.reachedByTab
+        visible: pointerArea.hasTabFocus
     }
 
     CurrentPointText {

@@ -1,7 +1,7 @@
 import QtQuick
 import "../js/theme.js" as Theme
 
-// A box that shows one of several choices and lists them all when it is pressed. The arrow keys step through them.
+// A box with the current choice; a press opens the list of all choices, the arrow keys step through them.
 Rectangle {
     id: box
 
@@ -74,7 +74,7 @@ Rectangle {
 
     FocusRing {}
 
-    MouseArea { // all around the open list: a press there closes it and does nothing else
+    MouseArea { // around the open list: a press closes it and has no other effect
         id: surroundings
 
         containmentMask: QtObject {
@@ -102,7 +102,7 @@ Rectangle {
                 view.positionViewAtIndex(box.currentIndex, ListView.Center);
         }
 
-        MouseArea { // what the list does not use must not reach the boxes under it
+        MouseArea { // blocks events that the list ignores from the boxes under it
             anchors.fill: parent
             onWheel: wheel => wheel.accepted = true
         }
@@ -148,7 +148,7 @@ Rectangle {
             }
         }
 
-        Rectangle { // how far the list goes on
+        Rectangle { // scroll position
             anchors.right: parent.right
             anchors.rightMargin: 4
             y: 4 + view.visibleArea.yPosition * (list.height - 8)

@@ -1,7 +1,7 @@
 import QtQuick
 import "../js/theme.js" as Theme
 
-// Tells number and position of the current point, in the item's pixels.
+// Number and position of the current point, in the item's pixels.
 Text {
     function clear() {
         text = "Current point: --     X: -- px     Y: -- px";
@@ -21,6 +21,6 @@ Text {
         color: "#000000"
         opacity: 0.6
         radius: Theme.radius
-        z: -1 // readable with a mesh behind it
+        z: -1 // keeps the text readable in front of a mesh
     }
 }

@@ -2,7 +2,7 @@ import QtQuick
 import "../js/dialogButtonsActions.js" as DialogButtonsActions
 import "../js/theme.js" as Theme
 
-// Asks for another deformation of the current item.
+// Chooses the deformation of the current item.
 DialogFrame {
     id: dialog
 
@@ -26,7 +26,7 @@ DialogFrame {
         curveBox.forceActiveFocus();
     }
 
-    // The closed dialog holds values that no item has, so that the next opening refreshes every field.
+    // The closed dialog holds impossible values, so that the next opening refreshes every field.
     function close() {
         visible = false;
         mode = -1;
@@ -36,12 +36,12 @@ DialogFrame {
     }
 
     function fillLists() {
-        const type = curveBox.currentIndex; // chosenMode may still be that of before
+        const type = curveBox.currentIndex; // chosenMode may not be updated yet
         fillList(columnsBox, DialogButtonsActions.smallestCount(type, curveMinCols), curveMaxCols, columnsNumber);
         fillList(rowsBox, DialogButtonsActions.smallestCount(type, curveMinRows), curveMaxRows, rowsNumber);
     }
 
-    // A mesh that is larger than what can be chosen is still shown as it is.
+    // A larger mesh than the lists offer is shown with its own counts.
     function fillList(box, smallest, largest, count) {
         const shown = curveBox.currentIndex === mode ? count : Math.min(count, largest);
         box.model = DialogButtonsActions.counts(smallest, Math.max(largest, shown));

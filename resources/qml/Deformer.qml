@@ -61,7 +61,7 @@ Item {
             DeformerActions.unselectAllPoints(scene);
     }
 
-    // A deformer that is hidden takes no orders: nobody would see what they do.
+    // A hidden deformer ignores keys and actions, because the operator would not see their effect.
     function manageKeyEvent(event) {
         if (visible)
             DeformerActions.manageKeyEvent(scene, event);

@@ -8,7 +8,7 @@ MeshGridItem {
     id: grid
 
     property var scene
-    property bool hasMesh: false // known without a point of it
+    property bool hasMesh: false // whether the item has a deformation; does not build the mesh
 
     property int currentSelectedPointId: -1
     property int lastSelectedPointId: -1
@@ -22,5 +22,5 @@ MeshGridItem {
     selectedColors: [Theme.selection, Theme.selectionOutline, Theme.selectionOutline]
     currentColors: [Theme.selection, Theme.accent, "#000000"]
 
-    onMeshWanted: (rows, columns, skipPatchCenter) => DeformerActions.makeMesh(grid, rows, columns, skipPatchCenter)
+    onMeshRequested: (rows, columns, skipPatchCenter) => DeformerActions.buildMesh(grid, rows, columns, skipPatchCenter)
 }

@@ -2,7 +2,7 @@ import QtQuick
 import "../js/dialogButtonsActions.js" as DialogButtonsActions
 import "../js/theme.js" as Theme
 
-// A button at the foot of a dialog; its type decides what a click does. The confirming one stands out.
+// A button at the foot of a dialog; its type decides what a click does. The confirming button is highlighted.
 Rectangle {
     id: button
 

@@ -1,8 +1,8 @@
 import QtQuick
 import "../js/theme.js" as Theme
 
-// What dialogs of the editor have in common: the canvas behind is veiled and out of reach, a panel in the middle has a
-// title, the keyboard works in the dialog as long as it is open.
+// The frame of the editor's dialogs: a veil that blocks the canvas and a panel with a title. An open dialog has the
+// keyboard focus.
 FocusScope {
     id: frame
 
@@ -27,7 +27,7 @@ FocusScope {
     }
 
     Keys.onPressed: event => {
-        event.accepted = true; // nothing reaches the mesh
+        event.accepted = true; // keys must not reach the mesh
         if (event.key === Qt.Key_Escape)
             frame.dismissed();
         else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)

@@ -1,7 +1,7 @@
 import QtQuick
 import "../js/theme.js" as Theme
 
-// A label and the control that it stands for. The row whose list is open lies above the others.
+// A label and its control. The row with the open list is above the others.
 Item {
     id: row
 

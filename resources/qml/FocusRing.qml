@@ -1,8 +1,8 @@
 import QtQuick
 import "../js/theme.js" as Theme
 
-// Marks the control that has the keyboard: a white ring just inside its edge, dark around so that it is seen on any
-// ground.
+// Marks the control with the keyboard focus: a white ring just inside its edge, with a dark outline for light
+// backgrounds.
 Rectangle {
     id: ring
 

@@ -1,4 +1,4 @@
 import Meshpad.Scene
 
-// An edge of the mesh, drawn by its grid under the points.
+// An edge of the mesh; its grid draws it under the points.
 MeshLine {}

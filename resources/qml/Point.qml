@@ -1,4 +1,4 @@
 import Meshpad.Scene
 
-// A control point. It is drawn by its grid, a circle of the same size at every zoom.
+// A control point; its grid draws it as a circle of the same size at every zoom.
 MeshPoint {}

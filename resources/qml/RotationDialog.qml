@@ -1,7 +1,7 @@
 import QtQuick
 import "../js/theme.js" as Theme
 
-// Asks from which side the workspace is seen.
+// Chooses the side from which the workspace is shown.
 DialogFrame {
     id: dialog
 
@@ -17,7 +17,7 @@ DialogFrame {
         visible = false;
     }
 
-    // Turns the current item as the selected view says.
+    // Rotates the current item to the selected view.
     function applySelectedView() {
         const item = scene.getCurrentItem();
         if (item)

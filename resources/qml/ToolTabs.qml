@@ -12,7 +12,7 @@ Rectangle {
     color: Theme.panel
 
     MouseArea {
-        anchors.fill: parent // nothing behind the panel is touched through it
+        anchors.fill: parent // blocks presses from what is behind the panel
         onWheel: wheel => wheel.accepted = true
     }
 

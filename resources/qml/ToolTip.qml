@@ -1,7 +1,7 @@
 import QtQuick
 import "../js/theme.js" as Theme
 
-// The one tool tip of the editor, beside the control that it explains.
+// The tool tip of the editor, beside the control that it describes.
 Rectangle {
     id: toolTip
 
@@ -25,8 +25,8 @@ Rectangle {
         owner = null;
     }
 
-    // Right of the control if there is room, else above it.
-    function place() {
+    // Right of the control if there is room, otherwise above it.
+    function moveBesideOwner() {
         const corner = owner.mapToItem(parent, owner.width, 0);
         let left = corner.x + Theme.spacing;
         let top = corner.y + (owner.height - height) / 2;
@@ -59,7 +59,7 @@ Rectangle {
         id: timer
 
         onTriggered: {
-            toolTip.place();
+            toolTip.moveBesideOwner();
             toolTip.visible = true;
         }
     }

@@ -2,7 +2,7 @@ import QtQuick
 import "../js/deformerActions.js" as DeformerActions
 import "../js/meshRules.js" as Rules
 
-// A source as the operator sees it in the workspace: a plane of the source's size with its mesh on it.
+// A source in the workspace: a plane of the source's size with its mesh on it.
 Rectangle {
     id: warpItem
 
@@ -30,7 +30,7 @@ Rectangle {
         return sourceRotation + sourceDeformerRotation + viewingRotation;
     }
 
-    function stayInPlace() {
+    function resetPosition() {
         if (x === 0 && y === 0)
             return;
         console.log("Do NOT override the position of a WarpItem! Move the canvas.canvasMedia object instead!");
@@ -40,11 +40,11 @@ Rectangle {
 
     width: sourceWidth
     height: sourceHeight
-    color: "#505050" // of the edge
+    color: "#505050" // the edge
     rotation: sourceRotation + viewingRotation
 
-    onXChanged: stayInPlace()
-    onYChanged: stayInPlace()
+    onXChanged: resetPosition()
+    onYChanged: resetPosition()
     onViewingRotationChanged: {
         if (Math.abs(viewingRotation) >= 360) {
             viewingRotation %= 360;
@@ -56,7 +56,7 @@ Rectangle {
     onSourceRotationChanged: DeformerActions.refreshPoints(scene, warpItem)
     onSourceDeformerRotationChanged: DeformerActions.refreshPoints(scene, warpItem)
 
-    // Not a border: turned, it would be drawn by way of a picture of the item's size, whatever that is.
+    // Not a border, because Qt Quick draws a rotated border through a texture of the item's size.
     Rectangle {
         anchors.fill: parent
         anchors.margins: visible ? 1 / warpItem.scene.mediaScaleFactor : 1

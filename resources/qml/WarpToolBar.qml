@@ -8,7 +8,7 @@ Rectangle {
     required property var scene
     property bool zoneLockerButtonPushed: false
     property bool moveLockerButtonPushed: false
-    property bool mapButtonPushed: false // texture coordinates are edited
+    property bool mapButtonPushed: false // UV is edited
     property bool configurationButtonEnabled: false
     property bool mapButtonEnabled: false
     property alias zoomSlider: slider
@@ -16,7 +16,7 @@ Rectangle {
     color: Theme.panel
 
     MouseArea {
-        anchors.fill: parent // nothing behind the bar is touched through it
+        anchors.fill: parent // blocks presses from what is behind the bar
         onWheel: wheel => wheel.accepted = true
     }
 

@@ -2,8 +2,7 @@ import QtQuick
 import "../js/theme.js" as Theme
 import "../js/warpToolButtonsActions.js" as WarpToolButtonsActions
 
-// A button of the editor; its type decides what a click does. A pushed button differs by its background's shape as well
-// as by its colour.
+// A button of the editor; its type decides what a click does. A pushed button differs in shape as well as in colour.
 Item {
     id: button
 
@@ -12,13 +11,13 @@ Item {
     property int buttonId: 0
     property url source // a picture, or
     property string text // a label, or
-    property var choices: [] // two labels of which the one that holds is marked
-    property bool heading: false // only names what stands below
+    property var choices: [] // two labels; the chosen one is marked
+    property bool heading: false // a title without function
     property bool pushed: false
     property bool checkable: false
-    property bool idle: false // a click has nothing to work on for now
+    property bool idle: false // a click has no effect now
     property string toolTip
-    readonly property bool held: mouseArea.pressed && mouseArea.containsMouse
+    readonly property bool pressed: mouseArea.pressed && mouseArea.containsMouse
 
     signal clicked
 
@@ -33,8 +32,8 @@ Item {
     Accessible.onPressAction: clicked()
 
     Component.onCompleted: WarpToolButtonsActions.connectButton(scene, button)
-    onEnabledChanged: mouseArea.forgetToolTip()
-    onVisibleChanged: mouseArea.forgetToolTip()
+    onEnabledChanged: mouseArea.hideToolTip()
+    onVisibleChanged: mouseArea.hideToolTip()
     Keys.onSpacePressed: clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
@@ -50,7 +49,7 @@ Item {
         anchors.fill: parent
         radius: Theme.radius
         color: Theme.text
-        opacity: button.heading || button.idle ? 0 : button.held ? 0.25 : mouseArea.containsMouse ? 0.08 : 0
+        opacity: button.heading || button.idle ? 0 : button.pressed ? 0.25 : mouseArea.containsMouse ? 0.08 : 0
     }
 
     Image {
@@ -84,18 +83,18 @@ Item {
 
                 required property int index
                 required property string modelData
-                readonly property bool holds: index === (button.pushed ? 1 : 0)
+                readonly property bool chosen: index === (button.pushed ? 1 : 0)
 
                 width: parent.width / button.choices.length
                 height: parent.height
-                color: holds ? "#0b3a5e" : "transparent"
-                border { width: holds ? 2 : 0; color: Theme.accent }
+                color: chosen ? "#0b3a5e" : "transparent"
+                border { width: chosen ? 2 : 0; color: Theme.accent }
                 radius: Theme.radius - 2
 
                 Text {
                     anchors.centerIn: parent
-                    color: choice.holds ? Theme.text : Theme.quietText
-                    font { pixelSize: Theme.fontSize; weight: choice.holds ? Font.DemiBold : Font.Normal }
+                    color: choice.chosen ? Theme.text : Theme.quietText
+                    font { pixelSize: Theme.fontSize; weight: choice.chosen ? Font.DemiBold : Font.Normal }
                     text: choice.modelData
                     textFormat: Text.PlainText
                 }
@@ -108,24 +107,24 @@ Item {
     MouseArea {
         id: mouseArea
 
-        readonly property bool wantsToolTip: containsMouse && !button.scene.pointerRests
+        readonly property bool showsToolTip: containsMouse && !button.scene.pointerIgnored
 
         anchors.fill: parent
         hoverEnabled: true
         onClicked: button.clicked()
-        onPressed: forgetToolTip()
+        onPressed: hideToolTip()
         onPressAndHold: mouse => {
             button.scene.toolTip.showFor(button, button.toolTip, 0);
-            mouse.accepted = mouse.source !== Qt.MouseEventNotSynthesized; // a finger asks, a mouse only is slow
+            mouse.accepted = mouse.source !== Qt.MouseEventNotSynthesized; // a long press of a finger only shows the tool tip
         }
-        onWantsToolTipChanged: {
-            if (wantsToolTip)
+        onShowsToolTipChanged: {
+            if (showsToolTip)
                 button.scene.toolTip.showFor(button, button.toolTip, Theme.toolTipDelay);
             else
-                forgetToolTip();
+                hideToolTip();
         }
 
-        function forgetToolTip() {
+        function hideToolTip() {
             if (button.scene && button.scene.toolTip)
                 button.scene.toolTip.hideFor(button);
         }

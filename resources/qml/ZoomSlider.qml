@@ -1,7 +1,7 @@
 import QtQuick
 import "../js/theme.js" as Theme
 
-// A slider for a value between `from` and `to`; a value outside is brought back between them.
+// A slider for a value between `from` and `to`; other values are clamped.
 Item {
     id: slider
 
@@ -25,7 +25,7 @@ Item {
     Accessible.onDecreaseAction: value -= 0.05
 
     onValueChanged: {
-        const bounded = value >= from ? Math.min(value, to) : from; // neither is NaN a zoom
+        const bounded = value >= from ? Math.min(value, to) : from; // NaN becomes `from`
         if (bounded !== value)
             value = bounded;
     }
