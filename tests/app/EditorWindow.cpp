@@ -28,7 +28,6 @@ EditorWindow::~EditorWindow() {
         WindowUnderTest::clear(view);
     window.reset();
     UpdateProducer::tickPeriod = UpdateProducer::kTickPeriod;
-    messages.verify();
 }
 
 void EditorWindow::open() {

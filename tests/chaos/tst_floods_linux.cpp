@@ -64,6 +64,12 @@ QByteArray message(const Event& event) {
     return LVNtc::serializeWithLength({quint32(event.getSize()), event.type()}, event);
 }
 
+clockid_t clockOfThisThread() {
+    clockid_t clock{};
+    pthread_getcpuclockid(pthread_self(), &clock);
+    return clock;
+}
+
 double residentMiB() {
     QFile status("/proc/self/statm");
     return status.open(QIODevice::ReadOnly)
@@ -184,7 +190,7 @@ private:
     Qt::Key key_;
     std::atomic<bool> stop_ = false, isWaiting_ = false;
     std::mutex mutex_;
-    MeshpadTest::ThreadTime work_; ///< of the window's thread
+    MeshpadTest::ThreadTime work_{clockOfThisThread()}; ///< the window's thread
     std::vector<milliseconds> times_;
     std::thread thread_;
 };

@@ -8,25 +8,25 @@
 
 namespace MeshpadTest {
 
-/// A second machine: a thread with a network namespace of its own. Sockets that run() opens belong
-/// to it. Needs the rights that a test has inside its own namespace; Linux only.
+/// A second machine: a thread with its own network namespace, to which the sockets that run() opens
+/// belong. Needs the rights that a test has inside its own namespace; Linux only.
 class PeerNamespace {
 public:
     PeerNamespace();
     ~PeerNamespace();
 
-    /// Whether the namespace could be made.
+    /// Whether the namespace was created.
     bool isValid() const { return threadId_ > 0; }
-    /// Runs on the peer's thread, which has an event loop, and waits for the end.
+    /// Runs the work on the peer's thread, which has an event loop, and waits for it.
     void run(const std::function<void()>& work);
-    /// An object on the peer's thread. The pointer it is destroyed with destroys it there.
+    /// Creates an object on the peer's thread; the last pointer destroys it there.
     template <typename Object>
     std::shared_ptr<Object> make(const std::function<Object*()>& create);
 
-    /// Runs "ip" there, or here; tells whether it succeeded.
+    /// Runs "ip" on the peer, or in the test's own namespace. False when it fails.
     bool ip(const QString& arguments);
     static bool ipHere(const QString& arguments);
-    /// Makes a veth pair: one end here, the other there, each up with its IPv4 address on a /24.
+    /// Creates a veth pair from here to the peer, each end up with its IPv4 address on a /24.
     bool link(const QString& nameHere, const QString& addressHere, const QString& nameThere,
               const QString& addressThere);
 

@@ -1,37 +1,39 @@
 #pragma once
 
 #include <chrono>
-#include <memory>
+#include <utility>
+
+#include <pthread.h>
+#include <time.h>
 
 namespace MeshpadTest {
 
-/// How long the processor has worked for one thread. A busy machine, which lets the thread wait,
-/// does not make it longer, so that it says what a program costs, and not what runs beside it.
+/// Stopwatch of the processor time of one thread, because the wall time of a test also measures
+/// what else a busy machine does. Windows counts in steps of about 16 ms.
 class ThreadTime {
 public:
-    /// Of the thread that makes it, which must outlive it; starts at once.
-    ThreadTime();
-    ~ThreadTime();
-    ThreadTime(const ThreadTime&) = delete;
-    ThreadTime& operator=(const ThreadTime&) = delete;
+    /// Of the calling thread by default. Another thread can only read a clock that
+    /// pthread_getcpuclockid() returned.
+    explicit ThreadTime(clockid_t clock = CLOCK_THREAD_CPUTIME_ID) : clock_(clock), start_(now()) {}
 
-    /// Since the start, or the last restart. Any thread may ask.
-    [[nodiscard]] std::chrono::milliseconds elapsed() const {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(now() - start_);
-    }
-    /// The same, and starts anew.
+    /// Since the start, or the last restart.
+    [[nodiscard]] std::chrono::milliseconds elapsed() const { return milliseconds(now() - start_); }
     std::chrono::milliseconds restart() {
-        const auto passed = elapsed();
-        start_ = now();
-        return passed;
+        const auto time = now();
+        return milliseconds(time - std::exchange(start_, time));
     }
 
 private:
-    struct Clock; // of the platform
+    static std::chrono::milliseconds milliseconds(std::chrono::nanoseconds time) {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(time);
+    }
+    [[nodiscard]] std::chrono::nanoseconds now() const {
+        timespec time{};
+        clock_gettime(clock_, &time);
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    }
 
-    [[nodiscard]] std::chrono::nanoseconds now() const;
-
-    std::unique_ptr<const Clock> clock_;
+    clockid_t clock_;
     std::chrono::nanoseconds start_;
 };
 

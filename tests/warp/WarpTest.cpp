@@ -22,7 +22,6 @@ bool WarpTest::connectProducer() {
 void WarpTest::disconnectProducer() {
     EventDispatcher::getInstance()->client().disconnectFromServer();
     producer_.reset();
-    messages_->verify();
     messages_.reset();
 }
 
