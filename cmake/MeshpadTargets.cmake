@@ -1,4 +1,4 @@
-# One function for each kind of target; whatever all targets share is said here once.
+# Options of all targets, and one function for each kind of target.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -18,7 +18,7 @@ if(MESHPAD_SANITIZERS)
     add_link_options(-fsanitize=${MESHPAD_SANITIZERS})
 endif()
 if(MESHPAD_BUILD_FUZZERS)
-    add_compile_options(-fsanitize=fuzzer-no-link) # what is fuzzed has to tell which paths it took
+    add_compile_options(-fsanitize=fuzzer-no-link) # libFuzzer needs coverage of the code under test
 endif()
 
 # meshpad_library(<target> SOURCES <file>... [LINK <target>...]): a static library.
@@ -52,10 +52,10 @@ function(meshpad_test name)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
     if(NOT arg_TIMEOUT)
-        set(arg_TIMEOUT 300) # on a machine that has much else to do
+        set(arg_TIMEOUT 300) # generous, for a busy machine
     endif()
     if(CMAKE_CROSSCOMPILING)
-        return() # the script of that platform runs the programs
+        return() # scripts/test-windows runs the programs
     endif()
     set(wrapper ${CMAKE_SOURCE_DIR}/scripts/in-namespace)
     if(arg_INTERFACE)
@@ -78,7 +78,7 @@ function(meshpad_test name)
         TSAN_OPTIONS=suppressions=${runtime_suppressions}/tsan.supp:halt_on_error=1:die_after_fork=0
         UBSAN_OPTIONS=print_stacktrace=1)
     if(MESHPAD_SANITIZERS MATCHES thread)
-        list(APPEND arg_ENVIRONMENT QT_NO_GLIB=1) # one uninstrumented library less between threads
+        list(APPEND arg_ENVIRONMENT QT_NO_GLIB=1) # GLib is not instrumented
     endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}"
                                             LABELS "${arg_LABELS}")
@@ -102,7 +102,7 @@ function(meshpad_fuzzer name)
     set_target_properties(${name} PROPERTIES MESHPAD_SEEDS ${arg_SEEDS})
 endfunction()
 
-# Adds the folders that are there: a part of the tree can be left out of a build by leaving it out of a checkout.
+# Adds the folders that exist, so that a partial checkout builds, too.
 function(meshpad_add_folders)
     foreach(folder IN LISTS ARGN)
         if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt)

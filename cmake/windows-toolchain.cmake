@@ -1,5 +1,5 @@
 # Builds for 64-bit Windows with Debian's MinGW-w64. MESHPAD_QT_WINDOWS (variable or environment) is
-# the folder of a Qt for that compiler; without it scripts/test-windows has unpacked one into build/.
+# the folder of a Qt for that compiler; the default is the one that scripts/test-windows unpacks.
 
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
@@ -24,6 +24,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# moc and rcc run here, so they come from this machine's Qt.
+# moc and rcc run on this machine, so they come from its Qt.
 set(QT_HOST_PATH /usr CACHE PATH "Qt of the machine that builds")
 set(QT_HOST_PATH_CMAKE_DIR /usr/lib/x86_64-linux-gnu/cmake CACHE PATH "Its CMake packages")

@@ -230,7 +230,7 @@ QString ChaosTest::pointsDifference(const ItemKey& key) const {
         if (shown != expected)
             return name + QString("%1 points for %2").arg(shown).arg(expected);
         for (int id = 0; id < expected; ++id) {
-            const QPointF wanted = points[std::size_t(id)].place;
+            const QPointF wanted = points[std::size_t(id)].position;
             const MeshPoint* point = grid->point(id);
             const QPointF size(item->size.width(), item->size.height());
             const QPointF seen = xy ? QPointF(point->x(), point->y()) - size / 2

@@ -121,7 +121,7 @@ private slots:
         QCOMPARE(session.show().pattern, LV_NTC_PictureType::SmpteHorizontal);
         QVERIFY(run("move part:2/0 uv 2 0.25 -3"));
         const ItemKey part{LV_NTC_ElementType::ScreenPart, 2, 0};
-        QCOMPARE(session.show().find(part)->warp.uv[2].place, QPointF(0.25, -3));
+        QCOMPARE(session.show().find(part)->warp.uv[2].position, QPointF(0.25, -3));
         QVERIFY(run("deform screen:1 curve 4 6 reset"));
         QCOMPARE(session.show().items()[1].warp,
                  Warp::straight(LV_NTC_DeformationType::Curve, 4, 6, {1920, 1080}));
@@ -131,7 +131,7 @@ private slots:
         QCOMPARE(session.show().items().size(), before.items().size() - 4);
         QVERIFY(run("restore"));
         QCOMPARE(session.show().items().size(), before.items().size());
-        QCOMPARE(session.show().find(part)->warp.uv[2].place, QPointF(0.25, -3));
+        QCOMPARE(session.show().find(part)->warp.uv[2].position, QPointF(0.25, -3));
         QVERIFY(run("remove screen:2") && run("new-show"));
         QVERIFY(!run("restore")); // of another show
         QCOMPARE(session.show().title, "Winter Garden");

@@ -31,7 +31,7 @@ double difference(const Surface& a, const Surface& b) {
 Warp keystone(const std::array<QPointF, 4>& corners) {
     Warp warp = Warp::straight(Kind::Keystone, 2, 2, kSize);
     for (std::size_t i = 0; i < corners.size(); ++i)
-        warp.xy[i].place = corners[i];
+        warp.xy[i].position = corners[i];
     return warp;
 }
 
@@ -41,11 +41,12 @@ const Warp kKeystone = keystone({{{-900, -500}, {700, -300}, {-950, 480}, {820, 
 Warp crumpled(Kind kind, int rows, int columns) {
     Warp warp = Warp::straight(kind, rows, columns, kSize);
     for (std::size_t i = 0; i < warp.xy.size(); ++i)
-        warp.xy[i].place += QPointF(40 * std::sin(double(i) * 1.7), 30 * std::cos(double(i) * 2.3));
+        warp.xy[i].position +=
+            QPointF(40 * std::sin(double(i) * 1.7), 30 * std::cos(double(i) * 2.3));
     return warp;
 }
 
-/// A picture whose colour tells the place: red the texel's column, green its row.
+/// A picture whose colour tells the position: red the texel's column, green its row.
 QImage map(QSize size) {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < size.height(); ++y)
@@ -86,10 +87,10 @@ private slots:
             const std::size_t step = warp.kind == Kind::Bezier ? 3 : 1;
             for (std::size_t i = 0; i < samples.size(); ++i)
                 if (i % columns % step == 0 && i / columns % step == 0)
-                    QVERIFY(distance(samples[i], warp.xy[i].place) < 1e-9);
+                    QVERIFY(distance(samples[i], warp.xy[i].position) < 1e-9);
         }
-        const auto place = [&bezier](std::size_t i) { return bezier.xy[i].place; };
-        const QPointF middle = (place(0) + 3 * place(1) + 3 * place(2) + place(3)) / 8;
+        const auto position = [&bezier](std::size_t i) { return bezier.xy[i].position; };
+        const QPointF middle = (position(0) + 3 * position(1) + 3 * position(2) + position(3)) / 8;
         QVERIFY(distance(bezier.xySurface().at(0.25, 0), middle) < 1e-9);
         const Warp point = keystone({});
         QCOMPARE(point.xySurface().at(0.3, 0.6), QPointF());
@@ -106,7 +107,7 @@ private slots:
         }
         Warp parabola = Warp::straight(Kind::Curve, 3, 4, kSize);
         for (ControlPoint& point : parabola.xy)
-            point.place.ry() += 1e-4 * point.place.x() * point.place.x();
+            point.position.ry() += 1e-4 * point.position.x() * point.position.x();
         const QPointF middle = parabola.xySurface().at(0.15, 0.5);
         QVERIFY(distance(middle, {-672, 1e-4 * 672 * 672}) < 1e-9);
     }
@@ -163,7 +164,7 @@ private slots:
             const Surface surface = kKeystone.rebuilt(kind, grid, grid, false, kSize).xySurface();
             Warp source = Warp::straight(kind, grid, grid, kSize);
             for (ControlPoint& point : source.uv)
-                point.place = {0.1 + 0.8 * point.place.x(), 0.2 + 0.6 * point.place.y()};
+                point.position = {0.1 + 0.8 * point.position.x(), 0.2 + 0.6 * point.position.y()};
             QImage target(480, 270, QImage::Format_ARGB32_Premultiplied);
             target.fill(Qt::transparent);
             // Of the picture only the right half is the item's.
@@ -189,9 +190,9 @@ private slots:
         target.fill(Qt::transparent);
         for (const double far : {0.0, 1e3, 1e7}) {
             Warp warp = crumpled(Kind::Bezier, 4, 4);
-            warp.xy[0].place = {-far, far};
-            warp.xy[15].place = {far, far / 3};
-            warp.uv[5].place = {far, -far};
+            warp.xy[0].position = {-far, far};
+            warp.xy[15].position = {far, far / 3};
+            warp.uv[5].position = {far, -far};
             WarpRasterizer::draw(target, picture, {0, 0, 1, 1}, warp.xySurface(), warp.uvSurface(),
                                  QTransform(0.2, 0, 0, 0.2, 160, 90));
         }

@@ -16,7 +16,7 @@ namespace {
 constexpr ItemKey kFront{LV_NTC_ElementType::Screen, 0, 0};
 constexpr ItemKey kWall{LV_NTC_ElementType::Screen, 1, 0};
 
-/// The middle of each of the three outputs, and a place in the third that the wall behind fills.
+/// The middle of each of the three outputs, and a position in the third that the wall behind fills.
 constexpr QPoint kFrontMiddle{222, 182}, kWallMiddle{640, 182}, kSilosMiddle{1058, 182};
 
 /// The outputs, without what is written above and below them.

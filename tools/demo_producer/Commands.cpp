@@ -14,8 +14,8 @@ namespace {
 
 constexpr qint64 kLongestLine = 4096;
 
-/// The words of a command, taken one after the other; one that is missing or is no such thing makes
-/// the whole command invalid.
+/// The words of a command, parsed from left to right. A missing or malformed word makes the whole
+/// command invalid.
 class Words {
 public:
     explicit Words(const QString& line) : words_(line.split(u' ', Qt::SkipEmptyParts)) {}
@@ -47,18 +47,18 @@ public:
     }
 
     [[nodiscard]] bool isEmpty() const { return words_.isEmpty(); }
-    /// Whether everything was there, and nothing else.
-    [[nodiscard]] bool areRight() const { return right_ && isEmpty(); }
+    /// All words were well-formed, and none is left over.
+    [[nodiscard]] bool areValid() const { return valid_ && isEmpty(); }
 
 private:
     template <typename Value>
     Value fail() {
-        right_ = false;
+        valid_ = false;
         return Value();
     }
 
     QStringList words_;
-    bool right_ = true;
+    bool valid_ = true;
 };
 
 } // namespace
@@ -73,32 +73,32 @@ bool Commands::execute(const QString& line) {
         return true;
     const QString command = words.text();
     if (command == u"new-show") {
-        if (!words.areRight())
+        if (!words.areValid())
             return false;
         session_.startNewShow();
         return true;
     }
     if (command == u"disconnect") {
-        if (!words.areRight())
+        if (!words.areValid())
             return false;
         session_.disconnectCompanions();
         return true;
     }
     if (command == u"restore")
-        return words.areRight() && restore();
+        return words.areValid() && restore();
     if (command == u"pattern") {
         const auto pattern = words.known(patternNamed(words.text()));
-        return words.areRight() && session_.setPattern(pattern);
+        return words.areValid() && session_.setPattern(pattern);
     }
     if (command == u"blind") {
         const ItemKey item = words.item();
         const bool on = words.isOneOf(QStringLiteral("on"), QStringLiteral("off"));
-        return words.areRight() && session_.setBlinded(item, on);
+        return words.areValid() && session_.setBlinded(item, on);
     }
     if (command == u"mode") {
         const ItemKey item = words.item();
         const auto mode = words.known(modeNamed(words.text()));
-        return words.areRight() && session_.setMode(item, mode);
+        return words.areValid() && session_.setMode(item, mode);
     }
     if (command == u"deform") {
         const ItemKey item = words.item();
@@ -107,7 +107,7 @@ bool Commands::execute(const QString& line) {
         const int rows = grid ? words.integer() : 2;
         const int columns = grid ? words.integer() : 2;
         const bool reset = !words.isEmpty() && words.isOneOf(QStringLiteral("reset"), QString());
-        return words.areRight() && session_.setDeformation(item, kind, rows, columns, reset);
+        return words.areValid() && session_.setDeformation(item, kind, rows, columns, reset);
     }
     if (command == u"move") {
         const ItemKey item = words.item();
@@ -115,26 +115,26 @@ bool Commands::execute(const QString& line) {
         const int point = words.integer();
         const double x = words.number();
         const double y = words.number();
-        return words.areRight() && session_.movePoint(item, xy, quint32(point), {x, y});
+        return words.areValid() && session_.movePoint(item, xy, quint32(point), {x, y});
     }
     if (command == u"remove") {
         const ItemKey item = words.item();
-        return words.areRight() && remove(item);
+        return words.areValid() && remove(item);
     }
     if (command == u"key") {
         const int id = words.integer();
         const QString color = words.text();
         const QString name = words.rest();
-        return words.areRight() && session_.setQuickKey(quint32(id), {name, color});
+        return words.areValid() && session_.setQuickKey(quint32(id), {name, color});
     }
     if (command == u"delete-key") {
         const int id = words.integer();
-        return words.areRight() && session_.deleteQuickKey(quint32(id));
+        return words.areValid() && session_.deleteQuickKey(quint32(id));
     }
     if (command == u"key-grid") {
         const int rows = words.integer();
         const int columns = words.integer();
-        return words.areRight() && session_.setQuickKeyGrid(rows, columns);
+        return words.areValid() && session_.setQuickKeyGrid(rows, columns);
     }
     return false;
 }
@@ -156,7 +156,7 @@ bool Commands::restore() {
     if (showOfRemoved_ != session_.showsStarted())
         return false;
     std::vector<ShowItem> items = std::exchange(removed_, {});
-    // A part that went before its screen has to come after it.
+    // A part can only be added after its screen.
     std::ranges::stable_partition(
         items, [](const ShowItem& item) { return item.key.type == LV_NTC_ElementType::Screen; });
     bool all = !items.empty();

@@ -4,37 +4,37 @@
 
 #include <QTcpServer>
 
-/// What can be told to a running session in words, one command a line. An item is written as in a
-/// show file, for example "screen:0" or "part:2/1".
+/// Edits a running session by text commands, one a line. Items are written as in a show file, for
+/// example "screen:0" or "part:2/1".
 ///
-///     new-show                                      the next show, as it was at first
+///     new-show                                      the next show in its initial state
 ///     pattern NAME                                  none, small, ..., white
 ///     blind ITEM on|off
 ///     mode SCREEN simple|deformation|parts
 ///     deform ITEM none|keystone|bezier|curve [ROWS COLUMNS [reset]]
 ///     move ITEM xy|uv POINT X Y
 ///     remove ITEM
-///     restore                                       whatever was removed since the show began
+///     restore                                       adds all removed items again
 ///     key ID COLOR NAME...                          adds or changes a quick key
 ///     delete-key ID
 ///     key-grid ROWS COLUMNS
-///     disconnect                                    lets every companion go
+///     disconnect                                    disconnects every companion
 class Commands : public QObject {
     Q_OBJECT
 
 public:
     Commands(ProducerSession& session, QObject* parent);
 
-    /// False when the line is no command or asks for what cannot be. An empty line, or one that
-    /// begins with #, is a command that does nothing.
+    /// Returns false, and changes nothing, when the line is not a valid command. An empty line, or
+    /// one that begins with #, is valid and does nothing.
     bool execute(const QString& line);
 
-    /// Plays commands from a text whose lines begin with the time, in seconds from now on, at which
-    /// they are due: "2.5 pattern tile". False, and nothing is played, when a line has no time.
+    /// Schedules commands from a text whose lines begin with a delay in seconds: "2.5 pattern
+    /// tile". Returns false, and schedules nothing, when a line has no delay.
     bool play(const QString& script);
 
-    /// Takes commands from programs on this machine: one a line, each answered with "ok" or
-    /// "refused". Port 0 takes a free one. The port taken, or 0 when that failed.
+    /// Accepts connections from this machine; answers each line with "ok" or "refused". Port 0
+    /// takes a free one. Returns the port in use, or 0 when it cannot listen.
     quint16 listen(quint16 port);
 
 private:

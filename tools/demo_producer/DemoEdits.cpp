@@ -38,7 +38,7 @@ const ShowItem* DemoEdits::anyItem() {
 void DemoEdits::edit() {
     const int choice = random_.bounded(1000);
     if (choice < 880 && !session_.show().items().empty())
-        bend();
+        movePoint();
     else
         run(commandFor(choice));
 }
@@ -79,7 +79,7 @@ QString DemoEdits::commandFor(int choice) {
     return QStringLiteral("key-grid %1 %2").arg(1 + random_.bounded(4)).arg(1 + random_.bounded(5));
 }
 
-void DemoEdits::bend() {
+void DemoEdits::movePoint() {
     if (gesture_.step >= gesture_.steps || !session_.show().find(gesture_.item)) {
         const ShowItem* const item = anyItem();
         if (item->shownKind() == Warp::Kind::None)
@@ -88,22 +88,23 @@ void DemoEdits::bend() {
                         item->key.type == LV_NTC_ElementType::ScreenPart || random_.bounded(4);
         const auto& points = xy ? item->warp.xy : item->warp.uv;
         const auto point = std::size_t(random_.bounded(int(points.size())));
-        // Never far from where the straight mesh has it, so that pictures stay pictures.
+        // Stays near its position in the straight mesh, so that the picture can still be
+        // recognised.
         const Warp straight =
             Warp::straight(item->warp.kind, item->warp.rows, item->warp.columns, item->size);
         const QSizeF reach = xy ? QSizeF(item->size) : QSizeF(1, 1);
-        const QPointF away((random_.generateDouble() - 0.5) * 0.3 * reach.width(),
-                           (random_.generateDouble() - 0.5) * 0.3 * reach.height());
+        const QPointF offset((random_.generateDouble() - 0.5) * 0.3 * reach.width(),
+                             (random_.generateDouble() - 0.5) * 0.3 * reach.height());
         gesture_ = {item->key,
                     xy,
                     quint32(point),
-                    points[point].place,
-                    (xy ? straight.xy : straight.uv)[point].place * 0.92 + away,
+                    points[point].position,
+                    (xy ? straight.xy : straight.uv)[point].position * 0.92 + offset,
                     0,
                     10 + random_.bounded(40)};
     }
     ++gesture_.step;
-    const double way = 0.5 - 0.5 * std::cos(std::numbers::pi * gesture_.step / gesture_.steps);
+    const double progress = 0.5 - 0.5 * std::cos(std::numbers::pi * gesture_.step / gesture_.steps);
     session_.movePoint(gesture_.item, gesture_.xy, gesture_.point,
-                       gesture_.from + (gesture_.to - gesture_.from) * way);
+                       gesture_.from + (gesture_.to - gesture_.from) * progress);
 }

@@ -5,27 +5,27 @@
 #include <QRandomGenerator>
 #include <QTimer>
 
-/// Plays a show by itself, for long runs: meshes bend and are rebuilt, items are blinded, go and
-/// come, patterns, quick keys and whole shows change. The same seed makes the same choices.
+/// Edits a show at random, for long runs: moves points, rebuilds meshes, blinds, removes and
+/// restores items, changes pattern, quick keys and the show. The same seed makes the same edits.
 class DemoEdits : public QObject {
     Q_OBJECT
 
 public:
-    /// Makes that many edits a second, from now on. Both objects outlive this one.
+    /// Starts making that many edits a second. Session and commands must outlive this object.
     DemoEdits(ProducerSession& session, Commands& commands, double editsPerSecond, quint32 seed,
               QObject* parent);
 
-    /// A single edit; what the timer does.
+    /// Makes one edit.
     void edit();
 
 private:
-    void bend();
-    /// Picks one by a number from 0 to 999.
+    void movePoint();
+    /// The command for a random number from 0 to 999.
     [[nodiscard]] QString commandFor(int choice);
     void run(const QString& command) { commands_.execute(command); }
     [[nodiscard]] const ShowItem* anyItem();
 
-    /// A point on its way from one place to another.
+    /// A move of a point in steps.
     struct Gesture {
         ItemKey item;
         bool xy = true;
@@ -38,7 +38,7 @@ private:
     Commands& commands_;
     QRandomGenerator random_;
     Gesture gesture_;
-    double due_ = 0; ///< edits that should have been made
+    double due_ = 0; ///< edits that are yet to be made
     double perTick_;
     QTimer timer_;
 };

@@ -164,7 +164,7 @@ void drawRadar(QPainter& painter, QSizeF size, double seconds) {
     const double radius = 0.46 * std::min(w, h);
     const QPointF centre(w / 2, h / 2);
     painter.setPen(Qt::NoPen);
-    constexpr int kSlices = 12; // of the beam's tail
+    constexpr int kSlices = 12; // of the fading beam
     for (int slice = 0; slice < kSlices; ++slice) {
         painter.setBrush(QColor(80, 255, 190, 190 - 190 * slice / kSlices));
         painter.drawPie(QRectF(centre.x() - radius, centre.y() - radius, 2 * radius, 2 * radius),
@@ -259,8 +259,8 @@ void drawEmblem(QPainter& painter, QSizeF size, double) {
 
 struct Generated {
     const char* name;
-    Draw still;  ///< once
-    Draw moving; ///< over it, again and again; null for a picture that stands still
+    Draw still;  ///< drawn once
+    Draw moving; ///< drawn over it for every frame; null if nothing moves
 };
 
 constexpr std::array<Generated, 7> kPictures{{{"waves", drawNight, drawWaves},
@@ -283,7 +283,7 @@ constexpr std::array<const char*, 12> kPatternFiles{
     "mire_tile", "mire_lumivane_logo", "mire_smpte_hor_color_bar",    "mire_smpte_ver_color_bar",
     "mire_osd",  "mire_framerate",     "mire_gpu_framerate",          "mire_white"};
 
-/// Stands in where the collection has no picture of the pattern.
+/// Replaces a missing picture of a pattern.
 void drawPlainPattern(QPainter& painter, QSizeF size, LV_NTC_PictureType pattern) {
     const double w = size.width();
     const double h = size.height();
@@ -304,7 +304,7 @@ void drawPlainPattern(QPainter& painter, QSizeF size, LV_NTC_PictureType pattern
     painter.drawText(QRectF({}, size), Qt::AlignCenter, nameOf(pattern));
 }
 
-/// What a dropped frame would make jump: a bar that crosses the picture every two seconds.
+/// Draws a bar that crosses the picture every two seconds; dropped frames make it jump.
 void drawSweep(QPainter& painter, QSizeF size, double seconds, const QColor& color) {
     const double at = std::fmod(seconds, 2.0) / 2.0 * size.width();
     painter.fillRect(QRectF(at - 0.01 * size.width(), 0, 0.02 * size.width(), size.height()),

@@ -5,21 +5,21 @@
 #include <QHash>
 #include <QImage>
 
-/// Draws what medias and textures play. Every picture is generated here; the moving ones are
-/// functions of the time alone, so that a moment can be drawn again.
+/// Generates the pictures of medias, textures and test patterns. Moving ones depend on the time
+/// alone.
 class PictureSource {
 public:
-    /// The picture of a media or texture at a moment (seconds), a few hundred pixels wide and in
-    /// the item's proportions. Premultiplied ARGB.
+    /// The picture of a media or texture at a time in seconds, 480 pixels long, in the item's
+    /// proportions. Premultiplied ARGB.
     QImage picture(const ShowItem& item, double seconds);
 
-    /// The test pattern in the proportions asked for: the one that companions show as thumbnail
-    /// where it is there, otherwise a plain one. The frame-rate patterns move.
+    /// The test pattern at that size, from the pictures that companions show as thumbnails, or a
+    /// plain one where that is missing. The frame-rate patterns move.
     QImage pattern(NetworkCompanion::LV_NTC_PictureType pattern, QSize size, double seconds);
 
 private:
-    /// The image of that name: as it was left, or null. What a window of many sizes leaves behind
-    /// is forgotten now and then.
+    /// The cached image of that name; null the first time. The cache is cleared when it is full,
+    /// because every window size adds images.
     QImage& still(const QString& name);
 
     QHash<QString, QImage> stills_;

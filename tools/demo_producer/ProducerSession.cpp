@@ -33,7 +33,7 @@ QString unknown(const ItemKey& key) {
     return ignored(QStringLiteral("there is no %1").arg(nameOf(key)));
 }
 
-/// The key of an event that may be about a media or a texture, but about nothing else.
+/// The key of a media or texture; of type None, which no item has, for any other type.
 ItemKey mediaKey(LV_NTC_ElementType type, quint32 cueId, quint32 elementId) {
     const bool possible = type == LV_NTC_ElementType::Media || type == LV_NTC_ElementType::Texture;
     return {possible ? type : LV_NTC_ElementType::None, cueId, elementId};
@@ -46,23 +46,22 @@ const Class& as(const Event& event) {
 
 } // namespace
 
-/// A move of a point, of whatever item it is.
+/// A move of a point of any item.
 struct ProducerSession::Move {
     template <typename MoveEvent>
     Move(const ItemKey& item, const MoveEvent& event)
-        : key(item), xy(event.xy()), point(event.pointId()), place(event.x(), event.y()),
+        : key(item), xy(event.xy()), point(event.pointId()), position(event.x(), event.y()),
           selected(event.selected()) {}
 
     ItemKey key;
     bool xy;
     quint32 point;
-    QPointF place;
+    QPointF position;
     bool selected;
 };
 
-ProducerSession::ProducerSession(std::vector<Show> repertoire, QObject* parent)
-    : QObject(parent), repertoire_(std::move(repertoire)), show_(repertoire_.front()),
-      server_(nullptr) {
+ProducerSession::ProducerSession(std::vector<Show> shows, QObject* parent)
+    : QObject(parent), shows_(std::move(shows)), show_(shows_.front()), server_(nullptr) {
     connect(&server_, &CompanionServer::companionConnected, this,
             &ProducerSession::onCompanionConnected);
     connect(&server_, &CompanionServer::companionDisconnected, this,
@@ -94,7 +93,8 @@ void ProducerSession::onCompanionDisconnected(int id) {
 void ProducerSession::stopEditing(int id) {
     const std::optional<ItemKey> item = std::exchange(companions_[id].editing, std::nullopt);
     companions_[id].editsUv = false;
-    // What it had selected is selected no more, unless that may be somebody else's selection.
+    // Points do not record who selected them, so they stay selected while another companion edits
+    // the item.
     if (item && std::ranges::none_of(companions_, [&item](const auto& companion) {
             return companion.second.editing == item;
         }))
@@ -179,7 +179,7 @@ QString ProducerSession::handle(int id, const Event& event) {
         return onSettings(id, settings.color(), settings.shape());
     }
     default:
-        return ignored(QStringLiteral("nothing that a companion decides"));
+        return ignored(QStringLiteral("not an event that companions send"));
     }
 }
 
@@ -212,17 +212,17 @@ QString ProducerSession::onItemDataRequest(int id, int dataIndex) {
 }
 
 QString ProducerSession::onMove(int id, const Move& move) {
-    const auto& [key, xy, point, place, selected] = move;
+    const auto& [key, xy, point, position, selected] = move;
     if (!show_.find(key))
         return unknown(key);
     QString what = QStringLiteral("%1 point %2 %3 %4, %5%6")
                        .arg(nameOf(key))
                        .arg(point)
                        .arg(xy ? QStringLiteral("xy") : QStringLiteral("uv"))
-                       .arg(place.x())
-                       .arg(place.y())
+                       .arg(position.x())
+                       .arg(position.y())
                        .arg(selected ? QStringLiteral(" selected") : QString());
-    if (!show_.movePoint(key, xy, point, place, selected))
+    if (!show_.movePoint(key, xy, point, position, selected))
         return ignored(what);
     if (companions_[id].editing == key)
         companions_[id].editsUv = !xy;
@@ -271,7 +271,7 @@ QString ProducerSession::onPattern(int id, LV_NTC_PictureType pattern) {
     if (!show_.setPattern(pattern))
         return ignored(QStringLiteral("unknown pattern %1").arg(int(pattern)));
     MireEvent event(0, pattern);
-    server_.sendToAll(event, id); // whoever chose it shows it already
+    server_.sendToAll(event, id); // the sender shows it already
     return nameOf(pattern);
 }
 
@@ -297,13 +297,13 @@ QString ProducerSession::onSettings(int id, const QString& color, int shape) {
                 : QStringLiteral("remote points %1, shape %2").arg(color).arg(shape);
 }
 
-bool ProducerSession::movePoint(const ItemKey& key, bool xy, quint32 point, QPointF place) {
+bool ProducerSession::movePoint(const ItemKey& key, bool xy, quint32 point, QPointF position) {
     const ShowItem* const item = show_.find(key);
     if (!item)
         return false;
     const std::vector<ControlPoint>& points = xy ? item->warp.xy : item->warp.uv;
     const bool selected = point < points.size() && points[point].selected;
-    if (!show_.movePoint(key, xy, point, place, selected))
+    if (!show_.movePoint(key, xy, point, position, selected))
         return false;
     server_.sendToAll(*ShowEvents::point(*item, xy, point));
     emit changed();
@@ -327,7 +327,7 @@ bool ProducerSession::setMode(const ItemKey& key, LV_NTC_ModeType mode) {
     if (!show_.setMode(key, mode))
         return false;
     const ShowItem& item = *show_.find(key);
-    // Companions derive from the deformation whether there is a mesh to be edited.
+    // Companions derive from the deformation whether the screen has a mesh to edit.
     if (mode != LV_NTC_ModeType::Parts)
         server_.sendToAll(*ShowEvents::deformation(item, false));
     server_.sendToAll(*ShowEvents::mode(item));
@@ -423,17 +423,17 @@ bool ProducerSession::deleteQuickKey(quint32 id) {
 }
 
 void ProducerSession::startNewShow() {
-    playing_ = (playing_ + 1) % repertoire_.size();
-    Show next = repertoire_[playing_];
-    // Items go with the message, but keys stay with a companion until they are deleted one by one.
-    // The highest comes first, so that empty pages of keys go at once.
+    showIndex_ = (showIndex_ + 1) % shows_.size();
+    Show next = shows_[showIndex_];
+    // Companions drop their items on "newShow", but keep quick keys until each is deleted. The
+    // highest id goes first, because that removes pages of keys as soon as they are empty.
     for (const auto& [id, key] : std::views::reverse(show_.quickKeys)) {
         if (!next.quickKeys.contains(id)) {
             DeleteQuickKeyEvent event(id, 0);
             server_.sendToAll(event);
         }
     }
-    next.pattern = show_.pattern; // the outputs stay in the operator's hands
+    next.pattern = show_.pattern; // a new show does not change what the outputs show
     show_ = std::move(next);
     ++showsStarted_;
     for (auto& [id, companion] : companions_)

@@ -20,60 +20,60 @@ constexpr double kStillSeconds = 4.6;
 ProducerWindow::ProducerWindow(ProducerSession& session, const QString& name,
                                const QString& address, bool still, bool meshes)
     : session_(session), still_(still) {
-    stage_.producerName = name;
-    stage_.address = address;
-    stage_.seconds = kStillSeconds;
-    stage_.meshes = meshes;
+    view_.producerName = name;
+    view_.address = address;
+    view_.seconds = kStillSeconds;
+    view_.meshes = meshes;
     setWindowTitle(name);
     resize(1280, 720);
     setMinimumSize(960, 600);
     setAttribute(Qt::WA_OpaquePaintEvent);
-    connect(&session, &ProducerSession::changed, this, &ProducerWindow::repaintSoon);
+    connect(&session, &ProducerSession::changed, this, &ProducerWindow::scheduleRepaint);
     connect(&session, &ProducerSession::logged, this, &ProducerWindow::showLine);
     connect(&session, &ProducerSession::quickKeyExecuted, this,
             &ProducerWindow::onQuickKeyExecuted);
     repaint_.setSingleShot(true);
     connect(&repaint_, &QTimer::timeout, this, qOverload<>(&QWidget::update));
-    connect(&animation_, &QTimer::timeout, this, &ProducerWindow::repaintSoon);
+    connect(&animation_, &QTimer::timeout, this, &ProducerWindow::scheduleRepaint);
     running_.start();
     if (!still)
         animation_.start(kAnimationMs);
 }
 
-void ProducerWindow::repaintSoon() {
-    // However long it takes to paint, half of the time is left for companions.
+void ProducerWindow::scheduleRepaint() {
+    // As long as the last paint took: at least half of the time is left for companions.
     if (!repaint_.isActive())
         repaint_.start(std::max(kRepaintMs, int(lastPaintMs_)));
 }
 
 void ProducerWindow::showLine(const QString& line) {
-    stage_.log.append(line);
-    if (stage_.log.size() > kLogKept)
-        stage_.log.removeFirst();
-    repaintSoon();
+    view_.log.append(line);
+    if (view_.log.size() > kLogKept)
+        view_.log.removeFirst();
+    scheduleRepaint();
 }
 
 void ProducerWindow::onQuickKeyExecuted(quint32 id, const QString& name, const QString& color) {
-    stage_.flash = KeyFlash{id, name, QColor(color), 1.0};
+    view_.flash = KeyFlash{id, name, QColor(color), 1.0};
     sinceFlash_.start();
-    repaintSoon();
+    scheduleRepaint();
 }
 
 void ProducerWindow::paintEvent(QPaintEvent*) {
     QElapsedTimer painting;
     painting.start();
     if (!still_)
-        stage_.seconds = kStillSeconds + double(running_.elapsed()) / 1000.0;
-    if (stage_.flash) {
+        view_.seconds = kStillSeconds + double(running_.elapsed()) / 1000.0;
+    if (view_.flash) {
         const double left = 1.0 - double(sinceFlash_.elapsed()) / kFlashMs;
         if (left <= 0)
-            stage_.flash.reset();
+            view_.flash.reset();
         else
-            stage_.flash->strength = std::min(1.0, left * 2.0); // stands, then fades
-        repaintSoon();
+            view_.flash->strength = std::min(1.0, left * 2.0); // full strength, then fading
+        scheduleRepaint();
     }
     QPainter painter(this);
-    painter_.paint(painter, rect(), session_, stage_);
+    painter_.paint(painter, rect(), session_, view_);
     lastPaintMs_ = painting.elapsed();
 }
 
@@ -101,7 +101,7 @@ void ProducerWindow::keyPressEvent(QKeyEvent* event) {
         break;
     }
     case Qt::Key_M:
-        stage_.meshes = !stage_.meshes;
+        view_.meshes = !view_.meshes;
         update();
         break;
     case Qt::Key_F11:

@@ -6,18 +6,18 @@
 #include <QTimer>
 #include <QWidget>
 
-/// The Producer's window. Keys: N a new show, P the next test pattern, B blinds all screens or
-/// none, M shows the meshes, F11 the whole display, Q ends.
+/// The Producer's window. Keys: N new show, P next test pattern, B blind all screens or none,
+/// M show the meshes, F11 full screen, Q quit.
 class ProducerWindow : public QWidget {
     Q_OBJECT
 
 public:
-    /// The session outlives the window. A still window shows moving pictures at one fixed moment,
-    /// and is repainted only when something changed.
+    /// The session must outlive the window. A still window shows moving pictures at one fixed
+    /// moment, and repaints only after a change.
     ProducerWindow(ProducerSession& session, const QString& name, const QString& address,
                    bool still, bool meshes);
 
-    /// Appends to the lines of what happened; the session's own appear by themselves.
+    /// Appends a line to the log panel, which also shows the session's log.
     void showLine(const QString& line);
 
 protected:
@@ -26,10 +26,10 @@ protected:
 
 private:
     void onQuickKeyExecuted(quint32 id, const QString& name, const QString& color);
-    void repaintSoon();
+    void scheduleRepaint();
 
     ProducerSession& session_;
-    Stage stage_;
+    ViewState view_;
     ShowPainter painter_;
     const bool still_;
     QElapsedTimer running_;

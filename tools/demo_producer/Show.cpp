@@ -9,14 +9,15 @@ using namespace NetworkCompanion;
 
 namespace {
 
-/// Beyond this, pixels or picture sizes, a place is taken for garbage.
-constexpr double kFarthestPlace = 1e7;
+/// Positions beyond this, in pixels or picture sizes, are invalid.
+constexpr double kFarthestPosition = 1e7;
 
 constexpr int kLargestSize = 65'535;
 
-bool isPlace(const QPointF& place) {
-    // Written so that NaN fails, too.
-    return std::abs(place.x()) <= kFarthestPlace && std::abs(place.y()) <= kFarthestPlace;
+bool isValidPosition(const QPointF& position) {
+    // False for NaN, too.
+    return std::abs(position.x()) <= kFarthestPosition &&
+           std::abs(position.y()) <= kFarthestPosition;
 }
 
 } // namespace
@@ -32,18 +33,18 @@ Warp::Kind ShowItem::shownKind() const {
 }
 
 const ShowItem* Show::find(const ItemKey& key) const {
-    const auto found = places_.constFind(key);
-    return found == places_.cend() ? nullptr : &items_[*found];
+    const auto found = indexes_.constFind(key);
+    return found == indexes_.cend() ? nullptr : &items_[*found];
 }
 
 ShowItem* Show::itemOf(const ItemKey& key) {
-    const auto found = places_.constFind(key);
-    return found == places_.cend() ? nullptr : &items_[*found];
+    const auto found = indexes_.constFind(key);
+    return found == indexes_.cend() ? nullptr : &items_[*found];
 }
 
 const ShowItem* Show::findByDataIndex(quint32 dataIndex) const {
-    const auto found = placesByDataIndex_.constFind(dataIndex);
-    return found == placesByDataIndex_.cend() ? nullptr : &items_[*found];
+    const auto found = indexesByDataIndex_.constFind(dataIndex);
+    return found == indexesByDataIndex_.cend() ? nullptr : &items_[*found];
 }
 
 std::vector<const ShowItem*> Show::partsOf(const ShowItem& screen) const {
@@ -86,14 +87,14 @@ std::optional<QString> Show::add(ShowItem item) {
         if ((warp.*points).empty())
             warp.*points = straight.*points;
         if ((warp.*points).size() != (straight.*points).size() ||
-            !std::ranges::all_of(warp.*points, isPlace, &ControlPoint::place))
+            !std::ranges::all_of(warp.*points, isValidPosition, &ControlPoint::position))
             return QStringLiteral("its points do not fit its grid");
     }
     if (screen && item.mode == LV_NTC_ModeType::Unset)
         item.mode =
             warp.kind == Warp::Kind::None ? LV_NTC_ModeType::Simple : LV_NTC_ModeType::Deformation;
-    places_.insert(item.key, items_.size());
-    placesByDataIndex_.insert(item.dataIndex, items_.size());
+    indexes_.insert(item.key, items_.size());
+    indexesByDataIndex_.insert(item.dataIndex, items_.size());
     items_.push_back(std::move(item));
     return {};
 }
@@ -110,22 +111,22 @@ bool Show::remove(const ItemKey& key) {
 }
 
 void Show::rebuildIndexes() {
-    places_.clear();
-    placesByDataIndex_.clear();
-    for (std::size_t place = 0; place < items_.size(); ++place) {
-        places_.insert(items_[place].key, place);
-        placesByDataIndex_.insert(items_[place].dataIndex, place);
+    indexes_.clear();
+    indexesByDataIndex_.clear();
+    for (std::size_t index = 0; index < items_.size(); ++index) {
+        indexes_.insert(items_[index].key, index);
+        indexesByDataIndex_.insert(items_[index].dataIndex, index);
     }
 }
 
-bool Show::movePoint(const ItemKey& key, bool xy, quint32 point, QPointF place, bool selected) {
+bool Show::movePoint(const ItemKey& key, bool xy, quint32 point, QPointF position, bool selected) {
     ShowItem* const item = itemOf(key);
-    if (!item || item->shownKind() == Warp::Kind::None || !isPlace(place))
+    if (!item || item->shownKind() == Warp::Kind::None || !isValidPosition(position))
         return false;
     std::vector<ControlPoint>& points = xy ? item->warp.xy : item->warp.uv;
     if (point >= points.size())
         return false;
-    points[point] = {place, selected};
+    points[point] = {position, selected};
     return true;
 }
 
@@ -141,7 +142,7 @@ bool Show::setDeformation(const ItemKey& key, Warp::Kind kind, quint32 rows, qui
     if (rows > Limits::kMaxGridSize || columns > Limits::kMaxGridSize ||
         !Warp::isPossible(kind, int(rows), int(columns)))
         return false;
-    if (item->shownKind() == Warp::Kind::None) // the shape that is seen is the one that is kept
+    if (item->shownKind() == Warp::Kind::None) // keep the shape that is shown
         item->warp = Warp::straight(Warp::Kind::None, 2, 2, item->size);
     item->warp = item->warp.rebuilt(kind, int(rows), int(columns), reset, item->size);
     if (key.type == LV_NTC_ElementType::Screen && item->mode != LV_NTC_ModeType::Parts)

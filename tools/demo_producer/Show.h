@@ -21,7 +21,7 @@ struct ItemKey {
 
 size_t qHash(const ItemKey& key, size_t seed = 0);
 
-/// A media or texture as it stands in the picture of a screen.
+/// A media or texture in the picture of a screen.
 struct Layer {
     ItemKey item;
     QRectF area; ///< of the screen, 0 to 1
@@ -29,11 +29,10 @@ struct Layer {
     friend bool operator==(const Layer&, const Layer&) = default;
 };
 
-/// One media, texture, screen or part of a screen, with everything that companions can change about
-/// it.
+/// A media, texture, screen or part of a screen.
 struct ShowItem {
     ItemKey key;
-    quint32 dataIndex = 0; ///< names the item in a request for its mesh; no two items share it
+    quint32 dataIndex = 0; ///< identifies the item in a request for its mesh; unique in a show
     QString name;
     QSize size;            ///< pixels
     double rotation = 0.0; ///< degrees, of the source
@@ -43,17 +42,17 @@ struct ShowItem {
     NetworkCompanion::MediaType::Enum mediaType = NetworkCompanion::MediaType::Unknown;
     NetworkCompanion::LV_NTC_ModeType mode = NetworkCompanion::LV_NTC_ModeType::Unset;
 
-    QString picture;           ///< of a media or texture: which of the generated pictures it plays
+    QString picture;           ///< of a media or texture: the name of its generated picture
     std::vector<Layer> layers; ///< of a screen, the lowest first
     QRectF area{0, 0, 1, 1};   ///< of a part: its share of the screen
 
-    /// The warp as it is seen: a screen in simple mode has one, but does not use it.
+    /// The kind of deformation that is shown: None for a screen in simple mode.
     [[nodiscard]] Warp::Kind shownKind() const;
 
     friend bool operator==(const ShowItem&, const ShowItem&) = default;
 };
 
-/// A key by which an operator starts something on the Producer.
+/// A key by which an operator triggers an action of the Producer.
 struct QuickKey {
     QString name;
     QString color; ///< "#rrggbb"
@@ -61,8 +60,8 @@ struct QuickKey {
     friend bool operator==(const QuickKey&, const QuickKey&) = default;
 };
 
-/// A whole show: its items and what else companions see of it. Plain data; every change that a
-/// companion may ask for is checked here and refused, without effect, when it makes no sense.
+/// A show: its items, pattern and quick keys. Plain data. Every edit is checked here; an invalid
+/// one has no effect.
 class Show {
 public:
     QString title;
@@ -71,28 +70,27 @@ public:
     int quickKeyColumns = 3;
     std::map<quint32, QuickKey> quickKeys; ///< by id, from 1
 
-    /// In the order in which they were added; a part always comes after its screen.
+    /// In the order of adding; a part always comes after its screen.
     [[nodiscard]] const std::vector<ShowItem>& items() const { return items_; }
     [[nodiscard]] const ShowItem* find(const ItemKey& key) const;
     [[nodiscard]] const ShowItem* findByDataIndex(quint32 dataIndex) const;
     [[nodiscard]] std::vector<const ShowItem*> partsOf(const ShowItem& screen) const;
 
-    /// The reason why the item cannot be part of the show, or nothing when it was added. A missing
-    /// mesh is made straight.
+    /// Adds the item, with a straight mesh if it has none; otherwise returns the reason why not.
     [[nodiscard]] std::optional<QString> add(ShowItem item);
     /// Also removes the parts of a screen. False when there is no such item.
     bool remove(const ItemKey& key);
 
-    /// Takes coordinates in the unit of the grid. False for an unknown point, or a place that is
-    /// not a finite one within reach.
-    bool movePoint(const ItemKey& key, bool xy, quint32 point, QPointF place, bool selected);
-    /// Rebuilds the mesh. A part without deformation gets a keystone; a screen changes between
-    /// simple and deformation mode along with it. False for a kind or grid that cannot be.
+    /// Position in pixels (xy) or 0 to 1 (uv). Returns false for an unknown point and for a
+    /// position that is not finite or too far away.
+    bool movePoint(const ItemKey& key, bool xy, quint32 point, QPointF position, bool selected);
+    /// Rebuilds the mesh. A part without deformation gets a keystone; a screen switches between
+    /// simple and deformation mode accordingly. Returns false for an impossible kind or grid.
     bool setDeformation(const ItemKey& key, Warp::Kind kind, quint32 rows, quint32 columns,
                         bool reset);
     bool setMode(const ItemKey& key, NetworkCompanion::LV_NTC_ModeType mode);
     bool setBlinded(const ItemKey& key, bool blinded);
-    /// Forgets what companions had selected in the item.
+    /// Unselects all points of the item.
     void unselectPoints(const ItemKey& key);
     bool setPattern(NetworkCompanion::LV_NTC_PictureType picture);
 
@@ -103,6 +101,6 @@ private:
     void rebuildIndexes();
 
     std::vector<ShowItem> items_;
-    QHash<ItemKey, std::size_t> places_;
-    QHash<quint32, std::size_t> placesByDataIndex_;
+    QHash<ItemKey, std::size_t> indexes_;
+    QHash<quint32, std::size_t> indexesByDataIndex_;
 };

@@ -13,18 +13,18 @@ using Kind = Warp::Kind;
 
 constexpr QSize kFullHd{1920, 1080};
 
-/// Moves every point of the mesh by what the function returns for its place in the item, both in
-/// units of half the item's size: from -1 to 1.
+/// Moves every point of a straight mesh by offset(x, y). Coordinates and offsets are in units of
+/// half the item's size, so that the item reaches from -1 to 1.
 template <typename Function>
 Warp bent(Kind kind, int rows, int columns, QSize size, Function offset) {
     Warp warp = Warp::straight(kind, rows, columns, size);
     for (ControlPoint& point : warp.xy) {
-        const double x = point.place.x() / (size.width() / 2.0);
-        const double y = point.place.y() / (size.height() / 2.0);
+        const double x = point.position.x() / (size.width() / 2.0);
+        const double y = point.position.y() / (size.height() / 2.0);
         const QPointF by = offset(x, y);
-        // Whole pixels, as an operator would leave them.
-        point.place = {std::round((x + by.x()) * size.width() / 2.0),
-                       std::round((y + by.y()) * size.height() / 2.0)};
+        // Whole pixels, as edits by key have them.
+        point.position = {std::round((x + by.x()) * size.width() / 2.0),
+                          std::round((y + by.y()) * size.height() / 2.0)};
     }
     return warp;
 }
@@ -36,7 +36,7 @@ Warp keystone(QSize size, const std::array<QPointF, 4>& offsets) {
         [&offsets](double x, double y) { return offsets[(y > 0 ? 2u : 0u) + (x > 0 ? 1u : 0u)]; });
 }
 
-/// A round column or a bay: top and bottom edge curve by `depth`, the sides draw in by `taper`.
+/// For a round column or a bay: `depth` curves top and bottom edge, `taper` narrows the bottom.
 Warp column(Kind kind, int rows, int columns, QSize size, double depth, double taper) {
     return bent(
         kind, rows, columns, size,
@@ -46,8 +46,8 @@ Warp column(Kind kind, int rows, int columns, QSize size, double depth, double t
         });
 }
 
-/// A wall that waves like cloth, drawn in by `inset` on all sides.
-Warp cloth(Kind kind, int rows, int columns, QSize size, double amount, double inset) {
+/// Sine waves of `amount` in both directions, and a margin of `inset` on all sides.
+Warp waves(Kind kind, int rows, int columns, QSize size, double amount, double inset) {
     return bent(
         kind, rows, columns, size,
         [amount, inset](double x, double y) {
@@ -56,7 +56,7 @@ Warp cloth(Kind kind, int rows, int columns, QSize size, double amount, double i
         });
 }
 
-/// Adds to a show and hands out the data indexes.
+/// Adds items to a show and numbers their data indexes.
 class Builder {
 public:
     explicit Builder(const QString& title) { show_.title = title; }
@@ -137,7 +137,7 @@ Warp randomWarp(QSize size, QRandomGenerator& random) {
         return keystone(size, offsets);
     }
     case 2:
-        return cloth(Kind::Bezier, 4, 4, size, amount(0.4), 0.1);
+        return waves(Kind::Bezier, 4, 4, size, amount(0.4), 0.1);
     default:
         return column(Kind::Curve, 3, 4, size, amount(0.5), amount(0.4));
     }
@@ -148,7 +148,7 @@ Warp randomWarp(QSize size, QRandomGenerator& random) {
 Show ShowCatalog::harbour() {
     Builder builder(QStringLiteral("Harbour Night"));
     builder.screen(0, QStringLiteral("Warehouse front"),
-                   cloth(Kind::Bezier, 7, 7, kFullHd, 0.11, 0.11), LV_NTC_ModeType::Deformation,
+                   waves(Kind::Bezier, 7, 7, kFullHd, 0.11, 0.11), LV_NTC_ModeType::Deformation,
                    {mediaLayer(11, 1, kWhole), mediaLayer(14, 4, {0.62, 0.1, 0.3, 0.5}),
                     textureLayer(22, 2, {0.06, 0.56, 0.4, 0.36})});
     builder.screen(1, QStringLiteral("Side wall"),
@@ -174,7 +174,7 @@ Show ShowCatalog::harbour() {
     builder.media(11, 1, MediaType::Video, QStringLiteral("Tide"), kFullHd, QStringLiteral("waves"),
                   Warp::straight(Kind::None, 2, 2, kFullHd));
     builder.media(12, 2, MediaType::Image, QStringLiteral("Skyline"), kSkyline,
-                  QStringLiteral("skyline"), cloth(Kind::Curve, 4, 4, kSkyline, -0.05, -0.05));
+                  QStringLiteral("skyline"), waves(Kind::Curve, 4, 4, kSkyline, -0.05, -0.05));
     builder.media(13, 3, MediaType::LiveInput, QStringLiteral("Crane camera"), kCamera,
                   QStringLiteral("camera"),
                   keystone(kCamera, {{{0.1, 0.05}, {-0.05, 0.12}, {0.03, -0.1}, {-0.12, -0.04}}}));
@@ -183,8 +183,8 @@ Show ShowCatalog::harbour() {
     constexpr QSize kBricks{512, 512};
     constexpr QSize kEmblem{1024, 512};
     Warp bricks = Warp::straight(Kind::Keystone, 2, 2, kBricks);
-    for (ControlPoint& point : bricks.uv) // only the middle of it
-        point.place = {0.25 + 0.5 * point.place.x(), 0.25 + 0.5 * point.place.y()};
+    for (ControlPoint& point : bricks.uv) // shows the middle of the picture only
+        point.position = {0.25 + 0.5 * point.position.x(), 0.25 + 0.5 * point.position.y()};
     builder.texture(21, 1, QStringLiteral("Brick"), kBricks, QStringLiteral("bricks"), bricks);
     builder.texture(22, 2, QStringLiteral("Anchor"), kEmblem, QStringLiteral("emblem"),
                     keystone(kEmblem, {{{0.12, 0.1}, {-0.12, 0.1}, {0, -0.1}, {0, -0.1}}}));
@@ -213,7 +213,7 @@ Show ShowCatalog::winterGarden() {
     builder.part(5, 4, QStringLiteral("West door"),
                  keystone(kDoor, {{{0.1, 0.1}, {-0.1, 0.2}, {0.1, -0.1}, {-0.1, -0.2}}}), kDoor,
                  {0, 0, 0.5, 1});
-    builder.part(5, 7, QString(), cloth(Kind::Bezier, 4, 7, kDoor, 0.06, 0.1), kDoor,
+    builder.part(5, 7, QString(), waves(Kind::Bezier, 4, 7, kDoor, 0.06, 0.1), kDoor,
                  {0.5, 0, 0.5, 1});
     builder.media(31, 5, MediaType::Generated, QStringLiteral("Aurora"), kFullHd,
                   QStringLiteral("aurora"), Warp::straight(Kind::None, 2, 2, kFullHd));

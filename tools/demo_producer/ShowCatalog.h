@@ -2,22 +2,21 @@
 
 #include "tools/demo_producer/Show.h"
 
-/// The shows that need no file.
+/// The built-in shows.
 namespace ShowCatalog {
 
-/// A harbour front at night: three screens, one of them handled through its three parts, four
-/// medias, two textures, eight quick keys. Everything that can be bent is, in every way there is.
+/// Three screens, one of them in parts mode with three parts, four medias, two textures, eight
+/// quick keys; every kind of deformation on every kind of item.
 Show harbour();
 
-/// A smaller one, with other items under partly the same identifiers: what a "new show" brings.
+/// A smaller show, in which some identifiers of harbour() belong to other items.
 Show winterGarden();
 
-/// As many items as asked, 0 or more, of all kinds, with short names that sort well. The seed picks
-/// their bends: shows of different seeds differ in every mesh.
+/// A show of that many items (0 or more) of all kinds. The seed chooses their deformations.
 Show large(int itemCount, quint32 seed);
 
-/// Gives the show's first screen a mesh of that many control points, bezier if the numbers are 3n +
-/// 1 and curve otherwise, and keeps its shape. False when there is no screen or no such mesh.
+/// Rebuilds the mesh of the first screen with that many control points, as bezier if both numbers
+/// are 3n + 1 and as curve otherwise. Returns false without a screen or for an impossible grid.
 bool setFirstGrid(Show& show, int rows, int columns);
 
 } // namespace ShowCatalog

@@ -6,7 +6,7 @@ using namespace NetworkCompanion;
 
 namespace {
 
-/// In the place of the ids of a deformation that does not concern the item.
+/// Stands for the ids in the two deformation events of ItemData that are not of the item's kind.
 constexpr quint32 kNoItem = 0xFFFFFFFF;
 
 DeformationModeEvent screenDeformation(const ShowItem& item, bool reset) {
@@ -45,17 +45,23 @@ MediaDeformationModeEvent mediaDeformation(const ShowItem& item, bool reset) {
 
 ScreenMovePointEvent screenPoint(const ShowItem& item, const QByteArray& name, quint32 id, bool xy,
                                  const ControlPoint& point) {
-    return {
-        item.key.id, item.dataIndex, name.constData(), id, point.place.x(), point.place.y(), 0.0,
-        xy,          point.selected};
+    return {item.key.id,
+            item.dataIndex,
+            name.constData(),
+            id,
+            point.position.x(),
+            point.position.y(),
+            0.0,
+            xy,
+            point.selected};
 }
 
 /// A part's, media's or texture's point.
 template <typename PointEvent>
 PointEvent pointOf(const ShowItem& item, const QByteArray& name, quint32 id, bool xy,
                    const ControlPoint& point) {
-    return {item.key.id, item.key.subId,  item.dataIndex,  name.constData(),
-            id,          point.place.x(), point.place.y(), 0.0,
+    return {item.key.id, item.key.subId,     item.dataIndex,     name.constData(),
+            id,          point.position.x(), point.position.y(), 0.0,
             xy,          point.selected};
 }
 
@@ -134,16 +140,16 @@ ShowEvents::EventPointer ShowEvents::mode(const ShowItem& item) {
 
 ShowEvents::EventPointer ShowEvents::point(const ShowItem& item, bool xy, quint32 point) {
     const QByteArray name = item.name.toUtf8();
-    const ControlPoint& place = (xy ? item.warp.xy : item.warp.uv)[point];
+    const ControlPoint& position = (xy ? item.warp.xy : item.warp.uv)[point];
     switch (item.key.type) {
     case LV_NTC_ElementType::Media:
-        return moved(pointOf<MediaMovePointEvent>(item, name, point, xy, place));
+        return moved(pointOf<MediaMovePointEvent>(item, name, point, xy, position));
     case LV_NTC_ElementType::Texture:
-        return moved(pointOf<TextureMovePointEvent>(item, name, point, xy, place));
+        return moved(pointOf<TextureMovePointEvent>(item, name, point, xy, position));
     case LV_NTC_ElementType::Screen:
-        return moved(screenPoint(item, name, point, xy, place));
+        return moved(screenPoint(item, name, point, xy, position));
     default:
-        return moved(pointOf<ScreenPartMovePointEvent>(item, name, point, xy, place));
+        return moved(pointOf<ScreenPartMovePointEvent>(item, name, point, xy, position));
     }
 }
 
@@ -197,7 +203,7 @@ std::vector<ShowEvents::EventPointer> ShowEvents::resources(const Show& show) {
     std::vector<EventPointer> events;
     for (const ShowItem& item : show.items())
         events.push_back(added(item));
-    // A companion takes a screen's mode from its deformation; the mode therefore comes last.
+    // A deformation event makes companions change the screen's mode, so the mode event follows it.
     for (const ShowItem& item : show.items()) {
         events.push_back(deformation(item, false));
         if (item.key.type == LV_NTC_ElementType::Screen)

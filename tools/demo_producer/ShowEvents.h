@@ -5,25 +5,25 @@
 
 #include <memory>
 
-/// The events that tell a companion about the items of a show.
+/// The events that describe the items of a show to a companion.
 namespace ShowEvents {
 
 using EventPointer = std::unique_ptr<NetworkCompanion::Event>;
 
 EventPointer added(const ShowItem& item);
 EventPointer removed(const ShowItem& item);
-/// As the item is seen: none for a screen in simple mode.
+/// The deformation that is shown: None for a screen in simple mode.
 EventPointer deformation(const ShowItem& item, bool reset);
 EventPointer blind(const ShowItem& item);
 /// The item must be a screen.
 EventPointer mode(const ShowItem& item);
 /// The point must exist.
 EventPointer point(const ShowItem& item, bool xy, quint32 point);
-/// The answer to a companion that wants to edit the item: its deformation and all points of both of
-/// its meshes, no point if it is seen without deformation.
+/// The answer to a request for the item's mesh: its deformation and, if one is shown, all points of
+/// both meshes.
 EventPointer itemData(const ShowItem& item);
 
-/// All that a companion needs to know of the show, in an order in which it can take it in.
+/// The answer to "getResources": items, deformations, modes, blinds, quick keys and pattern.
 std::vector<EventPointer> resources(const Show& show);
 
 } // namespace ShowEvents

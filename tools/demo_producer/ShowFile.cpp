@@ -25,10 +25,10 @@ QRectF areaFrom(const QJsonValue& value) {
     return {array[0].toDouble(), array[1].toDouble(), array[2].toDouble(), array[3].toDouble()};
 }
 
-QJsonArray placesToJson(const std::vector<ControlPoint>& points) {
+QJsonArray positionsToJson(const std::vector<ControlPoint>& points) {
     QJsonArray array;
     for (const ControlPoint& point : points)
-        array.append(QJsonArray{point.place.x(), point.place.y()});
+        array.append(QJsonArray{point.position.x(), point.position.y()});
     return array;
 }
 
@@ -44,17 +44,17 @@ QJsonObject toJson(const Warp& warp) {
     return {{QStringLiteral("type"), nameOf(warp.kind)},
             {QStringLiteral("rows"), warp.rows},
             {QStringLiteral("columns"), warp.columns},
-            {QStringLiteral("xy"), placesToJson(warp.xy)},
-            {QStringLiteral("uv"), placesToJson(warp.uv)},
+            {QStringLiteral("xy"), positionsToJson(warp.xy)},
+            {QStringLiteral("uv"), positionsToJson(warp.uv)},
             {QStringLiteral("selectedXy"), selectionToJson(warp.xy)},
             {QStringLiteral("selectedUv"), selectionToJson(warp.uv)}};
 }
 
-std::vector<ControlPoint> pointsFrom(const QJsonObject& json, const QString& places,
+std::vector<ControlPoint> pointsFrom(const QJsonObject& json, const QString& positions,
                                      const QString& selection) {
     std::vector<ControlPoint> points;
-    for (const auto& place : json[places].toArray())
-        points.push_back({{place[0].toDouble(), place[1].toDouble()}, false});
+    for (const auto& position : json[positions].toArray())
+        points.push_back({{position[0].toDouble(), position[1].toDouble()}, false});
     for (const auto& id : json[selection].toArray()) {
         const int index = id.toInt(-1);
         if (index >= 0 && index < int(points.size()))

@@ -2,8 +2,8 @@
 
 #include "tools/demo_producer/Show.h"
 
-// The words by which show files, commands and log lines call things. Reading an unknown word gives
-// nothing.
+// Names of enumerators and items in show files, commands and log lines. The functions that parse a
+// name return nothing for an unknown one.
 
 QString nameOf(NetworkCompanion::LV_NTC_ElementType type); // "media", "texture", "screen", "part"
 QString

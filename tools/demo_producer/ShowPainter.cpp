@@ -31,7 +31,7 @@ constexpr double kFooterHeight = 150;
 constexpr double kLogLineHeight = 19;
 constexpr std::size_t kMostScreens = 12;
 constexpr std::size_t kMostElements = 7;
-/// How much finer than it is shown the picture of a screen is made: it is stretched here and there.
+/// Resolution of a screen's picture relative to its output: warps magnify parts of it.
 constexpr double kPictureScale = 1.4;
 
 QFont fontOf(int pixels, QFont::Weight weight = QFont::Normal) {
@@ -50,7 +50,7 @@ void drawText(QPainter& painter, const QRectF& area, Qt::Alignment alignment, co
                      metrics.elidedText(text, Qt::ElideRight, area.width()));
 }
 
-/// Black or white, whichever can be read better on the colour.
+/// Black or white, for text on that background.
 QColor readableOn(const QColor& background) {
     constexpr int kMiddle = 128;
     return qGray(background.rgb()) > kMiddle ? Qt::black : Qt::white;
@@ -66,7 +66,7 @@ void drawPanel(QPainter& painter, const QRectF& area) {
     painter.drawRoundedRect(area.adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
 }
 
-/// A small label with a frame, ending at the right edge given; returns where it begins.
+/// Draws a framed label that ends at `right`; returns its left edge.
 double drawTag(QPainter& painter, double right, double centreY, const QString& text,
                const QColor& color) {
     const double width = textWidth(text, 12, QFont::Bold) + 16;
@@ -86,7 +86,7 @@ QString gridText(const Warp& warp, Warp::Kind kind) {
     return QStringLiteral("%1 %2 × %3").arg(nameOf(kind)).arg(warp.rows).arg(warp.columns);
 }
 
-/// From an item's pixels, counted from its centre, to a rectangle that shows the whole item.
+/// Maps an item's pixels, counted from its centre, to a rectangle that shows the whole item.
 QTransform toRect(const ShowItem& item, const QRectF& area) {
     QTransform transform;
     transform.translate(area.center().x(), area.center().y());
@@ -95,8 +95,8 @@ QTransform toRect(const ShowItem& item, const QRectF& area) {
     return transform;
 }
 
-/// The part's place in its screen's rectangle.
-QRectF placed(const QRectF& area, const QRectF& whole) {
+/// The part's rectangle in its screen's.
+QRectF rectIn(const QRectF& area, const QRectF& whole) {
     return {whole.x() + area.x() * whole.width(), whole.y() + area.y() * whole.height(),
             area.width() * whole.width(), area.height() * whole.height()};
 }
@@ -122,7 +122,7 @@ QPolygonF line(const Surface& surface, const QTransform& transform, bool along, 
     return polygon;
 }
 
-/// A lattice by which a bend can be read off any picture.
+/// Draws a lattice that makes deformations visible in any picture.
 void drawLattice(QPainter& painter, QSize size) {
     const QColor line(255, 255, 255, 50);
     const QColor rim(255, 255, 255, 200);
@@ -139,7 +139,7 @@ void drawLattice(QPainter& painter, QSize size) {
     painter.fillRect(size.width() - kRim, 0, kRim, size.height(), rim);
 }
 
-/// The most tiles of the given proportions that fit, as large as they can be.
+/// The columns and the size of the largest tiles with which all fit.
 struct Tiling {
     int columns = 1;
     QSizeF tile;
@@ -158,9 +158,9 @@ Tiling tilingFor(int count, QSizeF area, double proportions) {
     return best;
 }
 
-constexpr double kPointReach = 9; ///< from a point's middle to the edge of its picture
+constexpr double kPointReach = 9; ///< from the centre of a point's image to its edge
 
-/// A companion's point; size is 1 where there is room. Meshes have thousands of them, all alike.
+/// The image of a companion's control point, painted once for the thousands in a mesh.
 QImage pointImage(int shape, const QColor& color, bool selected, double size) {
     const double r = selected ? 6.0 : 4.0;
     QImage image = blank(QSize(1, 1) * int(4 * kPointReach), Qt::transparent);
@@ -171,7 +171,7 @@ QImage pointImage(int shape, const QColor& color, bool selected, double size) {
     painter.scale(size, size);
     painter.setBrush(selected ? QColor(color.red(), color.green(), color.blue(), 150)
                               : QColor(Qt::transparent));
-    // First its shadow, so that it stands out on bright pictures.
+    // The wider dark pen first, for contrast on bright pictures.
     for (const QPen& pen : {QPen(QColor(0, 0, 0, 170), 4), QPen(color, 2)}) {
         painter.setPen(pen);
         switch (shape) {
@@ -197,10 +197,10 @@ QImage pointImage(int shape, const QColor& color, bool selected, double size) {
 } // namespace
 
 void ShowPainter::paint(QPainter& painter, const QRectF& area, const ProducerSession& session,
-                        const Stage& stage) {
+                        const ViewState& view) {
     session_ = &session;
-    stage_ = &stage;
-    moment_.clear();
+    view_ = &view;
+    currentPictures_.clear();
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.fillRect(area, kBackground);
 
@@ -251,10 +251,10 @@ void ShowPainter::paint(QPainter& painter, const QRectF& area, const ProducerSes
     const double keysWidth = std::min(460.0, rest.width() * 0.4);
     paintLog(painter, rest.adjusted(0, 0, -keysWidth - kGap, 0));
     paintQuickKeys(painter, rest.adjusted(rest.width() - keysWidth, 0, 0, 0));
-    if (stage.flash)
-        paintFlash(painter, outputsArea, *stage.flash);
+    if (view.flash)
+        paintFlash(painter, outputsArea, *view.flash);
     session_ = nullptr;
-    stage_ = nullptr;
+    view_ = nullptr;
 }
 
 void ShowPainter::paintHeader(QPainter& painter, const QRectF& area) const {
@@ -269,10 +269,10 @@ void ShowPainter::paintHeader(QPainter& painter, const QRectF& area) const {
                  color, weight);
         left += width + 14;
     };
-    write(stage_->producerName, 19, kText, QFont::Bold);
+    write(view_->producerName, 19, kText, QFont::Bold);
     write(session_->show().title, 17, kAccent, QFont::DemiBold);
     write(QStringLiteral("%1 items").arg(session_->show().items().size()), 13, kDim, QFont::Normal);
-    write(stage_->address, 13, kDim, QFont::Normal);
+    write(view_->address, 13, kDim, QFont::Normal);
     if (session_->show().pattern != LV_NTC_PictureType::None) {
         const QString text = QStringLiteral("PATTERN  ") + nameOf(session_->show().pattern);
         left += textWidth(text, 12, QFont::Bold) + 16;
@@ -317,16 +317,16 @@ void ShowPainter::paintHeader(QPainter& painter, const QRectF& area) const {
 }
 
 QImage ShowPainter::pictureOf(const ShowItem& item) {
-    QImage& picture = moment_[item.key];
+    QImage& picture = currentPictures_[item.key];
     if (picture.isNull())
-        picture = pictures_.picture(item, stage_->seconds);
+        picture = pictures_.picture(item, view_->seconds);
     return picture;
 }
 
 QImage ShowPainter::composition(const ShowItem& screen, QSize size) {
     const Show& show = session_->show();
     if (show.pattern != LV_NTC_PictureType::None)
-        return pictures_.pattern(show.pattern, size, stage_->seconds);
+        return pictures_.pattern(show.pattern, size, view_->seconds);
     QImage image = blank(size, QColor(0x0a, 0x0c, 0x12));
     for (const Layer& layer : screen.layers) {
         const ShowItem* const item = show.find(layer.item);
@@ -335,7 +335,7 @@ QImage ShowPainter::composition(const ShowItem& screen, QSize size) {
         const Warp warp = shownWarp(*item);
         WarpRasterizer::draw(image, pictureOf(*item), {0, 0, 1, 1}, warp.xySurface(),
                              warp.uvSurface(),
-                             toRect(*item, placed(layer.area, QRectF(QPointF(), QSizeF(size)))));
+                             toRect(*item, rectIn(layer.area, QRectF(QPointF(), QSizeF(size)))));
     }
     QPainter painter(&image);
     drawLattice(painter, size);
@@ -361,7 +361,7 @@ void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const Sho
                 if (!part->blinded)
                     WarpRasterizer::draw(output, picture, part->area, part->warp.xySurface(),
                                          part->warp.uvSurface(),
-                                         toRect(*part, placed(part->area, whole)));
+                                         toRect(*part, rectIn(part->area, whole)));
             }
         } else {
             const Warp warp = shownWarp(screen);
@@ -372,13 +372,13 @@ void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const Sho
     }
     const auto overlay = [&](const ShowItem& item, const QRectF& area) {
         const QTransform transform = toRect(item, area);
-        if (stage_->meshes)
+        if (view_->meshes)
             paintMesh(painter, item, transform);
         paintRemotePoints(painter, item, true, transform);
     };
     if (inParts)
         for (const ShowItem* part : parts)
-            overlay(*part, placed(part->area, frame));
+            overlay(*part, rectIn(part->area, frame));
     else
         overlay(screen, frame);
     painter.restore();
@@ -420,7 +420,7 @@ void ShowPainter::paintElement(QPainter& painter, const QRectF& tile, const Show
     const QSizeF fitted = QSizeF(item.size).scaled(tile.size() * 0.82, Qt::KeepAspectRatio);
     const QRectF frame(tile.center() - QPointF(fitted.width(), fitted.height()) / 2, fitted);
     const bool uv = isUvEdited(item);
-    // While texture coordinates are edited the source is shown, with the mesh as it lies on it.
+    // While a companion edits texture coordinates, the tile shows the source with the mesh on it.
     const Warp warp = uv ? Warp::straight(Warp::Kind::None, 2, 2, item.size) : shownWarp(item);
     if (!item.blinded) {
         QImage image = blank(tile.size().toSize() * 2, kPanel);
@@ -433,10 +433,10 @@ void ShowPainter::paintElement(QPainter& painter, const QRectF& tile, const Show
     painter.setPen(QPen(QColor(255, 255, 255, 60), 1, Qt::DotLine));
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(frame);
-    if (stage_->meshes && !uv)
+    if (view_->meshes && !uv)
         paintMesh(painter, item, toRect(item, frame));
     if (uv) {
-        QTransform unit; // from 0 ... 1 over the source
+        QTransform unit; // maps 0 ... 1 to the source
         unit.translate(frame.x(), frame.y());
         unit.scale(frame.width(), frame.height());
         paintRemotePoints(painter, item, false, unit);
@@ -483,17 +483,18 @@ void ShowPainter::paintRemotePoints(QPainter& painter, const ShowItem& item, boo
             continue;
         const QColor color(companion.pointColor);
         const auto& points = xy ? item.warp.xy : item.warp.uv;
-        // Large meshes get small points, so that the picture remains to be seen between them.
+        // Dense meshes get small points, so that the picture remains visible.
         const QRectF shown =
             toRaster.mapRect(QRectF(QPointF(), xy ? QSizeF(item.size) : QSizeF(1, 1)));
         const double spacing = std::sqrt(shown.width() * shown.height() / double(points.size()));
         const double size = std::clamp(spacing / 18.0, 0.25, 1.0);
-        for (const bool selected : {false, true}) { // the selected ones on top
+        for (const bool selected : {false, true}) { // selected ones on top
             const QImage image = pointImage(companion.pointShape, color, selected, size);
             for (const ControlPoint& point : points) {
                 if (point.selected == selected)
                     painter.drawImage(
-                        (toRaster.map(point.place) - QPointF(kPointReach, kPointReach)).toPoint(),
+                        (toRaster.map(point.position) - QPointF(kPointReach, kPointReach))
+                            .toPoint(),
                         image);
             }
         }
@@ -504,12 +505,12 @@ void ShowPainter::paintLog(QPainter& painter, const QRectF& area) const {
     drawPanel(painter, area);
     const QRectF inside = area.adjusted(14, 10, -14, -10);
     const int lines = std::max(0, int(inside.height() / kLogLineHeight));
-    const qsizetype first = std::max<qsizetype>(0, stage_->log.size() - lines);
-    for (qsizetype i = first; i < stage_->log.size(); ++i)
+    const qsizetype first = std::max<qsizetype>(0, view_->log.size() - lines);
+    for (qsizetype i = first; i < view_->log.size(); ++i)
         drawText(painter,
                  QRectF(inside.x(), inside.y() + double(i - first) * kLogLineHeight, inside.width(),
                         kLogLineHeight),
-                 Qt::AlignLeft, stage_->log[i], 12, i == stage_->log.size() - 1 ? kText : kDim);
+                 Qt::AlignLeft, view_->log[i], 12, i == view_->log.size() - 1 ? kText : kDim);
 }
 
 void ShowPainter::paintQuickKeys(QPainter& painter, const QRectF& area) const {
@@ -532,7 +533,7 @@ void ShowPainter::paintQuickKeys(QPainter& painter, const QRectF& area) const {
                             width, height);
         ++index;
         const double strength =
-            stage_->flash && stage_->flash->id == id ? stage_->flash->strength : 0.0;
+            view_->flash && view_->flash->id == id ? view_->flash->strength : 0.0;
         const bool pressed = strength > 0.0;
         QColor color(key.color);
         if (!color.isValid())

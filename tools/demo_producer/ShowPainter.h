@@ -8,31 +8,30 @@
 
 class QPainter;
 
-/// A quick key that was executed a moment ago.
+/// The banner of a quick key that was just executed.
 struct KeyFlash {
     quint32 id = 0;
     QString name;
     QColor color;
-    double strength = 0.0; ///< 1 at first, 0 when it is over
+    double strength = 0.0; ///< 1 to 0 while it fades
 };
 
-/// What the picture of a session shows besides the session itself.
-struct Stage {
+/// What the window shows besides the session.
+struct ViewState {
     QString producerName;
-    QString address;      ///< where companions find it
-    double seconds = 0.0; ///< the moment at which moving pictures are shown
+    QString address;      ///< at which companions reach it
+    double seconds = 0.0; ///< the time of moving pictures
     QStringList log;      ///< the newest line last
     std::optional<KeyFlash> flash;
-    bool meshes = false; ///< draws the mesh of every output
+    bool meshes = false; ///< draw the mesh of every output
 };
 
-/// Paints a session for whoever stands before the Producer: every screen as its projectors would
-/// show it, every media and texture as it is bent, test pattern, blinds, the companions' points,
-/// quick keys, and what happened last.
+/// Paints the Producer's window: the picture of every screen, media and texture through its warp,
+/// with test pattern, blinds and the companions' points; quick keys and the log.
 class ShowPainter {
 public:
     void paint(QPainter& painter, const QRectF& area, const ProducerSession& session,
-               const Stage& stage);
+               const ViewState& view);
 
 private:
     void paintHeader(QPainter& painter, const QRectF& area) const;
@@ -50,7 +49,7 @@ private:
     [[nodiscard]] bool isUvEdited(const ShowItem& item) const;
 
     const ProducerSession* session_ = nullptr; // while painting
-    const Stage* stage_ = nullptr;             // while painting
+    const ViewState* view_ = nullptr;          // while painting
     PictureSource pictures_;
-    QHash<ItemKey, QImage> moment_; ///< the pictures of this moment
+    QHash<ItemKey, QImage> currentPictures_; ///< at the time that is painted
 };

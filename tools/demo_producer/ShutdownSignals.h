@@ -2,7 +2,6 @@
 
 #include <functional>
 
-/// Ends the program properly when the system asks it to: from now on, a request to terminate (a
-/// signal, or the closing of the console) calls the function from the event loop. To be called
-/// once, when the application object exists.
+/// Calls the function from the event loop when the system asks the program to terminate, by a
+/// signal or by closing the console. Call once, after creating the application object.
 void onShutdownRequest(std::function<void()> quit);

@@ -12,7 +12,7 @@ namespace {
 
 std::array<int, 2> ends{-1, -1};
 
-/// Only writes: hardly anything else is allowed in a signal handler.
+/// Writes to a socket, because that is async-signal-safe.
 void onSignal(int) {
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = write(ends[0], &byte, 1);

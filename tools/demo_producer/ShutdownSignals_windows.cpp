@@ -9,7 +9,7 @@ namespace {
 
 std::function<void()> quitFunction;
 
-/// Called by the system on a thread of its own.
+/// The system calls this on a thread of its own.
 BOOL WINAPI onConsoleEvent(DWORD) {
     QMetaObject::invokeMethod(
         QCoreApplication::instance(), [] { quitFunction(); }, Qt::QueuedConnection);

@@ -12,8 +12,8 @@
 namespace {
 
 constexpr int kDelayMs = 50;
-/// The share of its time that the program may spend on writing is one in so many.
-constexpr int kRestPerWriting = 4;
+/// Delay before the next write, in multiples of the duration of the last one.
+constexpr int kDelayPerWrite = 4;
 
 } // namespace
 
@@ -43,7 +43,7 @@ void StateFile::write() {
     state[QStringLiteral("sequence")] = ++sequence_;
     if (!ShowFile::write(path_, state))
         qWarning("State file: %s cannot be written", qUtf8Printable(path_));
-    delay_.setInterval(std::max(kDelayMs, int(elapsed.elapsed()) * kRestPerWriting));
+    delay_.setInterval(std::max(kDelayMs, int(elapsed.elapsed()) * kDelayPerWrite));
 }
 
 QJsonObject StateFile::stateOf(const ProducerSession& session) {

@@ -5,13 +5,13 @@
 #include <QJsonObject>
 #include <QTimer>
 
-/// Keeps a file that tells the whole state of a session, for programs that watch or test it: the
-/// show in the form of ShowFile, and
+/// Writes the state of a session to a file, for tests and monitoring: the show in the format of
+/// ShowFile, and
 ///
-///     "sequence": 12,                         // one more with every writing
+///     "sequence": 12,                         // incremented by every write
 ///     "showsStarted": 1,
 ///     "port": 62330,
-///     "companions": [{"id": 1, "address": "10.77.0.1", "editing": "screen:0", // null: nothing
+///     "companions": [{"id": 1, "address": "10.77.0.1", "editing": "screen:0", // or null
 ///                     "editsUv": false, "pointColor": "#0000ff", "pointShape": 1}],
 ///     "executedQuickKeys": [3, 1],            // the newest last
 ///     "receivedEvents": {"Msg": 1, "ItemData": 4, "ScreenMovePoint": 120}
@@ -19,8 +19,8 @@ class StateFile : public QObject {
     Q_OBJECT
 
 public:
-    /// Writes at once, then after every change, but no more often than every 50 ms, and less often
-    /// when the show is so large that writing it takes its time.
+    /// Writes at once, then 50 ms after the first of the changes; later when writing takes long, so
+    /// that it uses a fifth of the time at most.
     StateFile(const ProducerSession& session, QString path, QObject* parent);
     ~StateFile() override;
 

@@ -13,8 +13,8 @@ bool hasPatches(LV_NTC_DeformationType kind) {
     return kind == LV_NTC_DeformationType::Bezier || kind == LV_NTC_DeformationType::Curve;
 }
 
-/// Runs every row and then every column of a grid through a function of a line of points. The
-/// function is linear in the points, so that the order of the two makes no difference.
+/// Applies a function of a line of points to every row and then to every column of a grid. It must
+/// be linear, because then the order does not matter.
 template <typename Function>
 std::vector<QPointF> transformLines(const std::vector<QPointF>& grid, int rows, int columns,
                                     Function function) {
@@ -40,8 +40,8 @@ std::vector<QPointF> transformLines(const std::vector<QPointF>& grid, int rows, 
     return result;
 }
 
-/// The Bezier control points of a Catmull-Rom curve through the points. The ends take the tangent
-/// of the parabola through the last three points, so that a parabola is met exactly.
+/// The Bezier control points of a Catmull-Rom curve through the points. The tangent at an end is
+/// that of the parabola through the last three points, which makes parabolas exact.
 Line bezierThroughPoints(const Line& p) {
     const std::size_t n = p.size();
     const auto tangent = [&](std::size_t i) {
@@ -62,7 +62,7 @@ Line bezierThroughPoints(const Line& p) {
     return result;
 }
 
-/// The control points of the cubics that pass through the points, four to a cubic, evenly spaced.
+/// The control points of the cubics through the points, four evenly spaced points to a cubic.
 Line bezierThroughSamples(const Line& p) {
     Line result = p;
     for (std::size_t i = 0; i + 3 < p.size(); i += 3) {
@@ -104,7 +104,7 @@ Projection::Projection(const std::array<QPointF, 4>& corners) {
     const double determinant = cross(right, left);
     g_ = cross(sum, left) / determinant;
     h_ = cross(right, sum) / determinant;
-    // A w that nears zero at a corner means that two edges are all but parallel to each other.
+    // w approaches zero at a corner where the quadrilateral degenerates to a triangle.
     constexpr double kSmallest = 1e-3;
     valid_ = std::isfinite(g_) && std::isfinite(h_) && 1.0 + g_ > kSmallest &&
              1.0 + h_ > kSmallest && 1.0 + g_ + h_ > kSmallest;

@@ -13,7 +13,7 @@ public:
     /// Corners in the order of a 2 x 2 grid: top left, top right, bottom left, bottom right.
     explicit Projection(const std::array<QPointF, 4>& corners);
 
-    /// False when the corners do not span a convex quadrilateral; then there is no such map.
+    /// False when the corners span no convex quadrilateral, because then no such map exists.
     [[nodiscard]] bool isValid() const { return valid_; }
     [[nodiscard]] QPointF at(double s, double t) const;
 
@@ -32,10 +32,10 @@ private:
 };
 
 /// The smooth surface that a grid of control points spans, over the parameters s (to the right) and
-/// t (down), each from 0 to 1. Points are in whatever unit the caller has.
+/// t (down), each from 0 to 1. Points may be in any unit.
 ///
-/// None and keystone take four points: a projective map, or a bilinear one where the corners allow
-/// no projective one. Bezier takes 3n + 1 points each way, every third of them on the surface:
+/// None and keystone take four points: a projective map, or a bilinear one where no projective one
+/// exists. Bezier takes 3n + 1 points each way, every third of them on the surface:
 /// bicubic patches. Curve takes 2 points or more each way, all of them on the surface: a
 /// Catmull-Rom surface.
 class Surface {
@@ -44,25 +44,23 @@ public:
     [[nodiscard]] static bool isPossible(NetworkCompanion::LV_NTC_DeformationType kind, int rows,
                                          int columns);
 
-    /// The points come row by row; the grid must be possible and the points as many as it has.
+    /// Points row by row; the grid must be possible and match their number.
     Surface(NetworkCompanion::LV_NTC_DeformationType kind, int rows, int columns,
             std::vector<QPointF> points);
 
     [[nodiscard]] QPointF at(double s, double t) const;
-    /// The surface at every pair of the parameters, row by row; much cheaper than asking one by
-    /// one.
+    /// The surface at every pair of the parameters, row by row; much faster than calling at().
     [[nodiscard]] std::vector<QPointF> sample(const std::vector<double>& s,
                                               const std::vector<double>& t) const;
 
-    /// The map of a keystone, if it is projective; otherwise null.
+    /// The map of None or keystone if it is projective, otherwise null.
     [[nodiscard]] const Projection* projection() const;
-    /// Cells between which the surface may change its course: 1 for a keystone.
+    /// The surface is polynomial or projective within a patch; a keystone has one.
     [[nodiscard]] int patchRows() const { return patchRows_; }
     [[nodiscard]] int patchColumns() const { return patchColumns_; }
 
-    /// The control points with which a surface of another kind and grid takes this one's shape:
-    /// exactly where it can, otherwise through this one at as many places as the new grid has
-    /// points.
+    /// The control points that give a surface of another kind and grid this one's shape: exactly if
+    /// it can have it, otherwise it agrees with this one at as many parameters as it has points.
     [[nodiscard]] std::vector<QPointF>
     controlPointsFor(NetworkCompanion::LV_NTC_DeformationType kind, int rows, int columns) const;
 
@@ -72,7 +70,7 @@ private:
     bool patches_;
     int patchRows_;
     int patchColumns_;
-    /// Control points of the bicubic patches, row by row; the four corners where there are none.
+    /// Control points of the bicubic patches, row by row; the four corners without patches.
     std::vector<QPointF> net_;
     Projection projection_;
 };

@@ -4,19 +4,19 @@
 
 namespace {
 
-std::vector<QPointF> places(const std::vector<ControlPoint>& points) {
+std::vector<QPointF> positions(const std::vector<ControlPoint>& points) {
     std::vector<QPointF> result;
     result.reserve(points.size());
     for (const ControlPoint& point : points)
-        result.push_back(point.place);
+        result.push_back(point.position);
     return result;
 }
 
-std::vector<ControlPoint> unselected(const std::vector<QPointF>& places) {
+std::vector<ControlPoint> unselected(const std::vector<QPointF>& positions) {
     std::vector<ControlPoint> result;
-    result.reserve(places.size());
-    for (const QPointF& place : places)
-        result.push_back({place, false});
+    result.reserve(positions.size());
+    for (const QPointF& position : positions)
+        result.push_back({position, false});
     return result;
 }
 
@@ -42,11 +42,11 @@ bool Warp::isPossible(Kind kind, int rows, int columns) {
 }
 
 Surface Warp::xySurface() const {
-    return {kind, rows, columns, places(xy)};
+    return {kind, rows, columns, positions(xy)};
 }
 
 Surface Warp::uvSurface() const {
-    return {kind, rows, columns, places(uv)};
+    return {kind, rows, columns, positions(uv)};
 }
 
 Warp Warp::rebuilt(Kind newKind, int newRows, int newColumns, bool reset, QSizeF size) const {

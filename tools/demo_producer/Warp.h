@@ -6,16 +6,16 @@
 
 #include <vector>
 
-/// A control point of a mesh, and whether a companion has it selected.
+/// A control point of a mesh.
 struct ControlPoint {
-    QPointF place;
+    QPointF position;
     bool selected = false;
 
     friend bool operator==(const ControlPoint&, const ControlPoint&) = default;
 };
 
-/// How an item is bent: where the points of its mesh lie on the output, and which place of its
-/// picture each of them shows.
+/// The deformation of an item: the position of each point of its mesh on the output (xy) and in its
+/// picture (uv).
 struct Warp {
     using Kind = NetworkCompanion::LV_NTC_DeformationType;
 
@@ -25,17 +25,17 @@ struct Warp {
     std::vector<ControlPoint> xy; ///< pixels from the item's centre, row by row
     std::vector<ControlPoint> uv; ///< 0 to 1 over the picture, row by row
 
-    /// The mesh that leaves the picture as it is. The grid must be possible for the kind.
+    /// The mesh without deformation. The grid must be possible for the kind.
     static Warp straight(Kind kind, int rows, int columns, QSizeF size);
 
-    /// Whether the kind can have such a grid, within the bounds of what companions build.
+    /// Whether the kind can have that grid, within the limits of companions.
     [[nodiscard]] static bool isPossible(Kind kind, int rows, int columns);
 
     [[nodiscard]] Surface xySurface() const;
     [[nodiscard]] Surface uvSurface() const;
 
-    /// The warp with another kind and grid. It keeps the shape, its output half only unless reset
-    /// is set; without deformation there is no shape to keep. Nothing is selected in it.
+    /// The warp with another kind and grid and the same shape. With `reset`, its xy half is
+    /// straight; with kind None, both are. No point is selected.
     [[nodiscard]] Warp rebuilt(Kind newKind, int newRows, int newColumns, bool reset,
                                QSizeF size) const;
 

@@ -130,7 +130,7 @@ private:
             pixel = over(pixel, texel);
     }
 
-    /// The four texels, weighted by how near the place is to each; across and down are 0 to 255.
+    /// The four texels, weighted by how near the position is to each; across and down are 0 to 255.
     static quint32 blend(quint32 topLeft, quint32 topRight, quint32 bottomLeft, quint32 bottomRight,
                          quint32 across, quint32 down) {
         const quint32 both = (across * down) >> 8; // the weights add up to 256
@@ -146,7 +146,7 @@ private:
     }
     static constexpr quint64 kLanes = 0x00ff00ff00ff00ff;
 
-    /// Whether all four texels around the place are in the part, with a little to spare for
+    /// Whether all four texels around the position are in the part, with a little to spare for
     /// rounding.
     [[nodiscard]] bool isInner(double u, double v) const {
         return u >= 1 && v >= 1 && u <= part_.width() - 2 && v <= part_.height() - 2;
@@ -239,9 +239,9 @@ void WarpRasterizer::draw(QImage& target, const QImage& picture, const QRectF& p
         const auto corner = [&](int row, int column) {
             const auto [x, y, w] = xy.projection()->homogeneousAt(column, row);
             const auto [u, v, uvW] = uv.projection()->homogeneousAt(column, row);
-            const QPointF place = toTarget.map(QPointF(x / w, y / w));
-            return Vertex{place.x(), place.y(), u / w * texels.width(), v / w * texels.height(),
-                          uvW / w};
+            const QPointF position = toTarget.map(QPointF(x / w, y / w));
+            return Vertex{position.x(), position.y(), u / w * texels.width(),
+                          v / w * texels.height(), uvW / w};
         };
         fillCell(filler, corner, 0, 0);
         return;
@@ -251,12 +251,12 @@ void WarpRasterizer::draw(QImage& target, const QImage& picture, const QRectF& p
     const int rows = steps(std::max(xy.patchRows(), uv.patchRows()));
     const std::vector<double> s = evenParameters(columns);
     const std::vector<double> t = evenParameters(rows);
-    const std::vector<QPointF> places = xy.sample(s, t);
+    const std::vector<QPointF> positions = xy.sample(s, t);
     const std::vector<QPointF> coordinates = uv.sample(s, t);
     const auto vertexAt = [&](int row, int column) {
         const std::size_t index = std::size_t(row) * s.size() + std::size_t(column);
-        const QPointF place = toTarget.map(places[index]);
-        return Vertex{place.x(), place.y(), coordinates[index].x() * texels.width(),
+        const QPointF position = toTarget.map(positions[index]);
+        return Vertex{position.x(), position.y(), coordinates[index].x() * texels.width(),
                       coordinates[index].y() * texels.height(), 1.0};
     };
     for (int row = 0; row < rows; ++row)

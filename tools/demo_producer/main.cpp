@@ -47,34 +47,35 @@ const QString kQuiet = QStringLiteral("quiet");
 void addOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         QStringLiteral("A Producer to run Meshpad against: plays a show, answers discovery, and "
-                       "shows on its outputs what companions do to it."));
+                       "shows every edit of a companion on its outputs."));
     parser.addHelpOption();
     parser.addOptions({
         {kHeadless, QStringLiteral("Runs without a window; needs no display.")},
         {kShow, QStringLiteral("Plays the show of a JSON file."), QStringLiteral("file")},
         {kItems, QStringLiteral("Plays a show of that many items."), QStringLiteral("count")},
         {kGrid,
-         QStringLiteral("Gives the first screen a mesh of so many control points, such as 46x46: "
-                        "bezier when both numbers are 3n + 1, curve otherwise."),
+         QStringLiteral("Gives the first screen a mesh of that many control points, such as "
+                        "46x46: bezier when both numbers are 3n + 1, curve otherwise."),
          QStringLiteral("rows>x<columns")},
-        {kWriteShow, QStringLiteral("Writes the show to a file and ends."), QStringLiteral("file")},
+        {kWriteShow, QStringLiteral("Writes the show to a file and exits."),
+         QStringLiteral("file")},
         {kState, QStringLiteral("Keeps the whole state in a JSON file."), QStringLiteral("file")},
         {kAddress, QStringLiteral("Accepts companions at this address only."),
          QStringLiteral("address"), QStringLiteral("0.0.0.0")},
-        {kPort, QStringLiteral("TCP port; 0 takes a free one, which the log tells."),
+        {kPort, QStringLiteral("TCP port; 0 takes a free one, which is logged."),
          QStringLiteral("number"), QString::number(kTcpPort)},
         {kNoDiscovery, QStringLiteral("Does not answer companions that look for Producers.")},
         {kLabel, QStringLiteral("The name in window and log."), QStringLiteral("text"),
          QStringLiteral("Demo Producer")},
         {kScript,
-         QStringLiteral("Plays a file of commands, each after its time in seconds: "
+         QStringLiteral("Runs the commands of a file, each after its time in seconds: "
                         "\"2.5 pattern tile\"."),
          QStringLiteral("file")},
         {kControl,
          QStringLiteral("Takes commands, one a line, on this port of 127.0.0.1; 0 takes a free "
                         "one."),
          QStringLiteral("port")},
-        {kDemoEdits, QStringLiteral("Edits the show by itself, so many times a second."),
+        {kDemoEdits, QStringLiteral("Edits the show by itself, that many times a second."),
          QStringLiteral("rate")},
         {kSeed, QStringLiteral("Chooses the edits and the meshes of a show of many items."),
          QStringLiteral("number"), QStringLiteral("1")},
@@ -84,14 +85,14 @@ void addOptions(QCommandLineParser& parser) {
     });
 }
 
-/// The message on standard error; the exit code of a program that cannot do what it was asked.
-int complain(const QString& text) {
+/// Prints the message on standard error and returns the exit code for unusable arguments.
+int fail(const QString& text) {
     QTextStream(stderr) << text << '\n';
     return 2;
 }
 
-/// The shows that are played in turn, or none and the reason.
-std::vector<Show> repertoireFor(const QCommandLineParser& parser, QString& error) {
+/// The shows that `new-show` cycles through. Sets error when the arguments name no valid show.
+std::vector<Show> showsFor(const QCommandLineParser& parser, QString& error) {
     std::vector<Show> shows;
     if (parser.isSet(kShow)) {
         if (const auto show = ShowFile::read(parser.value(kShow), error))
@@ -119,9 +120,9 @@ std::vector<Show> repertoireFor(const QCommandLineParser& parser, QString& error
     return shows;
 }
 
-/// Where companions find the Producer; an address that stands for all becomes those of this
-/// machine.
-QString placeOf(const QHostAddress& address, quint16 port) {
+/// Addresses and port at which companions reach the Producer. An address that stands for all
+/// interfaces is replaced by the addresses of this machine.
+QString endpointText(const QHostAddress& address, quint16 port) {
     QStringList addresses;
     for (const QHostAddress& own : QNetworkInterface::allAddresses())
         if (own.protocol() == QAbstractSocket::IPv4Protocol && !own.isLoopback())
@@ -139,8 +140,8 @@ bool isMove(const QString& line) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // The kind of application decides whether a display is needed, so that this is looked up by
-    // hand.
+    // QCommandLineParser needs an application object, but QApplication needs a display, so these
+    // options are searched before either exists.
     const bool headless = std::any_of(argv, argv + argc, [](const char* argument) {
         const QByteArrayView option(argument);
         return option == "--headless" || option == "-h" || option == "-?" ||
@@ -156,16 +157,16 @@ int main(int argc, char** argv) {
     parser.process(*application);
 
     QString error;
-    std::vector<Show> repertoire = repertoireFor(parser, error);
+    std::vector<Show> shows = showsFor(parser, error);
     if (!error.isEmpty())
-        return complain(error);
+        return fail(error);
     if (parser.isSet(kWriteShow)) {
         const bool written =
-            ShowFile::write(parser.value(kWriteShow), ShowFile::toJson(repertoire.front()));
-        return written ? 0 : complain(QStringLiteral("The show file cannot be written"));
+            ShowFile::write(parser.value(kWriteShow), ShowFile::toJson(shows.front()));
+        return written ? 0 : fail(QStringLiteral("The show file cannot be written"));
     }
 
-    ProducerSession session(std::move(repertoire), nullptr);
+    ProducerSession session(std::move(shows), nullptr);
     const bool quiet = parser.isSet(kQuiet);
     QTextStream output(stdout);
     const auto print = [&output, quiet](const QString& line) {
@@ -180,22 +181,21 @@ int main(int argc, char** argv) {
     bool good = false;
     const quint16 port = parser.value(kPort).toUShort(&good);
     if (!good || address.isNull() || !session.listen(address, port))
-        return complain(QStringLiteral("Cannot listen on %1 port %2")
-                            .arg(parser.value(kAddress), parser.value(kPort)));
-    const QString place = placeOf(address, session.port());
-    const QString greeting = QStringLiteral("\"%1\" plays \"%2\", %3 items, at %4")
-                                 .arg(parser.value(kLabel), session.show().title)
-                                 .arg(session.show().items().size())
-                                 .arg(place);
-    onShutdownRequest([] { QCoreApplication::quit(); }); // before anybody is told that it plays
-    print(greeting);
+        return fail(QStringLiteral("Cannot listen on %1 port %2")
+                        .arg(parser.value(kAddress), parser.value(kPort)));
+    const QString endpoint = endpointText(address, session.port());
+    const QString startLine = QStringLiteral("\"%1\" plays \"%2\", %3 items, at %4")
+                                  .arg(parser.value(kLabel), session.show().title)
+                                  .arg(session.show().items().size())
+                                  .arg(endpoint);
+    onShutdownRequest([] { QCoreApplication::quit(); }); // before the line that scripts wait for
+    print(startLine);
 
     Commands commands(session, nullptr);
     if (parser.isSet(kControl)) {
         const quint16 controlPort = commands.listen(parser.value(kControl).toUShort());
         if (controlPort == 0)
-            return complain(QStringLiteral("Cannot take commands on port ") +
-                            parser.value(kControl));
+            return fail(QStringLiteral("Cannot take commands on port ") + parser.value(kControl));
         print(QStringLiteral("takes commands at 127.0.0.1:%1").arg(controlPort));
     }
     std::unique_ptr<NetworkCompanion::NetworkUtils> discovery;
@@ -214,15 +214,15 @@ int main(int argc, char** argv) {
         state = std::make_unique<StateFile>(session, parser.value(kState), nullptr);
     std::unique_ptr<ProducerWindow> window;
     if (!headless) {
-        window = std::make_unique<ProducerWindow>(session, parser.value(kLabel), place,
+        window = std::make_unique<ProducerWindow>(session, parser.value(kLabel), endpoint,
                                                   parser.isSet(kStill), parser.isSet(kMeshes));
-        window->showLine(greeting);
+        window->showLine(startLine);
         window->show();
     }
     if (parser.isSet(kScript)) {
         QFile file(parser.value(kScript));
         if (!file.open(QIODevice::ReadOnly) || !commands.play(QString::fromUtf8(file.readAll())))
-            return complain(QStringLiteral("The script cannot be played: ") + file.fileName());
+            return fail(QStringLiteral("The script cannot be played: ") + file.fileName());
     }
     std::unique_ptr<DemoEdits> edits;
     if (parser.isSet(kDemoEdits))

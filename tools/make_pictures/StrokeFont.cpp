@@ -13,7 +13,7 @@ constexpr double kUnits = 6;     // a capital is six units high, most are four w
 constexpr double kSpacing = 2.2; // between two letters
 constexpr double kPen = 1.0;
 
-// Strokes as points "xy", separated by blanks; a bar lifts the pen.
+// Strokes as points "xy", separated by blanks; a bar begins a new stroke.
 const QHash<QChar, QString>& glyphs() {
     static const QHash<QChar, QString> table = {
         {'A', "06 02 20 42 46|04 44"},
@@ -79,7 +79,7 @@ QPainterPath glyphPath(QChar letter) {
             QPointF point(pair[0].digitValue(), pair[1].digitValue());
             if (down) {
                 if (point == path.currentPosition())
-                    point.rx() += 0.01; // a dot: a path drops a line of no length
+                    point.rx() += 0.01; // QPainterPath drops a line of length zero
                 path.lineTo(point);
             } else {
                 path.moveTo(point);

@@ -49,7 +49,7 @@ QPointF onCircle(QPointF centre, double radius, double turns) {
 // --- geometry ------------------------------------------------------------------------------------
 
 void drawGeometry(QPainter& painter) {
-    constexpr int kCell = 88; // 20 by 12 squares, so that lines cross in the middle
+    constexpr int kCell = 88; // 20 by 12 squares, so that lines cross in the centre
     const auto lines = [&painter](int step, const QColor& color, int width) {
         for (int x = step; x < kWidth; x += step)
             painter.fillRect(x - width / 2, 0, width, kHeight, color);
@@ -73,7 +73,7 @@ void drawGeometry(QPainter& painter) {
     painter.drawLine(QLineF(0, kMiddle.y(), kWidth, kMiddle.y()));
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(QPen(Qt::white, 8, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    painter.drawRect(kArea.adjusted(4, 4, -4, -4)); // wholly inside: what is cut off is seen
+    painter.drawRect(kArea.adjusted(4, 4, -4, -4)); // wholly inside, so that a crop is visible
 }
 
 void drawTiles(QPainter& painter) {
@@ -267,8 +267,8 @@ void drawOnScreenDisplay(QPainter& painter) {
 
 constexpr std::array kFrameRates{24, 25, 30, 50, 60};
 
-/// One second in a line for each frame rate, one field a frame; the fields of the same moment stand
-/// below each other.
+/// A row of fields for each frame rate, one field a frame over one second; fields of the same time
+/// are aligned.
 void drawFrameRateLines(QPainter& painter) {
     constexpr int kTop = 176;
     constexpr int kLeft = 240;
@@ -291,8 +291,8 @@ void drawFrameRateLines(QPainter& painter) {
     }
 }
 
-/// One second as a turn of a hand: sixty fields around a dial, the newest the brightest, and fifty
-/// and twenty-four in the rings within.
+/// One second as a dial: sixty fields in the outer ring, the newest the brightest, fifty and
+/// twenty-four in the inner rings.
 void drawFrameRateDial(QPainter& painter) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QPointF hub(1168, kMiddle.y());

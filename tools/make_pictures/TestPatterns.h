@@ -10,6 +10,6 @@ struct TestPattern {
     QImage image;
 };
 
-/// The twelve pictures that a Producer can be told to show, 1760 x 1056 pixels each: eight times
-/// their size on the companion's buttons.
+/// The twelve test patterns of a Producer, 1760 x 1056 pixels each: eight times their size on the
+/// companion's buttons.
 QList<TestPattern> drawTestPatterns();

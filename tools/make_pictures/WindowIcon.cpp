@@ -19,7 +19,7 @@ const QColor kTile(0x0b, 0x3a, 0x5e);
 const QColor kInnerLine(0x9c, 0xb4, 0xc8);
 const QColor kPulledPoint(0x00, 0x96, 0xff);
 
-/// Where the point (u, v) of a square sheet lies after bending, in a square of 1 x 1.
+/// The position of the point (u, v) of the deformed mesh, 0 to 1.
 QPointF bent(double u, double v) {
     const QPointF topLeft(0.17, 0.25);
     const QPointF topRight(0.81, 0.19);
@@ -71,7 +71,7 @@ void drawBentMesh(QPainter& painter, int size) {
     painter.drawEllipse(bent(1, 0) * size, point, point);
 }
 
-/// Where a curve would only blur: straight lines on whole pixels, and the pulled corner.
+/// For sizes at which curves blur: straight lines on whole pixels, and the moved corner.
 void drawStraightMesh(QPainter& painter, int size) {
     const int cell = size / 4 + 1;
     const double low = size - 2.5;

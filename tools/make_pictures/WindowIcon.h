@@ -3,9 +3,9 @@
 #include <QByteArray>
 #include <QImage>
 
-/// The window icon at `size` pixels: a bent mesh with its pulled point, with fewer lines the
-/// smaller it is.
+/// The window icon at `size` pixels: a deformed mesh with one moved point; smaller icons have fewer
+/// lines.
 QImage drawWindowIcon(int size);
 
-/// The sizes that a desktop asks for, gathered in one file of the ".ico" format.
+/// The icon in all sizes that desktops use, as an ".ico" file.
 QByteArray windowIconFile();

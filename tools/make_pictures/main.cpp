@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The same picture with the fewest bytes a pixel that hold it without loss.
+/// Converts to the format with the fewest bytes a pixel that loses nothing.
 QImage compact(const QImage& image) {
     if (image.isGrayscale())
         return image.convertToFormat(QImage::Format_Grayscale8);
@@ -25,7 +25,7 @@ QImage compact(const QImage& image) {
     if (colors.size() > kPaletteSize)
         return image.convertToFormat(QImage::Format_RGB888);
     QList<QRgb> palette(colors.cbegin(), colors.cend());
-    std::sort(palette.begin(), palette.end()); // the same file every time
+    std::sort(palette.begin(), palette.end()); // reproducible files
     return image.convertToFormat(QImage::Format_Indexed8, palette);
 }
 
