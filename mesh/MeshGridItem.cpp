@@ -10,17 +10,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
-namespace {
-
-constexpr double kUnbounded = std::numeric_limits<double>::max();
-
-} // namespace
-
-MeshGridItem::MeshGridItem(QQuickItem* parent)
-    : QQuickItem(parent), dragMinimumX_(-kUnbounded), dragMaximumX_(kUnbounded),
-      dragMinimumY_(-kUnbounded), dragMaximumY_(kUnbounded) {
+MeshGridItem::MeshGridItem(QQuickItem* parent) : QQuickItem(parent) {
     setFlag(ItemHasContents);
     connect(this, &MeshGridItem::styleChanged, this, &MeshGridItem::onStyleChanged);
 }
@@ -200,11 +191,6 @@ MeshPoint* MeshGridItem::point(int number) {
     ensureBuilt();
     const bool isThere = number >= 0 && number < static_cast<int>(points_.size());
     return isThere ? points_[static_cast<std::size_t>(number)] : nullptr;
-}
-
-QPointF MeshGridItem::boundedForDrag(const QPointF& position) const {
-    return {std::max(dragMinimumX_, std::min(position.x(), dragMaximumX_)),
-            std::max(dragMinimumY_, std::min(position.y(), dragMaximumY_))};
 }
 
 void MeshGridItem::scheduleRedraw() {

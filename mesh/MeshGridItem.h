@@ -35,12 +35,7 @@ class MeshGridItem : public QQuickItem {
     Q_PROPERTY(QList<QColor> currentColors MEMBER currentColors_ NOTIFY styleChanged)
 
     /// Whether a pointer can grab points.
-    Q_PROPERTY(bool pointsMovable MEMBER pointsMovable_ NOTIFY dragRulesChanged)
-    /// Bounds of a dragged point.
-    Q_PROPERTY(double dragMinimumX MEMBER dragMinimumX_ NOTIFY dragRulesChanged)
-    Q_PROPERTY(double dragMaximumX MEMBER dragMaximumX_ NOTIFY dragRulesChanged)
-    Q_PROPERTY(double dragMinimumY MEMBER dragMinimumY_ NOTIFY dragRulesChanged)
-    Q_PROPERTY(double dragMaximumY MEMBER dragMaximumY_ NOTIFY dragRulesChanged)
+    Q_PROPERTY(bool pointsMovable MEMBER pointsMovable_ NOTIFY pointsMovableChanged)
 
     /// Arrays of the points, by number, and of the lines. Reading builds the mesh.
     Q_PROPERTY(QJSValue pointsArray READ pointsArray)
@@ -88,8 +83,6 @@ public:
     /// Null for an unknown number.
     MeshPoint* point(int number);
     bool pointsMovable() const { return pointsMovable_; }
-    /// The position, moved into the bounds of a dragged point.
-    QPointF boundedForDrag(const QPointF& position) const;
 
     /// Schedules a redraw.
     void scheduleRedraw();
@@ -99,7 +92,7 @@ signals:
     void meshRequested(int rows, int columns, bool skipPatchCenter);
     void zoomChanged();
     void styleChanged();
-    void dragRulesChanged();
+    void pointsMovableChanged();
 
 protected:
     void updatePolish() override;
@@ -147,10 +140,6 @@ private:
     QList<QColor> selectedColors_;
     QList<QColor> currentColors_;
     bool pointsMovable_ = true;
-    double dragMinimumX_;
-    double dragMaximumX_;
-    double dragMinimumY_;
-    double dragMaximumY_;
 
     bool styleDirty_ = true;
     std::shared_ptr<const MeshAtlas> atlas_; // shared with the nodes

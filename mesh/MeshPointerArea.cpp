@@ -110,7 +110,7 @@ void MeshPointerArea::dragPointTo(const QPointF& position) {
     if (grid_->itemTransform(this, nullptr) != grabView_)
         updateGrabOffset(); // rotating or zooming the view must not move the point
     lastPosition_ = position;
-    const QPointF target = grid_->boundedForDrag(mapToItem(grid_, position) + grabOffset_);
+    const QPointF target = mapToItem(grid_, position) + grabOffset_;
     emit pointDragged(draggedPoint_, target.x(), target.y());
 }
 

@@ -1,6 +1,6 @@
 .pragma library
-.import "deformerActions.js" as DeformerActions
 .import "meshRules.js" as Rules
+.import "view.js" as View
 
 // Buttons and lists of the configuration dialog.
 
@@ -63,6 +63,6 @@ function confirm(scene) {
         console.log("This deformation mode does not exist.");
     }
     dialog.close();
-    DeformerActions.adjustView(scene);
+    View.adjustView(scene);
     scene.currentPointText.clear();
 }

@@ -1,200 +1,121 @@
 .pragma library
-.import "deformerActions.js" as DeformerActions
+.import "currentItem.js" as CurrentItem
+.import "gestures.js" as Gestures
+.import "itemKinds.js" as Kinds
+.import "meshBuilder.js" as MeshBuilder
 .import "meshRules.js" as Rules
+.import "pointWriter.js" as PointWriter
+.import "selection.js" as Selection
+.import "view.js" as View
 .import "warpToolButtonsActions.js" as WarpToolButtonsActions
 
-// Keeps the entries of the Producer's items in the scene, and decides which of them is shown.
+// Keeps the entries of the Producer's items in the scene and shows the current one.
 
-// An entry that was removed may still be in use by whoever told the scene to remove it.
+// The caller of a removal may still use the entry until control returns to the event loop.
 var REMOVED_ENTRY_LIFETIME = 1000; // ms
 
-// A new hidden entry in the movable container, null when its component does not load.
-function createEntry(scene, name, properties) {
-    let component = scene.entryComponents[name];
-    if (!component) {
-        component = Qt.createComponent("qrc:///qml/" + name + ".qml");
-        if (component.status !== 1) { // Component.Ready
-            console.log("Error loading " + name + " component: " + component.errorString());
-            return null;
-        }
-        scene.entryComponents[name] = component;
-    }
-    properties.scene = scene;
-    properties.visible = false;
-    return component.createObject(scene.canvasMedia, properties);
-}
+// Adding and removing
 
-function isCurrent(scene, type, id, subId) {
-    return scene.canvasCurrentItemType === type && scene.canvasCurrentItemId === (id | 0)
-        && (type !== Rules.SCREEN_PART || scene.canvasCurrentSubItemId === subId);
-}
-
-// Takes the entry at that key out of the array; `message` is logged when there is none.
-function removeEntry(scene, array, key, isCurrentEntry, message) {
-    const entry = array ? array[key] : undefined;
-    if (!entry) {
-        console.log(message);
+// `values` as in KINDS[type].properties.
+function addItem(scene, type, values) {
+    const kind = Kinds.KINDS[type];
+    const properties = { scene: scene, visible: false };
+    kind.properties.forEach((name, index) => { properties[name] = values[index]; });
+    const id = properties[kind.id];
+    const subId = properties[kind.subId];
+    const known = Kinds.entryAt(scene, type, id, subId);
+    if (known) {
+        for (const name of kind.updated)
+            known[name] = properties[name];
         return;
     }
-    if (isCurrentEntry) {
-        DeformerActions.endGestures(scene);
+    const component = Kinds.componentOf(scene, kind.component);
+    if (component)
+        kind.array(scene, id)[kind.key(id, subId)] = component.createObject(scene.canvasMedia, properties);
+}
+
+function removeItem(scene, type, id, subId) {
+    const kind = Kinds.KINDS[type];
+    const entry = Kinds.entryAt(scene, type, id, subId);
+    if (!entry) {
+        console.log("Unable to remove " + kind.name + " item");
+        return;
+    }
+    const wasCurrent = CurrentItem.isCurrent(scene, type, id, subId);
+    if (wasCurrent) {
+        Gestures.endAll(scene);
         scene.deformationDialog.close();
         scene.rotationDialog.close();
         entry.visible = false;
         scene.pointerArea.grid = null;
     }
-    delete array[key];
+    delete kind.array(scene, id)[kind.key(id, subId)];
     entry.destroy(REMOVED_ENTRY_LIFETIME);
-    if (isCurrentEntry)
-        DeformerActions.updateCurrentPointText(scene);
+    if (wasCurrent)
+        CurrentItem.updateCurrentPointText(scene);
 }
 
 function addMediaItem(scene, type, cueId, mediaId, sourceWidth, sourceHeight, sourceRotation, name) {
-    const known = scene.canvasMediaItemArray[cueId];
-    if (known) {
-        known.mediaRotation = sourceRotation;
-        return;
-    }
-    const entry = createEntry(scene, "MediaItem", {
-        mediaType: type,
-        mediaCueId: cueId,
-        mediaId: mediaId,
-        mediaWidth: sourceWidth,
-        mediaHeight: sourceHeight,
-        mediaRotation: sourceRotation,
-        mediaName: name
-    });
-    if (entry)
-        scene.canvasMediaItemArray[cueId] = entry;
-}
-
-function removeMediaItem(scene, cueId) {
-    removeEntry(scene, scene.canvasMediaItemArray, cueId, isCurrent(scene, Rules.MEDIA, cueId),
-                "Unable to remove media item");
+    addItem(scene, Rules.MEDIA, [type, cueId, mediaId, sourceWidth, sourceHeight, sourceRotation, name]);
 }
 
 function addTextureItem(scene, cueId, textureId, sourceWidth, sourceHeight, sourceRotation, name) {
-    const known = scene.canvasTextureItemArray[cueId];
-    if (known) {
-        known.textureRotation = sourceRotation;
-        return;
-    }
-    const entry = createEntry(scene, "TextureItem", {
-        textureCueId: cueId,
-        textureId: textureId,
-        textureWidth: sourceWidth,
-        textureHeight: sourceHeight,
-        textureRotation: sourceRotation,
-        textureName: name
-    });
-    if (entry)
-        scene.canvasTextureItemArray[cueId] = entry;
-}
-
-function removeTextureItem(scene, cueId) {
-    removeEntry(scene, scene.canvasTextureItemArray, cueId, isCurrent(scene, Rules.TEXTURE, cueId),
-                "Unable to remove texture item");
-}
-
-// The locked zone of the current item follows its size.
-function updateZone(scene, itemIsCurrent) {
-    if (itemIsCurrent && scene.warpToolBar.zoneLockerButtonPushed)
-        WarpToolButtonsActions.lockZone(scene, true);
+    addItem(scene, Rules.TEXTURE, [cueId, textureId, sourceWidth, sourceHeight, sourceRotation, name]);
 }
 
 function addScreenItem(scene, idNum, sourceWidth, sourceHeight, sourceRotation, sourceDeformerRotation, name) {
-    const known = scene.canvasScreenItemArray[idNum];
-    if (known) {
-        known.screenWidth = sourceWidth;
-        known.screenHeight = sourceHeight;
-        known.screenRotation = sourceRotation;
-        known.screenDeformerRotation = sourceDeformerRotation;
-        known.screenName = name;
-        updateZone(scene, isCurrent(scene, Rules.SCREEN, idNum));
-        return;
-    }
-    const entry = createEntry(scene, "ScreenItem", {
-        screenId: idNum,
-        screenWidth: sourceWidth,
-        screenHeight: sourceHeight,
-        screenRotation: sourceRotation,
-        screenDeformerRotation: sourceDeformerRotation,
-        screenName: name,
-        screenModeType: Rules.SIMPLE_MODE
-    });
-    if (entry)
-        scene.canvasScreenItemArray[idNum] = entry;
-}
-
-function removeScreenItem(scene, idNum) {
-    removeEntry(scene, scene.canvasScreenItemArray, idNum, isCurrent(scene, Rules.SCREEN, idNum),
-                "Unable to remove screen item");
+    addItem(scene, Rules.SCREEN, [idNum, sourceWidth, sourceHeight, sourceRotation, sourceDeformerRotation, name]);
 }
 
 function addScreenPartItem(scene, screenId, screenPartId, sourceWidth, sourceHeight, sourceDeformerRotation, name) {
     if (!scene.canvasScreenPartItemArray[screenId])
         scene.canvasScreenPartItemArray[screenId] = [];
-    const known = scene.canvasScreenPartItemArray[screenId][screenPartId];
-    if (known) {
-        known.screenPartWidth = sourceWidth;
-        known.screenPartHeight = sourceHeight;
-        known.screenPartDeformerRotation = sourceDeformerRotation;
-        known.screenPartName = name;
-        updateZone(scene, isCurrent(scene, Rules.SCREEN_PART, screenId, screenPartId));
-        return;
-    }
-    const entry = createEntry(scene, "ScreenPartItem", {
-        screenId: screenId,
-        screenPartId: screenPartId,
-        screenPartWidth: sourceWidth,
-        screenPartHeight: sourceHeight,
-        screenPartDeformerRotation: sourceDeformerRotation,
-        screenPartName: name
-    });
-    if (entry)
-        scene.canvasScreenPartItemArray[screenId][screenPartId] = entry;
+    addItem(scene, Rules.SCREEN_PART,
+            [screenId, screenPartId, sourceWidth, sourceHeight, sourceDeformerRotation, name]);
+}
+
+function removeMediaItem(scene, cueId) {
+    removeItem(scene, Rules.MEDIA, cueId);
+}
+
+function removeTextureItem(scene, cueId) {
+    removeItem(scene, Rules.TEXTURE, cueId);
+}
+
+function removeScreenItem(scene, idNum) {
+    removeItem(scene, Rules.SCREEN, idNum);
 }
 
 function removeScreenPartItem(scene, screenId, screenPartId) {
-    removeEntry(scene, scene.canvasScreenPartItemArray[screenId], screenPartId,
-                isCurrent(scene, Rules.SCREEN_PART, screenId, screenPartId), "Unable to remove screen part item");
+    removeItem(scene, Rules.SCREEN_PART, screenId, screenPartId);
 }
 
-// What the Producer reports
-
-function itemAt(array, key) {
-    const entry = array ? array[key] : undefined;
-    return entry ? entry.item : null;
-}
-
-function screenPartItem(scene, screenId, screenPartId) {
-    return itemAt(scene.canvasScreenPartItemArray[screenId], screenPartId);
-}
+// Reports of the Producer
 
 function movePoint(scene, item, pointId, x, y, isXy) {
     if (item)
-        DeformerActions.applyIncomingMove(scene, item, pointId, x, y, isXy);
+        PointWriter.applyIncomingMove(scene, item, pointId, x, y, isXy);
 }
 
 function updateDeformationMode(scene, item, deformationType, row, col, reset) {
-    return item && DeformerActions.updateDeformationMode(scene, item, deformationType, row, col, reset);
+    return item && MeshBuilder.updateDeformationMode(scene, item, deformationType, row, col, reset);
 }
 
 function updateScreenDeformationMode(scene, id, deformationType, row, col, reset) {
-    const item = itemAt(scene.canvasScreenItemArray, id);
+    const item = Kinds.itemAt(scene, Rules.SCREEN, id);
     if (updateDeformationMode(scene, item, deformationType, row, col, reset))
         updateScreenMode(scene, id, deformationType === Rules.NONE ? Rules.SIMPLE_MODE : Rules.DEFORMATION_MODE);
 }
 
 function updateScreenMode(scene, screenId, modeType) {
-    const entry = scene.canvasScreenItemArray[screenId];
+    const entry = Kinds.entryAt(scene, Rules.SCREEN, screenId);
     if (!entry)
         return;
     entry.screenModeType = modeType;
     if (modeType === Rules.SIMPLE_MODE)
-        DeformerActions.hideDeformer(scene, entry.item);
+        MeshBuilder.hideDeformer(scene, entry.item);
     else
-        DeformerActions.showDeformer(scene, entry.item);
+        MeshBuilder.showDeformer(scene, entry.item);
 }
 
 // The current item
@@ -202,9 +123,9 @@ function updateScreenMode(scene, screenId, modeType) {
 function updateCurrentItem(scene, type, id, subId) {
     scene.deformationDialog.close();
     scene.rotationDialog.close();
-    if (isCurrent(scene, type, id, subId) && scene.canvasCurrentSubItemId === subId)
+    if (CurrentItem.isCurrent(scene, type, id, subId) && scene.canvasCurrentSubItemId === subId)
         return;
-    DeformerActions.endGestures(scene);
+    Gestures.endAll(scene);
     if (scene.canvasCurrentItemType !== Rules.NO_ITEM)
         leaveItem(scene);
     scene.canvasCurrentItemType = type;
@@ -214,18 +135,18 @@ function updateCurrentItem(scene, type, id, subId) {
         enterItem(scene);
     else
         showNoItem(scene);
-    DeformerActions.adjustView(scene);
-    scene.rotationDialog.applySelectedView();
+    View.adjustView(scene);
+    View.applyView(scene, scene.rotationDialog.selectedView);
 }
 
 function leaveItem(scene) {
     WarpToolButtonsActions.releaseLockers(scene);
-    const entry = DeformerActions.getCurrentEntry(scene);
+    const entry = CurrentItem.getCurrentEntry(scene);
     if (!entry)
         return; // removed while it was current
-    DeformerActions.unselectBothGrids(scene);
+    Selection.unselectBothGrids(scene);
     entry.visible = false;
-    DeformerActions.hideGrid(entry.item.deformerGrids[Rules.XY_GRID]);
+    MeshBuilder.hideGrid(entry.item.deformerGrids[Rules.XY_GRID]);
     for (let gridId = 0; gridId < 2; ++gridId)
         entry.item.deformerGrids[gridId].reduceToOutline();
 }
@@ -241,7 +162,7 @@ function enterItem(scene) {
     scene.buttonsEnabled = true;
     scene.warpToolBar.configurationButtonEnabled = true;
     scene.warpToolBar.mapButtonEnabled = canEditUv;
-    const entry = DeformerActions.getCurrentEntry(scene);
+    const entry = CurrentItem.getCurrentEntry(scene);
     if (!entry) {
         console.log("updateCurrentItem: currentItem is null!");
         scene.pointerArea.grid = null;
@@ -249,12 +170,11 @@ function enterItem(scene) {
         return;
     }
     entry.visible = true;
-    if (DeformerActions.isInSimpleMode(scene, entry)) {
-        DeformerActions.hideDeformer(scene, entry.item);
-    } else {
-        DeformerActions.showDeformer(scene, entry.item);
-    }
-    scene.pointerArea.grid = entry.item.deformerGrids[DeformerActions.getCurrentGridId(scene)];
+    if (CurrentItem.isInSimpleMode(scene, entry))
+        MeshBuilder.hideDeformer(scene, entry.item);
+    else
+        MeshBuilder.showDeformer(scene, entry.item);
+    scene.pointerArea.grid = CurrentItem.currentGrid(scene, entry.item);
     WarpToolButtonsActions.lockZoneOfTextureUv(scene);
 }
 

@@ -183,19 +183,3 @@ function boundingBox(points) {
     }
     return { x: left, y: top, width: right - left, height: bottom - top };
 }
-
-// The view of a workspace rotation: 0 front, 1 left, 2 back, 3 right.
-function viewOfRotation(degrees) {
-    switch (degrees) {
-    case 0:
-        return 0;
-    case 90:
-    case -270:
-        return 1;
-    case 180:
-    case -180:
-        return 2;
-    default:
-        return 3;
-    }
-}

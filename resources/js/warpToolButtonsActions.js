@@ -1,9 +1,13 @@
 .pragma library
 .import "actions.js" as Actions
-.import "deformerActions.js" as DeformerActions
+.import "currentItem.js" as CurrentItem
+.import "gestures.js" as Gestures
+.import "keyActions.js" as KeyActions
+.import "meshBuilder.js" as MeshBuilder
 .import "meshRules.js" as Rules
+.import "view.js" as View
 
-// Buttons around the canvas, and the actions of a controller.
+// Buttons around the canvas.
 
 // Canvas buttons
 var ADJUST_VIEW = 0;
@@ -51,17 +55,10 @@ function needsUv(buttonId) {
     return DEFORM_ACTIONS[buttonId] === Actions.UV_TO_XY || DEFORM_ACTIONS[buttonId] === Actions.XY_TO_UV;
 }
 
-// Arrow keys in the tool tips of the select tab, by button id.
-var SELECT_KEYS = [
-    [], [],
-    ["Right"], ["Left"], ["Down"], ["Up"],
-    ["Left"], ["Up"], ["Down"], ["Right"],
-    ["Up", "Down"], ["Left", "Right"],
-    ["Left"], ["Up"], ["Down"], ["Right"]
-];
-
+// The tool tip of a button of the select tab, with the names of its arrow keys.
 function selectToolTip(text, buttonId) {
-    return (SELECT_KEYS[buttonId] || []).reduce((tip, key, index) => tip.replace("%" + (index + 1), key), text);
+    return KeyActions.arrowsOf(SELECT_ACTIONS[buttonId])
+        .reduce((tip, name, index) => tip.replace("%" + (index + 1), name), text);
 }
 
 function handlerOf(type) {
@@ -99,18 +96,18 @@ function connectButton(scene, button) {
 }
 
 function canvasButtonClicked(scene, buttonId) {
-    if (!DeformerActions.getCurrentItem(scene))
+    if (!CurrentItem.getCurrentItem(scene))
         return;
     if (buttonId === ADJUST_VIEW)
-        DeformerActions.adjustView(scene);
+        View.adjustView(scene);
     else if (buttonId === OPEN_ROTATION_DIALOG) {
-        DeformerActions.endGestures(scene);
+        Gestures.endAll(scene);
         scene.rotationDialog.open();
     }
 }
 
 function toolButtonClicked(scene, action) {
-    const item = DeformerActions.currentItemOf(scene, "toolButtonClicked");
+    const item = CurrentItem.requireItem(scene, "toolButtonClicked");
     if (item && action !== undefined)
         item.itemDeformer.manageAction(action);
 }
@@ -138,41 +135,28 @@ function isTextureUvEdited(scene) {
     return scene.canvasCurrentItemType === Rules.TEXTURE && !scene.isCurrentGridXy;
 }
 
-function lockZone(scene, locked) {
-    scene.warpToolBar.zoneLockerButtonPushed = locked;
-    const item = DeformerActions.getCurrentItem(scene);
-    if (!item)
-        return;
-    const grid = DeformerActions.currentGridOf(scene, item);
-    grid.dragMinimumX = locked ? 0 : -Number.MAX_VALUE;
-    grid.dragMaximumX = locked ? item.sourceWidth : Number.MAX_VALUE;
-    grid.dragMinimumY = locked ? 0 : -Number.MAX_VALUE;
-    grid.dragMaximumY = locked ? item.sourceHeight : Number.MAX_VALUE;
-}
-
 function lockMoves(scene, locked) {
     scene.warpToolBar.moveLockerButtonPushed = locked;
-    const item = DeformerActions.getCurrentItem(scene);
+    const item = CurrentItem.getCurrentItem(scene);
     if (item)
-        DeformerActions.currentGridOf(scene, item).pointsMovable = !locked;
+        CurrentItem.currentGrid(scene, item).pointsMovable = !locked;
 }
 
 function zoneLockerClicked(scene) {
-    if (DeformerActions.getCurrentItem(scene) && !isTextureUvEdited(scene))
-        lockZone(scene, !scene.warpToolBar.zoneLockerButtonPushed);
+    if (CurrentItem.getCurrentItem(scene) && !isTextureUvEdited(scene))
+        scene.warpToolBar.zoneLockerButtonPushed = !scene.warpToolBar.zoneLockerButtonPushed;
 }
 
 function moveLockerClicked(scene) {
-    if (!DeformerActions.getCurrentItem(scene))
+    if (!CurrentItem.getCurrentItem(scene))
         return;
     if (!scene.warpToolBar.moveLockerButtonPushed)
-        DeformerActions.endGestures(scene);
+        Gestures.endAll(scene);
     lockMoves(scene, !scene.warpToolBar.moveLockerButtonPushed);
 }
 
 function releaseLockers(scene) {
-    if (scene.warpToolBar.zoneLockerButtonPushed)
-        lockZone(scene, false);
+    scene.warpToolBar.zoneLockerButtonPushed = false;
     if (scene.warpToolBar.moveLockerButtonPushed)
         lockMoves(scene, false);
 }
@@ -180,18 +164,18 @@ function releaseLockers(scene) {
 // The texture coordinates of a texture stay inside it.
 function lockZoneOfTextureUv(scene) {
     if (isTextureUvEdited(scene))
-        lockZone(scene, true);
+        scene.warpToolBar.zoneLockerButtonPushed = true;
 }
 
 // Configuration and map
 
 function openDeformationDialog(scene) {
-    const entry = DeformerActions.getCurrentEntry(scene);
+    const entry = CurrentItem.getCurrentEntry(scene);
     if (!entry)
         return;
-    DeformerActions.endGestures(scene);
+    Gestures.endAll(scene);
     const item = entry.item;
-    const isSimple = DeformerActions.isInSimpleMode(scene, entry);
+    const isSimple = CurrentItem.isInSimpleMode(scene, entry);
     const type = isSimple ? Rules.NONE : item.deformerDeformationType;
     const isBezier = item.deformerDeformationType === Rules.BEZIER;
     scene.deformationDialog.open(type,
@@ -202,28 +186,19 @@ function openDeformationDialog(scene) {
 // Switches between the positions of the points and their texture coordinates.
 function mapClicked(scene) {
     const type = scene.canvasCurrentItemType;
-    const entry = DeformerActions.getCurrentEntry(scene);
+    const entry = CurrentItem.getCurrentEntry(scene);
     if (!entry || (type !== Rules.MEDIA && type !== Rules.TEXTURE))
         return;
-    DeformerActions.endGestures(scene);
+    Gestures.endAll(scene);
     releaseLockers(scene);
-    const grids = entry.item.deformerGrids;
-    DeformerActions.hideGrid(grids[DeformerActions.getCurrentGridId(scene)]);
+    MeshBuilder.hideGrid(CurrentItem.currentGrid(scene, entry.item));
     scene.isCurrentGridXy = !scene.isCurrentGridXy;
-    DeformerActions.showGrid(grids[DeformerActions.getCurrentGridId(scene)]);
-    DeformerActions.refreshPoints(scene, entry.item);
-    scene.pointerArea.grid = grids[DeformerActions.getCurrentGridId(scene)];
+    const grid = CurrentItem.currentGrid(scene, entry.item);
+    MeshBuilder.showGrid(grid);
+    MeshBuilder.refreshPoints(scene, entry.item);
+    scene.pointerArea.grid = grid;
     lockZoneOfTextureUv(scene);
     scene.warpToolBar.mapButtonPushed = !scene.isCurrentGridXy;
-    DeformerActions.adjustView(scene);
-    DeformerActions.updateCurrentPointText(scene);
-}
-
-function actionTriggered(scene, action) {
-    if (scene.isDialogOpen || !DeformerActions.getCurrentItem(scene))
-        return;
-    if (action === Actions.TOGGLE_EDIT_UV)
-        mapClicked(scene);
-    else
-        toolButtonClicked(scene, action);
+    View.adjustView(scene);
+    CurrentItem.updateCurrentPointText(scene);
 }

@@ -1,9 +1,16 @@
 import QtQuick
 import Meshpad.Scene
-import "../js/deformerActions.js" as DeformerActions
+import "../js/controller.js" as Controller
+import "../js/currentItem.js" as CurrentItem
+import "../js/gestures.js" as Gestures
 import "../js/itemActions.js" as ItemActions
+import "../js/itemKinds.js" as Kinds
+import "../js/keyActions.js" as KeyActions
 import "../js/meshRules.js" as Rules
-import "../js/warpToolButtonsActions.js" as WarpToolButtonsActions
+import "../js/moves.js" as Moves
+import "../js/pointWriter.js" as PointWriter
+import "../js/selection.js" as Selection
+import "../js/view.js" as View
 
 // The mesh editor: its items and their connections. The rules stand in the libraries; `cppCanvas` is the bridge to the
 // program.
@@ -33,7 +40,7 @@ Rectangle {
     readonly property bool hasPoints: currentGrid !== null && currentGrid.visible && currentGrid.hasMesh
     readonly property bool isDialogOpen: deformationDialog.visible || rotationDialog.visible
     readonly property bool pointerIgnored: pointerArea.pointerIgnored
-    property var entryComponents: ({}) // by name
+    property var components: ({}) // by name
     property alias pointerArea: pointerArea
     property alias currentPointText: currentPointText
     property alias warpToolBar: warpToolBar
@@ -44,55 +51,15 @@ Rectangle {
     property alias toolTip: toolTip
 
     function getCurrentGridId() {
-        return DeformerActions.getCurrentGridId(canvas);
+        return CurrentItem.getCurrentGridId(canvas);
     }
 
     function getCurrentItem() {
-        return DeformerActions.getCurrentItem(canvas);
+        return CurrentItem.getCurrentItem(canvas);
     }
 
-    function updatePoint(gridId, pointId, x, y) {
-        DeformerActions.updatePoint(canvas, gridId, pointId, x, y);
-    }
-
-    function rotateView(degrees) {
-        const item = getCurrentItem();
-        if (item)
-            item.viewingRotation += degrees;
-    }
-
-    function handleKeyPress(event) {
-        switch (event.key) {
-        case Qt.Key_Control:
-            ctrlPressed = true;
-            return;
-        case Qt.Key_Space:
-        case Qt.Key_P:
-        case Qt.Key_M:
-            bridge.notifyKeyEventFromQml(6, event.key, event.modifiers, event.text, event.isAutoRepeat, event.count);
-            return;
-        case Qt.Key_R:
-            rotateView(event.modifiers & Qt.ControlModifier ? -90 : 90);
-            return;
-        }
-        const item = getCurrentItem();
-        if (!item)
-            return;
-        if (event.key === Qt.Key_A && event.modifiers & Qt.ControlModifier)
-            item.itemDeformer.selectAllPoints();
-        else if (event.key === Qt.Key_Escape)
-            item.itemDeformer.unselectAllPoints();
-        else
-            item.itemDeformer.manageKeyEvent(event);
-    }
-
-    // Scales the zoom by the factor; the screen position (x, y) stays in place.
-    function zoomAround(factor, x, y) {
-        const before = mediaScaleFactor;
-        zoomSlider.value = before * factor;
-        const shift = 1 / mediaScaleFactor - 1 / before;
-        media.x += (x - width / 2) * shift;
-        media.y += (y - height / 2) * shift;
+    function updatePoint(gridId, pointId, x, y) { // API
+        PointWriter.updatePoint(canvas, gridId, pointId, x, y);
     }
 
     width: canvasWidth
@@ -101,20 +68,18 @@ Rectangle {
     focus: true
 
     onWidthChanged: {
-        if (canvasCurrentItemType !== Rules.NO_ITEM)
-            media.x += (width - previousWidth) / 2;
+        View.recentre(canvas, width - previousWidth, 0);
         previousWidth = width;
     }
     onHeightChanged: {
-        if (canvasCurrentItemType !== Rules.NO_ITEM)
-            media.y += (height - previousHeight) / 2;
+        View.recentre(canvas, 0, height - previousHeight);
         previousHeight = height;
     }
     onActiveFocusChanged: {
         if (activeFocus)
             return;
         ctrlPressed = false; // the release goes to another item
-        DeformerActions.setGestureActive(canvas, DeformerActions.KEY_GESTURE, false);
+        Gestures.setActive(canvas, Gestures.KEY, false);
     }
 
     onIsDialogOpenChanged: {
@@ -125,15 +90,13 @@ Rectangle {
     Keys.onPressed: event => {
         event.accepted = true;
         if (!isDialogOpen)
-            handleKeyPress(event);
+            KeyActions.keyPressed(canvas, event);
         else if (event.key === Qt.Key_Escape)
             deformationDialog.visible ? deformationDialog.close() : rotationDialog.close();
     }
     Keys.onReleased: event => {
         event.accepted = true;
-        if (event.key === Qt.Key_Control)
-            ctrlPressed = false;
-        DeformerActions.manageKeyRelease(canvas, event);
+        KeyActions.keyReleased(canvas, event);
     }
 
     Connections {
@@ -148,7 +111,7 @@ Rectangle {
         }
 
         function onMediaDeformationMode(elementType, deformationType, cueId, mediaId, name, row, col, reset) {
-            ItemActions.updateDeformationMode(canvas, ItemActions.itemAt(canvasMediaItemArray, cueId), deformationType,
+            ItemActions.updateDeformationMode(canvas, Kinds.itemAt(canvas, Rules.MEDIA, cueId), deformationType,
                                               row, col, reset);
         }
 
@@ -157,12 +120,12 @@ Rectangle {
         }
 
         function onScreenPartDeformationMode(deformationType, screenId, screenPartId, name, row, col, reset) {
-            ItemActions.updateDeformationMode(canvas, ItemActions.screenPartItem(canvas, screenId, screenPartId),
+            ItemActions.updateDeformationMode(canvas, Kinds.itemAt(canvas, Rules.SCREEN_PART, screenId, screenPartId),
                                               deformationType, row, col, reset);
         }
 
         function onTextureDeformationMode(elementType, deformationType, cueId, textureId, name, row, col, reset) {
-            ItemActions.updateDeformationMode(canvas, ItemActions.itemAt(canvasTextureItemArray, cueId),
+            ItemActions.updateDeformationMode(canvas, Kinds.itemAt(canvas, Rules.TEXTURE, cueId),
                                               deformationType, row, col, reset);
         }
 
@@ -201,35 +164,36 @@ Rectangle {
         }
 
         function onMediaMovePoint(cueId, mediaId, name, pointId, x, y, z, xy, selected) {
-            ItemActions.movePoint(canvas, ItemActions.itemAt(canvasMediaItemArray, cueId), pointId, x, y, xy);
+            ItemActions.movePoint(canvas, Kinds.itemAt(canvas, Rules.MEDIA, cueId), pointId, x, y, xy);
         }
 
         function onScreenMovePoint(id, name, pointId, x, y, z, xy, selected) {
-            ItemActions.movePoint(canvas, ItemActions.itemAt(canvasScreenItemArray, id), pointId, x, y, xy);
+            ItemActions.movePoint(canvas, Kinds.itemAt(canvas, Rules.SCREEN, id), pointId, x, y, xy);
         }
 
         function onScreenPartMovePoint(screenId, screenPartId, name, pointId, x, y, z, xy, selected) {
-            ItemActions.movePoint(canvas, ItemActions.screenPartItem(canvas, screenId, screenPartId), pointId, x, y, xy);
+            ItemActions.movePoint(canvas, Kinds.itemAt(canvas, Rules.SCREEN_PART, screenId, screenPartId), pointId,
+                                  x, y, xy);
         }
 
         function onTextureMovePoint(cueId, textureId, name, pointId, x, y, z, xy, selected) {
-            ItemActions.movePoint(canvas, ItemActions.itemAt(canvasTextureItemArray, cueId), pointId, x, y, xy);
+            ItemActions.movePoint(canvas, Kinds.itemAt(canvas, Rules.TEXTURE, cueId), pointId, x, y, xy);
         }
 
         function onLeftAxisMoved(x, y) {
-            DeformerActions.leftStickMoved(canvas, x, y);
+            Controller.leftStickMoved(canvas, x, y);
         }
 
         function onRightAxisMoved(x, y) {
-            DeformerActions.rightStickMoved(canvas, x, y);
+            Controller.rightStickMoved(canvas, x, y);
         }
 
         function onPressure(value) {
-            DeformerActions.triggerPressed(canvas, value);
+            Controller.triggerPressed(canvas, value);
         }
 
         function onAction(action) {
-            WarpToolButtonsActions.actionTriggered(canvas, Number(action));
+            Controller.actionTriggered(canvas, Number(action));
         }
     }
 
@@ -240,22 +204,13 @@ Rectangle {
         enabled: !canvas.isDialogOpen
         touchReach: 22
         onPointPressed: (pointId, control) => {
-            DeformerActions.pointerPressed(canvas, pointId, control || canvas.ctrlPressed);
+            Selection.pointerPressed(canvas, pointId, control || canvas.ctrlPressed);
         }
-        onPointDragged: (pointId, x, y) => DeformerActions.dragPoint(canvas, pointId, x, y)
-        onPointReleased: DeformerActions.setGestureActive(canvas, DeformerActions.POINTER_GESTURE, false)
-        onPanned: (dx, dy) => {
-            media.x += dx / canvas.mediaScaleFactor;
-            media.y += dy / canvas.mediaScaleFactor;
-        }
-        onPinched: (factor, x, y) => {
-            if (canvas.getCurrentItem())
-                canvas.zoomAround(factor, x, y);
-        }
-        onWheelTurned: notches => {
-            if (canvas.getCurrentItem())
-                canvas.zoomSlider.value += 0.05 * notches;
-        }
+        onPointDragged: (pointId, x, y) => Moves.dragPoint(canvas, pointId, x, y)
+        onPointReleased: Gestures.setActive(canvas, Gestures.POINTER, false)
+        onPanned: (dx, dy) => View.panBy(canvas, dx, dy)
+        onPinched: (factor, x, y) => View.zoomAround(canvas, factor, x, y)
+        onWheelTurned: notches => View.zoomBy(canvas, View.ZOOM_PER_NOTCH * notches)
     }
 
     Item {

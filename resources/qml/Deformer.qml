@@ -1,4 +1,5 @@
 import QtQuick
+import "../js/currentItem.js" as CurrentItem
 import "../js/deformerActions.js" as DeformerActions
 import "../js/meshRules.js" as Rules
 
@@ -13,41 +14,41 @@ Item {
     readonly property list<DeformerGrid> grids: [xyGrid, uvGrid]
 
     function hasCurrentPoint() {
-        return grids[DeformerActions.getCurrentGridId(scene)].currentSelectedPointId !== -1;
+        return grids[CurrentItem.getCurrentGridId(scene)].currentSelectedPointId !== -1;
     }
 
-    function pointPressed(pointNum) {
+    function pointPressed(pointNum) { // API
         if (scene.ctrlPressed)
             DeformerActions.pointCtrlPressed(scene, pointNum);
         else
             DeformerActions.pointPressed(scene, pointNum);
     }
 
-    function moveSelectedPoints(dx, dy) {
+    function moveSelectedPoints(dx, dy) { // API
         DeformerActions.moveSelectedPoints(scene, dx, dy);
     }
 
-    function hideGrid(grid) {
+    function hideGrid(grid) { // API
         DeformerActions.hideGrid(grid);
     }
 
-    function showGrid(grid) {
+    function showGrid(grid) { // API
         DeformerActions.showGrid(grid);
     }
 
-    function hideDeformer(item) {
+    function hideDeformer(item) { // API
         DeformerActions.hideDeformer(scene, item);
     }
 
-    function showDeformer(item) {
+    function showDeformer(item) { // API
         DeformerActions.showDeformer(scene, item);
     }
 
-    function updateDeformationMode(item, deformationType, row, col, reset) {
+    function updateDeformationMode(item, deformationType, row, col, reset) { // API
         DeformerActions.updateDeformationMode(scene, item, deformationType, row, col, reset);
     }
 
-    function adjustView() {
+    function adjustView() { // API
         DeformerActions.adjustView(scene);
     }
 

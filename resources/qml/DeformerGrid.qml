@@ -1,6 +1,6 @@
 import QtQuick
 import Meshpad.Scene
-import "../js/deformerActions.js" as DeformerActions
+import "../js/meshBuilder.js" as MeshBuilder
 import "../js/theme.js" as Theme
 
 // One mesh of control points and the lines between them.
@@ -22,5 +22,5 @@ MeshGridItem {
     selectedColors: [Theme.selection, Theme.selectionOutline, Theme.selectionOutline]
     currentColors: [Theme.selection, Theme.accent, "#000000"]
 
-    onMeshRequested: (rows, columns, skipPatchCenter) => DeformerActions.buildMesh(grid, rows, columns, skipPatchCenter)
+    onMeshRequested: (rows, columns, skipPatchCenter) => MeshBuilder.buildMesh(grid, rows, columns, skipPatchCenter)
 }

@@ -1,5 +1,6 @@
 import QtQuick
 import "../js/theme.js" as Theme
+import "../js/view.js" as View
 
 // Chooses the side from which the workspace is shown.
 DialogFrame {
@@ -17,17 +18,10 @@ DialogFrame {
         visible = false;
     }
 
-    // Rotates the current item to the selected view.
-    function applySelectedView() {
-        const item = scene.getCurrentItem();
-        if (item)
-            item.viewingRotation = 90 * selectedView;
-    }
-
     function selectView(view) {
         if (scene.getCurrentItem()) {
             selectedView = view;
-            applySelectedView();
+            View.applyView(scene, view);
         } else {
             console.log("currentItem is null, nothing to update");
         }

@@ -1,6 +1,7 @@
 import QtQuick
-import "../js/deformerActions.js" as DeformerActions
+import "../js/meshBuilder.js" as MeshBuilder
 import "../js/meshRules.js" as Rules
+import "../js/view.js" as View
 
 // A source in the workspace: a plane of the source's size with its mesh on it.
 Rectangle {
@@ -50,11 +51,11 @@ Rectangle {
             viewingRotation %= 360;
             return;
         }
-        DeformerActions.refreshPoints(scene, warpItem);
-        scene.rotationDialog.selectedView = Rules.viewOfRotation(viewingRotation);
+        MeshBuilder.refreshPoints(scene, warpItem);
+        scene.rotationDialog.selectedView = View.viewOfRotation(viewingRotation);
     }
-    onSourceRotationChanged: DeformerActions.refreshPoints(scene, warpItem)
-    onSourceDeformerRotationChanged: DeformerActions.refreshPoints(scene, warpItem)
+    onSourceRotationChanged: MeshBuilder.refreshPoints(scene, warpItem)
+    onSourceDeformerRotationChanged: MeshBuilder.refreshPoints(scene, warpItem)
 
     // Not a border, because Qt Quick draws a rotated border through a texture of the item's size.
     Rectangle {

@@ -1,5 +1,6 @@
 import QtQuick
 import "../js/theme.js" as Theme
+import "../js/view.js" as View
 
 // A slider for a value between `from` and `to`; other values are clamped.
 Item {
@@ -21,8 +22,8 @@ Item {
 
     Accessible.role: Accessible.Slider
     Accessible.name: "Zoom"
-    Accessible.onIncreaseAction: value += 0.05
-    Accessible.onDecreaseAction: value -= 0.05
+    Accessible.onIncreaseAction: value += View.ZOOM_PER_NOTCH
+    Accessible.onDecreaseAction: value -= View.ZOOM_PER_NOTCH
 
     onValueChanged: {
         const bounded = value >= from ? Math.min(value, to) : from; // NaN becomes `from`
@@ -67,6 +68,6 @@ Item {
         preventStealing: true
         onPressed: mouse => slider.setFromPointer(mouse.x)
         onPositionChanged: mouse => slider.setFromPointer(mouse.x)
-        onWheel: wheel => slider.value += 0.05 * wheel.angleDelta.y / 120
+        onWheel: wheel => slider.value += View.ZOOM_PER_NOTCH * wheel.angleDelta.y / 120
     }
 }
