@@ -125,6 +125,7 @@ void Canvas::initCanvas() {
     context->setContextProperty("curveMaxRows", 16);
     context->setContextProperty("curveMinCols", 3);
     context->setContextProperty("curveMaxCols", 16);
+    context->setContextProperty("sceneTexts", configuration_.sceneTexts);
 
     registerMeshTypes();
     quickWidget_->setSource(QUrl(configuration_.canvasPath)); // logs errors in the document

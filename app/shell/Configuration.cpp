@@ -92,6 +92,25 @@ Configuration makeConfiguration() {
                             "qrc:///img/view-back.svg", "qrc:///img/view-right.svg"};
     c.rotationButtonToolTip = QStringLiteral("Change workspace rotation");
     c.closeWindowButtonPath = QStringLiteral("qrc:///img/close-button.svg");
+    c.sceneTexts = {
+        {"noCurrentPoint", "Current point: --     X: -- px     Y: -- px"},
+        {"currentPoint", "Current point: %1     X: %2 px     Y: %3 px"},
+        {"toolTabs", QStringList{"Select", "Deform"}},
+        {"zoom", "Zoom"},
+        {"zoomValue", "%1 %"},
+        {"configuration", "Configuration"},
+        {"curve", "Type of curves"},
+        {"curves", QStringList{"None", "Keystone", "Bezier", "Curve"}},
+        {"columns", "Number of columns"},
+        {"rows", "Number of rows"},
+        {"dialogLabel", "%1:"},
+        {"reset", "Reset"},
+        {"cancel", "Cancel"},
+        {"ok", "OK"},
+        {"rotation", "Rotation"},
+        {"views", QStringList{"Front", "Left", "Back", "Right"}},
+        {"close", "Close"},
+    };
 
     c.usePointsText = QStringLiteral("Use Display remote points");
     c.pointsColorText = QStringLiteral("Points color:");

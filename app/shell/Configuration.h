@@ -8,6 +8,7 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 
 /// One test picture that a Producer can show: its name for the operator and the path of its
 /// thumbnail.
@@ -58,6 +59,8 @@ struct Configuration {
     QStringList rotationButtonPath; ///< front, left, back, right
     QString rotationButtonToolTip;
     QString closeWindowButtonPath;
+    QVariantMap
+        sceneTexts; ///< the other texts of the mesh editor, by the names that its documents use
 
     QString usePointsText;
     QString pointsColorText;

@@ -4,8 +4,6 @@
 
 // Buttons and lists of the configuration dialog.
 
-var CURVES = ["None", "Keystone", "Bezier", "Curve"];
-
 // The smallest count of rows and columns that the operator can choose for a kind of deformation.
 function smallestCount(deformationType, smallestOfCurve) {
     return deformationType === Rules.CURVE ? smallestOfCurve : Rules.SMALLEST_GRID;
@@ -46,17 +44,17 @@ function connectButton(scene, button) {
 // Sends the chosen deformation to the Producer.
 function confirm(scene) {
     const dialog = scene.deformationDialog;
-    switch (dialog.curve) {
-    case "None":
+    switch (dialog.chosenMode) {
+    case Rules.NONE:
         scene.bridge.newNoneDeformation();
         break;
-    case "Keystone":
+    case Rules.KEYSTONE:
         scene.bridge.newKeystoneDeformation(dialog.resetXY);
         break;
-    case "Bezier":
+    case Rules.BEZIER:
         scene.bridge.newBezierDeformation(dialog.rows, dialog.columns, dialog.resetXY);
         break;
-    case "Curve":
+    case Rules.CURVE:
         scene.bridge.newCurveDeformation(dialog.rows, dialog.columns, dialog.resetXY);
         break;
     default:

@@ -10,6 +10,7 @@ var outline = "#505050";
 var text = "#ffffff";
 var quietText = "#a0a0a0";
 var accent = "#0096ff"; // only for selected and pressable elements
+var chosen = "#0b3a5e"; // ground of a chosen element
 var selection = "#b3dffe";
 var selectionOutline = "#004c99";
 var shadow = "#c0000000"; // behind white on a light ground

@@ -125,7 +125,7 @@ Rectangle {
 
                 width: ListView.view.width
                 height: Theme.touchTarget
-                color: entryArea.pressed ? Theme.controlPressed : index === box.currentIndex ? "#0b3a5e" : "transparent"
+                color: entryArea.pressed ? Theme.controlPressed : index === box.currentIndex ? Theme.chosen : "transparent"
                 radius: Theme.radius - 2
 
                 Text {

@@ -48,7 +48,7 @@ DialogFrame {
         box.currentIndex = DialogButtonsActions.indexOfCount(shown, smallest);
     }
 
-    title: "Configuration"
+    title: sceneTexts.configuration
     onConfirmed: DialogButtonsActions.confirm(scene)
     onDismissed: close()
 
@@ -56,44 +56,44 @@ DialogFrame {
         spacing: Theme.spacing
 
         DialogRow {
-            label: "Type of curves:"
+            label: sceneTexts.curve
 
             ChoiceBox {
                 id: curveBox
 
-                accessibleName: "Type of curves"
+                accessibleName: sceneTexts.curve
                 focus: true
-                model: DialogButtonsActions.CURVES
+                model: sceneTexts.curves
                 onCurrentIndexChanged: dialog.fillLists()
             }
         }
 
         DialogRow {
-            label: "Number of columns:"
+            label: sceneTexts.columns
             visible: DialogButtonsActions.hasCounts(dialog.chosenMode)
 
             ChoiceBox {
                 id: columnsBox
 
-                accessibleName: "Number of columns"
+                accessibleName: sceneTexts.columns
             }
         }
 
         DialogRow {
-            label: "Number of rows:"
+            label: sceneTexts.rows
             visible: DialogButtonsActions.hasCounts(dialog.chosenMode)
 
             ChoiceBox {
                 id: rowsBox
 
-                accessibleName: "Number of rows"
+                accessibleName: sceneTexts.rows
             }
         }
 
         Tick {
             id: resetTick
 
-            text: "Reset"
+            text: sceneTexts.reset
         }
 
         Item {
@@ -107,13 +107,13 @@ DialogFrame {
 
             DialogButton {
                 scene: dialog.scene
-                text: "Cancel"
+                text: sceneTexts.cancel
                 type: "cancelButton"
             }
 
             DialogButton {
                 scene: dialog.scene
-                text: "OK"
+                text: sceneTexts.ok
                 type: "confirmButton"
             }
         }

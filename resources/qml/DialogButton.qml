@@ -16,7 +16,7 @@ Rectangle {
     implicitWidth: dialogButtonSize.width
     implicitHeight: dialogButtonSize.height
     activeFocusOnTab: true
-    color: mouseArea.pressed ? Theme.controlPressed : confirms ? "#0b3a5e" : Theme.control
+    color: mouseArea.pressed ? Theme.controlPressed : confirms ? Theme.chosen : Theme.control
     border { width: confirms ? 2 : 1; color: confirms ? Theme.accent : Theme.outline }
     radius: Theme.radius
 

@@ -81,7 +81,7 @@ FocusScope {
                 scene: frame.scene
                 source: closeWindowButtonPath
                 text: ""
-                toolTip: "Close"
+                toolTip: sceneTexts.close
                 type: "closeButton"
                 visible: false
             }

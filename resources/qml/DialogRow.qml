@@ -16,7 +16,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         color: Theme.text
         font.pixelSize: Theme.fontSize
-        text: row.label
+        text: sceneTexts.dialogLabel.arg(row.label)
         textFormat: Text.PlainText
     }
 

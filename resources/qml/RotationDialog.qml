@@ -8,8 +8,6 @@ DialogFrame {
 
     property int selectedView: 0 // 0 front, 1 left, 2 back, 3 right
 
-    readonly property var viewNames: ["Front", "Left", "Back", "Right"]
-
     function open() {
         visible = true;
     }
@@ -29,7 +27,7 @@ DialogFrame {
     }
 
     closeButtonVisible: true
-    title: "Rotation"
+    title: sceneTexts.rotation
     onConfirmed: close()
     onDismissed: close()
 
@@ -55,7 +53,7 @@ DialogFrame {
                     pushed: dialog.selectedView === choice.index
                     scene: dialog.scene
                     source: choice.modelData
-                    toolTip: dialog.viewNames[choice.index]
+                    toolTip: sceneTexts.views[choice.index]
                     type: "rotationButton"
                     width: 80
                     onVisibleChanged: {
@@ -68,7 +66,7 @@ DialogFrame {
                     anchors.horizontalCenter: parent.horizontalCenter
                     color: dialog.selectedView === choice.index ? Theme.text : Theme.quietText
                     font.pixelSize: Theme.fontSize
-                    text: dialog.viewNames[choice.index]
+                    text: sceneTexts.views[choice.index]
                 }
             }
         }

@@ -25,7 +25,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         width: 28
         height: 28
-        color: tick.checked ? "#0b3a5e" : Theme.control
+        color: tick.checked ? Theme.chosen : Theme.control
         border { width: tick.checked ? 2 : 1; color: tick.checked ? Theme.accent : Theme.outline }
         radius: 4
 

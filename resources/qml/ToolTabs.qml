@@ -31,7 +31,7 @@ Rectangle {
                 required property int index
                 required property url modelData
                 readonly property bool current: tabs.currentTab === index
-                readonly property string label: index === 0 ? "Select" : "Deform"
+                readonly property string label: sceneTexts.toolTabs[index]
 
                 width: toolTabImagesSize.width
                 height: toolTabImagesSize.height + 14

@@ -79,7 +79,7 @@ Rectangle {
             color: slider.enabled ? Theme.text : Theme.quietText
             font.pixelSize: Theme.fontSize
             horizontalAlignment: Text.AlignRight
-            text: slider.enabled ? "%1 %".arg(Math.round(slider.value * 100)) : "-- %"
+            text: sceneTexts.zoomValue.arg(slider.enabled ? Math.round(slider.value * 100) : "--")
             width: 56
         }
 

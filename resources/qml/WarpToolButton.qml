@@ -87,7 +87,7 @@ Item {
 
                 width: parent.width / button.choices.length
                 height: parent.height
-                color: chosen ? "#0b3a5e" : "transparent"
+                color: chosen ? Theme.chosen : "transparent"
                 border { width: chosen ? 2 : 0; color: Theme.accent }
                 radius: Theme.radius - 2
 

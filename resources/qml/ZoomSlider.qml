@@ -21,7 +21,7 @@ Item {
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.role: Accessible.Slider
-    Accessible.name: "Zoom"
+    Accessible.name: sceneTexts.zoom
     Accessible.onIncreaseAction: value += View.ZOOM_PER_NOTCH
     Accessible.onDecreaseAction: value -= View.ZOOM_PER_NOTCH
 
