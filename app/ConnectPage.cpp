@@ -1,8 +1,8 @@
 #include "app/ConnectPage.h"
 
 #include "app/IPList.h"
-#include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
+#include "app/shell/ShellLook.h"
 
 #include <QGuiApplication>
 #include <QPushButton>

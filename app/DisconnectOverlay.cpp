@@ -1,6 +1,7 @@
 #include "app/DisconnectOverlay.h"
 
 #include "app/shell/Configuration.h"
+#include "app/shell/ShellLook.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>

@@ -5,6 +5,7 @@
 #include "app/DisconnectOverlay.h"
 #include "app/HeadBanner.h"
 #include "app/shell/EventDispatcher.h"
+#include "app/shell/ShellLook.h"
 #include "input/key_event_manager.h"
 #include "network/events/MsgEvent.h"
 

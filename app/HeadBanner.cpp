@@ -3,6 +3,7 @@
 #include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
 #include "app/shell/FocusRing.h"
+#include "app/shell/ShellLook.h"
 
 #include <QDebug>
 #include <QGuiApplication>

@@ -1,6 +1,6 @@
 #include "app/IPList.h"
 
-#include "app/shell/Configuration.h"
+#include "app/shell/ShellLook.h"
 
 #include <QLabel>
 #include <QPushButton>

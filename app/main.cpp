@@ -2,7 +2,7 @@
 #include "app/KeyRepeatFilter.h"
 #include "app/ToolTipFilter.h"
 #include "app/graphics/GraphicsProcessor.h"
-#include "app/shell/Configuration.h"
+#include "app/shell/ShellLook.h"
 #include "resources/CompanionResources.h"
 
 #include <QApplication>

@@ -4,6 +4,7 @@
 // process's client.
 
 #include "app/shell/Configuration.h"
+#include "app/shell/ShellLook.h"
 #include "network/events/AddMediaEvent.h"
 #include "resources/CompanionResources.h"
 #include "warp/MediaItem.h"

@@ -5,8 +5,8 @@
 
 #include "app/Content.h"
 #include "app/GuiCompanion.h"
-#include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
+#include "app/shell/ShellLook.h"
 #include "network/events/AddMediaEvent.h"
 #include "network/events/MediaDeformationModeEvent.h"
 #include "resources/CompanionResources.h"

@@ -1,7 +1,7 @@
 #include "pages/QuickKeysButton.h"
 
-#include "app/shell/Configuration.h"
 #include "app/shell/FocusRing.h"
+#include "pages/PagesLook.h"
 
 #include <QHelpEvent>
 #include <QStyleOptionButton>

@@ -9,6 +9,7 @@
 #include "network/events/ProtocolLimits.h"
 #include "network/events/UpdateQuickKeyEvent.h"
 #include "pages/PageSpinBox.h"
+#include "pages/PagesLook.h"
 #include "pages/QuickKeysButton.h"
 
 #include <QDebug>
@@ -57,8 +58,8 @@ bool isGridInBounds(int rows, int columns) {
 
 QuickKeysPage::QuickKeysPage(const Configuration& configuration, QWidget* parent)
     : ControlPage(parent), configuration_(configuration), layout_(new QVBoxLayout(this)),
-      spinBox_(new PageSpinBox(this)), stack_(new QStackedWidget),
-      mapper_(new QSignalMapper(this)) {
+      spinBox_(new PageSpinBox(this)), stack_(new QStackedWidget), mapper_(new QSignalMapper(this)),
+      events_(this, kEventTypes) {
     initNavSpinBox();
 
     // A grid that is larger than the window scrolls instead of stretching the window.
@@ -72,14 +73,9 @@ QuickKeysPage::QuickKeysPage(const Configuration& configuration, QWidget* parent
     connect(mapper_, &QSignalMapper::mappedInt, this, &QuickKeysPage::onButtonPressed);
     update_.setSingleShot(true);
     connect(&update_, &QTimer::timeout, this, &QuickKeysPage::updateStack);
-    for (const LV_NTC_EventType type : kEventTypes)
-        EventDispatcher::getInstance()->addListener(this, type);
 }
 
-QuickKeysPage::~QuickKeysPage() {
-    for (const LV_NTC_EventType type : kEventTypes)
-        EventDispatcher::getInstance()->removeListener(this, type);
-}
+QuickKeysPage::~QuickKeysPage() = default;
 
 void QuickKeysPage::initNavSpinBox() {
     spinBox_->setRange(1, 1);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/shell/EventListener.h"
+#include "app/shell/EventSubscription.h"
 #include "pages/ControlPage.h"
 
 #include <QSignalMapper>
@@ -99,4 +100,5 @@ private:
     int highestId_ = 0;
     bool isGridOutdated_ = false; ///< the grid pages are of earlier rows and columns
     QTimer update_;
+    EventSubscription events_;
 };

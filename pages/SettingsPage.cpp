@@ -3,6 +3,7 @@
 #include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
 #include "network/events/UpdateSettingsEvent.h"
+#include "pages/PagesLook.h"
 
 #include <QAbstractItemView>
 #include <QEvent>

@@ -1,6 +1,7 @@
 #include "pages/TestPatternButton.h"
 
 #include "app/shell/FocusRing.h"
+#include "pages/PagesLook.h"
 
 #include <QPainter>
 

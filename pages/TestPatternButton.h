@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/shell/Configuration.h"
+#include "pages/PagesLook.h"
 
 #include <QAbstractButton>
 #include <QPixmap>

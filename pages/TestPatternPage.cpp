@@ -3,6 +3,7 @@
 #include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
 #include "network/events/MireEvent.h"
+#include "pages/PagesLook.h"
 #include "pages/TestPatternButton.h"
 
 #include <QTimer>
@@ -10,18 +11,22 @@
 using namespace NetworkCompanion;
 using namespace PagesLook;
 
+namespace {
+
+constexpr LV_NTC_EventType kEventTypes[] = {LV_NTC_EventType::Mire};
+
+} // namespace
+
 TestPatternPage::TestPatternPage(const Configuration& configuration, QWidget* parent)
     : ControlPage(parent), configuration_(configuration), layout_(new QGridLayout(this)),
-      buttons_(new QButtonGroup(this)), mapper_(new QSignalMapper(this)) {
+      buttons_(new QButtonGroup(this)), mapper_(new QSignalMapper(this)),
+      events_(this, kEventTypes) {
     layout_->setAlignment(Qt::AlignCenter);
     layout_->setSpacing(kSpacing);
     initTestPatternButtons();
-    EventDispatcher::getInstance()->addListener(this, LV_NTC_EventType::Mire);
 }
 
-TestPatternPage::~TestPatternPage() {
-    EventDispatcher::getInstance()->removeListener(this, LV_NTC_EventType::Mire);
-}
+TestPatternPage::~TestPatternPage() = default;
 
 void TestPatternPage::initTestPatternButtons() {
     const int count = static_cast<int>(configuration_.testPatterns.size());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/shell/EventListener.h"
+#include "app/shell/EventSubscription.h"
 #include "network/events/ProtocolTypes.h"
 #include "pages/ControlPage.h"
 
@@ -46,4 +47,5 @@ private:
     QGridLayout* layout_;
     QButtonGroup* buttons_;
     QSignalMapper* mapper_;
+    EventSubscription events_;
 };

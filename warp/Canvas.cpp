@@ -2,7 +2,6 @@
 
 #include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
-#include "input/key_event_manager.h"
 #include "mesh/MeshTypes.h"
 #include "network/events/DeformationModeEvent.h"
 #include "network/events/ItemDataEvent.h"
@@ -64,20 +63,15 @@ void warnOfBadPositions(bool allGood) {
 } // namespace
 
 Canvas::Canvas(const Configuration& configuration, QWidget* parent)
-    : QWidget(parent), configuration_(configuration), layout_(new QVBoxLayout(this)) {
+    : QWidget(parent), configuration_(configuration), layout_(new QVBoxLayout(this)), keys_(this),
+      events_(this, kEventTypes) {
     layout_->setContentsMargins(0, 0, 0, 0);
     updateProducer_ = std::make_unique<UpdateProducer>(nullptr);
     initCanvas();
     connect(updateProducer_.get(), SIGNAL(updateProducer()), this, SLOT(updateProducer()));
-    KeyEventManager::getInstance()->addListener(this);
-    for (const LV_NTC_EventType type : kEventTypes)
-        EventDispatcher::getInstance()->addListener(this, type);
 }
 
 Canvas::~Canvas() {
-    for (const LV_NTC_EventType type : kEventTypes)
-        EventDispatcher::getInstance()->removeListener(this, type);
-    KeyEventManager::getInstance()->removeListener(this);
     delete quickWidget_; // first, because the scene may call the bridge until it is deleted
     updateProducer_->stop();
 }

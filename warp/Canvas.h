@@ -1,9 +1,11 @@
 #pragma once
 
 #include "app/shell/EventListener.h"
+#include "app/shell/EventSubscription.h"
 #include "app/shell/UpdateProducer.h"
 #include "input/action.h"
 #include "input/key_event_listener.h"
+#include "input/key_subscription.h"
 #include "network/events/ProtocolTypes.h"
 
 #include <QMap>
@@ -210,4 +212,6 @@ private:
     std::mutex pendingLock_;
     QVBoxLayout* layout_;
     QQuickWidget* quickWidget_ = nullptr;
+    KeySubscription keys_;
+    EventSubscription events_;
 };

@@ -2,6 +2,7 @@
 
 #include "app/shell/Configuration.h"
 #include "warp/OutOfView.h"
+#include "warp/WarpLook.h"
 
 #include <QEvent>
 #include <QHBoxLayout>

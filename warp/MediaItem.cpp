@@ -1,8 +1,8 @@
 #include "warp/MediaItem.h"
 
-#include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
 #include "network/events/MediaBlindEvent.h"
+#include "warp/WarpLook.h"
 
 using namespace NetworkCompanion;
 

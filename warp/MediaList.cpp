@@ -2,7 +2,6 @@
 
 #include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
-#include "input/key_event_manager.h"
 #include "network/events/AddMediaEvent.h"
 #include "network/events/AddScreenEvent.h"
 #include "network/events/AddScreenPartEvent.h"
@@ -26,6 +25,7 @@
 #include "warp/ScreenPartItem.h"
 #include "warp/TextureItem.h"
 #include "warp/TouchScroller.h"
+#include "warp/WarpLook.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -114,18 +114,12 @@ Item::Deformation deformationOf(const DeformationEvent& event) {
 
 MediaList::MediaList(const Configuration& configuration, QWidget* parent)
     : QWidget(parent), configuration_(configuration), scrollArea_(new QScrollArea(this)),
-      content_(new QWidget), rowsLayout_(new QVBoxLayout(content_)) {
+      content_(new QWidget), rowsLayout_(new QVBoxLayout(content_)), keys_(this),
+      events_(this, kEventTypes) {
     initMediaList();
-    KeyEventManager::getInstance()->addListener(this);
-    for (const LV_NTC_EventType type : kEventTypes)
-        EventDispatcher::getInstance()->addListener(this, type);
 }
 
-MediaList::~MediaList() {
-    for (const LV_NTC_EventType type : kEventTypes)
-        EventDispatcher::getInstance()->removeListener(this, type);
-    KeyEventManager::getInstance()->removeListener(this);
-}
+MediaList::~MediaList() = default;
 
 void MediaList::initMediaList() {
     rowsLayout_->setContentsMargins(0, 0, 0, 0);

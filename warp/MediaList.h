@@ -1,8 +1,10 @@
 #pragma once
 
 #include "app/shell/EventListener.h"
+#include "app/shell/EventSubscription.h"
 #include "input/action.h"
 #include "input/key_event_listener.h"
+#include "input/key_subscription.h"
 #include "network/events/ProtocolTypes.h"
 
 #include <QScrollArea>
@@ -212,4 +214,6 @@ private:
     std::set<Item*> changedRows_;      ///< visibility may differ from the filters
     bool isOrderStale_ = false;        ///< whether a label changed since the last sort
     bool isLayoutDeferred_ = false;
+    KeySubscription keys_;
+    EventSubscription events_;
 };

@@ -1,10 +1,9 @@
 #include "warp/MediaListContainer.h"
 
-#include "app/shell/Configuration.h"
-#include "input/key_event_manager.h"
 #include "warp/Item.h"
 #include "warp/MediaList.h"
 #include "warp/SearchBox.h"
+#include "warp/WarpLook.h"
 
 #include <QCheckBox>
 #include <QKeyEvent>
@@ -15,7 +14,7 @@ using namespace NetworkCompanion;
 MediaListContainer::MediaListContainer(const Configuration& configuration, QWidget* parent)
     : QWidget(parent), configuration_(configuration), searchBox_(new SearchBox(this)),
       screenCheckBox_(new QCheckBox(QLatin1StringView(WarpLook::kFilterScreensText), this)),
-      mediaList_(new MediaList(configuration, this)) {
+      mediaList_(new MediaList(configuration, this)), keys_(this) {
     initControls();
     initMediaList();
 
@@ -24,12 +23,9 @@ MediaListContainer::MediaListContainer(const Configuration& configuration, QWidg
     layout->addWidget(searchBox_);
     layout->addWidget(screenCheckBox_);
     layout->addWidget(mediaList_);
-    KeyEventManager::getInstance()->addListener(this);
 }
 
-MediaListContainer::~MediaListContainer() {
-    KeyEventManager::getInstance()->removeListener(this);
-}
+MediaListContainer::~MediaListContainer() = default;
 
 void MediaListContainer::initControls() {
     searchBox_->setStyleSheet(QLatin1StringView(WarpLook::kSearchBox));

@@ -2,6 +2,7 @@
 
 #include "input/action.h"
 #include "input/key_event_listener.h"
+#include "input/key_subscription.h"
 #include "network/events/ProtocolTypes.h"
 
 #include <QWidget>
@@ -110,4 +111,5 @@ private:
     QCheckBox* screenCheckBox_;
     MediaList* mediaList_;
     bool isSearchScheduled_ = false;
+    KeySubscription keys_;
 };

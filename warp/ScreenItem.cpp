@@ -1,9 +1,9 @@
 #include "warp/ScreenItem.h"
 
-#include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
 #include "network/events/BlindEvent.h"
 #include "warp/ScreenPartItem.h"
+#include "warp/WarpLook.h"
 
 #include <algorithm>
 

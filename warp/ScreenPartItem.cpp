@@ -1,9 +1,9 @@
 #include "warp/ScreenPartItem.h"
 
-#include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
 #include "network/events/ScreenPartBlindEvent.h"
 #include "warp/ScreenItem.h"
+#include "warp/WarpLook.h"
 
 using namespace NetworkCompanion;
 

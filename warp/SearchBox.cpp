@@ -1,7 +1,7 @@
 #include "warp/SearchBox.h"
 
-#include "app/shell/Configuration.h"
 #include "app/shell/FocusRing.h"
+#include "warp/WarpLook.h"
 
 #include <QKeyEvent>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #include "warp/TouchScroller.h"
 
-#include "app/shell/Configuration.h"
+#include "warp/WarpLook.h"
 
 #include <QCoreApplication>
 #include <QMouseEvent>

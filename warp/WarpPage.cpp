@@ -1,10 +1,10 @@
 #include "warp/WarpPage.h"
 
-#include "app/shell/Configuration.h"
 #include "warp/Canvas.h"
 #include "warp/Item.h"
 #include "warp/MediaList.h"
 #include "warp/MediaListContainer.h"
+#include "warp/WarpLook.h"
 
 #include <QKeyEvent>
 #include <QStyle>

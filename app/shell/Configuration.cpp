@@ -1,5 +1,7 @@
 #include "app/shell/Configuration.h"
 
+#include "app/shell/ShellLook.h"
+
 using NetworkCompanion::LV_NTC_PictureType;
 
 Configuration makeConfiguration() {

@@ -1,6 +1,6 @@
 #include "app/shell/FocusRing.h"
 
-#include "app/shell/Configuration.h"
+#include "app/shell/FocusLook.h"
 
 #include <QPainter>
 

@@ -8,8 +8,9 @@
 #include "app/ToolTipFilter.h"
 #include "app/shell/CheckConnection.h"
 #include "app/shell/EventDispatcher.h"
+#include "app/shell/ShellLook.h"
 #include "input/key_event_listener.h"
-#include "input/key_event_manager.h"
+#include "input/key_subscription.h"
 #include "network/events/MsgEvent.h"
 #include "network/events/UpdateSettingsEvent.h"
 #include "pages/QuickKeysPage.h"
@@ -53,12 +54,12 @@ const QString kSecond = QStringLiteral("10.0.0.10"); // begins like the first on
 
 class KeyRecorder : public KeyEventListener {
 public:
-    KeyRecorder() { KeyEventManager::getInstance()->addListener(this); }
-    ~KeyRecorder() override { KeyEventManager::getInstance()->removeListener(this); }
-    Q_DISABLE_COPY_MOVE(KeyRecorder)
     void notified(QKeyEvent* event) override { keys << event->key(); }
 
     QList<int> keys;
+
+private:
+    KeySubscription subscription_{this};
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
+#include "app/shell/ShellLook.h"
 #include "resources/CompanionResources.h"
 #include "tests/support/FakeProducer.h"
 #include "tests/support/MessageGuard.h"

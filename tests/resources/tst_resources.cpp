@@ -2,6 +2,8 @@
 // style names must be there, loadable, sharp and whole.
 
 #include "app/shell/Configuration.h"
+#include "app/shell/ShellLook.h"
+#include "pages/PagesLook.h"
 #include "resources/CompanionResources.h"
 
 #include <QDirIterator>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/shell/Configuration.h"
+#include "app/shell/ShellLook.h"
 #include "resources/CompanionResources.h"
 
 #include <QApplication>

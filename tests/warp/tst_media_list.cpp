@@ -24,6 +24,7 @@
 #include "warp/MediaListContainer.h"
 #include "warp/ScreenItem.h"
 #include "warp/ScreenPartItem.h"
+#include "warp/WarpLook.h"
 
 #include <QApplication>
 #include <QCheckBox>
