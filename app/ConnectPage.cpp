@@ -19,7 +19,6 @@ ConnectPage::ConnectPage(const Configuration& configuration, QWidget* parent)
     initIpList();
     initConnectButton();
 
-    // Discovery prunes on a thread of its own; these connections bring its news over.
     const NetworkUtils* discovery = &EventDispatcher::getInstance()->networkUtils();
     connect(discovery, &NetworkUtils::serverDiscovered, this, &ConnectPage::onServerDiscovered);
     connect(discovery, &NetworkUtils::serverTimeouted, this, &ConnectPage::onServerTimeouted);
@@ -79,10 +78,6 @@ void ConnectPage::forget(const QString& ip) {
     const auto known = std::find(knownIps_.begin(), knownIps_.end(), ip);
     if (known == knownIps_.end())
         return;
-    // News from the other thread may arrive after the Producer has answered again, and that answer
-    // was no discovery to this page. What is listed right now decides.
-    if (EventDispatcher::getInstance()->networkUtils().getAvailableServers().contains(ip))
-        return;
     knownIps_.erase(known);
     ipList_->removeIp(ip);
 }
@@ -102,7 +97,7 @@ void ConnectPage::onSelectedIpChanged(const QString& ip) {
 
 void ConnectPage::onConnectToProducer() {
     if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
-        return; // a finger that slides off the button takes its press back
+        return; // the finger has left the button, and Qt emits released() then, too
     const QString ip = ipList_->selectedIp();
     if (ip.isEmpty())
         return;

@@ -10,8 +10,8 @@ struct Configuration;
 class IPList;
 class QPushButton;
 
-/// The first page: lists the Producers that discovery sees, and asks for a connection to the one
-/// that the operator selected.
+/// The first page: lists the Producers that discovery reports and requests a connection to the one
+/// that the operator selects.
 class ConnectPage final : public ControlPage {
     Q_OBJECT
 
@@ -20,8 +20,8 @@ public:
     ~ConnectPage() override;
 
     void lockPage() override;
-    /// Removes the buttons, not the knowledge: an address comes back only after discovery has
-    /// dropped and found it again.
+    /// Removes the buttons but keeps the addresses known: one is shown again only after discovery
+    /// has dropped and rediscovered it.
     void purgeIp();
 
 public slots:

@@ -11,8 +11,8 @@ class SettingsPage;
 class TestPatternPage;
 class WarpPage;
 
-/// The stack of pages below the banner; passes controller input on to the warp page, whichever page
-/// is shown.
+/// The stack of pages below the banner. Controller input goes to the warp page, whichever page is
+/// shown.
 class Content final : public QStackedWidget {
     Q_OBJECT
 
@@ -21,10 +21,10 @@ public:
     Content(const Configuration& configuration, QWidget* parent);
     ~Content() override;
 
-    /// Shows `page`; the warp page also gets the keyboard, unless it was shown already.
+    /// Shows `page`; the warp page's canvas also gets the focus, unless the page is shown already.
     void setPage(Companion::Page page);
     void lockCurrentPage();
-    /// Empties the list of Producers until discovery reports them anew.
+    /// See ConnectPage::purgeIp().
     void purgeIp();
     /// Empties the list of the Producer's items.
     void purgeMedia();

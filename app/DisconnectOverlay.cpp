@@ -31,7 +31,7 @@ void DisconnectOverlay::initOverlay() {
     button_->setCursor(Qt::PointingHandCursor);
     connect(button_, &QPushButton::released, this, &DisconnectOverlay::onDisconnect);
     layout_.addWidget(button_, 0, Qt::AlignRight);
-    // The button covers the banner's exactly.
+    // Places the button exactly over the banner's.
     const int margin = (kBannerHeight - configuration_.disconnectButtonSize.height()) / 2;
     layout_.setContentsMargins(kOverlaySideMargin, margin, kOverlaySideMargin, margin);
 
@@ -47,17 +47,17 @@ void DisconnectOverlay::initOverlay() {
 
 void DisconnectOverlay::onDisconnect() {
     if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
-        return; // a finger that slides off the button takes its press back
+        return; // the finger has left the button, and Qt emits released() then, too
     emit disconnection();
 }
 
 void DisconnectOverlay::keyPressEvent(QKeyEvent* event) {
-    event->accept(); // nothing beneath can act on a key now
+    event->accept(); // so that the main window does not receive it
 }
 
 bool DisconnectOverlay::focusNextPrevChild(bool next) {
     Q_UNUSED(next)
-    // Tab stays on the veil: between the button and nothing, so that no key works by surprise.
+    // Tab alternates between the button and the overlay itself, which ignores keys.
     QWidget* other = button_->hasFocus() ? static_cast<QWidget*>(this) : button_;
     other->setFocus(Qt::TabFocusReason);
     return true;

@@ -6,13 +6,13 @@
 struct Configuration;
 class QPushButton;
 
-/// The veil over the whole window while the connection is lost: says so, keeps mouse and keyboard
-/// from the page beneath, and offers to give the Producer up.
+/// Covers the whole window while the connection is lost, so that mouse and keyboard do not reach
+/// the page; its button disconnects from the Producer.
 class DisconnectOverlay final : public QWidget {
     Q_OBJECT
 
 public:
-    /// As large as `parent`, the main window, which keeps it so.
+    /// Takes the size of `parent`, the main window, which resizes it from then on.
     DisconnectOverlay(const Configuration& configuration, QWidget* parent);
     ~DisconnectOverlay() override;
 

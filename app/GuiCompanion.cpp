@@ -82,8 +82,8 @@ void GuiCompanion::initInput() {
             &ActionMapper::onButtonReleased);
     connect(&actionMapper_, &ActionMapper::action, content_.get(), &Content::onAction);
 
-    // The controller is read only while the application has the focus, which a window that opens
-    // behind another one may not get.
+    // The controller is read only while the application is active; a window that opens behind
+    // another one is not.
     const auto follow = [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive && !overlay_) {
             gamepad_.onFocusGained();
@@ -108,7 +108,7 @@ void GuiCompanion::onConnectToServer(const QString& ip) {
     serverIp_ = ip;
 
     content_->purgeMedia();
-    // Unique: it stays over a lost connection, and each loss is handled once.
+    // Unique, because the connection also stands after a loss, and a loss is handled once.
     connect(dispatcher_, SIGNAL(disconnected()), this, SLOT(onDisconnectError()),
             Qt::UniqueConnection);
     NetworkCompanion::MsgEvent getResources(kGetResources);
@@ -145,9 +145,9 @@ void GuiCompanion::showOverlay() {
     overlay_ = std::make_unique<DisconnectOverlay>(configuration_, this);
     connect(overlay_.get(), SIGNAL(disconnection()), this, SLOT(onDisconnectFromServer()));
     content_->lockCurrentPage();
-    gamepad_.onFocusLost(); // nor does a controller reach what is under the veil
+    gamepad_.onFocusLost(); // the controller must not reach the locked page
     while (QWidget* popup = QApplication::activePopupWidget())
-        popup->close(); // an open list would stay above the veil
+        popup->close(); // a popup would stay above the overlay
     focusBeforeOverlay_ = focusWidget();
     overlay_->show();
     overlay_->setFocus();
@@ -157,11 +157,11 @@ void GuiCompanion::removeOverlay() {
     if (!overlay_)
         return;
     disconnect(overlay_.get(), SIGNAL(disconnection()), this, nullptr);
-    // Before hiding, which would hand the focus to whatever comes next in the tab order.
-    QWidget* heir = focusBeforeOverlay_ ? focusBeforeOverlay_.data() : this;
-    heir->setFocus();
+    // Before hide(), which would give the focus to the next widget in the tab order.
+    QWidget* focusTarget = focusBeforeOverlay_ ? focusBeforeOverlay_.data() : this;
+    focusTarget->setFocus();
     overlay_->hide();
-    // Its own button may have brought us here.
+    // Not deleted at once, because its own signal may be the caller.
     overlay_.release()->deleteLater();
     if (QGuiApplication::applicationState() == Qt::ApplicationActive)
         gamepad_.onFocusGained();

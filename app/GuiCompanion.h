@@ -16,9 +16,9 @@ class DisconnectOverlay;
 class EventDispatcher;
 class HeadBanner;
 
-/// The main window: banner above pages, and the life of the connection. It is not connected
-/// (connect page, banner without menu), connected (another page, banner with menu, the Producer is
-/// watched) or has lost the connection (as connected, under the overlay).
+/// The main window: banner above pages. Controls the connection, which has three states: not
+/// connected (connect page, banner without menu), connected (another page, banner with menu,
+/// CheckConnection running) and lost (as connected, under the overlay).
 class GuiCompanion final : public QWidget {
     Q_OBJECT
 
@@ -27,13 +27,13 @@ public:
     ~GuiCompanion() override;
 
 public slots:
-    /// Blocks until the Producer at `ip` has answered or the client has given up. Changes nothing
-    /// in the latter case.
+    /// Blocks until the Producer at `ip` has accepted or the attempt has failed, which changes
+    /// nothing.
     void onConnectToServer(const QString& ip);
-    /// The operator gives the Producer up: no overlay, no reconnection.
+    /// The operator disconnects: no overlay, no reconnection.
     void onDisconnectFromServer();
-    /// The connection is lost: shows the overlay, unless it is there, and makes discovery forget
-    /// the Producer.
+    /// The connection is lost: shows the overlay once and removes the Producer from discovery's
+    /// list.
     void onDisconnectError();
     /// The Producer is on the network: reconnects if the connection is lost.
     void onServerAvailableAgain();
@@ -41,7 +41,7 @@ public slots:
     void goToPageFromMenu(int tab);
 
 signals:
-    /// The Producer was asked for its resources.
+    /// The Producer has been connected and "getResources" sent.
     void meshpadConnected();
 
 protected:

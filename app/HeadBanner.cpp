@@ -15,7 +15,7 @@ using namespace ShellLook;
 
 namespace {
 
-/// The picture at its own size, with as many pixels as the screen shows of it.
+/// The picture at its own size, rendered at the screen's resolution.
 QPixmap loadSharp(const QString& path, qreal devicePixelRatio) {
     QImageReader reader(path);
     reader.setScaledSize((QSizeF(reader.size()) * devicePixelRatio).toSize());
@@ -24,7 +24,7 @@ QPixmap loadSharp(const QString& path, qreal devicePixelRatio) {
     return pixmap;
 }
 
-/// Shows that Tab has reached it: its style sheets have no place for that.
+/// Draws a focus ring, which its style sheets cannot.
 class TabButton final : public QPushButton {
 public:
     using QPushButton::QPushButton;
@@ -90,7 +90,7 @@ void HeadBanner::initLogoWidget() {
 void HeadBanner::initConnectTitleLabel() {
     titleLabel_.setObjectName(QStringLiteral("connectTitle")); // the style sheet gives it its font
     titleLabel_.setText(configuration_.applicationName);
-    // As much to the right as the logo takes to the left: centred in the window.
+    // The right margin equals the logo's width, so that the title is centred in the window.
     titleLabel_.setContentsMargins(0, 0, logoArea_.width() + layout_.spacing(), 0);
 }
 
@@ -119,7 +119,7 @@ void HeadBanner::addTabButton(const QString& text, const QString& name, QSize si
     button->setFixedSize(size);
     button->setContentsMargins(0, 0, 0, 0);
     button->setCursor(Qt::PointingHandCursor);
-    // A touched tab must not take the arrow keys from the mesh; its cap does the same as the tab.
+    // TabFocus, so that a touched tab does not take the arrow keys from the mesh.
     button->setFocusPolicy(text.isEmpty() ? Qt::NoFocus : Qt::TabFocus);
     connect(button, &QPushButton::pressed, &tabMapper_, qOverload<>(&QSignalMapper::map));
     tabMapper_.setMapping(button, id);
@@ -132,7 +132,7 @@ void HeadBanner::initDisconnectButton() {
     disconnectButton_.setFixedSize(configuration_.disconnectButtonSize);
     disconnectButton_.setStyleSheet(QLatin1StringView(kBannerDisconnectButton));
     disconnectButton_.setCursor(Qt::PointingHandCursor);
-    // Space must never end a show of somebody who has not led the ring here.
+    // TabFocus, so that Space disconnects only after the operator moved the focus here by Tab.
     disconnectButton_.setFocusPolicy(Qt::TabFocus);
     connect(&disconnectButton_, &QPushButton::released, this,
             &HeadBanner::onDisconnectFromProducer);
@@ -168,8 +168,8 @@ void HeadBanner::attach(QWidget& widget, Qt::Alignment alignment) {
 void HeadBanner::detach(QWidget& widget) {
     if (widget.parentWidget() != this)
         return;
-    // Hidden by name: without a parent it is a window, and a layout may still have the showing of a
-    // widget that nobody hid on its list.
+    // Hidden explicitly, because a widget without parent is a window, and the layout may have
+    // queued a show() for it.
     widget.hide();
     layout_.removeWidget(&widget);
     widget.setParent(nullptr);
@@ -178,7 +178,7 @@ void HeadBanner::detach(QWidget& widget) {
 
 void HeadBanner::onDisconnectFromProducer() {
     if (QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
-        return; // a finger that slides off the button takes its press back
+        return; // the finger has left the button, and Qt emits released() then, too
     emit disconnection();
 }
 

@@ -19,7 +19,7 @@ public:
     HeadBanner(const Configuration& configuration, QWidget* parent);
     ~HeadBanner() override;
 
-    /// Brings the layout in line with the client's state of connection.
+    /// Shows the connected or the not-connected layout, after CompanionClient::isConnected().
     void updateBanner();
 
 public slots:
@@ -50,7 +50,7 @@ private:
     const Configuration& configuration_;
     QHBoxLayout layout_;
     QWidget logoArea_;
-    // By value: title, menu and button have no parent while they are not shown.
+    // Values, because title, menu and button have no parent while they are not shown.
     QLabel titleLabel_;
     QWidget menu_;
     QButtonGroup tabs_;

@@ -40,7 +40,7 @@ void IPList::addIP(const QString& ip) {
     button->setStyleSheet(
         QLatin1StringView(ip == selectedIp_ ? kAddressButtonOn : kAddressButtonOff));
     button->setCursor(Qt::PointingHandCursor);
-    button->setFocusPolicy(Qt::TabFocus); // a finger leaves no ring around what it selected
+    button->setFocusPolicy(Qt::TabFocus); // no focus ring after a touch
     connect(button.get(), &QPushButton::released, &mapper_, qOverload<>(&QSignalMapper::map));
     mapper_.setMapping(button.get(), ip);
     layout_.addWidget(button.get(), 0, Qt::AlignCenter);
@@ -66,7 +66,7 @@ void IPList::onIpClicked(const QString& ip) {
     for (const auto& button : buttons_) {
         const QString style =
             QLatin1StringView(button->text() == ip ? kAddressButtonOn : kAddressButtonOff);
-        if (button->styleSheet() != style) // setting one costs a restyling
+        if (button->styleSheet() != style) // because setting the same one restyles, too
             button->setStyleSheet(style);
     }
 }

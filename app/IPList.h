@@ -9,7 +9,7 @@
 
 class QPushButton;
 
-/// The Producers to choose from: a title and one button an address, at most one of them marked.
+/// A title and one button for each Producer's address; at most one is selected.
 class IPList final : public QWidget {
     Q_OBJECT
 

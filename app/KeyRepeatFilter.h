@@ -4,10 +4,10 @@
 
 class QKeyEvent;
 
-/// Installed on the application, marks the repetitions of a key that is held as what they are.
+/// Event filter of the application: marks the repetitions of a held key as auto-repeat.
 ///
-/// Some window systems report each repetition as a release and a press of the same moment, and Qt
-/// does not recognise all of them: a Space that is held would press a button again and again.
+/// Some window systems report a repetition as a release and a press of the same time, and Qt does
+/// not recognise all of them, so that a held Space would press a button repeatedly.
 class KeyRepeatFilter : public QObject {
     Q_OBJECT
 

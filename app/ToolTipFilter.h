@@ -2,10 +2,9 @@
 
 #include <QObject>
 
-/// Installed on the application, shows the tool tips of all widgets in the application's look.
+/// Event filter of the application: shows all tool tips in the application's style.
 ///
-/// Left to itself, a tool tip takes over the style sheet of the widget that it explains, with
-/// background pictures and all.
+/// By default a tool tip takes the style sheet of its widget, background picture included.
 class ToolTipFilter : public QObject {
     Q_OBJECT
 

@@ -1,7 +1,6 @@
-// How long an operator waits for the window, and what it takes. Each round starts a process of its
-// own, so that loading, static initialisation and the style sheet are in the figure; one kind goes
-// on until a large show is on screen. Needs a display and, as discovery looks for Producers, a
-// network namespace.
+// Time and memory from the start of a process to the window's first frame, and to a show of 1,000
+// items. Each iteration starts a new process, so that loading and static initialisation count.
+// Needs a display and a network namespace, because discovery broadcasts.
 
 #include "app/Content.h"
 #include "app/GuiCompanion.h"
@@ -30,30 +29,30 @@ constexpr char kChildFlag[] = "--first-frame";
 constexpr char kShowFlag[] = "--show";
 constexpr unsigned int kItems = 1000;
 
-void say(const char* word) {
+void printLine(const char* word) {
     std::puts(word);
     std::fflush(stdout);
 }
 
-/// As if a Producer had sent a show: the items, each with a mesh.
-void takeShow(GuiCompanion& window) {
+/// Dispatches the events of a show: items with a mesh each.
+void dispatchShow(GuiCompanion& window) {
     window.findChild<Content*>()->setPage(Companion::Page::Warp);
-    const auto take = [](Event* event) {
+    const auto dispatch = [](Event* event) {
         EventDispatcher::getInstance()->onEventData(
             {{static_cast<std::uint32_t>(event->getSize()), event->type()}, event});
     };
     for (unsigned int i = 0; i < kItems; ++i) {
         const QByteArray name = "Media " + QByteArray::number(i);
-        take(new AddMediaEvent(MediaType::Video, i, i, i, 1920, 1080, 0, 0, name.constData(),
-                               false));
-        take(new MediaDeformationModeEvent(LV_NTC_ElementType::Media, LV_NTC_DeformationType::Curve,
-                                           i, i, i, name.constData(), 4, 4, false));
+        dispatch(new AddMediaEvent(MediaType::Video, i, i, i, 1920, 1080, 0, 0, name.constData(),
+                                   false));
+        dispatch(new MediaDeformationModeEvent(LV_NTC_ElementType::Media,
+                                               LV_NTC_DeformationType::Curve, i, i, i,
+                                               name.constData(), 4, 4, false));
     }
-    QTimer::singleShot(0, &window, [] { QTimer::singleShot(0, [] { say("show"); }); });
+    QTimer::singleShot(0, &window, [] { QTimer::singleShot(0, [] { printLine("show"); }); });
 }
 
-/// Says "frame" on standard output when the main window has been painted for the first time, and
-/// goes on with the show, if there is to be one.
+/// Prints "frame" after the main window's first paint, then dispatches the show if `withShow`.
 class FirstFrame final : public QObject {
 public:
     FirstFrame(GuiCompanion* window, bool withShow)
@@ -64,11 +63,11 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched == window_ && event->type() == QEvent::Paint && !seen_) {
             seen_ = true;
-            // Behind the paint that is under way: by then it has reached the window system.
+            // In the next event-loop iteration, when the paint has reached the window system.
             QTimer::singleShot(0, window_, [this] {
-                say("frame");
+                printLine("frame");
                 if (withShow_)
-                    takeShow(*window_);
+                    dispatchShow(*window_);
             });
         }
         return false;
@@ -92,7 +91,7 @@ int runChild(int argc, char** argv, bool withShow) {
     return QApplication::exec();
 }
 
-/// Resident memory of a process in MiB, 0 where the system does not tell it this way.
+/// Resident memory of a process in MiB; 0 where /proc does not report it.
 double residentMiB(qint64 processId) {
     QFile status(QStringLiteral("/proc/%1/status").arg(processId));
     if (!status.open(QIODevice::ReadOnly))

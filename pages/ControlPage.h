@@ -2,8 +2,8 @@
 
 #include "app/shell/IPage.h"
 
-/// What the pages of widgets share: shown, they take the focus, so that the first Tab leads to the
-/// first control. Keys that no control takes go on to the window, as on every page.
+/// A page of widgets: takes the focus when it is shown, so that the first Tab leads to the first
+/// control. Keys that no control handles reach the window.
 class ControlPage : public IPage {
     Q_OBJECT
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// With an invisible place to wrap: names are often those of files.
+/// Allows a line break after an underscore, because names are often file names.
 constexpr QStringView kBreakableUnderscore = u"_\u200b";
 constexpr QChar kEllipsis = u'\u2026';
 

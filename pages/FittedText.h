@@ -6,19 +6,17 @@
 
 class QPainter;
 
-/// A text set into a box so that nothing of it is cut off: wrapped between words, if need be in
-/// smaller type or within words, and only when even the smallest is too large, ended early with an
-/// ellipsis.
+/// A text laid out to fit a box: wrapped between words, then in smaller type, then wrapped within
+/// words, and ended with an ellipsis only when it does not fit in the smallest type.
 class FittedText {
 public:
-    /// Sets the text unless it is set that way already. `font` has a size in pixels, the largest
-    /// that is used; the smallest is `smallestSize`. Every kind of line break becomes a blank.
+    /// Lays the text out; does nothing when all arguments are unchanged. The font size is between
+    /// `smallestSize` and that of `font`, both in pixels. Line breaks become blanks.
     void set(const QString& text, const QFont& font, int smallestSize, const QSize& box);
 
     [[nodiscard]] bool isElided() const { return elided_; }
 
-    /// Draws the text into the middle of `area`, which is as large as the box, in the painter's
-    /// pen.
+    /// Draws the text centred in `area`, which has the size of the box, with the painter's pen.
     void draw(QPainter& painter, const QRect& area) const;
 
 private:

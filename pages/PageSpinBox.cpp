@@ -17,7 +17,7 @@ void PageSpinBox::stepBy(int steps) {
 bool PageSpinBox::eventFilter(QObject* watched, QEvent* event) {
     if (watched == lineEdit() && event->type() == QEvent::MouseButtonPress && !hasFocus()) {
         setFocus(Qt::MouseFocusReason);
-        selectAll(); // what is typed replaces the number
+        selectAll(); // typing replaces the number
         return true;
     }
     return QSpinBox::eventFilter(watched, event);

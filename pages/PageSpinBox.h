@@ -2,15 +2,15 @@
 
 #include <QSpinBox>
 
-/// The number of a page, with arrows to turn it. Has the keyboard only while somebody types into
-/// the number: who touches an arrow leaves it where it is, at whatever acts on single keys.
+/// Spin box for the page number. It has the focus only while the operator types a number; a press
+/// on an arrow leaves the focus where it is, because other widgets act on single keys.
 class PageSpinBox final : public QSpinBox {
     Q_OBJECT
 
 public:
     explicit PageSpinBox(QWidget* parent);
 
-    /// Leaves the number unmarked unless it is being typed.
+    /// Also deselects the number unless the operator is typing.
     void stepBy(int steps) override;
 
 protected:
@@ -19,6 +19,6 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
-    /// Gives the keyboard to the parent.
+    /// Gives the focus to the parent.
     void endTyping();
 };

@@ -15,21 +15,22 @@ using namespace PagesLook;
 
 namespace {
 
-/// Whether the text names a colour and nothing else. It goes into a style sheet, and it comes from
-/// the network.
+/// Whether the text is just a colour name. Checked because text from the network goes into a style
+/// sheet.
 bool isColor(const QString& text) {
     return QColor::isValidColorName(text) &&
            std::none_of(
                text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
 }
 
-/// Contrast of white text on the ground, 1 to 21.
-double contrastOfWhite(const QColor& ground) {
+/// Contrast ratio of white text on the background, 1 to 21.
+double contrastOfWhite(const QColor& background) {
     const auto linear = [](double part) {
         return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
     };
-    const double luminance = 0.2126 * linear(ground.redF()) + 0.7152 * linear(ground.greenF()) +
-                             0.0722 * linear(ground.blueF());
+    const double luminance = 0.2126 * linear(background.redF()) +
+                             0.7152 * linear(background.greenF()) +
+                             0.0722 * linear(background.blueF());
     return 1.05 / (luminance + 0.05);
 }
 
@@ -43,12 +44,12 @@ QuickKeysButton::QuickKeysButton(const QSize& size, QWidget* parent) : QPushButt
     bold.setWeight(QFont::Bold);
     setFont(bold);
     setCursor(Qt::PointingHandCursor);
-    setFocusPolicy(Qt::TabFocus); // a key that a finger pressed is not executed by Space
+    setFocusPolicy(Qt::TabFocus); // Space must not execute a key because it was touched before
 }
 
 void QuickKeysButton::setName(const QString& name) {
     setText(name);
-    setShortcut(QKeySequence()); // a letter behind an '&' executes nothing
+    setShortcut(QKeySequence()); // setText() makes a shortcut of a letter after '&'
     setAccessibleName(name);
 }
 
@@ -89,7 +90,7 @@ void QuickKeysButton::paintEvent(QPaintEvent* event) {
     QStyleOptionButton option;
     initStyleOption(&option);
     option.text.clear();
-    painter.drawControl(QStyle::CE_PushButtonBevel, option); // without the style's own focus
+    painter.drawControl(QStyle::CE_PushButtonBevel, option); // without the style's focus frame
     painter.setRenderHint(QPainter::Antialiasing);
     if (isEnabled())
         drawOutline(painter);
@@ -108,7 +109,7 @@ void QuickKeysButton::drawName(QPainter& painter) {
     const QRect area =
         rect().adjusted(kQuickKeyPadding, kQuickKeyPadding, -kQuickKeyPadding, -kQuickKeyPadding);
     name_.set(text(), font(), kSmallestQuickKeyFontSize, area.size());
-    if (contrastOfWhite(ground()) < kReadableContrast) {
+    if (contrastOfWhite(background()) < kReadableContrast) {
         painter.setPen(QColor(QLatin1StringView(kShadowColor)));
         for (const int x : {-1, 0, 1})
             for (const int y : {-1, 0, 1})
@@ -118,6 +119,6 @@ void QuickKeysButton::drawName(QPainter& painter) {
     name_.draw(painter, area);
 }
 
-QColor QuickKeysButton::ground() const {
+QColor QuickKeysButton::background() const {
     return {isDown() ? QString::fromLatin1(kActiveColor) : bckgColor_};
 }

@@ -4,43 +4,42 @@
 
 #include <QPushButton>
 
-/// One quick key: a name on a ground of the Producer's colour. Without a key it is disabled and
-/// empty.
+/// A button of the quick keys page: a name on the Producer's colour. Disabled and empty while no
+/// key is assigned.
 class QuickKeysButton final : public QPushButton {
     Q_OBJECT
 
 public:
-    /// `size` is the largest it gets, in device-independent pixels.
+    /// `size` is the maximum size in device-independent pixels.
     QuickKeysButton(const QSize& size, QWidget* parent);
 
     /// 0 until a key is assigned.
     [[nodiscard]] int id() const { return id_; }
     void setId(int id) { id_ = id; }
 
-    /// Shown as it is: unlike in other button texts, an '&' has no meaning.
+    /// Unlike in other button texts, '&' is a plain character.
     void setName(const QString& name);
 
-    /// Whether the name was too long for the size at which it was last painted; a tool tip has it
-    /// whole then.
+    /// Whether the name was elided when it was last painted; the tool tip then shows it whole.
     [[nodiscard]] bool isNameElided() const { return name_.isElided(); }
 
-    /// A text that is no colour leaves the button in the neutral one.
+    /// A text that is no colour name gives the neutral colour.
     void setBckgColor(QString color);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
-    /// A finger that slides off the key and back has not pressed it again.
+    /// A pressed button stays pressed while the finger slides, so that it is not pressed twice.
     bool hitButton(const QPoint& position) const override;
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    /// So that a key as dark as the page is seen to be a key.
+    /// Makes a key visible that is as dark as the page.
     void drawOutline(QPainter& painter) const;
     void drawName(QPainter& painter);
-    [[nodiscard]] QColor ground() const;
+    [[nodiscard]] QColor background() const;
 
     int id_ = 0;
     QString bckgColor_;

@@ -26,7 +26,7 @@ class QuickKeysPage final : public ControlPage, public EventListener {
     Q_OBJECT
 
 public:
-    /// `configuration` outlives the page. Listens to the dispatcher until it is destroyed.
+    /// `configuration` outlives the page.
     QuickKeysPage(const Configuration& configuration, QWidget* parent);
     ~QuickKeysPage() override;
 

@@ -14,10 +14,10 @@ using namespace PagesLook;
 
 namespace {
 
-/// Code of the shape that stands for no points at all; the shapes to choose from follow it.
+/// Code of the shape "None"; the others follow it.
 constexpr int kNoShape = 0;
 
-/// A label's text as the name of what it stands before.
+/// A label's text as an accessible name.
 QString withoutColon(const QString& label) {
     return label.endsWith(QLatin1Char(':')) ? label.chopped(1) : label;
 }
@@ -69,7 +69,7 @@ void SettingsPage::initPointsElements() {
                              static_cast<QWidget*>(shapeLabel_), static_cast<QWidget*>(shape_)})
         control->hide();
 
-    // Only now, so that filling the boxes sends nothing.
+    // Connected last, so that filling the boxes sends nothing.
     connect(usePoints_, &QCheckBox::stateChanged, this,
             &SettingsPage::onUsePointsCheckBoxStateChanged);
     connect(color_, &QComboBox::currentIndexChanged, this, &SettingsPage::onPointsColorChanged);
@@ -78,11 +78,11 @@ void SettingsPage::initPointsElements() {
 
 bool SettingsPage::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show)
-        makeRoom();
+        fitPointsToContents();
     return ControlPage::event(event);
 }
 
-void SettingsPage::makeRoom() {
+void SettingsPage::fitPointsToContents() {
     points_->setMaximumSize(kSettingsLargest.expandedTo(pointsLayout_->sizeHint()));
 }
 

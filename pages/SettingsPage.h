@@ -10,8 +10,8 @@
 
 struct Configuration;
 
-/// Says how the Producer draws the points that this companion edits: whether at all, in which
-/// colour and shape. Every change is sent at once, and everything again after each connection.
+/// Sets whether the Producer draws the points that this companion edits, and in which colour and
+/// shape. Sends every change at once, and all settings after each connection.
 class SettingsPage final : public ControlPage {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ public:
     /// `configuration` outlives the page.
     SettingsPage(const Configuration& configuration, QWidget* parent);
 
-    /// Sends what the controls show; without a connection nothing happens.
+    /// Sends the state of the controls; does nothing without a connection.
     void sendNewSettings() const;
     void lockPage() override {}
 
@@ -34,9 +34,8 @@ protected:
 
 private:
     void initPointsElements();
-    /// A larger font than usual widens the points widget beyond its usual limits, rather than
-    /// have its texts cut off.
-    void makeRoom();
+    /// Lets a large font widen the points widget beyond its usual maximum.
+    void fitPointsToContents();
 
     const Configuration& configuration_;
     // Children of the page.

@@ -5,11 +5,11 @@
 
 #include <QPainter>
 
-// NOLINTNEXTLINE(modernize-pass-by-value): whoever builds pages keeps the pattern
+// NOLINTNEXTLINE(modernize-pass-by-value): the configuration keeps the pattern
 TestPatternButton::TestPatternButton(const Pattern& pattern, const QSize& size, QWidget* parent)
     : QAbstractButton(parent), pattern_(pattern), size_(size) {
     setCursor(Qt::PointingHandCursor);
-    setFocusPolicy(Qt::TabFocus); // a finger leaves no ring beside the mark
+    setFocusPolicy(Qt::TabFocus); // no focus ring after a touch
     setAttribute(Qt::WA_Hover);
     setAccessibleName(pattern_.name);
 }
@@ -53,7 +53,7 @@ void TestPatternButton::preparePicture() {
     if (pixels == pictureSize_)
         return;
     pictureSize_ = pixels;
-    // An empty path would be a line in the log, not just no picture.
+    // Loading an empty path would log a warning.
     const QImage image = pattern_.imagePath.isEmpty() ? QImage() : QImage(pattern_.imagePath);
     picture_ = image.isNull() ? QPixmap()
                               : QPixmap::fromImage(image.scaled(pixels, Qt::IgnoreAspectRatio,

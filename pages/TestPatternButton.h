@@ -6,22 +6,20 @@
 #include <QAbstractButton>
 #include <QPixmap>
 
-/// A test pattern to choose: its name and thumbnail in a frame whose colour tells whether it is the
-/// active one.
+/// The button of a test pattern: name and thumbnail in a frame with the colour of its state.
 class TestPatternButton final : public QAbstractButton {
     Q_OBJECT
 
 public:
-    /// `size` is in device-independent pixels. Without a picture at the pattern's path, frame and
-    /// name are drawn alone.
+    /// `size` is in device-independent pixels. A picture that does not load is left out.
     TestPatternButton(const Pattern& pattern, const QSize& size, QWidget* parent);
 
     [[nodiscard]] const QString& color() const { return color_; }
-    /// Takes the name of a colour; shown by the next painting.
+    /// The name of the frame's colour; used by the next paint.
     void setColor(const QString& color) { color_ = color; }
 
-    /// Makes the picture ready to be painted, which takes some milliseconds the first time and
-    /// after a change of size or screen.
+    /// Loads and scales the picture; takes some milliseconds the first time and after a change of
+    /// size or screen.
     void preparePicture();
 
     [[nodiscard]] QSize sizeHint() const override { return size_; }
@@ -33,7 +31,7 @@ private:
     void drawFrame(QPainter& painter) const;
     void drawName(QPainter& painter) const;
     void drawPicture(QPainter& painter) const;
-    /// Tells the pointer over the button, and the finger on it, as on every other button.
+    /// A border while the pointer is over the button or presses it.
     void drawBorder(QPainter& painter) const;
     [[nodiscard]] QRect pictureArea() const;
 
@@ -46,6 +44,6 @@ private:
     QString color_ = QLatin1StringView(PagesLook::kIdleColor);
     QString textColor_ = QLatin1StringView(PagesLook::kTextColor);
 
-    QPixmap picture_;   ///< scaled to the pixels it takes on the screen
-    QSize pictureSize_; ///< in those pixels; what picture_ was last made for
+    QPixmap picture_;   ///< scaled to device pixels
+    QSize pictureSize_; ///< the size in device pixels that picture_ was made for
 };

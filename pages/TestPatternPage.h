@@ -12,13 +12,12 @@
 struct Configuration;
 class TestPatternButton;
 
-/// Lets the operator choose the test pattern that the Producer lays over its outputs, and marks the
-/// one that the Producer or another companion announces.
+/// Sends the test pattern that the operator chooses, and marks the one that the Producer reports.
 class TestPatternPage final : public ControlPage, public EventListener {
     Q_OBJECT
 
 public:
-    /// `configuration` outlives the page. Listens to the dispatcher until it is destroyed.
+    /// `configuration` outlives the page.
     TestPatternPage(const Configuration& configuration, QWidget* parent);
     ~TestPatternPage() override;
 
@@ -36,7 +35,7 @@ signals:
 
 private:
     void initTestPatternButtons();
-    /// Has the pictures ready before the page is shown: one at a time, between other events.
+    /// Loads the pictures before the page is shown, one in each event-loop iteration.
     void preparePicturesFrom(int id);
     void activate(int id);
     void mark(int id, bool active);

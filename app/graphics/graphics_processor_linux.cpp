@@ -4,7 +4,7 @@
 #include <QFileInfo>
 
 bool hasGraphicsProcessor() {
-    // What the kernel's own drivers offer, a vendor's driver, and Windows to a Linux inside it.
+    // The kernel's drivers, NVIDIA's driver, the Windows Subsystem for Linux.
     return !QDir("/dev/dri").entryList({"renderD*"}, QDir::System).isEmpty() ||
            QFileInfo::exists("/dev/nvidiactl") || QFileInfo::exists("/dev/dxg");
 }

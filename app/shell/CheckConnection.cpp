@@ -39,8 +39,8 @@ void CheckConnection::loop() {
 
 void CheckConnection::announce() {
     announcementPending_ = false;
-    // Old news, as after an attempt to connect that took long, would only start the next attempt
-    // before discovery had a chance to notice that the Producer is gone.
+    // After a long connection attempt, an old announcement would start the next attempt before
+    // discovery can notice that the Producer is gone.
     if (Clock::now() - seenAt_.load() < kCheckPeriod && isWatchedServerAvailable())
         emit serverAvailableAgain();
 }

@@ -6,8 +6,8 @@
 
 #include <atomic>
 
-/// Watches discovery for one Producer and announces, again and again, that it is on the network.
-/// Whether a reconnection is needed is the receiver's decision.
+/// Polls discovery for one Producer and emits a signal each time it is listed. The receiver decides
+/// whether to reconnect.
 class CheckConnection final : public StoppableThread {
     Q_OBJECT
 
@@ -18,7 +18,7 @@ public:
     explicit CheckConnection(QObject* parent);
     ~CheckConnection() override;
 
-    /// The address looked for, compared exactly; may be changed while the thread runs.
+    /// The Producer's address, compared exactly; may be changed while the thread runs.
     void setWatchedAddress(const QString& address);
 
     /// Of every thread started from now on; a test shortens them.
@@ -26,17 +26,16 @@ public:
     static inline std::chrono::milliseconds checkPeriod{kCheckPeriod};
 
 public slots:
-    /// Also drops an announcement that is still on its way: there is none after the return.
-    /// To be called from the thread of this object.
+    /// Also drops a queued announcement, so that no signal follows. To be called on this object's
+    /// thread.
     void stop() override;
 
 signals:
-    /// The watched Producer is listed by discovery at this very moment. Comes on the thread of this
-    /// object, for checks made while that thread is busy only once, or not at all when it was busy
-    /// for longer than a second.
+    /// Discovery lists the watched Producer. Emitted on this object's thread; the checks made while
+    /// that thread is busy cause one signal, or none when it was busy for longer than a second.
     void serverAvailableAgain();
 
-    /// From the thread that runs: the watched Producer was listed at seenAt_.
+    /// Emitted on the running thread: the watched Producer was listed at seenAt_.
     void seen(QPrivateSignal);
 
 protected:

@@ -17,10 +17,10 @@ struct Pattern {
     QString imagePath;
 };
 
-/// Every text, picture path, size and colour of the interface, filled once at start-up and
-/// read-only from then on. Sizes are in device-independent pixels.
+/// The texts, picture paths, sizes and colours of the interface; filled once at start-up, read-only
+/// afterwards. Sizes in device-independent pixels.
 struct Configuration {
-    bool connected = false; ///< whether the window starts connected; always false
+    bool connected = false; ///< always false
 
     QString logoPath;
     QString applicationName; ///< shown by the banner while not connected
@@ -35,7 +35,7 @@ struct Configuration {
 
     QStringList visibilityImagesPath; ///< blinded, not blinded
 
-    // Tool bar of the mesh editor; pictures of a toggle come as off, on.
+    // Tool bar of the mesh editor; the pictures of a toggle are ordered off, on.
     QStringList buttonBackgroundImagesPath;
     QStringList toolTabImagesPath; ///< select, deform
     QSize toolTabImagesSize;
@@ -75,5 +75,5 @@ struct Configuration {
     QMargins listScrollMargins; ///< kept around the selected row when it is scrolled into view
 };
 
-/// The record as the application uses it.
+/// The one record that the application uses.
 Configuration makeConfiguration();

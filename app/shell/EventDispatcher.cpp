@@ -53,8 +53,8 @@ void EventDispatcher::removeListener(EventListener* listener, LV_NTC_EventType t
     if (dispatchDepth_ == 0) {
         queue.erase(found);
     } else {
-        *found = nullptr; // a loop in onEvent() may be counting on the positions
-        hasLeavers_ = true;
+        *found = nullptr; // erasing would move the positions that onEvent() iterates over
+        hasRemovedListeners_ = true;
     }
 }
 
@@ -69,21 +69,20 @@ void EventDispatcher::onEvent(Event* event) {
     if (type >= listeners_.size())
         return;
     ++dispatchDepth_;
-    // The queue is looked up anew each time: a listener may register for a type that makes the
-    // vector grow.
+    // Indexed anew each time, because a listener may register a type that makes the vector grow.
     const std::size_t count = listeners_[type].size();
     for (std::size_t i = 0; i < count; ++i)
         if (EventListener* listener = listeners_[type][i])
             listener->receive(event);
     --dispatchDepth_;
-    if (dispatchDepth_ == 0 && hasLeavers_)
-        removeLeavers();
+    if (dispatchDepth_ == 0 && hasRemovedListeners_)
+        eraseRemovedListeners();
 }
 
-void EventDispatcher::removeLeavers() {
+void EventDispatcher::eraseRemovedListeners() {
     for (auto& queue : listeners_)
         std::erase(queue, nullptr);
-    hasLeavers_ = false;
+    hasRemovedListeners_ = false;
 }
 
 void EventDispatcher::onDisconnected(int clientId) {

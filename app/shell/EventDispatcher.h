@@ -12,20 +12,20 @@
 
 class EventListener;
 
-/// The process's one connection to a Producer and its discovery service; hands every received event
-/// to the listeners of its type. Used on the GUI thread only, except for networkUtils().
+/// Owns the connection to the Producer and the discovery service, and passes each received event to
+/// the listeners of its type. GUI thread only, except for NetworkUtils::getAvailableServers().
 class EventDispatcher final : public QObject {
     Q_OBJECT
 
 public:
-    /// Created by the first call, which has to come from the GUI thread; lives until the process
+    /// The one instance, created by the first call, on the GUI thread; exists until the process
     /// ends.
     static EventDispatcher* getInstance();
 
-    /// Appends the listener to those of `type`; once only, however often it is called. The listener
-    /// is not owned and has to remove itself before it dies. Both operations may be used while an
-    /// event is being handed out: a listener that is added gets the next event, one that is removed
-    /// does not even get the current one any more.
+    /// Appends the listener to those of `type` unless it is registered already. It is not owned and
+    /// must be removed before it is destroyed; EventSubscription does both. Both may be called
+    /// during a dispatch: an added listener receives the next event, a removed one not even the
+    /// current event.
     void addListener(EventListener* listener, NetworkCompanion::LV_NTC_EventType type);
     void removeListener(EventListener* listener, NetworkCompanion::LV_NTC_EventType type);
 
@@ -33,7 +33,7 @@ public:
     NetworkCompanion::NetworkUtils& networkUtils() { return networkUtils_; }
 
 public slots:
-    /// Takes the event over and deletes it after the last listener. A null event, the sign of an
+    /// Takes ownership of the event and deletes it after the last listener. A null event, from an
     /// undecodable frame, is skipped.
     void onEventData(NetworkCompanion::eventData data);
     void onDisconnected(int clientId);
@@ -48,12 +48,12 @@ private:
     Q_DISABLE_COPY_MOVE(EventDispatcher)
 
     void onEvent(NetworkCompanion::Event* event);
-    void removeLeavers();
+    void eraseRemovedListeners();
 
-    /// By type. While an event is being handed out, a listener that left is a null entry.
+    /// Indexed by event type; a listener that is removed during a dispatch becomes null.
     std::vector<std::deque<EventListener*>> listeners_;
     int dispatchDepth_ = 0;
-    bool hasLeavers_ = false;
+    bool hasRemovedListeners_ = false;
     NetworkCompanion::CompanionClient client_;
     NetworkCompanion::NetworkUtils networkUtils_;
 };

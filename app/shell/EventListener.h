@@ -4,11 +4,11 @@ namespace NetworkCompanion {
 class Event;
 }
 
-/// Takes the events of the types it registered for with the EventDispatcher.
+/// Receives the events of the types for which it is registered with the EventDispatcher.
 class EventListener {
 public:
     virtual ~EventListener() = default;
 
-    /// Runs on the GUI thread. The event is the dispatcher's: it is neither kept nor deleted here.
+    /// Called on the GUI thread. The dispatcher owns the event and deletes it afterwards.
     virtual void receive(NetworkCompanion::Event* event) = 0;
 };

@@ -3,6 +3,6 @@
 class QPainter;
 class QRect;
 
-/// Draws the sign of the keyboard's focus just inside `rect`: a white line between two dark ones,
-/// seen on every colour and on every picture.
+/// Draws the focus ring just inside `rect`: a white line between two dark ones, visible on every
+/// colour and picture. `radius` is that of the corners, in device-independent pixels.
 void drawFocusRing(QPainter& painter, const QRect& rect, int radius);

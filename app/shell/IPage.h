@@ -6,7 +6,7 @@
 
 namespace Companion {
 
-/// The pages of the main window, by the order of their first appearance.
+/// The pages of the main window.
 enum class Page : int {
     None = 0,
     Connect = 1,
@@ -18,15 +18,14 @@ enum class Page : int {
 
 } // namespace Companion
 
-/// A page of the main window: can be locked when the connection is lost, and may take controller
-/// input.
+/// A page of the main window: can be locked and may handle controller input.
 class IPage : public QWidget {
     Q_OBJECT
 
 public:
     explicit IPage(QWidget* parent) : QWidget(parent) {}
 
-    /// Makes the page inert while the connection is lost.
+    /// Called when the connection is lost: the page ends what the operator is doing.
     virtual void lockPage() = 0;
 
 public slots:

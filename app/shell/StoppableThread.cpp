@@ -8,20 +8,19 @@ StoppableThread::~StoppableThread() {
 
 void StoppableThread::stop() {
     {
-        // Under the lock, so that the request cannot fall between the loop's look and its sleep.
+        // Locked, so that pause() cannot miss a request made between its check and its sleep.
         const std::lock_guard lock(mutex_);
         requestInterruption();
     }
     wake_.notify_all();
     wait();
-    // Whatever the thread did has happened before this, also for tools that cannot look into
-    // wait().
+    // Synchronises with run() for thread sanitizers, which do not see into wait().
     static_cast<void>(over_.load());
 }
 
 void StoppableThread::run() {
     loop();
-    over_.exchange(true); // takes over what an earlier run left behind
+    over_.exchange(true); // read and write, so that it also synchronises with earlier runs
 }
 
 bool StoppableThread::pause(std::chrono::milliseconds duration) {

@@ -7,7 +7,7 @@
 #include <condition_variable>
 #include <mutex>
 
-/// A thread whose loop pauses between rounds and can be ended at once, in the middle of a pause.
+/// A thread whose loop pauses between its iterations; stop() also ends a pause.
 class StoppableThread : public QThread {
     Q_OBJECT
 
@@ -16,16 +16,15 @@ public:
     ~StoppableThread() override;
 
 public slots:
-    /// Requests interruption, wakes the loop and waits until the thread is over. Takes no longer
-    /// than the round that is under way; does nothing while the thread is not running. A bare
-    /// requestInterruption() works too, but is noticed only at the end of a pause.
-    /// To be called from another thread than this one.
+    /// Requests interruption, ends the pause and waits until the thread has finished its current
+    /// iteration; does nothing while it is not running. requestInterruption() alone takes effect at
+    /// the end of the pause. Not to be called on the running thread.
     virtual void stop();
 
 protected:
-    /// What the thread does until pause() tells it to end.
+    /// The thread's work; returns when pause() returns false.
     virtual void loop() = 0;
-    /// Called by loop(): sleeps for `duration`. False as soon as interruption has been requested.
+    /// Sleeps for `duration`. Returns false, at once, when interruption is requested.
     bool pause(std::chrono::milliseconds duration);
 
     void run() final;

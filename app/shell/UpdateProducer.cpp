@@ -9,5 +9,5 @@ UpdateProducer::~UpdateProducer() {
 void UpdateProducer::loop() {
     while (pause(tickPeriod))
         emit updateProducer();
-    emit updateProducer(); // what came in since the last tick
+    emit updateProducer(); // for the moves since the last tick
 }

@@ -2,8 +2,8 @@
 
 #include "app/shell/StoppableThread.h"
 
-/// The tick of a drag: announces regularly that collected point moves are due to be sent.
-/// Started with start(), ended with stop() (at once) or requestInterruption() and wait().
+/// The timer of a drag: emits a signal each period so that the collected point moves are sent.
+/// Ended with stop() (at once) or requestInterruption() and wait().
 class UpdateProducer final : public StoppableThread {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ public:
     static inline std::chrono::milliseconds tickPeriod{kTickPeriod};
 
 signals:
-    /// From this thread: once a period, and exactly once more after the request to end.
+    /// Emitted on the running thread: once a period, and once more after the request to end.
     void updateProducer();
 
 protected:
