@@ -53,8 +53,6 @@ void ConnectPage::initConnectButton() {
     layout_.addWidget(connectButton_, kConnectButtonStretch, Qt::AlignCenter);
 }
 
-void ConnectPage::lockPage() {}
-
 void ConnectPage::purgeIp() {
     ipList_->purgeIp();
 }
@@ -66,15 +64,7 @@ void ConnectPage::onServerDiscovered(const QString& ip) {
     ipList_->addIP(ip);
 }
 
-void ConnectPage::onServerTimeouted(const QString& ip) {
-    forget(ip);
-}
-
-void ConnectPage::onServerDisconnected(const QString& ip) {
-    forget(ip);
-}
-
-void ConnectPage::forget(const QString& ip) {
+void ConnectPage::removeProducer(const QString& ip) {
     const auto known = std::find(knownIps_.begin(), knownIps_.end(), ip);
     if (known == knownIps_.end())
         return;

@@ -19,15 +19,15 @@ public:
     ConnectPage(const Configuration& configuration, QWidget* parent);
     ~ConnectPage() override;
 
-    void lockPage() override;
+    void lockPage() override {}
     /// Removes the buttons but keeps the addresses known: one is shown again only after discovery
     /// has dropped and rediscovered it.
     void purgeIp();
 
 public slots:
     void onServerDiscovered(const QString& ip);
-    void onServerTimeouted(const QString& ip);
-    void onServerDisconnected(const QString& ip);
+    void onServerTimeouted(const QString& ip) { removeProducer(ip); }
+    void onServerDisconnected(const QString& ip) { removeProducer(ip); }
     void onSelectedIpChanged(const QString& ip);
     void onConnectToProducer();
 
@@ -38,7 +38,7 @@ signals:
 private:
     void initIpList();
     void initConnectButton();
-    void forget(const QString& ip);
+    void removeProducer(const QString& ip);
 
     const Configuration& configuration_;
     std::vector<QString> knownIps_; // in order of discovery

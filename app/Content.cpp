@@ -79,23 +79,3 @@ void Content::purgeIp() {
 void Content::purgeMedia() {
     warpPage_->purgeMedia();
 }
-
-void Content::onMeshpadConnected() {
-    emit meshpadConnected();
-}
-
-void Content::onLeftAxisMoved(float x, float y) {
-    emit leftAxisMoved(x, y);
-}
-
-void Content::onRightAxisMoved(float x, float y) {
-    emit rightAxisMoved(x, y);
-}
-
-void Content::onPressure(float value) {
-    emit pressure(value);
-}
-
-void Content::onAction(Action action) {
-    emit this->action(action);
-}

@@ -12,7 +12,7 @@ class TestPatternPage;
 class WarpPage;
 
 /// The stack of pages below the banner. Controller input goes to the warp page, whichever page is
-/// shown.
+/// shown. Members marked API are not used by the application itself.
 class Content final : public QStackedWidget {
     Q_OBJECT
 
@@ -25,18 +25,19 @@ public:
     void setPage(Companion::Page page);
     void lockCurrentPage();
     /// See ConnectPage::purgeIp().
-    void purgeIp();
+    void purgeIp(); // API
     /// Empties the list of the Producer's items.
     void purgeMedia();
 
     [[nodiscard]] ConnectPage* connectPage() const { return connectPage_; }
 
 public slots:
-    void onMeshpadConnected();
-    void onLeftAxisMoved(float x, float y);
-    void onRightAxisMoved(float x, float y);
-    void onPressure(float value);
-    void onAction(Action action);
+    // Relays: each emits the signal of its name.
+    void onMeshpadConnected() { emit meshpadConnected(); }
+    void onLeftAxisMoved(float x, float y) { emit leftAxisMoved(x, y); }
+    void onRightAxisMoved(float x, float y) { emit rightAxisMoved(x, y); }
+    void onPressure(float value) { emit pressure(value); }
+    void onAction(Action value) { emit action(value); }
 
 signals:
     void meshpadConnected();

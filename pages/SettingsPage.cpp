@@ -105,17 +105,3 @@ void SettingsPage::onUsePointsCheckBoxStateChanged(int state) {
     shape_->setVisible(visible);
     sendNewSettings();
 }
-
-void SettingsPage::onPointsColorChanged(int index) const {
-    Q_UNUSED(index)
-    sendNewSettings();
-}
-
-void SettingsPage::onPointsShapeChanged(int index) const {
-    Q_UNUSED(index)
-    sendNewSettings();
-}
-
-void SettingsPage::onMeshpadConnected() const {
-    sendNewSettings();
-}

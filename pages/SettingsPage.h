@@ -25,9 +25,10 @@ public:
 
 public slots:
     void onUsePointsCheckBoxStateChanged(int state);
-    void onPointsColorChanged(int index) const;
-    void onPointsShapeChanged(int index) const;
-    void onMeshpadConnected() const;
+    // Relays: each calls sendNewSettings().
+    void onPointsColorChanged(int /*index*/) const { sendNewSettings(); }
+    void onPointsShapeChanged(int /*index*/) const { sendNewSettings(); }
+    void onMeshpadConnected() const { sendNewSettings(); }
 
 protected:
     bool event(QEvent* event) override;

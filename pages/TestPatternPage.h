@@ -13,6 +13,7 @@ struct Configuration;
 class TestPatternButton;
 
 /// Sends the test pattern that the operator chooses, and marks the one that the Producer reports.
+/// Members marked API are not used by the application itself.
 class TestPatternPage final : public ControlPage, public EventListener {
     Q_OBJECT
 
@@ -31,7 +32,7 @@ public slots:
     void onButtonPressed(int id);
 
 signals:
-    void buttonClicked(int id);
+    void buttonClicked(int id); // API
 
 private:
     void initTestPatternButtons();

@@ -18,7 +18,8 @@ struct Pattern {
 };
 
 /// The texts, picture paths, sizes and colours of the interface; filled once at start-up, read-only
-/// afterwards. Sizes in device-independent pixels.
+/// afterwards. Sizes in device-independent pixels. Members marked API are not used by the
+/// application itself.
 struct Configuration {
     bool connected = false; ///< always false
 
@@ -71,7 +72,7 @@ struct Configuration {
     QSize dialogButtonSize;
     QSize comboBoxSize;
     QString canvasPath;         ///< URL of the scene document
-    QStringList itemKindLabels; ///< by kind of item
+    QStringList itemKindLabels; // API
     QMargins listScrollMargins; ///< kept around the selected row when it is scrolled into view
 };
 
