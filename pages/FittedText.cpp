@@ -2,15 +2,11 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QTextBoundaryFinder>
-
-#include <algorithm>
 
 namespace {
 
 /// Allows a line break after an underscore, because names are often file names.
 constexpr QStringView kBreakableUnderscore = u"_\u200b";
-constexpr QChar kEllipsis = u'\u2026';
 
 } // namespace
 
@@ -59,7 +55,7 @@ bool FittedText::layOut(const QFont& font, QTextOption::WrapMode wrapMode) {
 }
 
 void FittedText::elide() {
-    int last = 0; // of the lines that there is room for
+    int last = 0; // the last line that fits
     while (last + 1 < layout_.lineCount() &&
            layout_.lineAt(last + 1).rect().bottom() <= box_.height())
         ++last;
@@ -68,18 +64,9 @@ void FittedText::elide() {
     const QString end =
         QFontMetricsF(layout_.font()).elidedText(text.mid(start), Qt::ElideRight, box_.width());
     elided_ = end != text.mid(start);
-    layout_.setText(text.left(start) + end);
-    if (layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere))
-        return;
-    // Ended, the line may wrap elsewhere or be higher: letters go until it fits.
-    elided_ = true;
-    QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, text);
-    letters.setPosition(std::min(text.size(), start + end.size()));
-    do {
-        letters.toPreviousBoundary();
-        layout_.setText(text.left(std::max<qsizetype>(letters.position(), 0)) + kEllipsis);
-    } while (!layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere) &&
-             letters.position() > 0);
+    // The separator keeps the shortened end from moving up to the line before.
+    layout_.setText(last == 0 ? end : text.left(start) + QChar(QChar::LineSeparator) + end);
+    static_cast<void>(layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere));
 }
 
 void FittedText::draw(QPainter& painter, const QRect& area) const {
