@@ -72,6 +72,7 @@ public:
     /// `size` is in ten-thousandths of the distance from the centre to either end.
     virtual ControllerResult setDeadZone(std::uint32_t axisOffset, std::uint32_t size) = 0;
 
+    /// Fails if the device is not plugged in any more.
     virtual ControllerResult acquire() = 0;
     virtual ControllerResult unacquire() = 0;
     virtual ControllerResult poll() = 0;

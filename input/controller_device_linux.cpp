@@ -320,7 +320,7 @@ public:
         return controllers;
     }
 
-    bool announcesChange(const QByteArray& /*eventType*/, void* /*message*/) const override {
+    bool announcesChange(const QByteArray& /*eventType*/, void* /*message*/) override {
         return false;
     }
 

@@ -62,7 +62,9 @@ Property propertyOf(DWORD object, DWORD how) {
 
 class DirectInputDevice : public ControllerDevice {
 public:
-    explicit DirectInputDevice(DevicePointer device) : device_(std::move(device)) {}
+    /// `directInput` must outlive the device.
+    DirectInputDevice(IDirectInput8W* directInput, const GUID& id, DevicePointer device)
+        : directInput_(directInput), id_(id), device_(std::move(device)) {}
 
     ControllerResult setDataFormat() override {
         return resultOf(device_->SetDataFormat(&c_dfDIJoystick));
@@ -89,7 +91,14 @@ public:
         return resultOf(device_->SetProperty(DIPROP_DEADZONE, &property.diph));
     }
 
-    ControllerResult acquire() override { return resultOf(device_->Acquire()); }
+    /// Checks the presence first, because a device object may acquire the successor of its device
+    /// and stay silent.
+    ControllerResult acquire() override {
+        if (directInput_->GetDeviceStatus(id_) != DI_OK)
+            return ControllerResult::Failed;
+        return resultOf(device_->Acquire());
+    }
+
     ControllerResult unacquire() override { return resultOf(device_->Unacquire()); }
     ControllerResult poll() override { return resultOf(device_->Poll()); }
 
@@ -119,6 +128,8 @@ public:
     }
 
 private:
+    IDirectInput8W* directInput_;
+    GUID id_;
     DevicePointer device_;
 };
 
@@ -137,6 +148,7 @@ public:
     }
 
     std::optional<std::vector<AttachedController>> attachedControllers() override {
+        changed_ = false;
         Enumeration enumeration{directInput_.get(), {}};
         if (FAILED(directInput_->EnumDevices(DI8DEVCLASS_GAMECTRL, &DirectInputSystem::visit,
                                              &enumeration, DIEDFL_ATTACHEDONLY)))
@@ -144,17 +156,20 @@ public:
         return std::move(enumeration.controllers);
     }
 
-    bool announcesChange(const QByteArray& eventType, void* message) const override {
+    bool announcesChange(const QByteArray& eventType, void* message) override {
         if (eventType != "windows_generic_MSG")
             return false;
         const MSG* native = static_cast<const MSG*>(message);
-        return native->message == WM_DEVICECHANGE &&
-               (native->wParam == DBT_DEVICEARRIVAL || native->wParam == DBT_DEVICEREMOVECOMPLETE ||
-                native->wParam == DBT_DEVNODES_CHANGED);
+        const bool announces =
+            native->message == WM_DEVICECHANGE &&
+            (native->wParam == DBT_DEVICEARRIVAL || native->wParam == DBT_DEVICEREMOVECOMPLETE ||
+             native->wParam == DBT_DEVNODES_CHANGED);
+        changed_ = changed_ || announces;
+        return announces;
     }
 
     std::chrono::milliseconds checkPeriod() const override { return std::chrono::milliseconds(0); }
-    bool attachedChanged() override { return false; }
+    bool attachedChanged() override { return std::exchange(changed_, false); }
 
 private:
     struct Enumeration {
@@ -177,10 +192,11 @@ private:
         IDirectInputDevice8W* device = nullptr;
         if (FAILED(directInput->CreateDevice(id, &device, nullptr)))
             return nullptr;
-        return std::make_unique<DirectInputDevice>(DevicePointer(device));
+        return std::make_unique<DirectInputDevice>(directInput, id, DevicePointer(device));
     }
 
     DirectInputPointer directInput_;
+    bool changed_ = false; ///< a message announced a change since the last enumeration
 };
 
 } // namespace

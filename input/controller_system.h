@@ -33,13 +33,14 @@ public:
     virtual std::optional<std::vector<AttachedController>> attachedControllers() = 0;
 
     /// Whether the native message reports that a controller may have been plugged in or removed.
-    virtual bool announcesChange(const QByteArray& eventType, void* message) const = 0;
+    virtual bool announcesChange(const QByteArray& eventType, void* message) = 0;
 
     /// The interval at which to poll attachedChanged() while no controller is in use; zero on a
     /// platform that announces changes by native messages.
     virtual std::chrono::milliseconds checkPeriod() const = 0;
 
-    /// Whether controllers were plugged in or removed since the previous call.
+    /// Whether controllers were plugged in or removed since the previous call of this function or
+    /// of attachedControllers().
     virtual bool attachedChanged() = 0;
 
     /// The implementation for the platform of this build.

@@ -106,10 +106,8 @@ GamepadInputManager::~GamepadInputManager() {
 
 bool GamepadInputManager::nativeEventFilter(const QByteArray& eventType, void* message,
                                             qintptr* /*result*/) {
-    if (system_->announcesChange(eventType, message)) {
-        changeMissed_ = device_ != nullptr;
+    if (system_->announcesChange(eventType, message))
         discoverAvailableDevices();
-    }
     return false;
 }
 
@@ -122,12 +120,12 @@ void GamepadInputManager::discoverAvailableDevices() {
     } else {
         for (const AttachedController& controller : *controllers)
             if (discoverVisitDevice(controller))
-                break;
+                return;
     }
-    updateCheckTimer();
+    setState(State::NoDevice);
 }
 
-/// Whether the controller is now the one in use.
+/// Whether the controller is now in use.
 bool GamepadInputManager::discoverVisitDevice(const AttachedController& controller) {
     device_ = controller.create();
     if (!device_) {
@@ -147,7 +145,6 @@ bool GamepadInputManager::configureAndAcquireDevice() {
         axes_[i].range = {};
         const ControllerResult result = device_->range(kAxisTraits[i].offset, axes_[i].range);
         axes_[i].present = succeeded(result);
-        axes_[i].known = axes_[i].value != 0;
         if (!axes_[i].present && result != ControllerResult::NoSuchInput)
             return false;
     }
@@ -160,16 +157,9 @@ bool GamepadInputManager::configureAndAcquireDevice() {
     }
     if (!succeeded(device_->acquire()))
         return false;
-    initGamepadState();
-    startActiveTimer();
+    // The first poll reports held buttons, because listeners connect after the constructor.
+    setState(State::OutOfSync);
     return true;
-}
-
-/// What is held already is told at the next poll: whoever has just made this object could not hear
-/// it yet, and nothing is to be told without the focus.
-void GamepadInputManager::initGamepadState() {
-    recordInputLost(device_->poll());
-    stateWanted_ = true;
 }
 
 void GamepadInputManager::deinitGamepad() {
@@ -180,58 +170,54 @@ void GamepadInputManager::deinitGamepad() {
             qDebug("Released gamepad");
         device_.reset();
     }
-    stopActiveTimer();
-    inputLost_ = stateWanted_ = false;
+    setState(State::NoDevice);
     releaseAll();
 }
 
 void GamepadInputManager::onFocusGained() {
-    focused_ = true;
-    if (!device_ || timerId_ != kNoTimer)
+    if (std::exchange(focused_, true))
         return;
-    dropRecords();
-    stateWanted_ = true;
-    startActiveTimer();
+    setState(state_ == State::InSync ? State::OutOfSync : state_);
+    if (state_ == State::OutOfSync)
+        discardRecords();
 }
 
-/// Sticks come to rest at this moment, as nobody would tell later that they have. Buttons stay held
-/// until they are seen to be up, so that none acts a second time for being held across the break.
+/// Centres the sticks, because their return would not be reported without the focus. Buttons stay
+/// held until a poll sees them released, so that a held button is not pressed a second time.
 void GamepadInputManager::onFocusLost() {
     focused_ = false;
-    stopActiveTimer();
+    setState(state_);
     centreSticks();
 }
 
+/// The only function that changes the state and the timers, which depend on it.
+void GamepadInputManager::setState(State state) {
+    state_ = state;
+    if (focused_ && state != State::NoDevice)
+        startActiveTimer();
+    else
+        stopActiveTimer();
+    if (state != State::NoDevice || !system_ || system_->checkPeriod().count() == 0)
+        checkTimer_.stop();
+    else if (!checkTimer_.isActive())
+        checkTimer_.start(static_cast<int>(system_->checkPeriod().count()), this);
+}
+
 void GamepadInputManager::startActiveTimer() {
-    // A controller that is plugged in while another application is in front waits for the focus.
-    if (timerId_ == kNoTimer && focused_)
+    if (timerId_ == kNoTimer)
         timerId_ = startTimer(kPollPeriodMs, Qt::PreciseTimer);
 }
 
 void GamepadInputManager::stopActiveTimer() {
-    if (timerId_ == kNoTimer)
-        return;
-    killTimer(timerId_);
-    timerId_ = kNoTimer;
-}
-
-void GamepadInputManager::updateCheckTimer() {
-    const bool needed = !device_ && system_->checkPeriod().count() > 0;
-    if (needed == (checkTimerId_ != kNoTimer))
-        return;
-    if (needed) {
-        checkTimerId_ = startTimer(system_->checkPeriod(), Qt::CoarseTimer);
-    } else {
-        killTimer(checkTimerId_);
-        checkTimerId_ = kNoTimer;
-    }
+    if (timerId_ != kNoTimer)
+        killTimer(std::exchange(timerId_, kNoTimer));
 }
 
 void GamepadInputManager::timerEvent(QTimerEvent* event) {
     if (event->timerId() == timerId_) {
         event->accept();
         readDeviceDataAndUpdate();
-    } else if (event->timerId() == checkTimerId_) {
+    } else if (event->timerId() == checkTimer_.timerId()) {
         event->accept();
         if (system_->attachedChanged())
             discoverAvailableDevices();
@@ -241,27 +227,19 @@ void GamepadInputManager::timerEvent(QTimerEvent* event) {
 }
 
 void GamepadInputManager::readDeviceDataAndUpdate() {
-    switch (inputLost_ ? ControllerResult::InputLost : device_->poll()) {
+    switch (state_ == State::InputLost ? ControllerResult::InputLost : device_->poll()) {
     case ControllerResult::Ok:
     case ControllerResult::NoEffect:
     case ControllerResult::BufferOverflow:
         break;
-    case ControllerResult::InputLost: {
-        inputLost_ = false;
-        const bool recovered = succeeded(device_->setDataFormat()) && configureAndAcquireDevice();
-        if (!recovered)
-            qDebug("Failed to reconfigure device after loosing it.");
-        // Another one may be in its place since it was last heard of. A device that is then taken
-        // for the old one can be acquired, but stays silent.
-        const bool replaced = std::exchange(changeMissed_, false);
-        if (recovered && !replaced)
+    case ControllerResult::InputLost:
+        if (succeeded(device_->setDataFormat()) && configureAndAcquireDevice())
             break;
+        qDebug("Failed to reconfigure device after loosing it.");
         deinitGamepad();
-        if (replaced || system_->attachedChanged())
+        if (system_->attachedChanged())
             discoverAvailableDevices();
-        updateCheckTimer();
         return;
-    }
     case ControllerResult::NotAcquired:
         qDebug("Device is not acquired!");
         return;
@@ -270,12 +248,41 @@ void GamepadInputManager::readDeviceDataAndUpdate() {
         qWarning("Got error while polling gamepad data");
         return;
     }
-    if (std::exchange(stateWanted_, false))
-        catchUpWithState();
-    if (!isReading())
-        return;
+    if (state_ == State::OutOfSync)
+        initGamepadState();
+    if (isInSync())
+        processRecords();
+    if (isInSync())
+        reportMovement();
+}
 
-    std::array<ControllerRecord, ControllerDevice::kBufferSize> records;
+/// False also after a slot of an emitted signal has removed the focus or the device.
+bool GamepadInputManager::isInSync() const {
+    return focused_ && state_ == State::InSync;
+}
+
+/// A device reports a loss only once, in any call, so the state keeps it for the next poll.
+ControllerResult GamepadInputManager::recordInputLost(ControllerResult result) {
+    if (result == ControllerResult::InputLost)
+        setState(State::InputLost);
+    return result;
+}
+
+/// Discards the buffered records, except that it notes which axes reported.
+void GamepadInputManager::discardRecords() {
+    Records records;
+    std::size_t count = records.size();
+    ControllerResult result = recordInputLost(device_->poll());
+    while (succeeded(result) && count == records.size()) {
+        result = recordInputLost(device_->bufferedData(records, count));
+        for (std::size_t i = 0; i < count; ++i)
+            if (const auto axis = axisAt(records[i].offset))
+                markReported(*axis);
+    }
+}
+
+void GamepadInputManager::processRecords() {
+    Records records;
     std::size_t count = 0;
     const ControllerResult result = recordInputLost(device_->bufferedData(records, count));
     if (!succeeded(result)) {
@@ -285,127 +292,80 @@ void GamepadInputManager::readDeviceDataAndUpdate() {
     const bool overflowed = result == ControllerResult::BufferOverflow;
     if (overflowed)
         qWarning("Input buffer overflowed, some imputs may have been lost.");
-    for (std::size_t i = 0; i < count && isReading(); ++i)
+    for (std::size_t i = 0; i < count && isInSync(); ++i)
         processRecord(records[i]);
-    if (overflowed) {
-        for (Axis& axis : axes_)
-            axis.mayHaveMoved = true;
-        catchUpWithState();
-    }
-    if (isReading())
-        reportMovement();
+    if (overflowed && isInSync())
+        initGamepadState();
 }
 
-/// Whoever is told of an input may take the focus away or let an unplugged controller go.
-bool GamepadInputManager::isReading() const {
-    return device_ && timerId_ != kNoTimer && !inputLost_;
-}
-
-/// A loss is told once, by whichever call comes first; the next poll has to know of it.
-ControllerResult GamepadInputManager::recordInputLost(ControllerResult result) {
-    if (result == ControllerResult::InputLost)
-        inputLost_ = true;
-    return result;
-}
-
-/// Forgets what was done while nobody was meant to see it.
-void GamepadInputManager::dropRecords() {
-    recordInputLost(device_->poll());
-    std::array<ControllerRecord, ControllerDevice::kBufferSize> records;
-    std::size_t count = records.size();
-    while (!inputLost_ && count == records.size()) {
-        const ControllerResult result = recordInputLost(device_->bufferedData(records, count));
-        if (!succeeded(result))
-            return;
-        for (std::size_t i = 0; i < kAxisCount; ++i) {
-            axes_[i].mayHaveMoved =
-                axes_[i].mayHaveMoved || result == ControllerResult::BufferOverflow;
-            axes_[i].known =
-                axes_[i].known ||
-                std::any_of(records.begin(), records.begin() + static_cast<std::ptrdiff_t>(count),
-                            [&](const ControllerRecord& record) {
-                                return record.offset == kAxisTraits[i].offset;
-                            });
-        }
-    }
-}
-
-/// Takes over what the device's records did not tell, so that no button stays held and no stick
-/// stays pushed that is not. A device may not know an axis before it has moved, so one that never
-/// has is believed to be at rest. So is one whose record may have been lost, if it stands where a
-/// trigger rests, at an end of its range.
-void GamepadInputManager::catchUpWithState() {
+/// Takes the device's whole state. Axes that never reported stay centred, because a device may not
+/// know their positions.
+void GamepadInputManager::initGamepadState() {
     ControllerState state;
-    if (!isReading() || !succeeded(recordInputLost(device_->state(state))))
+    const ControllerResult result = recordInputLost(device_->state(state));
+    if (state_ == State::InputLost)
         return;
-    for (std::size_t i = 0; i < kAxisCount; ++i) {
-        Axis& axis = axes_[i];
-        const std::int32_t position = state.axes[i];
-        const bool mayBeTriggerAtRest =
-            i != X && i != Y && (position == axis.range.min || position == axis.range.max);
-        axis.known = axis.known || (axis.mayHaveMoved && !mayBeTriggerAtRest);
-        axis.mayHaveMoved = false;
-    }
-    if (axes_[Z].known || axes_[Rz].known) {
-        axes_[Z].known = axes_[Rz].known = true;
-        triggersAligned_ = true;
-    }
+    setState(State::InSync);
+    if (!succeeded(result))
+        return;
     for (std::size_t i = 0; i < kAxisCount; ++i)
-        if (axes_[i].known && axes_[i].present)
+        if (axes_[i].present && axes_[i].reported)
             updateAxis(static_cast<AxisIndex>(i), static_cast<std::uint32_t>(state.axes[i]));
-    for (std::size_t i = 0; i < kMappedButtons && isReading(); ++i)
+    for (std::size_t i = 0; i < kMappedButtons && isInSync(); ++i)
         updateButton(i, state.buttons[i]);
-    if (isReading())
+    if (isInSync())
         updateHat(state.hat);
 }
 
 void GamepadInputManager::processRecord(const ControllerRecord& record) {
-    switch (record.offset) {
-    case ControllerOffset::kX:
-        updateAxis(X, record.data);
-        return;
-    case ControllerOffset::kY:
-        updateAxis(Y, record.data);
-        return;
-    case ControllerOffset::kRx:
-        updateAxis(Rx, record.data);
-        return;
-    case ControllerOffset::kRy:
-        updateAxis(Ry, record.data);
-        return;
-    case ControllerOffset::kZ:
-        alignTriggers();
-        updateAxis(Z, record.data);
-        return;
-    case ControllerOffset::kRz:
-        alignTriggers();
-        updateAxis(Rz, record.data);
-        return;
-    case ControllerOffset::kHat:
+    using namespace ControllerOffset;
+    if (const auto axis = axisAt(record.offset)) {
+        const bool triggersReported = axes_[Z].reported;
+        markReported(*axis);
+        if (axes_[Z].reported != triggersReported)
+            readTriggers();
+        updateAxis(*axis, record.data);
+    } else if (record.offset == kHat) {
         updateHat(record.data);
-        return;
-    case ControllerOffset::button(8):
+    } else if (record.offset >= kButton0 && record.offset < button(kMappedButtons)) {
+        updateButton(record.offset - kButton0, (record.data & ControllerDevice::kButtonDown) != 0);
+    } else if (record.offset == button(8)) {
         qDebug("TODO-JOYSTICK DIJOFS_BUTTON(8) --> %lu", printable(record.data));
-        return;
-    case ControllerOffset::button(9):
+    } else if (record.offset == button(9)) {
         qDebug("TODO-JOYSTICK DIJOFS_BUTTON(9) --> %lu", printable(record.data));
-        return;
-    default:
-        break;
+    } else {
+        qDebug("Ignoring unknown input: %lu -> %lu", printable(record.offset),
+               printable(record.data));
     }
-    if (record.offset >= ControllerOffset::kButton0 &&
-        record.offset < ControllerOffset::button(kMappedButtons)) {
-        updateButton(record.offset - ControllerOffset::kButton0,
-                     (record.data & ControllerDevice::kButtonDown) != 0);
+}
+
+std::optional<GamepadInputManager::AxisIndex> GamepadInputManager::axisAt(std::uint32_t offset) {
+    for (std::size_t i = 0; i < kAxisCount; ++i)
+        if (kAxisTraits[i].offset == offset)
+            return static_cast<AxisIndex>(i);
+    return std::nullopt;
+}
+
+/// A report of one trigger counts for both, because separate triggers rest at opposite ends and
+/// cancel each other only if both positions are known.
+void GamepadInputManager::markReported(AxisIndex axis) {
+    axes_[axis].reported = true;
+    if (axis == Z || axis == Rz)
+        axes_[Z].reported = axes_[Rz].reported = true;
+}
+
+void GamepadInputManager::readTriggers() {
+    ControllerState state;
+    if (!axes_[Z].present || !axes_[Rz].present ||
+        !succeeded(recordInputLost(device_->state(state))))
         return;
-    }
-    qDebug("Ignoring unknown input: %lu -> %lu", printable(record.offset), printable(record.data));
+    for (const AxisIndex trigger : {Z, Rz})
+        updateAxis(trigger, static_cast<std::uint32_t>(state.axes[trigger]));
 }
 
 void GamepadInputManager::updateAxis(AxisIndex axis, std::uint32_t data) {
     const AxisTraits& traits = kAxisTraits[axis];
     Axis& current = axes_[axis];
-    current.known = true;
     const float before = current.value;
     current.value = remapAnalogValue(data, current.range, traits.outMin, traits.outMax);
     if (before == 0 || current.value != 0)
@@ -414,21 +374,6 @@ void GamepadInputManager::updateAxis(AxisIndex axis, std::uint32_t data) {
         leftStickCentred_ = true;
     else if (axis == Rx || axis == Ry)
         rightStickCentred_ = true;
-}
-
-/// Two triggers with an axis each rest at opposite ends and cancel each other only when both are
-/// known; but a trigger that has never moved gives no record. So when the first of the two moves,
-/// the device is asked for the other.
-void GamepadInputManager::alignTriggers() {
-    if (triggersAligned_ || !device_)
-        return;
-    ControllerState state;
-    if (axes_[Z].present && axes_[Rz].present &&
-        succeeded(recordInputLost(device_->state(state)))) {
-        updateAxis(Z, static_cast<std::uint32_t>(state.axes[Z]));
-        updateAxis(Rz, static_cast<std::uint32_t>(state.axes[Rz]));
-    }
-    triggersAligned_ = true;
 }
 
 void GamepadInputManager::updateHat(std::uint32_t data) {
@@ -468,16 +413,15 @@ void GamepadInputManager::reportMovement() {
         emit pressure(triggers);
 }
 
-/// A controller that is gone holds nothing any more: what it held is released and its sticks are
-/// centred, so that neither a later combination nor a later controller inherits them.
+/// Releases the buttons and centres the sticks of a removed controller, so that neither a later
+/// combination nor a later controller includes them.
 void GamepadInputManager::releaseAll() {
     for (std::size_t i = 0; i < kMappedButtons; ++i)
         updateButton(i, false);
     updateHat(ControllerDevice::kHatCentred);
     centreSticks();
     for (Axis& axis : axes_)
-        axis.known = false;
-    triggersAligned_ = false;
+        axis.reported = false;
 }
 
 void GamepadInputManager::centreSticks() {

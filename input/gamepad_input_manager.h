@@ -4,6 +4,7 @@
 #include "input/gamepad_button.h"
 
 #include <QAbstractNativeEventFilter>
+#include <QBasicTimer>
 #include <QObject>
 
 #include <array>
@@ -25,7 +26,7 @@ public:
                                  QObject* parent = nullptr);
     ~GamepadInputManager() override;
 
-    bool isGamepadConnected() const { return device_ != nullptr; }
+    bool isGamepadConnected() const { return device_ != nullptr; } // API
 
     /// Starts a discovery if the message announces a controller. Always returns false.
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
@@ -58,14 +59,22 @@ private:
     static constexpr std::size_t kMappedButtons = 8;
 
     enum AxisIndex : std::size_t { X, Y, Z, Rx, Ry, Rz, kAxisCount };
+    using Records = std::array<ControllerRecord, ControllerDevice::kBufferSize>;
 
-    /// One axis as the device in use has it, and where it stands after remapping.
+    /// Determines what the next poll does.
+    enum class State {
+        NoDevice,
+        OutOfSync, ///< takes the device's whole state before it processes records
+        InSync,    ///< processes the records
+        InputLost  ///< acquires the device again
+    };
+
+    /// One axis of the device in use.
     struct Axis {
         bool present = false;
-        bool known = false;        ///< the device has told where it is
-        bool mayHaveMoved = false; ///< it may have told, but the record was lost
+        bool reported = false; ///< the device has sent a record of it
         AnalogRange range;
-        float value = 0;
+        float value = 0; ///< after remapping
     };
 
     void discoverAvailableDevices();
@@ -74,37 +83,36 @@ private:
     void initGamepadState();
     void deinitGamepad();
 
+    void setState(State state);
     void startActiveTimer();
     void stopActiveTimer();
-    void updateCheckTimer();
 
     void readDeviceDataAndUpdate();
-    bool isReading() const;
+    bool isInSync() const;
     ControllerResult recordInputLost(ControllerResult result);
-    void dropRecords();
-    void catchUpWithState();
+    void discardRecords();
+    void processRecords();
     void processRecord(const ControllerRecord& record);
+    static std::optional<AxisIndex> axisAt(std::uint32_t offset);
+    void markReported(AxisIndex axis);
+    void readTriggers();
     void updateAxis(AxisIndex axis, std::uint32_t data);
-    void alignTriggers();
     void updateHat(std::uint32_t data);
     void updateButton(std::size_t index, bool down);
     void reportMovement();
     void releaseAll();
     void centreSticks();
 
-    std::unique_ptr<ControllerSystem> system_; ///< null when the platform's interface did not open
+    std::unique_ptr<ControllerSystem> system_; ///< null if the platform's interface did not open
     std::unique_ptr<ControllerDevice> device_; ///< the controller in use
-    int timerId_ = kNoTimer;
-    int checkTimerId_ = kNoTimer;
+    State state_ = State::NoDevice;
     bool focused_ = true;
-    bool inputLost_ = false;    ///< told by another call than a poll
-    bool stateWanted_ = false;  ///< the next poll tells what is held and where the sticks are
-    bool changeMissed_ = false; ///< controllers came or went while one was in use
+    int timerId_ = kNoTimer; ///< polls the device
+    QBasicTimer checkTimer_; ///< checks for a new controller
 
     std::array<Axis, kAxisCount> axes_;
-    bool triggersAligned_ = false;
-    bool leftStickCentred_ = false;  ///< came back to 0 since movement was last reported
-    bool rightStickCentred_ = false; ///< likewise
+    bool leftStickCentred_ = false;  ///< returned to 0 since the last reportMovement()
+    bool rightStickCentred_ = false; ///< returned to 0 since the last reportMovement()
     std::array<bool, kMappedButtons> heldButtons_{};
     GamepadButton povButton_ = GamepadButton::LeftDPad_Top;
     bool povHeld_ = false;

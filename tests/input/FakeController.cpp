@@ -103,7 +103,7 @@ public:
         return controllers;
     }
 
-    bool announcesChange(const QByteArray& eventType, void* /*message*/) const override {
+    bool announcesChange(const QByteArray& eventType, void* /*message*/) override {
         return eventType == kFakeChangeMessage;
     }
 

@@ -28,7 +28,7 @@ public:
         ++looks_;
         return real_->attachedControllers();
     }
-    bool announcesChange(const QByteArray& eventType, void* message) const override {
+    bool announcesChange(const QByteArray& eventType, void* message) override {
         return real_->announcesChange(eventType, message);
     }
     std::chrono::milliseconds checkPeriod() const override { return real_->checkPeriod(); }
@@ -42,7 +42,7 @@ private:
 /// Whether Windows has told since that controllers have come or gone.
 class ChangeListener : public QAbstractNativeEventFilter {
 public:
-    explicit ChangeListener(const ControllerSystem& system) : system_(system) {
+    explicit ChangeListener(ControllerSystem& system) : system_(system) {
         QCoreApplication::instance()->installNativeEventFilter(this);
     }
 
@@ -53,7 +53,7 @@ public:
     bool heard() const { return heard_; }
 
 private:
-    const ControllerSystem& system_;
+    ControllerSystem& system_;
     bool heard_ = false;
 };
 

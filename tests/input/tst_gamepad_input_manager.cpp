@@ -403,14 +403,13 @@ void TestGamepadInputManager::restsWhileTheFocusIsAway() {
     QVERIFY(pad_->records.empty());
 }
 
-/// The old one can be acquired as if it were still there.
 void TestGamepadInputManager::swappedWhileTheFocusIsAway() {
     start();
     manager_->onFocusLost();
-    pad_->pollResult = ControllerResult::InputLost;
+    loseForGood();
     pads_.pads.clear();
-    announceChange();
     pad_ = pads_.plugIn("Other");
+    pads_.changed = true;
     announceChange();
     messages_->expect(QtDebugMsg, "Found device 'Other'");
     manager_->onFocusGained();
