@@ -1,7 +1,5 @@
 #include "network/CompanionClient.h"
 
-#include "network/events/ProtocolLimits.h"
-
 #include <QMetaMethod>
 #include <QPointer>
 
@@ -51,11 +49,6 @@ bool CompanionClient::isConnected() const {
 }
 
 bool CompanionClient::sendEvent(Event& event) {
-    if (transport_.unsentBytes() > Limits::kMaxUnsentBytes) {
-        qWarning("The Producer leaves too much unread, disconnected");
-        transport_.abandon();
-        return false;
-    }
     return transport_.write(event);
 }
 

@@ -22,8 +22,7 @@ public:
     /// Blocks until the connection is closed, at most 30 s. False after the 30 s.
     bool disconnectFromServer();
     bool isConnected() const;
-    /// False without a log line when not connected. Disconnects, with a warning, a Producer that
-    /// leaves more than Limits::kMaxUnsentBytes unread.
+    /// As TCPTransportSocket::write().
     bool sendEvent(Event& event);
 
 signals:

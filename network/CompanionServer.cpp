@@ -1,7 +1,6 @@
 #include "network/CompanionServer.h"
 
 #include "network/TcpTransportSocket.h"
-#include "network/events/ProtocolLimits.h"
 
 #include <QMetaMethod>
 #include <QPointer>
@@ -49,22 +48,13 @@ QHostAddress CompanionServer::companionAddress(int companionId) const {
 
 bool CompanionServer::send(int companionId, Event& event) {
     const auto found = companions_.find(companionId);
-    if (found == companions_.end())
-        return false;
-    TCPTransportSocket* transport = found->second;
-    if (transport->unsentBytes() > Limits::kMaxUnsentBytes) {
-        qWarning("Companion %d leaves too much unread, disconnected", companionId);
-        forget(companionId);
-        return false;
-    }
-    return transport->write(event);
+    return found != companions_.end() && found->second->write(event);
 }
 
 void CompanionServer::sendToAll(Event& event, int exceptCompanionId) {
-    const QPointer<CompanionServer> alive(this);
-    for (const int id : companionIds())
-        if (alive && id != exceptCompanionId)
-            send(id, event);
+    for (const auto& [id, transport] : companions_)
+        if (id != exceptCompanionId)
+            transport->write(event);
 }
 
 void CompanionServer::disconnectCompanion(int companionId) {

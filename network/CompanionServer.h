@@ -32,8 +32,7 @@ public:
     QList<int> companionIds() const;
     /// Null for an unknown id.
     QHostAddress companionAddress(int companionId) const;
-    /// False for an unknown id. Disconnects, with a warning, a companion that leaves more than
-    /// Limits::kMaxUnsentBytes unread, and returns false.
+    /// As TCPTransportSocket::write(); false for an unknown id.
     bool send(int companionId, Event& event);
     void sendToAll(Event& event, int exceptCompanionId = -1);
     /// Events sent before are still delivered. Ignores unknown ids.

@@ -2,24 +2,20 @@
 
 #include "network/KeepAlive.h"
 #include "network/LVNtc.h"
-#include "network/events/ItemDataEvent.h"
 #include "network/events/ProtocolLimits.h"
 
 #include <QDeadlineTimer>
 #include <QMetaMethod>
 #include <QNetworkProxy>
 #include <QPointer>
-#include <QSignalBlocker>
-#include <QtEndian>
 
-#include <cstring>
+#include <algorithm>
 #include <utility>
 
 namespace NetworkCompanion {
 
 namespace {
 
-constexpr int kLengthSize = 4;
 constexpr unsigned long kKeepAliveInterval = 200; // ms
 constexpr unsigned long kKeepAliveTime = 1000;    // ms
 
@@ -29,11 +25,6 @@ constexpr int kReceiveSlice = 8;
 // The clock is checked after every eighth small frame and after every large one.
 constexpr qint64 kBytesPerClockCheck = 4096;
 constexpr qint64 kFrameCost = kBytesPerClockCheck / 8; // in bytes
-constexpr qint32 kReadAhead = 1024 * 1024;
-
-// A frame with a too small length takes its fields from the bytes behind it, but from no more than
-// this many: otherwise each of many small frames could make the decoder read all that follow.
-constexpr qsizetype kDecoderSight = LVNtc::kHeaderSize + ItemDataEvent::wireSize();
 
 QUrl urlOf(const QString& host, int port) {
     QUrl url;
@@ -42,21 +33,27 @@ QUrl urlOf(const QString& host, int port) {
     return url;
 }
 
+QTcpSocket* newSocket() {
+    auto* socket = new QTcpSocket;
+    socket->setProxy(QNetworkProxy::applicationProxy());
+    return socket;
+}
+
 } // namespace
 
 TCPTransportSocket::TCPTransportSocket(QObject* parent)
-    : QObject(parent), url_(urlOf("127.0.0.1", 0)), socket_(new QTcpSocket(this)),
-      resumeTimer_(this) {
-    socket_->setProxy(QNetworkProxy::applicationProxy());
-    initSocket();
-}
+    : TCPTransportSocket(parent, -1, newSocket()) {}
 
 TCPTransportSocket::TCPTransportSocket(int socketId, QTcpSocket* socket, QObject* parent)
-    : QObject(parent), url_(urlOf("127.0.0.1", 0)), socketId_(socketId), socket_(socket),
-      resumeTimer_(this) {
-    socket_->setParent(this);
-    initSocket();
+    : TCPTransportSocket(parent, socketId, socket) {
     onConnected();
+}
+
+TCPTransportSocket::TCPTransportSocket(QObject* parent, int socketId, QTcpSocket* socket)
+    : QObject(parent), url_(urlOf("127.0.0.1", 0)), socketId_(socketId), resumeTimer_(this) {
+    resumeTimer_.setSingleShot(true);
+    connect(&resumeTimer_, &QTimer::timeout, this, &TCPTransportSocket::onReadyRead);
+    setSocket(socket);
 }
 
 TCPTransportSocket::~TCPTransportSocket() {
@@ -65,34 +62,24 @@ TCPTransportSocket::~TCPTransportSocket() {
         sendWaiting();
         socket_->flush();
     }
-    if (emitting_ > 0) {
-        // A socket must not be deleted within its own signal.
-        for (QTcpSocket* socket : findChildren<QTcpSocket*>()) {
-            socket->setParent(nullptr);
-            socket->abort();
-            socket->deleteLater();
-        }
-    }
+    releaseSocket();
 }
 
-void TCPTransportSocket::initSocket() {
-    socket_->setReadBufferSize(kReadAhead);
+void TCPTransportSocket::setSocket(QTcpSocket* socket) {
+    socket_ = socket;
+    socket_->setParent(this);
+    socket_->setReadBufferSize(FrameReader::kReadAhead);
     connect(socket_, &QTcpSocket::connected, this, &TCPTransportSocket::onConnected);
     connect(socket_, &QTcpSocket::disconnected, this, &TCPTransportSocket::onDisconnected);
     connect(socket_, &QTcpSocket::bytesWritten, this, &TCPTransportSocket::onBytesWritten);
-    resumeTimer_.setSingleShot(true);
-    connect(&resumeTimer_, &QTimer::timeout, this, &TCPTransportSocket::onReadyRead,
-            Qt::UniqueConnection);
 }
 
-/// QTcpSocket cannot reconnect from within its own signal, so a new socket replaces it.
-void TCPTransportSocket::replaceSocket() {
+/// Closes the socket without a report and deletes it later, because this may run within its signal.
+void TCPTransportSocket::releaseSocket() {
     QObject::disconnect(socket_, nullptr, this, nullptr);
-    socket_ = new QTcpSocket(this);
-    socket_->setProxy(QNetworkProxy::applicationProxy());
-    initSocket();
-    if (reading_)
-        connect(socket_, &QTcpSocket::readyRead, this, &TCPTransportSocket::onReadyRead);
+    socket_->setParent(nullptr);
+    socket_->abort();
+    socket_->deleteLater();
 }
 
 void TCPTransportSocket::onConnected() {
@@ -101,28 +88,20 @@ void TCPTransportSocket::onConnected() {
 }
 
 bool TCPTransportSocket::tryToConnect(const QUrl& url) {
-    {
-        const std::scoped_lock lock(mutex_);
-        if (state() == Connecting || state() == Connected)
-            return false;
-        url_ = url;
-        resetReceiving();
-        waiting_.clear();
-        closing_ = false;
-        abandoned_ = false;
-        ended_ = false;
-    }
-    if (socket_->state() != QAbstractSocket::UnconnectedState) {
-        const QSignalBlocker blocker(socket_); // the old connection's end is not reported
-        socket_->abort();
-    }
-    if (emitting_ > 0) {
-        replaceSocket();
-    } else {
-        for (QTcpSocket* socket : findChildren<QTcpSocket*>())
-            if (socket != socket_)
-                delete socket;
-    }
+    if (state() == Connecting || state() == Connected)
+        return false;
+    url_ = url;
+    reader_.clear();
+    waiting_.clear();
+    resumeTimer_.stop();
+    closing_ = false;
+    overflowing_ = false;
+    ended_ = false;
+    // QTcpSocket cannot reconnect from within its own signal.
+    releaseSocket();
+    setSocket(newSocket());
+    if (reading_)
+        startReading();
     socket_->connectToHost(url.host(), static_cast<quint16>(url.port(-1)), QIODevice::ReadWrite,
                            QAbstractSocket::AnyIPProtocol);
     return true;
@@ -137,13 +116,10 @@ bool TCPTransportSocket::waitForDisconnected(int msecs) {
 }
 
 void TCPTransportSocket::disconnect() {
-    {
-        const std::scoped_lock lock(mutex_);
-        url_.clear();
-        resetReceiving();
-        closing_ = true;
-    }
-    // Emits signals, so it runs without the mutex.
+    url_.clear();
+    reader_.clear();
+    resumeTimer_.stop();
+    closing_ = true;
     const QPointer<TCPTransportSocket> alive(this);
     sendWaiting();
     socket_->flush();
@@ -151,25 +127,6 @@ void TCPTransportSocket::disconnect() {
         socket_->disconnectFromHost();
     if (alive && ended_)
         reportEnd();
-}
-
-void TCPTransportSocket::abandon() {
-    waiting_.clear();
-    abandoned_ = true;
-    const auto end = [this] {
-        if (std::exchange(abandoned_, false)) // false after a reconnect
-            socket_->abort();
-    };
-    QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
-}
-
-void TCPTransportSocket::resetReceiving() {
-    waitingForLength_ = true;
-    expectedLength_ = 0;
-    bytesToSkip_ = 0;
-    buffer_.clear();
-    consumed_ = 0;
-    resumeTimer_.stop();
 }
 
 void TCPTransportSocket::startReading() {
@@ -190,8 +147,12 @@ void TCPTransportSocket::stopReading() {
 }
 
 bool TCPTransportSocket::write(Event& event) {
-    if (socket_->state() != QAbstractSocket::ConnectedState || abandoned_)
+    if (socket_->state() != QAbstractSocket::ConnectedState || overflowing_)
         return false;
+    if (unsentBytes() > Limits::kMaxUnsentBytes) {
+        disconnectSlowReader();
+        return false;
+    }
     const LV_NTC_Header header{static_cast<std::uint32_t>(event.getSize()), event.type()};
     const QByteArray message = LVNtc::serializeWithLength(header, event);
     // QTcpSocket passes its writes to the system one by one, one in each event-loop iteration, so
@@ -201,6 +162,14 @@ bool TCPTransportSocket::write(Event& event) {
         return true;
     }
     return socket_->write(message) == message.size();
+}
+
+/// Aborts from the event loop, so that the caller of write() is not interrupted by disconnected().
+void TCPTransportSocket::disconnectSlowReader() {
+    qWarning("%s leaves too much unread, disconnected", qPrintable(peerAddress().toString()));
+    overflowing_ = true;
+    waiting_.clear();
+    QMetaObject::invokeMethod(socket_, &QTcpSocket::abort, Qt::QueuedConnection);
 }
 
 void TCPTransportSocket::sendWaiting() {
@@ -232,7 +201,7 @@ void TCPTransportSocket::activeKeepAlive(unsigned long interval, unsigned long t
 void TCPTransportSocket::onDisconnected() {
     ended_ = true;
     // Events received before the end are emitted first.
-    if (resumeTimer_.isActive() || emitting_ > 0)
+    if (resumeTimer_.isActive() || receiving_)
         onReadyRead();
     else
         reportEnd();
@@ -242,11 +211,7 @@ void TCPTransportSocket::reportEnd() {
     ended_ = false;
     // Before the signal, because its receiver may reconnect and start reading again.
     stopReading();
-    const QPointer<TCPTransportSocket> alive(this);
-    ++emitting_;
     emit disconnected(socketId_);
-    if (alive)
-        --emitting_;
 }
 
 void TCPTransportSocket::onBytesWritten(qint64 sizeWritten) {
@@ -270,124 +235,45 @@ void TCPTransportSocket::receive() {
     const QPointer<TCPTransportSocket> alive(this);
     const QDeadlineTimer deadline(kReceiveSlice);
     qint64 sinceClockCheck = 0;
-    const auto isTimeUp = [&] {
-        if (sinceClockCheck < kBytesPerClockCheck)
-            return false;
-        sinceClockCheck = 0;
-        return deadline.hasExpired();
-    };
-    bool hasTime = true;
     resumeTimer_.stop();
-    ++emitting_;
-    while (reading_ && hasTime) {
-        {
-            const std::scoped_lock lock(mutex_);
-            takeAvailable();
-        }
-        while (reading_ && hasTime) {
-            std::optional<eventData> frame;
-            {
-                const std::scoped_lock lock(mutex_);
-                frame = nextFrame();
-                sinceClockCheck += kFrameCost + expectedLength_;
-            }
-            if (!frame)
-                break;
+    const bool isNested = std::exchange(receiving_, true);
+    while (reading_) {
+        readSocket();
+        const qsizetype before = reader_.bytesWaiting();
+        const std::optional<eventData> frame = reader_.next();
+        sinceClockCheck += kFrameCost + before - reader_.bytesWaiting();
+        if (frame)
             emitEvent(*frame);
-            if (!alive)
-                return;
-            hasTime = !isTimeUp();
-        }
-        // A receiver that ran an event loop may have let more bytes arrive.
-        if (hasTime && (closing_ || socket_->bytesAvailable() == 0))
-            break;
-        // Lengths without a frame take time, too.
-        hasTime = hasTime && !isTimeUp();
-    }
-    if (!hasTime && reading_ && hasMoreToRead())
-        resumeTimer_.start(0);
-    --emitting_;
-}
-
-/// Reads the socket's bytes unless enough are waiting already.
-void TCPTransportSocket::takeAvailable() {
-    if (bytesWaiting() >= (waitingForLength_ ? kReadAhead : expectedLength_))
-        return;
-    // Few bytes are left here. The memory is reused unless it held a giant frame.
-    if (consumed_ > 0) {
-        const qsizetype left = bytesWaiting();
-        std::memmove(buffer_.data(), buffer_.constData() + consumed_,
-                     static_cast<std::size_t>(left));
-        buffer_.truncate(left);
-        consumed_ = 0;
-        if (left == 0 && buffer_.capacity() > qsizetype{4} * kReadAhead)
-            buffer_.clear();
-    }
-    while (const qint64 available = socket_->bytesAvailable()) {
-        if (closing_ || bytesToSkip_ > 0) {
-            const qint64 skipped =
-                socket_->skip(closing_ ? available : qMin(available, bytesToSkip_));
-            if (skipped <= 0)
-                return;
-            bytesToSkip_ -= closing_ ? 0 : skipped;
-            continue;
-        }
-        const qsizetype size = buffer_.size();
-        buffer_.resize(size + available);
-        const qint64 read = socket_->read(buffer_.data() + size, available);
-        buffer_.truncate(size + qMax<qint64>(read, 0));
-        if (read <= 0)
+        if (!alive)
             return;
-    }
-}
-
-/// The next frame of the buffer, or nothing when reading stops until more bytes arrive.
-std::optional<eventData> TCPTransportSocket::nextFrame() {
-    while (bytesWaiting() > 0) {
-        if (waitingForLength_) {
-            expectedLength_ = onReadHeader();
-            if (expectedLength_ < 0) {
-                qCritical().nospace() << "Invalid frame length " << expectedLength_;
-                expectedLength_ = 0;
-            }
-            if (expectedLength_ == 0)
-                return std::nullopt;
-            if (expectedLength_ > Limits::kMaxFrameLength) {
-                skipOversized();
-                continue;
-            }
-            waitingForLength_ = false;
+        if (!frame && (closing_ || socket_->bytesAvailable() == 0))
+            break;
+        if (sinceClockCheck < kBytesPerClockCheck)
+            continue;
+        sinceClockCheck = 0;
+        if (deadline.hasExpired()) {
+            if (reading_ && hasMoreToRead())
+                resumeTimer_.start(0);
+            break;
         }
-        if (bytesWaiting() < expectedLength_)
-            return std::nullopt;
-        const qsizetype inSight =
-            qMin(bytesWaiting(), qMax<qsizetype>(expectedLength_, kDecoderSight));
-        const eventData frame = LVNtc::read(QByteArrayView(buffer_).sliced(consumed_, inSight));
-        consumed_ += expectedLength_;
-        waitingForLength_ = true;
-        return frame;
     }
-    return std::nullopt;
+    receiving_ = isNested;
 }
 
-/// Consumes a length prefix; 0, and consumes nothing, when fewer than 4 bytes are waiting.
-qint32 TCPTransportSocket::onReadHeader() {
-    if (bytesWaiting() < kLengthSize) {
-        qCritical().nospace() << "Invalid header size. Size must be at least " << kLengthSize
-                              << " bytes, we read " << bytesWaiting();
-        return 0;
-    }
-    const auto length = qFromBigEndian<qint32>(buffer_.constData() + consumed_);
-    consumed_ += kLengthSize;
-    return length;
+void TCPTransportSocket::readSocket() {
+    const qint64 available = socket_->bytesAvailable();
+    if (available == 0)
+        return;
+    if (closing_)
+        socket_->skip(available);
+    else if (reader_.wantsBytes())
+        reader_.append(available, [this](char* out, qsizetype size) {
+            return std::max<qint64>(socket_->read(out, size), 0);
+        });
 }
 
-void TCPTransportSocket::skipOversized() {
-    qCritical().nospace() << "Frame of " << expectedLength_ << " bytes is too large, skipped";
-    const qsizetype here = qMin<qsizetype>(expectedLength_, bytesWaiting());
-    bytesToSkip_ = expectedLength_ - here;
-    consumed_ += here;
-    expectedLength_ = 0;
+bool TCPTransportSocket::hasMoreToRead() const {
+    return reader_.bytesWaiting() > 0 || socket_->bytesAvailable() > 0;
 }
 
 void TCPTransportSocket::emitEvent(eventData frame) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "network/events/Event.h"
+#include "network/FrameReader.h"
 
 #include <QByteArray>
 #include <QHostAddress>
@@ -9,15 +9,13 @@
 #include <QTimer>
 #include <QUrl>
 
-#include <mutex>
-#include <optional>
-
 namespace NetworkCompanion {
 
 /// Sends and receives events over one TCP connection. Each frame has a length prefix of 4 bytes.
 ///
-/// Everything runs on the object's thread. A slot of its signals may write, disconnect, reconnect
-/// or delete it.
+/// Needs no mutex, because the object's thread owns everything: all functions are called there and
+/// all signals are emitted there. A slot of its signals may write, disconnect, reconnect or delete
+/// it.
 class TCPTransportSocket : public QObject {
     Q_OBJECT
 
@@ -41,16 +39,17 @@ public:
     /// Drops received bytes, emits no further events and closes the connection after everything
     /// written has been sent.
     void disconnect();
-    /// Drops unsent bytes, refuses further writes and aborts the connection from the event loop, so
-    /// that disconnected() is not emitted within the call.
-    void abandon();
     /// Events are emitted between these two only. Bytes that arrive earlier wait for
     /// startReading().
     void startReading();
     void stopReading();
     /// Sends the event in one write, without waiting or flushing. Events written while the socket
     /// is still sending follow together in one further write. False without a log line when not
-    /// connected or abandoned.
+    /// connected.
+    ///
+    /// A peer that leaves more than Limits::kMaxUnsentBytes unread is disconnected with one
+    /// warning: unsent bytes are dropped, this and further writes return false, and disconnected()
+    /// is emitted from the event loop.
     bool write(Event& event);
 
     int state() const;
@@ -76,38 +75,31 @@ public slots:
     void onReadyRead();
 
 private:
-    void initSocket();
-    void replaceSocket();
+    TCPTransportSocket(QObject* parent, int socketId, QTcpSocket* socket);
+
+    void setSocket(QTcpSocket* socket);
+    void releaseSocket();
     void onConnected();
+    void disconnectSlowReader();
     void sendWaiting();
-    void resetReceiving();
     void receive();
-    void reportEnd();
-    void takeAvailable();
-    qsizetype bytesWaiting() const { return buffer_.size() - consumed_; }
-    bool hasMoreToRead() const { return bytesWaiting() > 0 || socket_->bytesAvailable() > 0; }
-    std::optional<eventData> nextFrame();
-    qint32 onReadHeader();
-    void skipOversized();
+    void readSocket();
+    bool hasMoreToRead() const;
     void emitEvent(eventData frame);
+    void reportEnd();
 
     QUrl url_;
-    int socketId_ = -1;
-    bool waitingForLength_ = true;
-    QTcpSocket* socket_; // a child
+    int socketId_;
+    QTcpSocket* socket_ = nullptr; // a child; each connection has its own
+    FrameReader reader_;
     QByteArray waiting_; // frames to write after the socket has sent the previous ones
-    QByteArray buffer_;
-    qsizetype consumed_ = 0; // bytes at the buffer's front that were decoded
-    qint32 expectedLength_ = 0;
-    std::mutex mutex_; // guards the flag, the buffer and the lengths; never held while emitting
-
-    qint64 bytesToSkip_ = 0; // the rest of a frame that is too long to be stored
-    bool closing_ = false;   // disconnect() was called: arriving bytes are dropped
-    bool abandoned_ = false; // abandon() was called, the socket not yet aborted
-    bool reading_ = false;
-    bool ended_ = false; // the connection has ended; disconnected() follows its last event
-    int emitting_ = 0;
     QTimer resumeTimer_; // continues a long read in the next event-loop iteration
+
+    bool reading_ = false;     // between startReading() and stopReading()
+    bool receiving_ = false;   // within receive()
+    bool closing_ = false;     // disconnect() was called: arriving bytes are dropped
+    bool overflowing_ = false; // the peer has left too much unread
+    bool ended_ = false;       // the connection has ended; disconnected() follows its last event
 };
 
 } // namespace NetworkCompanion

@@ -6,6 +6,7 @@
 #include "tests/support/ThreadTime.h"
 
 #include <QElapsedTimer>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTest>
@@ -122,6 +123,7 @@ private slots:
     void receiverDestroysTheTransport();
     void receiverRunsAnEventLoop();
     void withoutReceiver();
+    void deletesSocketsOfEarlierConnections();
 };
 
 void TransportTest::bytesOnTheWire() {
@@ -409,6 +411,23 @@ void TransportTest::withoutReceiver() {
     ExecuteQuickKeyEvent answer(9);
     QVERIFY(wire.transport->write(answer));
     QTRY_COMPARE(wire.peer.bytesAvailable(), 17);
+}
+
+void TransportTest::deletesSocketsOfEarlierConnections() {
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    connect(&server, &QTcpServer::newConnection, this,
+            [&] { server.nextPendingConnection()->disconnectFromHost(); });
+    TCPTransportSocket transport(nullptr);
+    QList<QPointer<QTcpSocket>> sockets;
+    const auto reconnect = [&] {
+        if (sockets.size() < 50 && transport.tryToConnect(loopback(server.serverPort())))
+            sockets.append(transport.findChild<QTcpSocket*>());
+    };
+    connect(&transport, &TCPTransportSocket::disconnected, this, reconnect);
+    reconnect();
+    QTRY_COMPARE(sockets.size(), 50);
+    QTRY_COMPARE(std::ranges::count(sockets, nullptr), 49);
 }
 
 QTEST_GUILESS_MAIN(TransportTest)
