@@ -1,6 +1,6 @@
-// How fast the mesh editor answers with the largest mesh that its dialog can ask for: two grids of
-// 46 x 46 points of a media, beside the list, connected over a real socket. Needs a display and, as
-// it connects, a network namespace:
+// Times of the mesh editor with the largest mesh of its dialog: two grids of 46 x 46 points of a
+// media, beside the list, connected over a real socket. Needs a display and, because it connects, a
+// network namespace:
 //   scripts/in-namespace --display -- scene_bench
 
 #include "app/shell/Configuration.h"
@@ -16,6 +16,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QQmlContext>
@@ -23,9 +24,13 @@
 #include <QQuickItem>
 #include <QQuickWidget>
 #include <QQuickWindow>
+#include <QTimer>
 
 #include <benchmark/benchmark.h>
 
+#include <sys/resource.h>
+
+#include <chrono>
 #include <memory>
 
 using namespace NetworkCompanion;
@@ -42,7 +47,7 @@ constexpr QSize kMediaSize(1920, 1080);
 class Editor {
 public:
     static Editor& instance() {
-        static auto* editor = new Editor; // as the dispatcher, it lives until the process ends
+        static auto* editor = new Editor; // never deleted, like the dispatcher
         return *editor;
     }
 
@@ -177,7 +182,7 @@ void itemDataToScreen(benchmark::State& state) {
         editor.peer.send(bytes.last(1));
         while (!drawn)
             QCoreApplication::processEvents();
-        QCoreApplication::processEvents(); // onto the screen
+        QCoreApplication::processEvents(); // paints the window
         state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
         QObject::disconnect(connection);
     }
@@ -189,7 +194,7 @@ void rebuildBothGrids(benchmark::State& state) {
     for (auto _ : state) {
         editor.canvas->onMediaDeformationMode(LV_NTC_ElementType::Media, type, kCue, 1, "", kSide,
                                               kSide, false);
-        for (const char* grid : {"[0]", "[1]"}) { // points and lines are made when asked for
+        for (const char* grid : {"[0]", "[1]"}) { // reading builds the mesh
             editor.evaluate(QLatin1String("getCurrentItem().deformerGrids") + QLatin1String(grid) +
                             QLatin1String(".pointsArray.length"));
         }
@@ -213,7 +218,7 @@ void dragAllPoints(benchmark::State& state) {
     editor.drain();
 }
 
-/// Tells whether a widget was painted into its window once something was ready for it.
+/// Sees whether a widget was painted into its window after the scene was rendered.
 class PaintWatch final : public QObject {
 public:
     PaintWatch(QWidget* widget, const bool& isReady) : isReady_(isReady) {
@@ -250,7 +255,7 @@ void frameOfADrag(benchmark::State& state) {
         editor.mouse(QEvent::MouseMove, at);
         isRendered = false;
         PaintWatch paint(editor.view, isRendered);
-        // From the rendering until the window has it; what is waited for it is none of its time.
+        // The time from rendering to the painted window, without waiting for the next frame.
         qint64 time = 0;
         while (!isRendered || !paint.isSeen()) {
             QElapsedTimer timer = Editor::started();
@@ -273,7 +278,7 @@ void arrowKey(benchmark::State& state) {
     editor.drain();
     int key = Qt::Key_Right;
     for (auto _ : state) {
-        editor.drain(); // the frame of the last key is none of this key's time
+        editor.drain(); // the frame of the last key does not count
         const qint64 before = editor.peer.received;
         QElapsedTimer timer = Editor::started();
         editor.key(key, Qt::NoModifier);
@@ -318,6 +323,33 @@ void addMediaItems(benchmark::State& state) {
     }
 }
 
+/// Processor time of one idle second, and wake-ups: a connected mesh must run no timer.
+void idle(benchmark::State& state) {
+    Editor& editor = Editor::instance();
+    loadMesh(editor);
+    const auto usage = [] {
+        rusage now{};
+        getrusage(RUSAGE_SELF, &now);
+        return now;
+    };
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+    };
+    constexpr int kSeconds = 10;
+    for (auto _ : state) {
+        const rusage before = usage();
+        QEventLoop loop;
+        QTimer::singleShot(std::chrono::seconds(kSeconds), &loop, &QEventLoop::quit);
+        loop.exec();
+        const rusage after = usage();
+        state.SetIterationTime((seconds(after.ru_utime) - seconds(before.ru_utime) +
+                                seconds(after.ru_stime) - seconds(before.ru_stime)) /
+                               kSeconds);
+        state.counters["wakeups_per_s"] =
+            static_cast<double>(after.ru_nvcsw - before.ru_nvcsw) / kSeconds;
+    }
+}
+
 BENCHMARK(itemDataToScreen)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
@@ -355,6 +387,8 @@ BENCHMARK(selectAll)
     ->UseManualTime()
     ->Iterations(10);
 
+BENCHMARK(idle)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(1);
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -364,5 +398,5 @@ int main(int argc, char** argv) {
     application.setStartDragDistance(0);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    std::_Exit(0); // the page is still up
+    std::_Exit(0); // the page is never deleted
 }
