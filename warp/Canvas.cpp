@@ -11,10 +11,7 @@
 #include "network/events/ScreenPartDeformationModeEvent.h"
 #include "network/events/ScreenPartMovePointEvent.h"
 #include "network/events/TextureMovePointEvent.h"
-#include "warp/MediaItem.h"
-#include "warp/ScreenItem.h"
-#include "warp/ScreenPartItem.h"
-#include "warp/TextureItem.h"
+#include "warp/Item.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -28,7 +25,7 @@
 
 #include <array>
 #include <cmath>
-#include <utility>
+#include <vector>
 
 using namespace NetworkCompanion;
 
@@ -38,14 +35,6 @@ constexpr std::array kEventTypes{LV_NTC_EventType::MediaMovePoint,
                                  LV_NTC_EventType::ScreenMovePoint,
                                  LV_NTC_EventType::ScreenPartMovePoint,
                                  LV_NTC_EventType::TextureMovePoint, LV_NTC_EventType::ItemData};
-
-unsigned int toUnsigned(int number) {
-    return static_cast<unsigned int>(number);
-}
-
-int sceneDeformation(LV_NTC_DeformationType type) {
-    return static_cast<int>(type) + 1;
-}
 
 void sendToProducer(Event&& event) {
     EventDispatcher::getInstance()->client().sendEvent(event);
@@ -135,122 +124,14 @@ void Canvas::onSelectedItem(Item* item) {
         else
             dropPendingMoves();
     }
-    if (item == nullptr) {
-        emit currentItemChanged(0, 0, 0);
-    } else if (item->elementType() == LV_NTC_ElementType::ScreenPart) {
-        const ScreenItem* screen = static_cast<ScreenPartItem*>(item)->screenItem();
-        emit currentItemChanged(static_cast<int>(item->elementType()),
-                                screen != nullptr ? screen->id() : -1, item->id());
-    } else {
-        emit currentItemChanged(static_cast<int>(item->elementType()), item->id(), 0);
-    }
+    const ItemKey key = item != nullptr ? item->key() : ItemKey{};
+    const bool isPart = key.type == LV_NTC_ElementType::ScreenPart;
+    emit currentItemChanged(static_cast<int>(key.type), static_cast<int>(key.id),
+                            isPart ? static_cast<int>(key.subId) : 0);
     currentItem_ = item;
 }
 
-void Canvas::onScreenMode(int screenId, LV_NTC_ModeType modeType) {
-    emit screenMode(screenId, static_cast<int>(modeType));
-}
-
-void Canvas::onMediaDeformationMode(LV_NTC_ElementType elementType,
-                                    LV_NTC_DeformationType deformationType, unsigned int cueId,
-                                    int mediaId, const QString& name, int row, int col,
-                                    bool reset) {
-    if (isCurrent(LV_NTC_ElementType::Media, static_cast<int>(cueId)))
-        dropPendingMoves();
-    emit mediaDeformationMode(static_cast<int>(elementType), sceneDeformation(deformationType),
-                              cueId, mediaId, name, row, col, reset);
-}
-
-void Canvas::onScreenDeformationMode(LV_NTC_DeformationType deformationType, int id,
-                                     const QString& name, int row, int col, bool reset) {
-    if (isCurrent(LV_NTC_ElementType::Screen, id))
-        dropPendingMoves();
-    emit screenDeformationMode(sceneDeformation(deformationType), id, name, row, col, reset);
-}
-
-void Canvas::onScreenPartDeformationMode(LV_NTC_DeformationType deformationType, int screenId,
-                                         int screenPartId, const QString& name, int row, int col,
-                                         bool reset) {
-    if (isCurrent(LV_NTC_ElementType::ScreenPart, screenPartId, screenId))
-        dropPendingMoves();
-    emit screenPartDeformationMode(sceneDeformation(deformationType), screenId, screenPartId, name,
-                                   row, col, reset);
-}
-
-void Canvas::onTextureDeformationMode(LV_NTC_ElementType elementType,
-                                      LV_NTC_DeformationType deformationType, unsigned int cueId,
-                                      int textureId, const QString& name, int row, int col,
-                                      bool reset) {
-    if (isCurrent(LV_NTC_ElementType::Texture, static_cast<int>(cueId)))
-        dropPendingMoves();
-    emit textureDeformationMode(static_cast<int>(elementType), sceneDeformation(deformationType),
-                                cueId, textureId, name, row, col, reset);
-}
-
-void Canvas::onMediaItemAdded(int type, unsigned int cueId, int mediaId, int sourceWidth,
-                              int sourceHeight, double sourceRotation, const QString& name) {
-    emit mediaItemAdded(type, cueId, mediaId, sourceWidth, sourceHeight, sourceRotation, name);
-}
-
-void Canvas::onRemoveMediaItem(unsigned int cueId) {
-    releaseItem(LV_NTC_ElementType::Media, static_cast<int>(cueId));
-    emit removeMediaItem(cueId);
-}
-
-void Canvas::onScreenItemAdded(int idNum, int sourceWidth, int sourceHeight, float sourceRotation,
-                               double sourceDeformerRotation, const QString& name) {
-    emit screenItemAdded(idNum, sourceWidth, sourceHeight, sourceRotation, sourceDeformerRotation,
-                         name);
-}
-
-void Canvas::onRemoveScreenItem(int idNum) {
-    releaseItem(LV_NTC_ElementType::Screen, idNum);
-    emit removeScreenItem(idNum);
-}
-
-void Canvas::onScreenPartItemAdded(int screenId, int screenPartId, int sourceWidth,
-                                   int sourceHeight, double sourceDeformerRotation,
-                                   const QString& name) {
-    emit screenPartItemAdded(screenId, screenPartId, sourceWidth, sourceHeight,
-                             sourceDeformerRotation, name);
-}
-
-void Canvas::onRemoveScreenPartItem(int screenId, int screenPartId) {
-    releaseItem(LV_NTC_ElementType::ScreenPart, screenPartId, screenId);
-    emit removeScreenPartItem(screenId, screenPartId);
-}
-
-void Canvas::onTextureItemAdded(unsigned int cueId, int textureId, int sourceWidth,
-                                int sourceHeight, double sourceRotation, const QString& name) {
-    emit textureItemAdded(cueId, textureId, sourceWidth, sourceHeight, sourceRotation, name);
-}
-
-void Canvas::onRemoveTextureItem(unsigned int cueId) {
-    releaseItem(LV_NTC_ElementType::Texture, static_cast<int>(cueId));
-    emit removeTextureItem(cueId);
-}
-
-void Canvas::onLeftAxisMoved(float x, float y) {
-    emit leftAxisMoved(x, y);
-}
-
-void Canvas::onRightAxisMoved(float x, float y) {
-    emit rightAxisMoved(x, y);
-}
-
-void Canvas::onPressure(float value) {
-    emit pressure(value);
-}
-
-void Canvas::onAction(Action action) {
-    emit this->action(action);
-}
-
 // Keys
-
-void Canvas::onKeyEvent(QKeyEvent* keyEvent) {
-    notified(keyEvent);
-}
 
 void Canvas::notified(QKeyEvent* keyEvent) {
     switch (keyEvent->key()) {
@@ -396,52 +277,36 @@ void Canvas::initializeDeformation(LV_NTC_DeformationType type, int rows, int co
     updateProducer(); // queued moves refer to the present mesh
     if (currentItem_ == nullptr)
         return;
+    const ItemKey item = currentItem_->key();
     const QByteArray name = currentItem_->name().toUtf8();
-    const unsigned int id = toUnsigned(currentItem_->id());
-    const unsigned int dataIndex = toUnsigned(currentItem_->dataIndex());
-    switch (currentItem_->elementType()) {
-    case LV_NTC_ElementType::Media: {
-        const int mediaId = static_cast<MediaItem*>(currentItem_.data())->mediaId();
-        sendToProducer(MediaDeformationModeEvent(LV_NTC_ElementType::Media, type, id,
-                                                 toUnsigned(mediaId), dataIndex, name.constData(),
-                                                 toUnsigned(rows), toUnsigned(cols), reset));
+    const unsigned int dataIndex = number(currentItem_->dataIndex());
+    switch (item.type) {
+    case LV_NTC_ElementType::Media:
+    case LV_NTC_ElementType::Texture:
+        sendToProducer(MediaDeformationModeEvent(item.type, type, item.id, item.subId, dataIndex,
+                                                 name.constData(), number(rows), number(cols),
+                                                 reset));
         break;
-    }
-    case LV_NTC_ElementType::Texture: {
-        const int textureId = static_cast<TextureItem*>(currentItem_.data())->textureId();
-        sendToProducer(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, type, id,
-                                                 toUnsigned(textureId), dataIndex, name.constData(),
-                                                 toUnsigned(rows), toUnsigned(cols), reset));
-        break;
-    }
     case LV_NTC_ElementType::Screen:
-        sendToProducer(DeformationModeEvent(type, id, dataIndex, name.constData(), toUnsigned(rows),
-                                            toUnsigned(cols), reset));
+        sendToProducer(DeformationModeEvent(type, item.id, dataIndex, name.constData(),
+                                            number(rows), number(cols), reset));
         break;
     case LV_NTC_ElementType::ScreenPart:
-        if (const auto* screen = static_cast<ScreenPartItem*>(currentItem_.data())->screenItem()) {
-            sendToProducer(ScreenPartDeformationModeEvent(
-                type, toUnsigned(screen->id()), id, dataIndex, name.constData(), toUnsigned(rows),
-                toUnsigned(cols), reset));
-        }
+        sendToProducer(ScreenPartDeformationModeEvent(type, item.id, item.subId, dataIndex,
+                                                      name.constData(), number(rows), number(cols),
+                                                      reset));
         break;
     case LV_NTC_ElementType::None:
         break;
     }
 }
 
-bool Canvas::isCurrent(LV_NTC_ElementType type, int id, int subId) const {
-    const Item* item = currentItem_.data();
-    if (item == nullptr || item->elementType() != type || item->id() != id)
-        return false;
-    if (type != LV_NTC_ElementType::ScreenPart)
-        return true;
-    const ScreenItem* screen = static_cast<const ScreenPartItem*>(item)->screenItem();
-    return screen != nullptr && screen->id() == subId;
+bool Canvas::isCurrent(const ItemKey& item) const {
+    return currentItem_ != nullptr && currentItem_->key() == item;
 }
 
-void Canvas::releaseItem(LV_NTC_ElementType type, int id, int subId) {
-    if (isCurrent(type, id, subId)) {
+void Canvas::releaseItem(const ItemKey& item) {
+    if (isCurrent(item)) {
         dropPendingMoves();
         currentItem_ = nullptr;
     }
@@ -449,126 +314,75 @@ void Canvas::releaseItem(LV_NTC_ElementType type, int id, int subId) {
 
 void Canvas::dropPendingMoves() {
     const std::lock_guard lock(pendingLock_);
-    pendingMediaMoves_.clear();
-    pendingScreenMoves_.clear();
-    pendingScreenPartMoves_.clear();
-    pendingTextureMoves_.clear();
+    pendingMoves_.clear();
+}
+
+void Canvas::dropPendingMovesOf(const ItemKey& item) {
+    if (isCurrent(item))
+        dropPendingMoves();
 }
 
 void Canvas::updateProducer() {
     if (currentItem_ == nullptr)
         return;
-    // The lock is released before sending because a connection lost in sendEvent() reenters here.
-    const auto flush = [this](auto& pending, auto send) {
-        std::unique_lock lock(pendingLock_);
-        const auto moves = std::exchange(pending, {});
-        lock.unlock();
-        for (auto move = moves.cbegin(); move != moves.cend(); ++move)
-            send(move.key(), move.value());
-    };
-    switch (currentItem_->elementType()) {
-    case LV_NTC_ElementType::Media:
-        flush(pendingMediaMoves_, sendMediaMove);
-        break;
-    case LV_NTC_ElementType::Texture:
-        flush(pendingTextureMoves_, sendTextureMove);
-        break;
-    case LV_NTC_ElementType::Screen:
-        flush(pendingScreenMoves_, sendScreenMove);
-        break;
-    case LV_NTC_ElementType::ScreenPart:
-        flush(pendingScreenPartMoves_, sendScreenPartMove);
-        break;
-    case LV_NTC_ElementType::None:
+    const LV_NTC_ElementType type = currentItem_->elementType();
+    if (type == LV_NTC_ElementType::None) {
         qDebug("Canvas: Unknown event received");
-        break;
+        return;
     }
+    std::vector<PointMove> moves;
+    {
+        // Released before sending because a connection lost in sendEvent() reenters here.
+        const std::lock_guard lock(pendingLock_);
+        std::erase_if(pendingMoves_, [&](const auto& pending) {
+            const bool isDue = pending.second.item.type == type;
+            if (isDue)
+                moves.push_back(pending.second);
+            return isDue;
+        });
+    }
+    for (const PointMove& move : moves)
+        sendMove(move);
 }
 
-template <class Pending, class Data, class Send>
-void Canvas::queueOrSend(Pending& pending, int pointId, const Data& move, Send send) {
-    const PointState& point = move.point;
-    if (!isPosition(point.x, point.y, point.z))
+void Canvas::movePoint(const ItemKey& item, const QString& name, int pointId, double x, double y,
+                       double z, bool xy, bool selected) {
+    if (!isCurrent(item) || !isPosition(x, y, z))
         return;
-    const auto key = static_cast<typename Pending::key_type>(pointId);
+    const PointMove move{
+        item, number(currentItem_->dataIndex()), name, number(pointId), x, y, z, xy, selected};
     if (updateProducer_->isRunning()) {
         const std::lock_guard lock(pendingLock_);
-        pending.insert(key, move);
+        pendingMoves_.insert_or_assign({move.pointId, xy, item}, move);
         return;
     }
-    if (!pending.isEmpty())
+    if (!pendingMoves_.empty())
         updateProducer(); // keeps the last drag's moves ahead of this one
-    send(key, move);
+    sendMove(move);
 }
 
-void Canvas::moveMediaPoint(int tag, int id, const QString& name, int pointId, double x, double y,
-                            double z, bool xy, bool selected) {
-    if (isCurrent(LV_NTC_ElementType::Media, tag)) {
-        queueOrSend(pendingMediaMoves_, pointId,
-                    CuePointData{toUnsigned(tag),
-                                 toUnsigned(id),
-                                 {currentItem_->dataIndex(), name, x, y, z, xy, selected}},
-                    sendMediaMove);
+template <class MoveEvent, class... Ids>
+void Canvas::send(const PointMove& move, Ids... ids) {
+    sendToProducer(MoveEvent(ids..., move.dataIndex, move.name.toUtf8().constData(), move.pointId,
+                             move.x, move.y, move.z, move.xy, move.selected));
+}
+
+void Canvas::sendMove(const PointMove& move) {
+    const auto [type, id, subId] = move.item;
+    switch (type) {
+    case LV_NTC_ElementType::Media:
+        send<MediaMovePointEvent>(move, id, subId);
+        break;
+    case LV_NTC_ElementType::Texture:
+        send<TextureMovePointEvent>(move, id, subId);
+        break;
+    case LV_NTC_ElementType::Screen:
+        send<ScreenMovePointEvent>(move, id);
+        break;
+    case LV_NTC_ElementType::ScreenPart:
+        send<ScreenPartMovePointEvent>(move, id, subId);
+        break;
+    case LV_NTC_ElementType::None:
+        break;
     }
-}
-
-void Canvas::moveScreenPoint(int id, const QString& name, int pointId, double x, double y, double z,
-                             bool xy, bool selected) {
-    if (isCurrent(LV_NTC_ElementType::Screen, id)) {
-        queueOrSend(pendingScreenMoves_, pointId,
-                    ScreenPointData{toUnsigned(id),
-                                    {currentItem_->dataIndex(), name, x, y, z, xy, selected}},
-                    sendScreenMove);
-    }
-}
-
-void Canvas::moveScreenPartPoint(int screenId, int partId, const QString& name, int pointId,
-                                 double x, double y, double z, bool xy, bool selected) {
-    if (isCurrent(LV_NTC_ElementType::ScreenPart, partId, screenId)) {
-        queueOrSend(pendingScreenPartMoves_, pointId,
-                    ScreenPartPointData{toUnsigned(screenId),
-                                        toUnsigned(partId),
-                                        {currentItem_->dataIndex(), name, x, y, z, xy, selected}},
-                    sendScreenPartMove);
-    }
-}
-
-void Canvas::moveTexturePoint(int tag, int id, const QString& name, int pointId, double x, double y,
-                              double z, bool xy, bool selected) {
-    if (isCurrent(LV_NTC_ElementType::Texture, tag)) {
-        queueOrSend(pendingTextureMoves_, pointId,
-                    CuePointData{toUnsigned(tag),
-                                 toUnsigned(id),
-                                 {currentItem_->dataIndex(), name, x, y, z, xy, selected}},
-                    sendTextureMove);
-    }
-}
-
-void Canvas::sendMediaMove(unsigned int pointId, const CuePointData& move) {
-    const PointState& point = move.point;
-    sendToProducer(MediaMovePointEvent(move.cueId, move.elementId, toUnsigned(point.dataIndex),
-                                       point.name.toUtf8().constData(), pointId, point.x, point.y,
-                                       point.z, point.xy, point.selected));
-}
-
-void Canvas::sendTextureMove(unsigned int pointId, const CuePointData& move) {
-    const PointState& point = move.point;
-    sendToProducer(TextureMovePointEvent(move.cueId, move.elementId, toUnsigned(point.dataIndex),
-                                         point.name.toUtf8().constData(), pointId, point.x, point.y,
-                                         point.z, point.xy, point.selected));
-}
-
-void Canvas::sendScreenMove(int pointId, const ScreenPointData& move) {
-    const PointState& point = move.point;
-    sendToProducer(ScreenMovePointEvent(move.screenId, toUnsigned(point.dataIndex),
-                                        point.name.toUtf8().constData(), toUnsigned(pointId),
-                                        point.x, point.y, point.z, point.xy, point.selected));
-}
-
-void Canvas::sendScreenPartMove(int pointId, const ScreenPartPointData& move) {
-    const PointState& point = move.point;
-    sendToProducer(ScreenPartMovePointEvent(move.screenId, move.screenPartId,
-                                            toUnsigned(point.dataIndex),
-                                            point.name.toUtf8().constData(), toUnsigned(pointId),
-                                            point.x, point.y, point.z, point.xy, point.selected));
 }

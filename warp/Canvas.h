@@ -6,15 +6,15 @@
 #include "input/action.h"
 #include "input/key_event_listener.h"
 #include "input/key_subscription.h"
-#include "network/events/ProtocolTypes.h"
+#include "network/ItemKey.h"
 
-#include <QMap>
 #include <QPointF>
 #include <QPointer>
 #include <QString>
 #include <QVBoxLayout>
 #include <QWidget>
 
+#include <map>
 #include <memory>
 #include <mutex>
 
@@ -67,13 +67,25 @@ public:
     // in 0..1 of the source's size. Positions that are not finite are ignored, and so are moves of
     // any other item, because the scene may still move an item that was just removed.
     Q_INVOKABLE void moveMediaPoint(int tag, int id, const QString& name, int pointId, double x,
-                                    double y, double z, bool xy, bool selected);
+                                    double y, double z, bool xy, bool selected) {
+        movePoint(NetworkCompanion::ItemKey::media(number(tag), number(id)), name, pointId, x, y, z,
+                  xy, selected);
+    }
     Q_INVOKABLE void moveScreenPoint(int id, const QString& name, int pointId, double x, double y,
-                                     double z, bool xy, bool selected);
+                                     double z, bool xy, bool selected) {
+        movePoint(NetworkCompanion::ItemKey::screen(number(id)), name, pointId, x, y, z, xy,
+                  selected);
+    }
     Q_INVOKABLE void moveScreenPartPoint(int screenId, int partId, const QString& name, int pointId,
-                                         double x, double y, double z, bool xy, bool selected);
+                                         double x, double y, double z, bool xy, bool selected) {
+        movePoint(NetworkCompanion::ItemKey::screenPart(number(screenId), number(partId)), name,
+                  pointId, x, y, z, xy, selected);
+    }
     Q_INVOKABLE void moveTexturePoint(int tag, int id, const QString& name, int pointId, double x,
-                                      double y, double z, bool xy, bool selected);
+                                      double y, double z, bool xy, bool selected) {
+        movePoint(NetworkCompanion::ItemKey::texture(number(tag), number(id)), name, pointId, x, y,
+                  z, xy, selected);
+    }
 
     /// Emits keyEvent() for a key that the scene does not use.
     Q_INVOKABLE void notifyKeyEventFromQml(int type, int key, int modifiers, const QString& text,
@@ -122,79 +134,121 @@ public slots:
     void updateProducer();
     /// Sends the queued moves of the previous item first.
     void onSelectedItem(Item* item);
-    void onScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType);
+
+    // Relays: each emits the signal of its name. A removed item or a new mesh ends queued moves.
+    void onScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType) {
+        emit screenMode(screenId, static_cast<int>(modeType));
+    }
     void onMediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
-                                NetworkCompanion::LV_NTC_DeformationType deformationType,
-                                unsigned int cueId, int mediaId, const QString& name, int row,
-                                int col, bool reset);
-    void onScreenDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType, int id,
-                                 const QString& name, int row, int col, bool reset);
-    void onScreenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
-                                     int screenId, int screenPartId, const QString& name, int row,
-                                     int col, bool reset);
+                                NetworkCompanion::LV_NTC_DeformationType type, unsigned int cueId,
+                                int mediaId, const QString& name, int row, int col, bool reset) {
+        dropPendingMovesOf(NetworkCompanion::ItemKey::media(cueId));
+        emit mediaDeformationMode(static_cast<int>(elementType), sceneType(type), cueId, mediaId,
+                                  name, row, col, reset);
+    }
+    void onScreenDeformationMode(NetworkCompanion::LV_NTC_DeformationType type, int id,
+                                 const QString& name, int row, int col, bool reset) {
+        dropPendingMovesOf(NetworkCompanion::ItemKey::screen(number(id)));
+        emit screenDeformationMode(sceneType(type), id, name, row, col, reset);
+    }
+    void onScreenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType type, int screenId,
+                                     int screenPartId, const QString& name, int row, int col,
+                                     bool reset) {
+        dropPendingMovesOf(
+            NetworkCompanion::ItemKey::screenPart(number(screenId), number(screenPartId)));
+        emit screenPartDeformationMode(sceneType(type), screenId, screenPartId, name, row, col,
+                                       reset);
+    }
     void onTextureDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
-                                  NetworkCompanion::LV_NTC_DeformationType deformationType,
-                                  unsigned int cueId, int textureId, const QString& name, int row,
-                                  int col, bool reset);
+                                  NetworkCompanion::LV_NTC_DeformationType type, unsigned int cueId,
+                                  int textureId, const QString& name, int row, int col,
+                                  bool reset) {
+        dropPendingMovesOf(NetworkCompanion::ItemKey::texture(cueId));
+        emit textureDeformationMode(static_cast<int>(elementType), sceneType(type), cueId,
+                                    textureId, name, row, col, reset);
+    }
     void onMediaItemAdded(int type, unsigned int cueId, int mediaId, int sourceWidth,
-                          int sourceHeight, double sourceRotation, const QString& name);
-    void onRemoveMediaItem(unsigned int cueId);
+                          int sourceHeight, double sourceRotation, const QString& name) {
+        emit mediaItemAdded(type, cueId, mediaId, sourceWidth, sourceHeight, sourceRotation, name);
+    }
+    void onRemoveMediaItem(unsigned int cueId) {
+        releaseItem(NetworkCompanion::ItemKey::media(cueId));
+        emit removeMediaItem(cueId);
+    }
     void onScreenItemAdded(int idNum, int sourceWidth, int sourceHeight, float sourceRotation,
-                           double sourceDeformerRotation, const QString& name);
-    void onRemoveScreenItem(int idNum);
+                           double sourceDeformerRotation, const QString& name) {
+        emit screenItemAdded(idNum, sourceWidth, sourceHeight, sourceRotation,
+                             sourceDeformerRotation, name);
+    }
+    void onRemoveScreenItem(int idNum) {
+        releaseItem(NetworkCompanion::ItemKey::screen(number(idNum)));
+        emit removeScreenItem(idNum);
+    }
     void onScreenPartItemAdded(int screenId, int screenPartId, int sourceWidth, int sourceHeight,
-                               double sourceDeformerRotation, const QString& name);
-    void onRemoveScreenPartItem(int screenId, int screenPartId);
+                               double sourceDeformerRotation, const QString& name) {
+        emit screenPartItemAdded(screenId, screenPartId, sourceWidth, sourceHeight,
+                                 sourceDeformerRotation, name);
+    }
+    void onRemoveScreenPartItem(int screenId, int screenPartId) {
+        releaseItem(NetworkCompanion::ItemKey::screenPart(number(screenId), number(screenPartId)));
+        emit removeScreenPartItem(screenId, screenPartId);
+    }
     void onTextureItemAdded(unsigned int cueId, int textureId, int sourceWidth, int sourceHeight,
-                            double sourceRotation, const QString& name);
-    void onRemoveTextureItem(unsigned int cueId);
-    void onKeyEvent(QKeyEvent* keyEvent);
-    void onLeftAxisMoved(float x, float y);
-    void onRightAxisMoved(float x, float y);
-    void onPressure(float value);
-    void onAction(Action action);
+                            double sourceRotation, const QString& name) {
+        emit textureItemAdded(cueId, textureId, sourceWidth, sourceHeight, sourceRotation, name);
+    }
+    void onRemoveTextureItem(unsigned int cueId) {
+        releaseItem(NetworkCompanion::ItemKey::texture(cueId));
+        emit removeTextureItem(cueId);
+    }
+    void onKeyEvent(QKeyEvent* keyEvent) { notified(keyEvent); }
+    void onLeftAxisMoved(float x, float y) { emit leftAxisMoved(x, y); }
+    void onRightAxisMoved(float x, float y) { emit rightAxisMoved(x, y); }
+    void onPressure(float value) { emit pressure(value); }
+    void onAction(Action action) { emit this->action(action); }
+    // End of the relays.
 
 private:
-    /// A point as it was last requested, and the item's index of that moment: a move stays bound to
-    /// the item that it was made for.
-    struct PointState {
-        int dataIndex;
+    /// A point move as the scene last requested it. Data index included, because the move belongs
+    /// to the item that was current at that time.
+    struct PointMove {
+        NetworkCompanion::ItemKey item;
+        unsigned int dataIndex;
         QString name;
+        unsigned int pointId;
         double x, y, z;
         bool xy, selected;
     };
-    struct CuePointData {
-        unsigned int cueId = 0;
-        unsigned int elementId = 0;
-        PointState point;
+    /// Ordered by points first, because a flush sends in that order.
+    struct PointKey {
+        unsigned int pointId;
+        bool xy;
+        NetworkCompanion::ItemKey item;
+        auto operator<=>(const PointKey&) const = default;
     };
-    struct ScreenPointData {
-        unsigned int screenId = 0;
-        PointState point;
-    };
-    struct ScreenPartPointData {
-        unsigned int screenId = 0;
-        unsigned int screenPartId = 0;
-        PointState point;
-    };
+
+    static unsigned int number(int id) { return static_cast<unsigned int>(id); }
+    static int sceneType(NetworkCompanion::LV_NTC_DeformationType type) {
+        return static_cast<int>(type) + 1;
+    }
 
     void initCanvas();
     void initializeDeformation(NetworkCompanion::LV_NTC_DeformationType type, int rows, int cols,
                                bool reset);
 
-    bool isCurrent(NetworkCompanion::LV_NTC_ElementType type, int id, int subId = 0) const;
-    /// For an item that is removed or whose mesh is replaced.
+    bool isCurrent(const NetworkCompanion::ItemKey& item) const;
     void dropPendingMoves();
+    /// Drops the queued moves if the item is the current one, because its mesh is replaced.
+    void dropPendingMovesOf(const NetworkCompanion::ItemKey& item);
     /// If the item is the current one, drops its moves and leaves no current item.
-    void releaseItem(NetworkCompanion::LV_NTC_ElementType type, int id, int subId = 0);
+    void releaseItem(const NetworkCompanion::ItemKey& item);
 
-    /// Queues the move, or sends it with `send` when no drag is running.
-    template <class Pending, class Data, class Send>
-    void queueOrSend(Pending& pending, int pointId, const Data& move, Send send);
-    static void sendMediaMove(unsigned int pointId, const CuePointData& move);
-    static void sendTextureMove(unsigned int pointId, const CuePointData& move);
-    static void sendScreenMove(int pointId, const ScreenPointData& move);
-    static void sendScreenPartMove(int pointId, const ScreenPartPointData& move);
+    /// Queues the move during a drag, otherwise sends it.
+    void movePoint(const NetworkCompanion::ItemKey& item, const QString& name, int pointId,
+                   double x, double y, double z, bool xy, bool selected);
+    static void sendMove(const PointMove& move);
+    template <class MoveEvent, class... Ids>
+    static void send(const PointMove& move, Ids... ids);
 
     // Each emits the signal; false, without a signal, if the position is not finite.
     bool updateMediaMovePoint(const NetworkCompanion::MediaMovePointEvent& event);
@@ -205,10 +259,7 @@ private:
     const Configuration& configuration_;
     QPointer<Item> currentItem_;
     std::unique_ptr<UpdateProducer> updateProducer_;
-    QMap<unsigned int, CuePointData> pendingMediaMoves_; ///< by point, like the next three
-    QMap<int, ScreenPointData> pendingScreenMoves_;
-    QMap<int, ScreenPartPointData> pendingScreenPartMoves_;
-    QMap<unsigned int, CuePointData> pendingTextureMoves_;
+    std::map<PointKey, PointMove> pendingMoves_;
     std::mutex pendingLock_;
     QVBoxLayout* layout_;
     QQuickWidget* quickWidget_ = nullptr;

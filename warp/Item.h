@@ -1,6 +1,6 @@
 #pragma once
 
-#include "network/events/ProtocolTypes.h"
+#include "network/ItemKey.h"
 #include "warp/BlindButton.h"
 #include "warp/NameLabel.h"
 
@@ -30,6 +30,8 @@ public:
          int sourceHeight, const QString& name, const Configuration& configuration,
          QWidget* parent);
 
+    /// The element of this row; type None for a screen part without a screen.
+    virtual NetworkCompanion::ItemKey key() const = 0;
     NetworkCompanion::LV_NTC_ElementType elementType() const { return elementType_; }
     /// The cue of a media or texture, the screen's number, or the part's number within its screen.
     int id() const { return id_; }

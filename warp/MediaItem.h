@@ -12,6 +12,9 @@ public:
               int dataIndex, int sourceWidth, int sourceHeight, bool flag, const QString& name,
               const Configuration& configuration, QWidget* parent);
 
+    NetworkCompanion::ItemKey key() const override {
+        return NetworkCompanion::ItemKey::media(cueId(), static_cast<unsigned int>(mediaId_));
+    }
     NetworkCompanion::MediaType::Enum mediaType() const { return mediaType_; }
     unsigned int cueId() const { return static_cast<unsigned int>(id()); }
     int mediaId() const { return mediaId_; }

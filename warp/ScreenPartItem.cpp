@@ -17,6 +17,13 @@ ScreenPartItem::ScreenPartItem(int partId, int dataIndex, int sourceWidth, int s
     setActive(false);
 }
 
+ItemKey ScreenPartItem::key() const {
+    if (screenItem_ == nullptr)
+        return {};
+    return ItemKey::screenPart(static_cast<unsigned int>(screenItem_->id()),
+                               static_cast<unsigned int>(id()));
+}
+
 void ScreenPartItem::onBlind() {
     if (screenItem_ == nullptr)
         return;

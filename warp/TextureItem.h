@@ -12,6 +12,9 @@ public:
                 bool flag, const QString& name, const Configuration& configuration,
                 QWidget* parent);
 
+    NetworkCompanion::ItemKey key() const override {
+        return NetworkCompanion::ItemKey::texture(cueId(), static_cast<unsigned int>(textureId_));
+    }
     unsigned int cueId() const { return static_cast<unsigned int>(id()); }
     int textureId() const { return textureId_; }
     bool flag() const { return flag_; }
