@@ -14,6 +14,8 @@
 #include <QApplication>
 #include <QFile>
 #include <QLineEdit>
+#include <QScrollArea>
+#include <QVBoxLayout>
 
 #include <benchmark/benchmark.h>
 

@@ -27,14 +27,13 @@
 #include "warp/TouchScroller.h"
 #include "warp/WarpLook.h"
 
-#include <QCoreApplication>
 #include <QDebug>
 #include <QKeyEvent>
+#include <QScrollArea>
 #include <QScrollBar>
+#include <QVBoxLayout>
 
-#include <algorithm>
 #include <array>
-#include <iterator>
 #include <utility>
 
 using namespace NetworkCompanion;
@@ -73,14 +72,26 @@ bool isScreenOrPart(const Item* row) {
            row->elementType() == LV_NTC_ElementType::ScreenPart;
 }
 
-/// Whether `a` is sorted before `b`: by label, medias before textures of the same label, then by
-/// id.
-bool precedes(const Item* a, const Item* b) {
-    if (const int order = qstrcmp(a->sortKey(), b->sortKey()); order != 0)
-        return order < 0;
-    if (a->elementType() != b->elementType())
-        return a->elementType() < b->elementType();
-    return static_cast<unsigned int>(a->id()) < static_cast<unsigned int>(b->id());
+/// Whether the text filter shows the row. False for a screen in mode `Parts`, and for the parts of
+/// any other screen.
+bool matches(const Item* row, const QString& text) {
+    switch (row->elementType()) {
+    case LV_NTC_ElementType::Screen:
+        return !static_cast<const ScreenItem*>(row)->isHandledThroughParts() &&
+               contains(row->labelText(), text);
+    case LV_NTC_ElementType::ScreenPart: {
+        const ScreenItem* screen = static_cast<const ScreenPartItem*>(row)->screenItem();
+        return screen->isHandledThroughParts() &&
+               contains(screen->labelText() + kLabelSeparator + row->labelText(), text);
+    }
+    default:
+        return contains(row->labelText(), text);
+    }
+}
+
+QString partLabel(const ScreenItem& screen, const QString& partName) {
+    return screen.labelText() + kLabelSeparator +
+           (partName.isEmpty() ? QString(QLatin1StringView(WarpLook::kUnnamedPart)) : partName);
 }
 
 /// Whether the scene can build the deformation; warns otherwise.
@@ -104,17 +115,11 @@ bool isBuildable(const DeformationEvent& event) {
     return false;
 }
 
-template <class DeformationEvent>
-Item::Deformation deformationOf(const DeformationEvent& event) {
-    return {static_cast<int>(event.deformationType()), static_cast<int>(event.rows()),
-            static_cast<int>(event.columns()), event.reset()};
-}
-
 } // namespace
 
 MediaList::MediaList(const Configuration& configuration, QWidget* parent)
     : QWidget(parent), configuration_(configuration), scrollArea_(new QScrollArea(this)),
-      content_(new QWidget), rowsLayout_(new QVBoxLayout(content_)), keys_(this),
+      rows_(std::make_unique<RowLayout>(items_, scrollArea_)), keys_(this),
       events_(this, kEventTypes) {
     initMediaList();
 }
@@ -122,20 +127,11 @@ MediaList::MediaList(const Configuration& configuration, QWidget* parent)
 MediaList::~MediaList() = default;
 
 void MediaList::initMediaList() {
-    rowsLayout_->setContentsMargins(0, 0, 0, 0);
-    rowsLayout_->setSpacing(WarpLook::kRowSpacing);
-    rowsLayout_->setAlignment(Qt::AlignTop);
-
     scrollArea_->setStyleSheet(QLatin1StringView(WarpLook::kListArea));
     scrollArea_->verticalScrollBar()->setStyleSheet(QLatin1StringView(WarpLook::kListScrollBar));
     scrollArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scrollArea_->setWidgetResizable(true);
-    scrollArea_->setWidget(content_);
     scrollArea_->setAccessibleName(QLatin1StringView(WarpLook::kListName));
     scrollArea_->installEventFilter(this);
-    scrollArea_->viewport()->installEventFilter(this);
-    connect(scrollArea_->verticalScrollBar(), &QScrollBar::valueChanged, this,
-            &MediaList::createWidgetsInView);
     new TouchScroller(scrollArea_);
     setFocusProxy(scrollArea_);
 
@@ -250,68 +246,76 @@ void MediaList::processMessage(const QString& text) {
 
 // Elements
 
-MediaItem* MediaList::findMedia(unsigned int cueId) const {
-    const auto found = mediaItems_.find(cueId);
-    return found != mediaItems_.end() ? found->second : nullptr;
-}
-
-TextureItem* MediaList::findTexture(unsigned int cueId) const {
-    const auto found = textureItems_.find(cueId);
-    return found != textureItems_.end() ? found->second : nullptr;
-}
-
-ScreenItem* MediaList::findScreen(int screenId) const {
-    const auto index = static_cast<std::size_t>(screenId);
-    return screenId >= 0 && index < screenItems_.size() ? screenItems_[index] : nullptr;
-}
-
-ScreenPartItem* MediaList::findScreenPart(int screenId, int partId) const {
-    const ScreenItem* screen = findScreen(screenId);
-    return screen != nullptr ? screen->getPart(partId) : nullptr;
-}
-
-QString MediaList::partLabel(const ScreenItem* screen, const QString& partName) const {
-    return screen->labelText() + kLabelSeparator +
-           (partName.isEmpty() ? QString(QLatin1StringView(WarpLook::kUnnamedPart)) : partName);
-}
-
 void MediaList::initRow(Item* row) {
     row->setFixedHeight(WarpLook::kRowHeight);
     row->move(0, -WarpLook::kRowHeight); // above the visible area until the layout positions it
     connect(row, &Item::selected, this, &MediaList::onSelectedItem);
-    newRows_.push_back(row);
+    items_.add(row);
+    rows_->requestSort();
+    applyFilters(row);
 }
 
-void MediaList::removeFromLayout(Item* row) {
-    deferLayout();
-    rowsLayout_->removeWidget(row);
-    std::erase(isScreenOrPart(row) ? sortedScreens_ : sortedMedias_, row);
-    std::erase(newRows_, row);
-    changedRows_.erase(row);
+void MediaList::removeParts(int screenId) {
+    // Found anew each time because a connection lost during a removal removes the screen.
+    while (const ScreenItem* screen = items_.findScreen(screenId)) {
+        if (screen->parts().isEmpty())
+            break;
+        removeRow(screen->parts().constLast()->key());
+    }
 }
 
-void MediaList::deleteRow(Item* row) {
+void MediaList::removeRow(const ItemKey& key) {
+    if (key.type == LV_NTC_ElementType::Screen)
+        removeParts(static_cast<int>(key.id));
+    Item* row = items_.find(key);
+    if (row == nullptr)
+        return;
+    items_.remove(row);
+    if (key.type == LV_NTC_ElementType::ScreenPart)
+        static_cast<ScreenPartItem*>(row)->screenItem()->removePart(row->id());
+    rows_->remove(row);
+    switch (key.type) {
+    case LV_NTC_ElementType::Media:
+        emit removeMediaItem(key.id);
+        break;
+    case LV_NTC_ElementType::Texture:
+        emit removeTextureItem(key.id);
+        break;
+    case LV_NTC_ElementType::Screen:
+        emit removeScreenItem(static_cast<int>(key.id));
+        break;
+    case LV_NTC_ElementType::ScreenPart:
+        emit removeScreenPartItem(static_cast<int>(key.id), static_cast<int>(key.subId));
+        break;
+    case LV_NTC_ElementType::None:
+        break;
+    }
     if (row == selectedItem_)
         onSelectedItem(nullptr);
     delete row;
+    emit itemRemoved();
+}
+
+void MediaList::purgeMedia() {
+    while (!items_.isEmpty())
+        removeRow(items_.firstKey());
+    selectedItem_ = nullptr;
 }
 
 void MediaList::relabel(Item* row, const QString& text) {
     if (row->labelText() == text)
         return;
+    rows_->sortIfRequested(); // by the labels up to now
     row->setLabelText(text);
-    changedRows_.insert(row);
-    isOrderStale_ = true;
+    isUpdateDue_ = true;
 }
 
 void MediaList::addMedia(MediaType::Enum type, unsigned int cueId, int mediaId, int dataIndex,
                          int sourceWidth, int sourceHeight, double sourceRotation, bool flag,
                          const QString& name) {
-    if (findMedia(cueId) == nullptr) {
-        auto* row = new MediaItem(type, cueId, mediaId, dataIndex, sourceWidth, sourceHeight, flag,
-                                  name, configuration_, content_);
-        initRow(row);
-        mediaItems_.emplace(cueId, row);
+    if (items_.find(ItemKey::media(cueId)) == nullptr) {
+        initRow(new MediaItem(type, cueId, mediaId, dataIndex, sourceWidth, sourceHeight, flag,
+                              name, configuration_, rows_->content()));
     }
     emit mediaItemAdded(type, cueId, mediaId, sourceWidth, sourceHeight, sourceRotation, name);
     updateMediaList();
@@ -320,11 +324,9 @@ void MediaList::addMedia(MediaType::Enum type, unsigned int cueId, int mediaId, 
 void MediaList::addTexture(unsigned int cueId, int textureId, int dataIndex, int sourceWidth,
                            int sourceHeight, double sourceRotation, bool flag,
                            const QString& name) {
-    if (findTexture(cueId) == nullptr) {
-        auto* row = new TextureItem(cueId, textureId, dataIndex, sourceWidth, sourceHeight, flag,
-                                    name, configuration_, content_);
-        initRow(row);
-        textureItems_.emplace(cueId, row);
+    if (items_.find(ItemKey::texture(cueId)) == nullptr) {
+        initRow(new TextureItem(cueId, textureId, dataIndex, sourceWidth, sourceHeight, flag, name,
+                                configuration_, rows_->content()));
     }
     emit textureItemAdded(cueId, textureId, sourceWidth, sourceHeight, sourceRotation, name);
     updateMediaList();
@@ -338,20 +340,14 @@ void MediaList::addScreen(int screenId, int dataIndex, int sourceWidth, int sour
         qWarning("MediaList: Screen with number %u ignored", static_cast<std::uint32_t>(screenId));
         return;
     }
-    const auto index = static_cast<std::size_t>(screenId);
-    if (index >= screenItems_.size())
-        screenItems_.resize(index + 1);
-    ScreenItem* screen = screenItems_[index];
-    if (screen != nullptr) {
+    if (ScreenItem* screen = items_.findScreen(screenId)) {
         screen->setName(name);
         relabel(screen, name);
         for (ScreenPartItem* part : screen->parts())
-            relabel(part, partLabel(screen, part->name()));
+            relabel(part, partLabel(*screen, part->name()));
     } else {
-        screen = new ScreenItem(screenId, dataIndex, sourceWidth, sourceHeight, blinded, name,
-                                configuration_, content_);
-        initRow(screen);
-        screenItems_[index] = screen;
+        initRow(new ScreenItem(screenId, dataIndex, sourceWidth, sourceHeight, blinded, name,
+                               configuration_, rows_->content()));
     }
     emit screenItemAdded(screenId, sourceWidth, sourceHeight, 0.0F, sourceDeformerRotation, name);
     updateMediaList();
@@ -360,91 +356,31 @@ void MediaList::addScreen(int screenId, int dataIndex, int sourceWidth, int sour
 void MediaList::addScreenPart(int screenId, int partId, int dataIndex, int sourceWidth,
                               int sourceHeight, double sourceDeformerRotation, bool blinded,
                               const QString& name) {
-    ScreenItem* screen = findScreen(screenId);
+    ScreenItem* screen = items_.findScreen(screenId);
     if (screen == nullptr)
         return;
-    ScreenPartItem* part = screen->getPart(partId);
-    const bool isNew = part == nullptr;
-    if (isNew) {
+    if (ScreenPartItem* part = screen->getPart(partId)) {
+        relabel(part, partLabel(*screen, name));
+    } else {
         if (screen->parts().size() >= Limits::kMaxPartsPerScreen) {
             qWarning("MediaList: Part of screen %d ignored, it has too many", screenId);
             return;
         }
         part = new ScreenPartItem(partId, dataIndex, sourceWidth, sourceHeight, blinded, name,
-                                  configuration_, content_);
-        part->setLabelText(partLabel(screen, name));
-        initRow(part);
+                                  configuration_, rows_->content());
+        part->setLabelText(partLabel(*screen, name));
         screen->addPart(part);
-    } else {
-        relabel(part, partLabel(screen, name));
+        initRow(part);
     }
     emit screenPartItemAdded(screenId, partId, sourceWidth, sourceHeight, sourceDeformerRotation,
                              name);
     updateMediaList();
 }
 
-void MediaList::removeMedia(unsigned int cueId) {
-    MediaItem* row = findMedia(cueId);
-    if (row == nullptr)
-        return;
-    removeFromLayout(row);
-    emit removeMediaItem(cueId);
-    mediaItems_.erase(cueId);
-    deleteRow(row);
-    emit itemRemoved();
-}
-
-void MediaList::removeTexture(unsigned int cueId) {
-    TextureItem* row = findTexture(cueId);
-    if (row == nullptr)
-        return;
-    removeFromLayout(row);
-    emit removeTextureItem(cueId);
-    textureItems_.erase(cueId);
-    deleteRow(row);
-    emit itemRemoved();
-}
-
-void MediaList::removeScreen(int screenId) {
-    ScreenItem* screen = findScreen(screenId);
-    if (screen == nullptr)
-        return;
-    while (!screen->parts().isEmpty())
-        removeScreenPart(screenId, screen->parts().constLast()->id());
-    emit removeScreenItem(screenId);
-    if (screen == selectedItem_)
-        onSelectedItem(nullptr);
-    removeFromLayout(screen);
-    screenItems_[static_cast<std::size_t>(screenId)] = nullptr;
-    delete screen;
-    emit itemRemoved();
-}
-
-void MediaList::removeScreenPart(int screenId, int partId) {
-    ScreenItem* screen = findScreen(screenId);
-    ScreenPartItem* part = screen != nullptr ? screen->removePart(partId) : nullptr;
-    if (part == nullptr)
-        return;
-    removeFromLayout(part);
-    emit removeScreenPartItem(screenId, partId);
-    deleteRow(part);
-    emit itemRemoved();
-}
-
-void MediaList::purgeMedia() {
-    while (!mediaItems_.empty())
-        removeMedia(mediaItems_.begin()->first);
-    while (!textureItems_.empty())
-        removeTexture(textureItems_.begin()->first);
-    for (int screenId = 0; screenId < static_cast<int>(screenItems_.size()); ++screenId)
-        removeScreen(screenId);
-    selectedItem_ = nullptr;
-}
-
 // State of elements
 
 void MediaList::updateScreenMode(int screenId, LV_NTC_ModeType mode) {
-    ScreenItem* screen = findScreen(screenId);
+    ScreenItem* screen = items_.findScreen(screenId);
     if (screen == nullptr)
         return;
     if (mode < LV_NTC_ModeType::Unset || mode > LV_NTC_ModeType::Parts) {
@@ -452,261 +388,104 @@ void MediaList::updateScreenMode(int screenId, LV_NTC_ModeType mode) {
         return;
     }
     screen->setMode(mode);
-    deferLayout();
-    if (screen->isHandledThroughParts()) {
-        if (selectedItem_ == screen)
-            onSelectedItem(nullptr);
-        screen->showParts();
-    } else {
-        if (std::find(screen->parts().begin(), screen->parts().end(), selectedItem_) !=
-            screen->parts().end())
-            onSelectedItem(nullptr);
-        screen->hideParts();
-    }
+    rows_->defer();
     applyFilters(screen);
+    for (ScreenPartItem* part : screen->parts())
+        applyFilters(part);
     unselectIfHidden();
     emit screenMode(screenId, mode);
 }
 
-void MediaList::updateScreenBlind(int screenId, bool blinded) {
-    if (ScreenItem* screen = findScreen(screenId))
-        screen->setBlinded(blinded);
-}
-
-void MediaList::updateScreenPartBlind(int screenId, int partId, bool blinded) {
-    if (ScreenPartItem* part = findScreenPart(screenId, partId))
-        part->setBlinded(blinded);
+void MediaList::setBlinded(const ItemKey& key, bool blinded) {
+    if (Item* row = items_.find(key))
+        row->setBlinded(blinded);
 }
 
 void MediaList::updateMediaBlind(LV_NTC_ElementType elementType, const QString& name,
                                  unsigned int cueId, bool blinded) {
-    Item* row = nullptr;
-    if (elementType == LV_NTC_ElementType::Media)
-        row = findMedia(cueId);
-    else if (elementType == LV_NTC_ElementType::Texture)
-        row = findTexture(cueId);
-    if (row == nullptr)
-        return;
-    row->setName(name);
-    relabel(row, name);
-    row->setBlinded(blinded);
-}
-
-void MediaList::updateDeformationMode(LV_NTC_DeformationType deformationType, int screenId,
-                                      const QString& name, int rows, int columns, bool reset) {
-    Q_UNUSED(name)
-    if (ScreenItem* screen = findScreen(screenId))
-        screen->setDeformation({static_cast<int>(deformationType), rows, columns, reset});
-}
-
-void MediaList::updateScreenPartDeformationMode(LV_NTC_DeformationType deformationType,
-                                                int screenId, int screenPartId, const QString& name,
-                                                int rows, int columns, bool reset) {
-    Q_UNUSED(name)
-    if (ScreenPartItem* part = findScreenPart(screenId, screenPartId))
-        part->setDeformation({static_cast<int>(deformationType), rows, columns, reset});
-}
-
-void MediaList::updateMediaDeformationMode(LV_NTC_ElementType elementType,
-                                           LV_NTC_DeformationType deformationType,
-                                           unsigned int cueId, int elementId, const QString& name,
-                                           int rows, int columns, bool reset) {
-    Q_UNUSED(elementId)
-    Q_UNUSED(name)
-    const Item::Deformation deformation{static_cast<int>(deformationType), rows, columns, reset};
-    if (elementType == LV_NTC_ElementType::Media) {
-        if (MediaItem* media = findMedia(cueId))
-            media->setDeformation(deformation);
-    } else if (elementType == LV_NTC_ElementType::Texture) {
-        if (TextureItem* texture = findTexture(cueId))
-            texture->setDeformation(deformation);
+    if (Item* row = items_.find(ItemKey::mediaOrTexture(elementType, cueId))) {
+        row->setName(name);
+        relabel(row, name);
+        row->setBlinded(blinded);
     }
 }
 
+void MediaList::setDeformation(const ItemKey& key, const Item::Deformation& deformation) {
+    if (Item* row = items_.find(key))
+        row->setDeformation(deformation);
+}
+
 void MediaList::receiveAndUpdateDeformationMode(const DeformationModeEvent& event) {
-    const int screenId = static_cast<int>(event.screenId());
-    ScreenItem* screen = findScreen(screenId);
-    if (screen == nullptr || !isBuildable(event))
-        return;
-    const Item::Deformation deformation = deformationOf(event);
-    emit screenDeformationMode(event.deformationType(), screenId, event.name(), deformation.rows,
-                               deformation.columns, deformation.reset);
-    screen->setDeformation(deformation);
+    receiveAndUpdate(ItemKey::screen(event.screenId()), event);
 }
 
 void MediaList::receiveAndUpdateScreenPartDeformationMode(
     const ScreenPartDeformationModeEvent& event) {
-    const int screenId = static_cast<int>(event.screenId());
-    const int partId = static_cast<int>(event.screenPartId());
-    ScreenPartItem* part = findScreenPart(screenId, partId);
-    if (part == nullptr || !isBuildable(event))
-        return;
-    const Item::Deformation deformation = deformationOf(event);
-    emit screenPartDeformationMode(event.deformationType(), screenId, partId, event.name(),
-                                   deformation.rows, deformation.columns, deformation.reset);
-    part->setDeformation(deformation);
+    receiveAndUpdate(ItemKey::screenPart(event.screenId(), event.screenPartId()), event);
 }
 
 void MediaList::receiveAndUpdateMediaDeformationMode(const MediaDeformationModeEvent& event) {
-    const int elementId = static_cast<int>(event.elementId());
-    const Item::Deformation deformation = deformationOf(event);
-    if (event.elementType() == LV_NTC_ElementType::Media) {
-        MediaItem* media = findMedia(event.cueId());
-        if (media != nullptr && isBuildable(event)) {
-            emit mediaDeformationMode(event.elementType(), event.deformationType(), event.cueId(),
-                                      elementId, event.name(), deformation.rows,
-                                      deformation.columns, deformation.reset);
-            media->setDeformation(deformation);
-        }
-    } else if (event.elementType() == LV_NTC_ElementType::Texture) {
-        TextureItem* texture = findTexture(event.cueId());
-        if (texture != nullptr && isBuildable(event)) {
-            emit textureDeformationMode(event.elementType(), event.deformationType(), event.cueId(),
-                                        elementId, event.name(), deformation.rows,
-                                        deformation.columns, deformation.reset);
-            texture->setDeformation(deformation);
-        }
-    }
+    receiveAndUpdate(ItemKey::mediaOrTexture(event.elementType(), event.cueId(), event.elementId()),
+                     event);
 }
 
-// Order
-
-void MediaList::sortItemList(std::vector<Item*>& items) const {
-    std::stable_sort(
-        items.begin(), items.end(),
-        [](const Item* a, const Item* b) { return qstrcmp(a->sortKey(), b->sortKey()) < 0; });
-}
-
-void MediaList::updateMediaList() {
-    if (isOrderStale_ || !newRows_.empty() || !changedRows_.empty())
-        deferLayout();
-    for (Item* row : newRows_)
-        applyFilters(row);
-    for (Item* row : std::exchange(changedRows_, {}))
-        applyFilters(row);
-    if (isOrderStale_)
-        rebuildLayout();
-    else
-        for (Item* row : newRows_)
-            insertIntoLayout(row);
-    newRows_.clear();
-    unselectIfHidden();
-}
-
-void MediaList::rebuildLayout() {
-    while (QLayoutItem* item = rowsLayout_->takeAt(0)) {
-        // Cleared because addWidget() would otherwise search the layout for the widget.
-        item->widget()->setAttribute(Qt::WA_LaidOut, false);
-        delete item;
-    }
-    sortedScreens_.clear();
-    std::copy_if(screenItems_.begin(), screenItems_.end(), std::back_inserter(sortedScreens_),
-                 [](const ScreenItem* screen) { return screen != nullptr; });
-    sortItemList(sortedScreens_);
-    for (Item* screen : sortedScreens_) {
-        rowsLayout_->addWidget(screen);
-        for (ScreenPartItem* part : static_cast<ScreenItem*>(screen)->parts())
-            rowsLayout_->addWidget(part);
-    }
-    sortedMedias_.clear();
-    for (const auto& [cueId, media] : mediaItems_)
-        sortedMedias_.push_back(media);
-    for (const auto& [cueId, texture] : textureItems_)
-        sortedMedias_.push_back(texture);
-    sortItemList(sortedMedias_);
-    for (Item* row : sortedMedias_)
-        rowsLayout_->addWidget(row);
-    isOrderStale_ = false;
-}
-
-void MediaList::insertIntoLayout(Item* row) {
-    // The layout holds the screens with their parts, then the medias and textures.
-    const int firstMedia = rowsLayout_->count() - static_cast<int>(sortedMedias_.size());
-    if (row->elementType() == LV_NTC_ElementType::ScreenPart) {
-        const ScreenItem* screen = static_cast<ScreenPartItem*>(row)->screenItem();
-        const auto next = std::find(screen->parts().begin(), screen->parts().end(), row);
-        const Item* above =
-            next != screen->parts().begin() ? static_cast<Item*>(*std::prev(next)) : screen;
-        rowsLayout_->insertWidget(rowsLayout_->indexOf(above) + 1, row);
-    } else if (row->elementType() == LV_NTC_ElementType::Screen) {
-        const auto next =
-            std::lower_bound(sortedScreens_.begin(), sortedScreens_.end(), row, precedes);
-        rowsLayout_->insertWidget(
-            next != sortedScreens_.end() ? rowsLayout_->indexOf(*next) : firstMedia, row);
-        sortedScreens_.insert(next, row);
-    } else {
-        const auto next =
-            std::lower_bound(sortedMedias_.begin(), sortedMedias_.end(), row, precedes);
-        rowsLayout_->insertWidget(firstMedia + static_cast<int>(next - sortedMedias_.begin()), row);
-        sortedMedias_.insert(next, row);
-    }
-}
-
-Item* MediaList::getItemFromLayout(int index) const {
-    const QLayoutItem* item = rowsLayout_->itemAt(index);
-    return item != nullptr ? static_cast<Item*>(item->widget()) : nullptr;
-}
-
-void MediaList::deferLayout() {
-    if (isLayoutDeferred_)
+template <class DeformationEvent>
+void MediaList::receiveAndUpdate(const ItemKey& key, const DeformationEvent& event) {
+    Item* row = items_.find(key);
+    if (row == nullptr || !isBuildable(event))
         return;
-    isLayoutDeferred_ = true;
-    rowsLayout_->setEnabled(false);
-    QMetaObject::invokeMethod(this, &MediaList::applyLayout, Qt::QueuedConnection);
-}
-
-void MediaList::applyLayout() {
-    if (!isLayoutDeferred_)
-        return;
-    isLayoutDeferred_ = false;
-    rowsLayout_->setEnabled(true);
-    // The scroll area resizes the content first, so that the rows move only once.
-    QEvent request(QEvent::LayoutRequest);
-    QCoreApplication::sendEvent(scrollArea_, &request);
-    rowsLayout_->activate();
-    createWidgetsInView();
-}
-
-void MediaList::createWidgetsInView() {
-    const int top = scrollArea_->verticalScrollBar()->value();
-    const int bottom = top + scrollArea_->viewport()->height();
-    for (int index = 0; Item* row = getItemFromLayout(index); ++index) {
-        if (row->isHidden() || row->y() + row->height() <= top)
-            continue;
-        if (row->y() >= bottom)
-            break; // all rows below are out of view
-        row->createWidgets();
+    const LV_NTC_DeformationType type = event.deformationType();
+    const auto id = static_cast<int>(key.id);
+    const auto subId = static_cast<int>(key.subId);
+    const auto rows = static_cast<int>(event.rows());
+    const auto columns = static_cast<int>(event.columns());
+    const bool reset = event.reset();
+    switch (key.type) {
+    case LV_NTC_ElementType::Media:
+        emit mediaDeformationMode(key.type, type, key.id, subId, event.name(), rows, columns,
+                                  reset);
+        break;
+    case LV_NTC_ElementType::Texture:
+        emit textureDeformationMode(key.type, type, key.id, subId, event.name(), rows, columns,
+                                    reset);
+        break;
+    case LV_NTC_ElementType::Screen:
+        emit screenDeformationMode(type, id, event.name(), rows, columns, reset);
+        break;
+    case LV_NTC_ElementType::ScreenPart:
+        emit screenPartDeformationMode(type, id, subId, event.name(), rows, columns, reset);
+        break;
+    case LV_NTC_ElementType::None:
+        break;
     }
+    row->setDeformation({static_cast<int>(type), rows, columns, reset});
 }
 
 // Filters
 
-bool MediaList::matches(const Item* row, const QString& text) const {
-    switch (row->elementType()) {
-    case LV_NTC_ElementType::Screen:
-        return !static_cast<const ScreenItem*>(row)->isHandledThroughParts() &&
-               contains(row->labelText(), text);
-    case LV_NTC_ElementType::ScreenPart: {
-        const ScreenItem* screen = static_cast<const ScreenPartItem*>(row)->screenItem();
-        return screen->isHandledThroughParts() &&
-               contains(screen->labelText() + kLabelSeparator + row->labelText(), text);
+void MediaList::updateMediaList() {
+    if (std::exchange(isUpdateDue_, false)) {
+        rows_->requestSort();
+        for (Item* row : items_.rows())
+            applyFilters(row);
     }
-    default:
-        return contains(row->labelText(), text);
-    }
+    unselectIfHidden();
 }
 
 void MediaList::applyFilters(Item* row) {
     row->setVisible(!(screensOnly_ && isScreenOrPart(row)) && matches(row, filterText_));
-    if (row->elementType() == LV_NTC_ElementType::Screen)
-        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts())
-            applyFilters(part);
 }
 
-int MediaList::showIfMatching(Item* row, const QString& text) {
-    const bool isMatching = matches(row, text);
-    row->setVisible(isMatching);
-    return isMatching ? 1 : 0;
+int MediaList::filterRows(LV_NTC_ElementType type, const QString& text) {
+    rows_->defer();
+    int visible = 0;
+    for (Item* row : items_.rows(type)) {
+        const bool isMatching = matches(row, text);
+        row->setVisible(isMatching);
+        visible += isMatching ? 1 : 0;
+    }
+    unselectIfHidden();
+    return visible;
 }
 
 void MediaList::unselectIfHidden() {
@@ -728,36 +507,6 @@ int MediaList::filterByText() {
     return visible;
 }
 
-int MediaList::textFilterOnScreensAndScreenParts(const QString& text) {
-    deferLayout();
-    int visible = 0;
-    for (Item* row : sortedScreens_) {
-        visible += showIfMatching(row, text);
-        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts())
-            visible += showIfMatching(part, text);
-    }
-    unselectIfHidden();
-    return visible;
-}
-
-int MediaList::textFilterOnMedias(const QString& text) {
-    deferLayout();
-    int visible = 0;
-    for (const auto& [cueId, media] : mediaItems_)
-        visible += showIfMatching(media, text);
-    unselectIfHidden();
-    return visible;
-}
-
-int MediaList::textFilterOnTextures(const QString& text) {
-    deferLayout();
-    int visible = 0;
-    for (const auto& [cueId, texture] : textureItems_)
-        visible += showIfMatching(texture, text);
-    unselectIfHidden();
-    return visible;
-}
-
 void MediaList::filterScreens(bool on) {
     screensOnly_ = on;
     filterScreens();
@@ -772,26 +521,24 @@ void MediaList::filterScreens() {
 }
 
 void MediaList::hideScreensAndScreenParts() {
-    deferLayout();
-    for (Item* row : sortedScreens_) {
-        row->hide();
-        for (ScreenPartItem* part : static_cast<ScreenItem*>(row)->parts())
-            part->hide();
-    }
-    if (selectedItem_ != nullptr && isScreenOrPart(selectedItem_))
-        onSelectedItem(nullptr);
+    rows_->defer();
+    for (const LV_NTC_ElementType type :
+         {LV_NTC_ElementType::Screen, LV_NTC_ElementType::ScreenPart})
+        for (Item* row : items_.rows(type))
+            row->hide();
+    unselectIfHidden();
 }
 
 void MediaList::showScreensAndScreenParts() {
-    deferLayout();
-    for (Item* row : sortedScreens_) {
+    rows_->defer();
+    for (Item* row : items_.rows(LV_NTC_ElementType::Screen)) {
         auto* screen = static_cast<ScreenItem*>(row);
         if (screen->isHandledThroughParts() && !screen->parts().isEmpty())
             screen->showParts();
         else
             screen->show();
-        changedRows_.insert(screen); // shown regardless of the text filter
     }
+    isUpdateDue_ = true; // shown regardless of the text filter
 }
 
 // Selection
@@ -810,20 +557,12 @@ void MediaList::onSelectedItem(Item* item) {
         emit selectedItem(item);
 }
 
-void MediaList::unselectItem() {
-    onSelectedItem(nullptr);
-}
-
-void MediaList::selectFirstVisibleItem() {
-    selectVisible(0, 1);
-}
-
 void MediaList::selectNextVisibleItem() {
-    selectVisible(rowsLayout_->indexOf(selectedItem_) + 1, 1);
+    selectVisible(rows_->indexOf(selectedItem_) + 1, 1);
 }
 
 void MediaList::selectPreviousVisibleItem() {
-    selectVisible(rowsLayout_->indexOf(selectedItem_) - 1, -1);
+    selectVisible(rows_->indexOf(selectedItem_) - 1, -1);
 }
 
 void MediaList::selectVisible(int from, int step) {
@@ -838,7 +577,7 @@ void MediaList::selectVisible(int from, int step) {
 }
 
 void MediaList::scrollToSelection() {
-    applyLayout();
+    rows_->apply();
     if (selectedItem_ != nullptr) {
         scrollArea_->ensureWidgetVisible(selectedItem_, configuration_.listScrollMargins.left(),
                                          configuration_.listScrollMargins.top());
@@ -885,8 +624,6 @@ void MediaList::notified(QKeyEvent* keyEvent) {
 }
 
 bool MediaList::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == scrollArea_->viewport() && event->type() == QEvent::Resize)
-        createWidgetsInView();
     if (watched == scrollArea_ && event->type() == QEvent::KeyPress) {
         auto* keyEvent = static_cast<QKeyEvent*>(event);
         if (keyEvent->key() >= Qt::Key_Left && keyEvent->key() <= Qt::Key_Down) {

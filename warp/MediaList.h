@@ -5,22 +5,17 @@
 #include "input/action.h"
 #include "input/key_event_listener.h"
 #include "input/key_subscription.h"
-#include "network/events/ProtocolTypes.h"
+#include "warp/Item.h"
+#include "warp/ItemRegistry.h"
+#include "warp/RowLayout.h"
 
-#include <QScrollArea>
-#include <QVBoxLayout>
 #include <QWidget>
 
-#include <map>
-#include <set>
+#include <memory>
 #include <vector>
 
-class Item;
-class MediaItem;
 class QKeyEvent;
-class ScreenItem;
-class ScreenPartItem;
-class TextureItem;
+class QScrollArea;
 struct Configuration;
 
 namespace NetworkCompanion {
@@ -34,7 +29,8 @@ class ScreenPartDeformationModeEvent;
 ///
 /// Order and visibility of the rows are up to date when an operation returns; their geometry
 /// follows once in the next event-loop iteration. A row is visible unless it is hidden explicitly,
-/// whether or not the list itself is on screen.
+/// whether or not the list itself is on screen. Members marked API are not used by the application
+/// itself.
 class MediaList final : public QWidget, public EventListener, public KeyEventListener {
     Q_OBJECT
 
@@ -60,54 +56,25 @@ public:
     void addScreenPart(int screenId, int partId, int dataIndex, int sourceWidth, int sourceHeight,
                        double sourceDeformerRotation, bool blinded, const QString& name);
 
-    // Clear the selection before deleting a selected row.
-    void removeMedia(unsigned int cueId);
-    void removeTexture(unsigned int cueId);
-    void removeScreen(int screenId);
-    void removeScreenPart(int screenId, int partId);
+    /// Removes every element by itself: medias, textures, then screens with their parts.
     void purgeMedia();
 
     void updateScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType mode);
-    void updateScreenBlind(int screenId, bool blinded);
-    void updateScreenPartBlind(int screenId, int partId, bool blinded);
     /// Also sets the element's name. The next updateMediaList() sorts the row again.
     void updateMediaBlind(NetworkCompanion::LV_NTC_ElementType elementType, const QString& name,
                           unsigned int cueId, bool blinded);
-
-    // Store a deformation without emitting a signal.
-    void updateDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
-                               int screenId, const QString& name, int rows, int columns,
-                               bool reset);
-    void updateScreenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
-                                         int screenId, int screenPartId, const QString& name,
-                                         int rows, int columns, bool reset);
-    void updateMediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
-                                    NetworkCompanion::LV_NTC_DeformationType deformationType,
-                                    unsigned int cueId, int elementId, const QString& name,
-                                    int rows, int columns, bool reset);
-    // Emit the signal of a deformation that the Producer reports, then store it.
-    void receiveAndUpdateDeformationMode(const NetworkCompanion::DeformationModeEvent& event);
-    void receiveAndUpdateScreenPartDeformationMode(
-        const NetworkCompanion::ScreenPartDeformationModeEvent& event);
-    void
-    receiveAndUpdateMediaDeformationMode(const NetworkCompanion::MediaDeformationModeEvent& event);
 
     /// "newShow" clears the list and requests the elements of the new show.
     void processMessage(const QString& text);
 
     /// Updates order and visibility of the rows from the elements, their names and the filters.
     void updateMediaList();
-    /// Sorts by Item::sortKey(); equal keys keep their order.
-    void sortItemList(std::vector<Item*>& items) const;
 
-    // Show the rows whose label contains the text, ignoring case, hide the others and return the
-    // number of rows shown.
+    /// Stores the text and shows the rows whose label contains it, ignoring case. Returns the
+    /// number of rows shown.
     int filterByText(const QString& text);
+    /// The same with the stored text.
     int filterByText();
-    int textFilterOnScreensAndScreenParts(const QString& text);
-    int textFilterOnMedias(const QString& text);
-    int textFilterOnTextures(const QString& text);
-
     /// Hides screens and their parts, or shows them again.
     void filterScreens(bool on);
     void filterScreens();
@@ -116,13 +83,56 @@ public:
 
     /// The selected row or null.
     Item* selection() const { return selectedItem_; }
-    void unselectItem();
-    void selectFirstVisibleItem();
-    void selectPreviousVisibleItem();
     void selectNextVisibleItem();
+    void selectPreviousVisibleItem();
 
+    // Relays: the remaining operations, each a call of one of those above or below.
+    void removeMedia(unsigned int cueId) { removeRow(NetworkCompanion::ItemKey::media(cueId)); }
+    void removeTexture(unsigned int cueId) { removeRow(NetworkCompanion::ItemKey::texture(cueId)); }
+    void removeScreen(int screenId) { removeRow(screenKey(screenId)); }
+    void removeScreenPart(int screenId, int partId) { removeRow(partKey(screenId, partId)); }
+    void updateScreenBlind(int screenId, bool blinded) { setBlinded(screenKey(screenId), blinded); }
+    void updateScreenPartBlind(int screenId, int partId, bool blinded) {
+        setBlinded(partKey(screenId, partId), blinded);
+    }
+    void updateDeformationMode(NetworkCompanion::LV_NTC_DeformationType type, int screenId, // API
+                               const QString&, int rows, int columns, bool reset) {
+        setDeformation(screenKey(screenId), {static_cast<int>(type), rows, columns, reset});
+    }
+    void updateScreenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType type, // API
+                                         int screenId, int screenPartId, const QString&, int rows,
+                                         int columns, bool reset) {
+        setDeformation(partKey(screenId, screenPartId),
+                       {static_cast<int>(type), rows, columns, reset});
+    }
+    void updateMediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType, // API
+                                    NetworkCompanion::LV_NTC_DeformationType type,
+                                    unsigned int cueId, int, const QString&, int rows, int columns,
+                                    bool reset) {
+        setDeformation(NetworkCompanion::ItemKey::mediaOrTexture(elementType, cueId),
+                       {static_cast<int>(type), rows, columns, reset});
+    }
+    void receiveAndUpdateDeformationMode(const NetworkCompanion::DeformationModeEvent& event);
+    void receiveAndUpdateScreenPartDeformationMode(
+        const NetworkCompanion::ScreenPartDeformationModeEvent& event);
+    void
+    receiveAndUpdateMediaDeformationMode(const NetworkCompanion::MediaDeformationModeEvent& event);
+    void sortItemList(std::vector<Item*>& items) const { RowLayout::sort(items); } // API
+    int textFilterOnScreensAndScreenParts(const QString& text) {
+        return filterRows(NetworkCompanion::LV_NTC_ElementType::Screen, text) +
+               filterRows(NetworkCompanion::LV_NTC_ElementType::ScreenPart, text);
+    }
+    int textFilterOnMedias(const QString& text) {
+        return filterRows(NetworkCompanion::LV_NTC_ElementType::Media, text);
+    }
+    int textFilterOnTextures(const QString& text) {
+        return filterRows(NetworkCompanion::LV_NTC_ElementType::Texture, text);
+    }
+    void unselectItem() { onSelectedItem(nullptr); }
+    void selectFirstVisibleItem() { selectVisible(0, 1); }
     /// The row at that position, hidden rows included; null outside the list.
-    Item* getItemFromLayout(int index) const;
+    Item* getItemFromLayout(int index) const { return rows_->rowAt(index); }
+    // End of the relays.
 
 public slots:
     void onSelectedItem(Item* item);
@@ -160,60 +170,45 @@ signals:
     void emitKeyEvent(QKeyEvent* keyEvent);
 
 private:
+    static NetworkCompanion::ItemKey screenKey(int screenId) {
+        return NetworkCompanion::ItemKey::screen(static_cast<unsigned int>(screenId));
+    }
+    static NetworkCompanion::ItemKey partKey(int screenId, int partId) {
+        return NetworkCompanion::ItemKey::screenPart(static_cast<unsigned int>(screenId),
+                                                     static_cast<unsigned int>(partId));
+    }
+
     void initMediaList();
 
-    MediaItem* findMedia(unsigned int cueId) const;
-    TextureItem* findTexture(unsigned int cueId) const;
-    /// Null for a number that is out of range or belongs to no screen.
-    ScreenItem* findScreen(int screenId) const;
-    ScreenPartItem* findScreenPart(int screenId, int partId) const;
-
-    /// Sets up a new row, which stays hidden until the next updateMediaList().
+    /// Registers and shows a new row.
     void initRow(Item* row);
-    /// Removes the row from the layout and from the state of order and visibility.
-    void removeFromLayout(Item* row);
-    /// Clears the selection if it is this row, then deletes the row.
-    void deleteRow(Item* row);
-    /// Sets the label; the next updateMediaList() sorts and filters the row again.
+    /// Removes the row of the element, clears the selection if it was selected and deletes it.
+    void removeRow(const NetworkCompanion::ItemKey& key);
+    void removeParts(int screenId);
+    /// Sets the label; the next updateMediaList() sorts and filters the rows again.
     void relabel(Item* row, const QString& text);
-    QString partLabel(const ScreenItem* screen, const QString& partName) const;
+    void setBlinded(const NetworkCompanion::ItemKey& key, bool blinded);
+    void setDeformation(const NetworkCompanion::ItemKey& key, const Item::Deformation& deformation);
+    /// Emits the signal of a deformation that the Producer reports, then stores it.
+    template <class DeformationEvent>
+    void receiveAndUpdate(const NetworkCompanion::ItemKey& key, const DeformationEvent& event);
 
-    void rebuildLayout();
-    void insertIntoLayout(Item* row);
-    /// Whether the text filter shows the row. False for a screen in mode `Parts`, and for the parts
-    /// of any other screen.
-    bool matches(const Item* row, const QString& text) const;
-    int showIfMatching(Item* row, const QString& text);
+    int filterRows(NetworkCompanion::LV_NTC_ElementType type, const QString& text);
     void applyFilters(Item* row);
     void unselectIfHidden();
     /// Selects the first visible row at the positions from, from + step and so on.
     void selectVisible(int from, int step);
-
-    /// Disables the layout until the next event-loop iteration, so that many changes of rows cost
-    /// one layout pass and one repaint.
-    void deferLayout();
-    void applyLayout();
-    void createWidgetsInView();
     /// Scrolls to the selected row, without a selection to the top.
     void scrollToSelection();
 
     const Configuration& configuration_;
     QScrollArea* scrollArea_;
-    QWidget* content_;
-    QVBoxLayout* rowsLayout_;
+    ItemRegistry items_;
+    std::unique_ptr<RowLayout> rows_;
     Item* selectedItem_ = nullptr;
     bool screensOnly_ = false; ///< whether screens and their parts are hidden
     QString filterText_;
-    std::map<unsigned int, MediaItem*> mediaItems_;
-    std::map<unsigned int, TextureItem*> textureItems_;
-    std::vector<ScreenItem*> screenItems_; ///< by screen id; null where there is no screen
-
-    std::vector<Item*> sortedScreens_; ///< in layout order, without parts
-    std::vector<Item*> sortedMedias_;  ///< in layout order, with textures
-    std::vector<Item*> newRows_;       ///< not yet in the layout
-    std::set<Item*> changedRows_;      ///< visibility may differ from the filters
-    bool isOrderStale_ = false;        ///< whether a label changed since the last sort
-    bool isLayoutDeferred_ = false;
+    bool isUpdateDue_ = false; ///< whether rows differ from their labels' order or the filters
     KeySubscription keys_;
     EventSubscription events_;
 };
