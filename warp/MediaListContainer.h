@@ -28,40 +28,66 @@ public:
     void notified(QKeyEvent* keyEvent) override;
 
 public slots:
-    // Each emits the signal of its name.
-    void onSelectedItem(Item* item);
-    void onScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType);
+    // Relays: each emits the signal of its name.
+    void onSelectedItem(Item* item) { emit selectedItem(item); }
+    void onScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType) {
+        emit screenMode(screenId, modeType);
+    }
     void onMediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
                                 NetworkCompanion::LV_NTC_DeformationType deformationType,
                                 unsigned int cueId, int mediaId, const QString& name, int rows,
-                                int columns, bool reset);
+                                int columns, bool reset) {
+        emit mediaDeformationMode(elementType, deformationType, cueId, mediaId, name, rows, columns,
+                                  reset);
+    }
     void onScreenDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
                                  int screenId, const QString& name, int rows, int columns,
-                                 bool reset);
+                                 bool reset) {
+        emit screenDeformationMode(deformationType, screenId, name, rows, columns, reset);
+    }
     void onScreenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType deformationType,
                                      int screenId, int screenPartId, const QString& name, int rows,
-                                     int columns, bool reset);
+                                     int columns, bool reset) {
+        emit screenPartDeformationMode(deformationType, screenId, screenPartId, name, rows, columns,
+                                       reset);
+    }
     void onTextureDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
                                   NetworkCompanion::LV_NTC_DeformationType deformationType,
                                   unsigned int cueId, int textureId, const QString& name, int rows,
-                                  int columns, bool reset);
+                                  int columns, bool reset) {
+        emit textureDeformationMode(elementType, deformationType, cueId, textureId, name, rows,
+                                    columns, reset);
+    }
     void onMediaItemAdded(int type, unsigned int cueId, int mediaId, int sourceWidth,
-                          int sourceHeight, double sourceRotation, const QString& name);
-    void onRemoveMediaItem(unsigned int cueId);
+                          int sourceHeight, double sourceRotation, const QString& name) {
+        emit mediaItemAdded(type, cueId, mediaId, sourceWidth, sourceHeight, sourceRotation, name);
+    }
+    void onRemoveMediaItem(unsigned int cueId) { emit removeMediaItem(cueId); }
     void onScreenItemAdded(int idNum, int sourceWidth, int sourceHeight, float sourceRotation,
-                           double sourceDeformerRotation, const QString& name);
-    void onRemoveScreenItem(int screenId);
+                           double sourceDeformerRotation, const QString& name) {
+        emit screenItemAdded(idNum, sourceWidth, sourceHeight, sourceRotation,
+                             sourceDeformerRotation, name);
+    }
+    void onRemoveScreenItem(int screenId) { emit removeScreenItem(screenId); }
     void onScreenPartItemAdded(int screenId, int screenPartId, int sourceWidth, int sourceHeight,
-                               double sourceDeformerRotation, const QString& name);
-    void onRemoveScreenPartItem(int screenId, int screenPartId);
+                               double sourceDeformerRotation, const QString& name) {
+        emit screenPartItemAdded(screenId, screenPartId, sourceWidth, sourceHeight,
+                                 sourceDeformerRotation, name);
+    }
+    void onRemoveScreenPartItem(int screenId, int screenPartId) {
+        emit removeScreenPartItem(screenId, screenPartId);
+    }
     void onTextureItemAdded(unsigned int cueId, int textureId, int sourceWidth, int sourceHeight,
-                            double sourceRotation, const QString& name);
-    void onRemoveTextureItem(unsigned int cueId);
-    void onItemRemoved();
+                            double sourceRotation, const QString& name) {
+        emit textureItemAdded(cueId, textureId, sourceWidth, sourceHeight, sourceRotation, name);
+    }
+    void onRemoveTextureItem(unsigned int cueId) { emit removeTextureItem(cueId); }
+    void onItemRemoved() { emit itemRemoved(); }
     /// Forwards a key that the mesh editor does not use to the list.
-    void onKeyEvent(QKeyEvent* keyEvent);
-    void onEmitKeyEvent(QKeyEvent* keyEvent);
-    void onAction(Action action);
+    void onKeyEvent(QKeyEvent* keyEvent) { emit this->keyEvent(keyEvent); }
+    void onEmitKeyEvent(QKeyEvent* keyEvent) { emit emitKeyEvent(keyEvent); }
+    void onAction(Action action) { emit this->action(action); }
+    // End of the relays.
 
     void onScreenCheckBoxStateChanged(int state);
     void onSearchTextChanged(const QString& text);

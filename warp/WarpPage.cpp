@@ -64,19 +64,3 @@ void WarpPage::purgeMedia() {
 void WarpPage::giveFocusToCanvas() {
     canvas_->setFocus(Qt::MouseFocusReason);
 }
-
-void WarpPage::onLeftAxisMoved(float x, float y) {
-    emit leftAxisMoved(x, y);
-}
-
-void WarpPage::onRightAxisMoved(float x, float y) {
-    emit rightAxisMoved(x, y);
-}
-
-void WarpPage::onPressure(float value) {
-    emit pressure(value);
-}
-
-void WarpPage::onAction(Action action) {
-    emit this->action(action);
-}

@@ -24,10 +24,12 @@ public:
     void giveFocusToCanvas();
 
 public slots:
-    void onLeftAxisMoved(float x, float y) override;
-    void onRightAxisMoved(float x, float y) override;
-    void onPressure(float value) override;
-    void onAction(Action action) override;
+    // Relays: each emits the signal of its name.
+    void onLeftAxisMoved(float x, float y) override { emit leftAxisMoved(x, y); }
+    void onRightAxisMoved(float x, float y) override { emit rightAxisMoved(x, y); }
+    void onPressure(float value) override { emit pressure(value); }
+    void onAction(Action action) override { emit this->action(action); }
+    // End of the relays.
 
 signals:
     void leftAxisMoved(float x, float y);
