@@ -54,7 +54,7 @@ bool waitUntil(Condition condition) {
     return true;
 }
 
-ItemKey keyOf(const Item& row) {
+::ItemKey keyOf(const Item& row) {
     const auto id = quint32(row.id());
     switch (row.elementType()) {
     case Element::Media:
@@ -102,9 +102,9 @@ private:
     }
     int losses() const { return int(lost_->size()); }
 
-    QHash<ItemKey, Item*> rows() const;
+    QHash<::ItemKey, Item*> rows() const;
     QString listDifference() const;
-    QString pointsDifference(const ItemKey& key) const;
+    QString pointsDifference(const ::ItemKey& key) const;
     /// The first difference between window and Producer that lasts until the timeout; else empty.
     QString lastingDifference() const;
     void operate();
@@ -169,8 +169,8 @@ Show ChaosTest::show() const {
     return copy;
 }
 
-QHash<ItemKey, Item*> ChaosTest::rows() const {
-    QHash<ItemKey, Item*> rows;
+QHash<::ItemKey, Item*> ChaosTest::rows() const {
+    QHash<::ItemKey, Item*> rows;
     for (int i = 0; Item* row = find<MediaList>()->getItemFromLayout(i); ++i)
         rows.insert(keyOf(*row), row);
     return rows;
@@ -214,7 +214,7 @@ QVariant ChaosTest::evaluate(const char* expression) const {
     return QQmlExpression(qmlContext(root), root, QString::fromLatin1(expression)).evaluate();
 }
 
-QString ChaosTest::pointsDifference(const ItemKey& key) const {
+QString ChaosTest::pointsDifference(const ::ItemKey& key) const {
     const Show now = show();
     const ShowItem* item = now.find(key);
     if (!item)
