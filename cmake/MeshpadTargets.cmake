@@ -37,12 +37,12 @@ function(meshpad_executable target)
 endfunction()
 
 # meshpad_test(<name> SOURCES <file>... [LINK <target>...] [INTERFACE] [DISPLAY] [TIMEOUT <s>]
-#              [DEPENDS <target>...] [ARGS <argument>...] [ENVIRONMENT <name=value>...] [LABELS <label>...]):
+#              [DEPENDS <target>...] [ENVIRONMENT <name=value>...] [LABELS <label>...]):
 # a Qt Test program that CTest runs in a network namespace of its own, never on the machine's network.
 # INTERFACE gives that namespace a virtual interface with broadcast, DISPLAY an X server.
 function(meshpad_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "INTERFACE;DISPLAY" "TIMEOUT"
-                          "SOURCES;LINK;DEPENDS;ARGS;ENVIRONMENT;LABELS")
+                          "SOURCES;LINK;DEPENDS;ENVIRONMENT;LABELS")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE meshpad_options ${arg_LINK} Qt6::Test)
     if(TARGET meshpad_test_support)
@@ -64,7 +64,7 @@ function(meshpad_test name)
     if(arg_DISPLAY)
         list(APPEND wrapper --display)
     endif()
-    add_test(NAME ${name} COMMAND ${wrapper} -- $<TARGET_FILE:${name}> ${arg_ARGS})
+    add_test(NAME ${name} COMMAND ${wrapper} -- $<TARGET_FILE:${name}>)
     if(arg_DISPLAY)
         list(APPEND arg_ENVIRONMENT QT_QPA_PLATFORM=xcb LIBGL_ALWAYS_SOFTWARE=1)
     else()

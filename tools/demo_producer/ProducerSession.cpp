@@ -46,20 +46,6 @@ const Class& as(const Event& event) {
 
 } // namespace
 
-/// A move of a point of any item.
-struct ProducerSession::Move {
-    template <typename MoveEvent>
-    Move(const ItemKey& item, const MoveEvent& event)
-        : key(item), xy(event.xy()), point(event.pointId()), position(event.x(), event.y()),
-          selected(event.selected()) {}
-
-    ItemKey key;
-    bool xy;
-    quint32 point;
-    QPointF position;
-    bool selected;
-};
-
 ProducerSession::ProducerSession(std::vector<Show> shows, QObject* parent)
     : QObject(parent), shows_(std::move(shows)), show_(shows_.front()), server_(nullptr) {
     connect(&server_, &CompanionServer::companionConnected, this,
@@ -123,19 +109,19 @@ QString ProducerSession::handle(int id, const Event& event) {
         return onItemDataRequest(id, as<ItemDataEvent>(event).callerId());
     case Type::MediaMovePoint: {
         const auto& move = as<MediaMovePointEvent>(event);
-        return onMove(id, {{Element::Media, move.cueId(), move.mediaId()}, move});
+        return onMove(id, {Element::Media, move.cueId(), move.mediaId()}, move);
     }
     case Type::TextureMovePoint: {
         const auto& move = as<TextureMovePointEvent>(event);
-        return onMove(id, {{Element::Texture, move.cueId(), move.textureId()}, move});
+        return onMove(id, {Element::Texture, move.cueId(), move.textureId()}, move);
     }
     case Type::ScreenMovePoint: {
         const auto& move = as<ScreenMovePointEvent>(event);
-        return onMove(id, {{Element::Screen, move.screenId(), 0}, move});
+        return onMove(id, {Element::Screen, move.screenId(), 0}, move);
     }
     case Type::ScreenPartMovePoint: {
         const auto& move = as<ScreenPartMovePointEvent>(event);
-        return onMove(id, {{Element::ScreenPart, move.screenId(), move.screenPartId()}, move});
+        return onMove(id, {Element::ScreenPart, move.screenId(), move.screenPartId()}, move);
     }
     case Type::DeformationMode: {
         const auto& mode = as<DeformationModeEvent>(event);
@@ -211,22 +197,22 @@ QString ProducerSession::onItemDataRequest(int id, int dataIndex) {
         .arg(item->warp.columns);
 }
 
-QString ProducerSession::onMove(int id, const Move& move) {
-    const auto& [key, xy, point, position, selected] = move;
+template <typename MoveEvent>
+QString ProducerSession::onMove(int id, const ItemKey& key, const MoveEvent& move) {
     if (!show_.find(key))
         return unknown(key);
-    QString what = QStringLiteral("%1 point %2 %3 %4, %5%6")
-                       .arg(nameOf(key))
-                       .arg(point)
-                       .arg(xy ? QStringLiteral("xy") : QStringLiteral("uv"))
-                       .arg(position.x())
-                       .arg(position.y())
-                       .arg(selected ? QStringLiteral(" selected") : QString());
-    if (!show_.movePoint(key, xy, point, position, selected))
+    const QString what = QStringLiteral("%1 point %2 %3 %4, %5%6")
+                             .arg(nameOf(key))
+                             .arg(move.pointId())
+                             .arg(move.xy() ? QStringLiteral("xy") : QStringLiteral("uv"))
+                             .arg(move.x())
+                             .arg(move.y())
+                             .arg(move.selected() ? QStringLiteral(" selected") : QString());
+    if (!show_.movePoint(key, move.xy(), move.pointId(), {move.x(), move.y()}, move.selected()))
         return ignored(what);
     if (companions_[id].editing == key)
-        companions_[id].editsUv = !xy;
-    server_.sendToAll(*ShowEvents::point(*show_.find(key), xy, point));
+        companions_[id].editsUv = !move.xy();
+    server_.sendToAll(*ShowEvents::point(*show_.find(key), move.xy(), move.pointId()));
     return what;
 }
 

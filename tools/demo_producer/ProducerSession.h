@@ -58,8 +58,6 @@ signals:
     void quickKeyExecuted(quint32 id, const QString& name, const QString& color);
 
 private:
-    struct Move;
-
     void onCompanionConnected(int id);
     void onCompanionDisconnected(int id);
     void onEventReceived(int id, const NetworkCompanion::eventData& data);
@@ -67,7 +65,8 @@ private:
     QString handle(int id, const NetworkCompanion::Event& event);
     QString onMessage(int id, const QString& message);
     QString onItemDataRequest(int id, int dataIndex);
-    QString onMove(int id, const Move& move);
+    template <typename MoveEvent>
+    QString onMove(int id, const ItemKey& key, const MoveEvent& move);
     template <typename DeformationEvent>
     QString onDeformation(const ItemKey& key, const DeformationEvent& event);
     QString onBlind(const ItemKey& key, bool blinded);

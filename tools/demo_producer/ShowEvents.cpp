@@ -2,6 +2,8 @@
 
 #include "network/events/EventTable.h"
 
+#include <type_traits>
+
 using namespace NetworkCompanion;
 
 namespace {
@@ -11,58 +13,43 @@ constexpr quint32 kNoItem = 0xFFFFFFFF;
 
 DeformationModeEvent screenDeformation(const ShowItem& item, bool reset) {
     const bool none = item.shownKind() == Warp::Kind::None;
-    return {item.shownKind(),
-            item.key.id,
-            item.dataIndex,
-            item.name.toUtf8().constData(),
-            none ? 2 : quint32(item.warp.rows),
-            none ? 2 : quint32(item.warp.columns),
-            reset};
+    return DeformationModeEvent(item.shownKind(), item.key.id, item.dataIndex,
+                                item.name.toUtf8().constData(), none ? 2 : quint32(item.warp.rows),
+                                none ? 2 : quint32(item.warp.columns), reset);
 }
 
 ScreenPartDeformationModeEvent partDeformation(const ShowItem& item, bool reset) {
-    return {item.warp.kind,
-            item.key.id,
-            item.key.subId,
-            item.dataIndex,
-            item.name.toUtf8().constData(),
-            quint32(item.warp.rows),
-            quint32(item.warp.columns),
-            reset};
+    return ScreenPartDeformationModeEvent(
+        item.warp.kind, item.key.id, item.key.subId, item.dataIndex, item.name.toUtf8().constData(),
+        quint32(item.warp.rows), quint32(item.warp.columns), reset);
 }
 
 MediaDeformationModeEvent mediaDeformation(const ShowItem& item, bool reset) {
-    return {item.key.type,
-            item.warp.kind,
-            item.key.id,
-            item.key.subId,
-            item.dataIndex,
-            item.name.toUtf8().constData(),
-            quint32(item.warp.rows),
-            quint32(item.warp.columns),
-            reset};
+    return MediaDeformationModeEvent(item.key.type, item.warp.kind, item.key.id, item.key.subId,
+                                     item.dataIndex, item.name.toUtf8().constData(),
+                                     quint32(item.warp.rows), quint32(item.warp.columns), reset);
 }
 
-ScreenMovePointEvent screenPoint(const ShowItem& item, const QByteArray& name, quint32 id, bool xy,
-                                 const ControlPoint& point) {
-    return {item.key.id,
-            item.dataIndex,
-            name.constData(),
-            id,
-            point.position.x(),
-            point.position.y(),
-            0.0,
-            xy,
-            point.selected};
-}
-
-/// A part's, media's or texture's point.
 template <typename PointEvent>
-PointEvent pointOf(const ShowItem& item, const QByteArray& name, quint32 id, bool xy,
-                   const ControlPoint& point) {
-    return {item.key.id, item.key.subId,     item.dataIndex,     name.constData(),
-            id,          point.position.x(), point.position.y(), 0.0,
-            xy,          point.selected};
+PointEvent pointOf(const ShowItem& item, bool xy, quint32 id) {
+    const QByteArray name = item.name.toUtf8();
+    const auto& [position, selected] = (xy ? item.warp.xy : item.warp.uv)[id];
+    if constexpr (std::is_same_v<PointEvent, ScreenMovePointEvent>)
+        return PointEvent(item.key.id, item.dataIndex, name.constData(), id, position.x(),
+                          position.y(), 0, xy, selected);
+    else
+        return PointEvent(item.key.id, item.key.subId, item.dataIndex, name.constData(), id,
+                          position.x(), position.y(), 0, xy, selected);
+}
+
+template <typename PointEvent>
+void addPoints(ItemDataEvent& data, void (ItemDataEvent::*add)(const PointEvent&),
+               const ShowItem& item) {
+    if (item.shownKind() == Warp::Kind::None)
+        return;
+    for (const bool xy : {true, false})
+        for (quint32 id = 0; id < item.warp.xy.size(); ++id)
+            (data.*add)(pointOf<PointEvent>(item, xy, id));
 }
 
 template <typename EventClass>
@@ -138,63 +125,44 @@ ShowEvents::EventPointer ShowEvents::mode(const ShowItem& item) {
                                              item.name.toUtf8().constData());
 }
 
-ShowEvents::EventPointer ShowEvents::point(const ShowItem& item, bool xy, quint32 point) {
-    const QByteArray name = item.name.toUtf8();
-    const ControlPoint& position = (xy ? item.warp.xy : item.warp.uv)[point];
+ShowEvents::EventPointer ShowEvents::point(const ShowItem& item, bool xy, quint32 id) {
     switch (item.key.type) {
     case LV_NTC_ElementType::Media:
-        return moved(pointOf<MediaMovePointEvent>(item, name, point, xy, position));
+        return moved(pointOf<MediaMovePointEvent>(item, xy, id));
     case LV_NTC_ElementType::Texture:
-        return moved(pointOf<TextureMovePointEvent>(item, name, point, xy, position));
+        return moved(pointOf<TextureMovePointEvent>(item, xy, id));
     case LV_NTC_ElementType::Screen:
-        return moved(screenPoint(item, name, point, xy, position));
+        return moved(pointOf<ScreenMovePointEvent>(item, xy, id));
     default:
-        return moved(pointOf<ScreenPartMovePointEvent>(item, name, point, xy, position));
+        return moved(pointOf<ScreenPartMovePointEvent>(item, xy, id));
     }
 }
 
 ShowEvents::EventPointer ShowEvents::itemData(const ShowItem& item) {
-    auto data = std::make_unique<ItemDataEvent>(int(item.dataIndex));
+    using Kind = Warp::Kind;
     using Type = LV_NTC_ElementType;
-    const Type type = item.key.type;
-    data->setDeformationModeEvent(
-        type == Type::Screen
-            ? screenDeformation(item, false)
-            : DeformationModeEvent(Warp::Kind::None, kNoItem, kNoItem, "", 0, 0, false));
+    auto data = std::make_unique<ItemDataEvent>(int(item.dataIndex));
+    data->setDeformationModeEvent({Kind::None, kNoItem, kNoItem, "", 0, 0, false});
     data->setScreenPartDeformationModeEvent(
-        type == Type::ScreenPart
-            ? partDeformation(item, false)
-            : ScreenPartDeformationModeEvent(Warp::Kind::None, kNoItem, kNoItem, kNoItem, "", 0, 0,
-                                             false));
-    data->setMediaDeformationModeEvent(type == Type::Media || type == Type::Texture
-                                           ? mediaDeformation(item, false)
-                                           : MediaDeformationModeEvent(Type::None, Warp::Kind::None,
-                                                                       kNoItem, kNoItem, kNoItem,
-                                                                       "", 0, 0, false));
-    if (item.shownKind() == Warp::Kind::None)
-        return data;
-
-    const QByteArray name = item.name.toUtf8();
-    for (const bool xy : {true, false}) {
-        const std::vector<ControlPoint>& points = xy ? item.warp.xy : item.warp.uv;
-        for (quint32 id = 0; id < points.size(); ++id) {
-            switch (type) {
-            case Type::Screen:
-                data->addScreenMovePointEvent(screenPoint(item, name, id, xy, points[id]));
-                break;
-            case Type::ScreenPart:
-                data->addScreenPartMovePointEvent(
-                    pointOf<ScreenPartMovePointEvent>(item, name, id, xy, points[id]));
-                break;
-            case Type::Texture:
-                data->addTextureMovePointEvent(
-                    pointOf<TextureMovePointEvent>(item, name, id, xy, points[id]));
-                break;
-            default:
-                data->addMediaMovePointEvent(
-                    pointOf<MediaMovePointEvent>(item, name, id, xy, points[id]));
-            }
-        }
+        {Kind::None, kNoItem, kNoItem, kNoItem, "", 0, 0, false});
+    data->setMediaDeformationModeEvent(
+        {Type::None, Kind::None, kNoItem, kNoItem, kNoItem, "", 0, 0, false});
+    switch (item.key.type) {
+    case Type::Media:
+        data->setMediaDeformationModeEvent(mediaDeformation(item, false));
+        addPoints(*data, &ItemDataEvent::addMediaMovePointEvent, item);
+        break;
+    case Type::Texture:
+        data->setMediaDeformationModeEvent(mediaDeformation(item, false));
+        addPoints(*data, &ItemDataEvent::addTextureMovePointEvent, item);
+        break;
+    case Type::Screen:
+        data->setDeformationModeEvent(screenDeformation(item, false));
+        addPoints(*data, &ItemDataEvent::addScreenMovePointEvent, item);
+        break;
+    default:
+        data->setScreenPartDeformationModeEvent(partDeformation(item, false));
+        addPoints(*data, &ItemDataEvent::addScreenPartMovePointEvent, item);
     }
     return data;
 }

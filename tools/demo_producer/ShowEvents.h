@@ -18,7 +18,7 @@ EventPointer blind(const ShowItem& item);
 /// The item must be a screen.
 EventPointer mode(const ShowItem& item);
 /// The point must exist.
-EventPointer point(const ShowItem& item, bool xy, quint32 point);
+EventPointer point(const ShowItem& item, bool xy, quint32 id);
 /// The answer to a request for the item's mesh: its deformation and, if one is shown, all points of
 /// both meshes.
 EventPointer itemData(const ShowItem& item);

@@ -1,7 +1,7 @@
 #include "tools/demo_producer/ShowPainter.h"
 
 #include "tools/demo_producer/ShowNames.h"
-#include "tools/demo_producer/WarpRasterizer.h"
+#include "tools/demo_producer/WarpPainter.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -76,6 +76,19 @@ double drawTag(QPainter& painter, double right, double centreY, const QString& t
     painter.drawRoundedRect(frame, 4, 4);
     drawText(painter, frame, Qt::AlignHCenter, text, 12, color, QFont::Bold);
     return frame.left();
+}
+
+/// Draws the name on the left, tag and info on the right; the tag may be empty.
+void drawCaption(QPainter& painter, const QRectF& area, const QString& name, const QString& tag,
+                 const QString& info) {
+    double right = area.right();
+    if (!tag.isEmpty())
+        right = drawTag(painter, right, area.center().y(), tag, kAlert) - 8;
+    const double width = textWidth(info, 12);
+    drawText(painter, QRectF(right - width, area.y(), width + 1, area.height()), Qt::AlignLeft,
+             info, 12, kDim);
+    drawText(painter, area.adjusted(0, 0, right - width - 8 - area.right(), 0), Qt::AlignLeft, name,
+             14, kText, QFont::DemiBold);
 }
 
 QString gridText(const Warp& warp, Warp::Kind kind) {
@@ -158,6 +171,12 @@ Tiling tilingFor(int count, QSizeF area, double proportions) {
     return best;
 }
 
+/// The image at half its size. Outputs are drawn at twice their size and halved to smooth the edges
+/// of warps, because antialiasing leaves gaps between the cells of a warp.
+QImage halved(const QImage& image) {
+    return image.scaled(image.size() / 2, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
 constexpr double kPointReach = 9; ///< from the centre of a point's image to its edge
 
 /// The image of a companion's control point, painted once for the thousands in a mesh.
@@ -191,7 +210,7 @@ QImage pointImage(int shape, const QColor& color, bool selected, double size) {
         }
     }
     painter.end();
-    return WarpRasterizer::halved(image);
+    return halved(image);
 }
 
 } // namespace
@@ -328,16 +347,15 @@ QImage ShowPainter::composition(const ShowItem& screen, QSize size) {
     if (show.pattern != LV_NTC_PictureType::None)
         return pictures_.pattern(show.pattern, size, view_->seconds);
     QImage image = blank(size, QColor(0x0a, 0x0c, 0x12));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     for (const Layer& layer : screen.layers) {
         const ShowItem* const item = show.find(layer.item);
         if (!item || item->blinded)
             continue;
-        const Warp warp = shownWarp(*item);
-        WarpRasterizer::draw(image, pictureOf(*item), {0, 0, 1, 1}, warp.xySurface(),
-                             warp.uvSurface(),
-                             toRect(*item, rectIn(layer.area, QRectF(QPointF(), QSizeF(size)))));
+        WarpPainter::draw(painter, pictureOf(*item), {0, 0, 1, 1}, shownWarp(*item),
+                          toRect(*item, rectIn(layer.area, QRectF(QPointF(), QSizeF(size)))));
     }
-    QPainter painter(&image);
     drawLattice(painter, size);
     return image;
 }
@@ -356,19 +374,20 @@ void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const Sho
         const QRectF whole({}, QSizeF(size) * 2);
         const QImage picture = composition(screen, (frame.size() * kPictureScale).toSize());
         QImage output = blank(size * 2, Qt::black);
+        QPainter outputPainter(&output);
+        outputPainter.setRenderHint(QPainter::SmoothPixmapTransform);
         if (inParts) {
             for (const ShowItem* part : parts) {
                 if (!part->blinded)
-                    WarpRasterizer::draw(output, picture, part->area, part->warp.xySurface(),
-                                         part->warp.uvSurface(),
-                                         toRect(*part, rectIn(part->area, whole)));
+                    WarpPainter::draw(outputPainter, picture, part->area, part->warp,
+                                      toRect(*part, rectIn(part->area, whole)));
             }
         } else {
-            const Warp warp = shownWarp(screen);
-            WarpRasterizer::draw(output, picture, {0, 0, 1, 1}, warp.xySurface(), warp.uvSurface(),
-                                 toRect(screen, whole));
+            WarpPainter::draw(outputPainter, picture, {0, 0, 1, 1}, shownWarp(screen),
+                              toRect(screen, whole));
         }
-        painter.drawImage(frame.topLeft(), WarpRasterizer::halved(output));
+        outputPainter.end();
+        painter.drawImage(frame.topLeft(), halved(output));
     }
     const auto overlay = [&](const ShowItem& item, const QRectF& area) {
         const QTransform transform = toRect(item, area);
@@ -388,21 +407,14 @@ void ShowPainter::paintOutput(QPainter& painter, const QRectF& raster, const Sho
 
     const QRectF caption(raster.x(), raster.bottom() + 2, raster.width(), kCaptionHeight);
     const auto blindedParts = std::ranges::count_if(parts, &ShowItem::blinded);
-    double right = caption.right();
+    QString tag;
     if (screen.blinded)
-        right = drawTag(painter, right, caption.center().y(), QStringLiteral("BLIND"), kAlert) - 8;
+        tag = QStringLiteral("BLIND");
     else if (inParts && blindedParts > 0)
-        right =
-            drawTag(painter, right, caption.center().y(),
-                    QStringLiteral("BLIND %1 OF %2").arg(blindedParts).arg(parts.size()), kAlert) -
-            8;
-    const QString kind = inParts ? QStringLiteral("%1 parts").arg(parts.size())
-                                 : gridText(screen.warp, screen.shownKind());
-    const double kindWidth = textWidth(kind, 12);
-    drawText(painter, QRectF(right - kindWidth, caption.y(), kindWidth + 1, caption.height()),
-             Qt::AlignLeft, kind, 12, kDim);
-    drawText(painter, caption.adjusted(0, 0, right - kindWidth - 8 - caption.right(), 0),
-             Qt::AlignLeft, screen.name, 14, kText, QFont::DemiBold);
+        tag = QStringLiteral("BLIND %1 OF %2").arg(blindedParts).arg(parts.size());
+    drawCaption(painter, caption, screen.name, tag,
+                inParts ? QStringLiteral("%1 parts").arg(parts.size())
+                        : gridText(screen.warp, screen.shownKind()));
 }
 
 bool ShowPainter::isUvEdited(const ShowItem& item) const {
@@ -426,9 +438,11 @@ void ShowPainter::paintElement(QPainter& painter, const QRectF& tile, const Show
         QImage image = blank(tile.size().toSize() * 2, kPanel);
         QTransform transform = toRect(item, frame.translated(-tile.topLeft()));
         transform *= QTransform::fromScale(2, 2);
-        WarpRasterizer::draw(image, pictureOf(item), {0, 0, 1, 1}, warp.xySurface(),
-                             warp.uvSurface(), transform);
-        painter.drawImage(tile.topLeft(), WarpRasterizer::halved(image));
+        QPainter imagePainter(&image);
+        imagePainter.setRenderHint(QPainter::SmoothPixmapTransform);
+        WarpPainter::draw(imagePainter, pictureOf(item), {0, 0, 1, 1}, warp, transform);
+        imagePainter.end();
+        painter.drawImage(tile.topLeft(), halved(image));
     }
     painter.setPen(QPen(QColor(255, 255, 255, 60), 1, Qt::DotLine));
     painter.setBrush(Qt::NoBrush);
@@ -446,15 +460,8 @@ void ShowPainter::paintElement(QPainter& painter, const QRectF& tile, const Show
     painter.restore();
 
     const QRectF caption(tile.x(), tile.bottom() + 1, tile.width(), kCaptionHeight);
-    double right = caption.right();
-    if (item.blinded)
-        right = drawTag(painter, right, caption.center().y(), QStringLiteral("BLIND"), kAlert) - 6;
-    const QString kind = uv ? QStringLiteral("UV") : gridText(item.warp, item.shownKind());
-    const double kindWidth = textWidth(kind, 11);
-    drawText(painter, QRectF(right - kindWidth, caption.y(), kindWidth + 1, caption.height()),
-             Qt::AlignLeft, kind, 11, kDim);
-    drawText(painter, caption.adjusted(0, 0, right - kindWidth - 6 - caption.right(), 0),
-             Qt::AlignLeft, item.name, 13, kText);
+    drawCaption(painter, caption, item.name, item.blinded ? QStringLiteral("BLIND") : QString(),
+                uv ? QStringLiteral("UV") : gridText(item.warp, item.shownKind()));
 }
 
 void ShowPainter::paintMesh(QPainter& painter, const ShowItem& item,
@@ -468,10 +475,10 @@ void ShowPainter::paintMesh(QPainter& painter, const ShowItem& item,
     const int rows = surface.patchRows();
     for (int i = 0; i <= columns; ++i)
         painter.drawPolyline(
-            line(surface, toRaster, false, double(i) / columns, WarpRasterizer::steps(rows)));
+            line(surface, toRaster, false, double(i) / columns, WarpPainter::steps(rows)));
     for (int i = 0; i <= rows; ++i)
         painter.drawPolyline(
-            line(surface, toRaster, true, double(i) / rows, WarpRasterizer::steps(columns)));
+            line(surface, toRaster, true, double(i) / rows, WarpPainter::steps(columns)));
 }
 
 void ShowPainter::paintRemotePoints(QPainter& painter, const ShowItem& item, bool xy,

@@ -1,6 +1,7 @@
 #include "tools/demo_producer/Surface.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 using NetworkCompanion::LV_NTC_DeformationType;
@@ -85,45 +86,21 @@ PatchParameter patchParameter(double parameter, int patches) {
     return {std::size_t(patch) * 3, {v * v * v, 3.0 * u * v * v, 3.0 * u * u * v, u * u * u}};
 }
 
-std::array<QPointF, 4> corners(const std::vector<QPointF>& points) {
-    const std::size_t n = points.size();
-    return n == 4 ? std::array{points[0], points[1], points[2], points[3]}
-                  : std::array<QPointF, 4>{};
+/// The projective map of the unit square onto the corners, in the order of a 2 x 2 grid. Nothing
+/// when they span no convex quadrilateral, because then no such map exists.
+std::optional<QTransform> projectionOf(const std::vector<QPointF>& corners) {
+    QTransform map;
+    if (!QTransform::squareToQuad({{corners[0], corners[1], corners[3], corners[2]}}, map))
+        return {};
+    // w approaches zero at a corner where the quadrilateral degenerates to a triangle.
+    constexpr double kSmallest = 1e-3;
+    const double g = map.m13();
+    const double h = map.m23();
+    const bool isConvex = std::isfinite(g + h) && std::min({1 + g, 1 + h, 1 + g + h}) > kSmallest;
+    return isConvex ? std::optional(map) : std::nullopt;
 }
 
 } // namespace
-
-Projection::Projection(const std::array<QPointF, 4>& corners) {
-    const auto& [topLeft, topRight, bottomLeft, bottomRight] = corners;
-    const QPointF right = topRight - bottomRight;
-    const QPointF left = bottomLeft - bottomRight;
-    const QPointF sum = topLeft - topRight + bottomRight - bottomLeft;
-    const auto cross = [](const QPointF& a, const QPointF& b) {
-        return a.x() * b.y() - a.y() * b.x();
-    };
-    const double determinant = cross(right, left);
-    g_ = cross(sum, left) / determinant;
-    h_ = cross(right, sum) / determinant;
-    // w approaches zero at a corner where the quadrilateral degenerates to a triangle.
-    constexpr double kSmallest = 1e-3;
-    valid_ = std::isfinite(g_) && std::isfinite(h_) && 1.0 + g_ > kSmallest &&
-             1.0 + h_ > kSmallest && 1.0 + g_ + h_ > kSmallest;
-    a_ = topRight.x() - topLeft.x() + g_ * topRight.x();
-    b_ = bottomLeft.x() - topLeft.x() + h_ * bottomLeft.x();
-    c_ = topLeft.x();
-    d_ = topRight.y() - topLeft.y() + g_ * topRight.y();
-    e_ = bottomLeft.y() - topLeft.y() + h_ * bottomLeft.y();
-    f_ = topLeft.y();
-}
-
-Projection::Homogeneous Projection::homogeneousAt(double s, double t) const {
-    return {a_ * s + b_ * t + c_, d_ * s + e_ * t + f_, g_ * s + h_ * t + 1.0};
-}
-
-QPointF Projection::at(double s, double t) const {
-    const Homogeneous point = homogeneousAt(s, t);
-    return {point.x / point.w, point.y / point.w};
-}
 
 bool Surface::isPossible(LV_NTC_DeformationType kind, int rows, int columns) {
     switch (kind) {
@@ -145,11 +122,7 @@ Surface::Surface(LV_NTC_DeformationType kind, int rows, int columns, std::vector
       net_(kind == LV_NTC_DeformationType::Curve
                ? transformLines(points, rows, columns, bezierThroughPoints)
                : std::move(points)),
-      projection_(corners(net_)) {}
-
-const Projection* Surface::projection() const {
-    return !patches_ && projection_.isValid() ? &projection_ : nullptr;
-}
+      projection_(patches_ ? std::nullopt : projectionOf(net_)) {}
 
 QPointF Surface::bilinearAt(double s, double t) const {
     return (net_[0] * (1.0 - s) + net_[1] * s) * (1.0 - t) +
@@ -165,10 +138,10 @@ std::vector<QPointF> Surface::sample(const std::vector<double>& s,
     std::vector<QPointF> result;
     result.reserve(s.size() * t.size());
     if (!patches_) {
-        const Projection* const map = projection();
         for (const double down : t)
             for (const double right : s)
-                result.push_back(map ? map->at(right, down) : bilinearAt(right, down));
+                result.push_back(projection_ ? projection_->map(QPointF(right, down))
+                                             : bilinearAt(right, down));
         return result;
     }
     std::vector<PatchParameter> across;
