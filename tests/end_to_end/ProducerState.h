@@ -9,20 +9,19 @@
 
 #include <algorithm>
 
-/// What the demo Producer says of itself in its state file, read anew at each question.
-class ProducerState {
-public:
-    explicit ProducerState(QString path) : path_(std::move(path)) {}
+/// The state file of the demo Producer. Every call reads the file again.
+struct ProducerState {
+    QString path;
 
     QJsonObject all() const {
-        QFile file(path_);
+        QFile file(path);
         return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object()
                                               : QJsonObject();
     }
     QJsonArray companions() const { return all()["companions"].toArray(); }
-    /// The one that came last; empty without any.
+    /// The newest companion; empty without any.
     QJsonObject companion() const { return companions().last().toObject(); }
-    /// The key of the item that it edits, "screen:1"; empty without one.
+    /// The key of the item whose mesh the newest companion requested, for example "screen:1".
     QString editedItem() const { return companion()["editing"].toString(); }
     QJsonObject item(const QString& key) const {
         const QJsonArray items = all()["items"].toArray();
@@ -30,23 +29,16 @@ public:
             items, [&](const QJsonValue& value) { return value["item"].toString() == key; });
         return found == items.end() ? QJsonObject() : (*found).toObject();
     }
-    /// Where the point stands, in pixels from the item's centre.
+    /// The position of a control point, in pixels from the item's centre.
     QPointF point(const QString& key, int id) const {
-        const QJsonValue place = deformation(key)["xy"].toArray()[id];
-        return {place[0].toDouble(), place[1].toDouble()};
+        const QJsonValue position = item(key)["deformation"].toObject()["xy"].toArray()[id];
+        return {position[0].toDouble(), position[1].toDouble()};
     }
-    /// Ids of the item's selected points, in order, as text: "0 3".
+    /// The ids of the item's selected points in ascending order, for example "0 3".
     QString selection(const QString& key) const {
         QStringList ids;
-        for (const QJsonValue& id : deformation(key)["selectedXy"].toArray())
+        for (const QJsonValue& id : item(key)["deformation"].toObject()["selectedXy"].toArray())
             ids.append(QString::number(id.toInt()));
         return ids.join(' ');
     }
-
-private:
-    QJsonObject deformation(const QString& key) const {
-        return item(key)["deformation"].toObject();
-    }
-
-    QString path_;
 };
