@@ -54,21 +54,6 @@ bool waitUntil(Condition condition) {
     return true;
 }
 
-::ItemKey keyOf(const Item& row) {
-    const auto id = quint32(row.id());
-    switch (row.elementType()) {
-    case Element::Media:
-        return {Element::Media, id, quint32(static_cast<const MediaItem&>(row).mediaId())};
-    case Element::Texture:
-        return {Element::Texture, id, quint32(static_cast<const TextureItem&>(row).textureId())};
-    case Element::ScreenPart:
-        return {Element::ScreenPart,
-                quint32(static_cast<const ScreenPartItem&>(row).screenItem()->id()), id};
-    default:
-        return {Element::Screen, id, 0};
-    }
-}
-
 int environmentNumber(const char* name, int otherwise) {
     bool isNumber = false;
     const int number = qEnvironmentVariableIntValue(name, &isNumber);
@@ -102,9 +87,9 @@ private:
     }
     int losses() const { return int(lost_->size()); }
 
-    QHash<::ItemKey, Item*> rows() const;
+    QMap<ItemKey, Item*> rows() const;
     QString listDifference() const;
-    QString pointsDifference(const ::ItemKey& key) const;
+    QString pointsDifference(const ItemKey& key) const;
     /// The first difference between window and Producer that lasts until the timeout; else empty.
     QString lastingDifference() const;
     void operate();
@@ -169,10 +154,10 @@ Show ChaosTest::show() const {
     return copy;
 }
 
-QHash<::ItemKey, Item*> ChaosTest::rows() const {
-    QHash<::ItemKey, Item*> rows;
+QMap<ItemKey, Item*> ChaosTest::rows() const {
+    QMap<ItemKey, Item*> rows;
     for (int i = 0; Item* row = find<MediaList>()->getItemFromLayout(i); ++i)
-        rows.insert(keyOf(*row), row);
+        rows.insert(row->key(), row);
     return rows;
 }
 
@@ -190,7 +175,8 @@ QString ChaosTest::listDifference() const {
         const Item* row = rows.value(item.key);
         if (!row)
             return name + "has no row";
-        if (row->name() != item.name || quint32(row->dataIndex()) != item.dataIndex ||
+        if (row->key().subId != item.key.subId || row->name() != item.name ||
+            quint32(row->dataIndex()) != item.dataIndex ||
             QSize(row->sourceWidth(), row->sourceHeight()) != item.size)
             return name + "is another item";
         if (row->isBlinded() != item.blinded)
@@ -214,7 +200,7 @@ QVariant ChaosTest::evaluate(const char* expression) const {
     return QQmlExpression(qmlContext(root), root, QString::fromLatin1(expression)).evaluate();
 }
 
-QString ChaosTest::pointsDifference(const ::ItemKey& key) const {
+QString ChaosTest::pointsDifference(const ItemKey& key) const {
     const Show now = show();
     const ShowItem* item = now.find(key);
     if (!item)

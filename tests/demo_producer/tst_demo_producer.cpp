@@ -116,7 +116,7 @@ private slots:
 
     void rebuildsMeshInItsShape() {
         World world;
-        const ShowItem& wall = *world.session.show().find({Element::Screen, 1, 0});
+        const ShowItem& wall = *world.session.show().find(ItemKey::screen(1));
         const Surface before = wall.warp.xySurface();
         world.a.send(DeformationModeEvent(Kind::Bezier, 1, 2, "", 7, 10, false));
         QTRY_COMPARE(world.b.events.size(), 2 + 2 * 70u); // deformation, mode and points
@@ -213,8 +213,8 @@ private:
         return ShowFile::read(path_, error);
     }
 
-    static constexpr ItemKey kFront{Element::Screen, 0, 0};
-    static constexpr ItemKey kPart{Element::ScreenPart, 2, 1};
+    static constexpr ItemKey kFront = ItemKey::screen(0);
+    static constexpr ItemKey kPart = ItemKey::screenPart(2, 1);
     QTemporaryDir folder_;
     const QString path_ = folder_.filePath("show.json");
 };

@@ -33,12 +33,6 @@ QString unknown(const ItemKey& key) {
     return ignored(QStringLiteral("there is no %1").arg(nameOf(key)));
 }
 
-/// The key of a media or texture; of type None, which no item has, for any other type.
-ItemKey mediaKey(LV_NTC_ElementType type, quint32 cueId, quint32 elementId) {
-    const bool possible = type == LV_NTC_ElementType::Media || type == LV_NTC_ElementType::Texture;
-    return {possible ? type : LV_NTC_ElementType::None, cueId, elementId};
-}
-
 template <typename Class>
 const Class& as(const Event& event) {
     return static_cast<const Class&>(event);
@@ -101,7 +95,6 @@ void ProducerSession::onEventReceived(int id, const eventData& data) {
 
 QString ProducerSession::handle(int id, const Event& event) {
     using Type = LV_NTC_EventType;
-    using Element = LV_NTC_ElementType;
     switch (event.type()) {
     case Type::Msg:
         return onMessage(id, as<MsgEvent>(event).message());
@@ -109,49 +102,51 @@ QString ProducerSession::handle(int id, const Event& event) {
         return onItemDataRequest(id, as<ItemDataEvent>(event).callerId());
     case Type::MediaMovePoint: {
         const auto& move = as<MediaMovePointEvent>(event);
-        return onMove(id, {Element::Media, move.cueId(), move.mediaId()}, move);
+        return onMove(id, ItemKey::media(move.cueId(), move.mediaId()), move);
     }
     case Type::TextureMovePoint: {
         const auto& move = as<TextureMovePointEvent>(event);
-        return onMove(id, {Element::Texture, move.cueId(), move.textureId()}, move);
+        return onMove(id, ItemKey::texture(move.cueId(), move.textureId()), move);
     }
     case Type::ScreenMovePoint: {
         const auto& move = as<ScreenMovePointEvent>(event);
-        return onMove(id, {Element::Screen, move.screenId(), 0}, move);
+        return onMove(id, ItemKey::screen(move.screenId()), move);
     }
     case Type::ScreenPartMovePoint: {
         const auto& move = as<ScreenPartMovePointEvent>(event);
-        return onMove(id, {Element::ScreenPart, move.screenId(), move.screenPartId()}, move);
+        return onMove(id, ItemKey::screenPart(move.screenId(), move.screenPartId()), move);
     }
     case Type::DeformationMode: {
         const auto& mode = as<DeformationModeEvent>(event);
-        return onDeformation({Element::Screen, mode.screenId(), 0}, mode);
+        return onDeformation(ItemKey::screen(mode.screenId()), mode);
     }
     case Type::MediaDeformationMode: {
         const auto& mode = as<MediaDeformationModeEvent>(event);
-        return onDeformation(mediaKey(mode.elementType(), mode.cueId(), mode.elementId()), mode);
+        return onDeformation(
+            ItemKey::mediaOrTexture(mode.elementType(), mode.cueId(), mode.elementId()), mode);
     }
     case Type::ScreenPartDeformationMode: {
         const auto& mode = as<ScreenPartDeformationModeEvent>(event);
-        return onDeformation({Element::ScreenPart, mode.screenId(), mode.screenPartId()}, mode);
+        return onDeformation(ItemKey::screenPart(mode.screenId(), mode.screenPartId()), mode);
     }
     case Type::Blind: {
         const auto& blind = as<BlindEvent>(event);
-        return onBlind({Element::Screen, blind.screenId(), 0}, blind.blinded());
+        return onBlind(ItemKey::screen(blind.screenId()), blind.blinded());
     }
     case Type::MediaBlind: {
         const auto& blind = as<MediaBlindEvent>(event);
-        return onBlind(mediaKey(blind.elementType(), blind.cueId(), blind.elementId()),
-                       blind.blinded());
+        return onBlind(
+            ItemKey::mediaOrTexture(blind.elementType(), blind.cueId(), blind.elementId()),
+            blind.blinded());
     }
     case Type::ScreenPartBlind: {
         const auto& blind = as<ScreenPartBlindEvent>(event);
-        return onBlind({Element::ScreenPart, blind.screenId(), blind.screenPartId()},
+        return onBlind(ItemKey::screenPart(blind.screenId(), blind.screenPartId()),
                        blind.blinded());
     }
     case Type::ScreenMode: {
         const auto& mode = as<ScreenModeEvent>(event);
-        const ItemKey key{Element::Screen, mode.screenId(), 0};
+        const ItemKey key = ItemKey::screen(mode.screenId());
         if (!setMode(key, mode.modeType()))
             return ignored(QStringLiteral("no such screen or mode"));
         return nameOf(key) + u' ' + nameOf(mode.modeType());

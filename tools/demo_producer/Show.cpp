@@ -22,10 +22,6 @@ bool isValidPosition(const QPointF& position) {
 
 } // namespace
 
-size_t qHash(const ItemKey& key, size_t seed) {
-    return qHashMulti(seed, int(key.type), key.id, key.subId);
-}
-
 Warp::Kind ShowItem::shownKind() const {
     return key.type == LV_NTC_ElementType::Screen && mode == LV_NTC_ModeType::Simple
                ? Warp::Kind::None
@@ -70,7 +66,7 @@ std::optional<QString> Show::add(ShowItem item) {
         return QStringLiteral("its screen id is too large");
     if (screen && item.key.subId != 0)
         return QStringLiteral("a screen has no second identifier");
-    if (part && !find({LV_NTC_ElementType::Screen, item.key.id, 0}))
+    if (part && !find(ItemKey::screen(item.key.id)))
         return QStringLiteral("its screen is missing");
     if (item.size.width() < 1 || item.size.height() < 1 || item.size.width() > kLargestSize ||
         item.size.height() > kLargestSize)

@@ -1,25 +1,17 @@
 #pragma once
 
+#include "network/ItemKey.h"
 #include "tools/demo_producer/Warp.h"
 
 #include <QHash>
+#include <QMap>
 #include <QRectF>
 #include <QString>
 
-#include <compare>
 #include <map>
 #include <optional>
 
-/// What identifies an item on the wire.
-struct ItemKey {
-    NetworkCompanion::LV_NTC_ElementType type = NetworkCompanion::LV_NTC_ElementType::None;
-    quint32 id = 0;    ///< cue id or screen id
-    quint32 subId = 0; ///< media, texture or part id; 0 for a screen
-
-    friend auto operator<=>(const ItemKey&, const ItemKey&) = default;
-};
-
-size_t qHash(const ItemKey& key, size_t seed = 0);
+using NetworkCompanion::ItemKey;
 
 /// A media or texture in the picture of a screen.
 struct Layer {
@@ -101,6 +93,6 @@ private:
     void rebuildIndexes();
 
     std::vector<ShowItem> items_;
-    QHash<ItemKey, std::size_t> indexes_;
+    QMap<ItemKey, std::size_t> indexes_;
     QHash<quint32, std::size_t> indexesByDataIndex_;
 };

@@ -64,27 +64,27 @@ public:
     void screen(quint32 id, const QString& name, const Warp& warp,
                 LV_NTC_ModeType mode = LV_NTC_ModeType::Unset,
                 const std::vector<Layer>& layers = {}) {
-        ShowItem item = make({LV_NTC_ElementType::Screen, id, 0}, name, kFullHd, warp);
+        ShowItem item = make(ItemKey::screen(id), name, kFullHd, warp);
         item.mode = mode;
         item.layers = layers;
         add(std::move(item));
     }
     void part(quint32 screenId, quint32 partId, const QString& name, const Warp& warp, QSize size,
               const QRectF& area) {
-        ShowItem item = make({LV_NTC_ElementType::ScreenPart, screenId, partId}, name, size, warp);
+        ShowItem item = make(ItemKey::screenPart(screenId, partId), name, size, warp);
         item.area = area;
         add(std::move(item));
     }
     void media(quint32 cueId, quint32 mediaId, MediaType::Enum type, const QString& name,
                QSize size, const QString& picture, const Warp& warp) {
-        ShowItem item = make({LV_NTC_ElementType::Media, cueId, mediaId}, name, size, warp);
+        ShowItem item = make(ItemKey::media(cueId, mediaId), name, size, warp);
         item.mediaType = type;
         item.picture = picture;
         add(std::move(item));
     }
     void texture(quint32 cueId, quint32 textureId, const QString& name, QSize size,
                  const QString& picture, const Warp& warp) {
-        ShowItem item = make({LV_NTC_ElementType::Texture, cueId, textureId}, name, size, warp);
+        ShowItem item = make(ItemKey::texture(cueId, textureId), name, size, warp);
         item.picture = picture;
         add(std::move(item));
     }
@@ -116,11 +116,11 @@ private:
 };
 
 Layer mediaLayer(quint32 cueId, quint32 mediaId, const QRectF& area) {
-    return {{LV_NTC_ElementType::Media, cueId, mediaId}, area};
+    return {ItemKey::media(cueId, mediaId), area};
 }
 
 Layer textureLayer(quint32 cueId, quint32 textureId, const QRectF& area) {
-    return {{LV_NTC_ElementType::Texture, cueId, textureId}, area};
+    return {ItemKey::texture(cueId, textureId), area};
 }
 
 constexpr QRectF kWhole{0, 0, 1, 1};

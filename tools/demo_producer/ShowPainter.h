@@ -51,5 +51,5 @@ private:
     const ProducerSession* session_ = nullptr; // while painting
     const ViewState* view_ = nullptr;          // while painting
     PictureSource pictures_;
-    QHash<ItemKey, QImage> currentPictures_; ///< at the time that is painted
+    QMap<ItemKey, QImage> currentPictures_; ///< at the time that is painted
 };
