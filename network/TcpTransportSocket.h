@@ -16,6 +16,8 @@ namespace NetworkCompanion {
 /// Needs no mutex, because the object's thread owns everything: all functions are called there and
 /// all signals are emitted there. A slot of its signals may write, disconnect, reconnect or delete
 /// it.
+///
+/// "API" marks functions that nothing here calls; they are kept for callers outside this tree.
 class TCPTransportSocket : public QObject {
     Q_OBJECT
 
@@ -56,9 +58,9 @@ public:
     /// Enables keep-alive: the first probe after time ms of silence, then one every interval ms.
     void activeKeepAlive(unsigned long interval, unsigned long time) const;
 
-    int socketId() const { return socketId_; }
+    int socketId() const { return socketId_; } // API
     /// The peer of the client's end; empty after disconnect().
-    QUrl url() const { return url_; }
+    QUrl url() const { return url_; } // API
     QHostAddress peerAddress() const { return socket_->peerAddress(); }
     /// Bytes written that the operating system has not accepted yet.
     qint64 unsentBytes() const { return socket_->bytesToWrite() + waiting_.size(); }

@@ -10,16 +10,18 @@
 namespace NetworkCompanion {
 
 /// Base of all messages between companion and Producer: a type and its payload.
+///
+/// "API" marks functions that nothing here calls; they are kept for callers outside this tree.
 class Event {
 public:
     explicit Event(LV_NTC_EventType type) : type_(type) {}
     virtual ~Event() = default;
 
     /// The payload, without header or length prefix.
-    virtual QByteArray serialize() const = 0;
+    virtual QByteArray serialize() const = 0; // API
     /// Reads the fields from the start of data and ignores bytes behind them. Leaves the event
     /// unchanged when data is too short or holds a count that exceeds its bytes.
-    virtual void deserialize(QByteArray& data) = 0;
+    virtual void deserialize(QByteArray& data) = 0; // API
     /// The payload size in bytes as the header announces it.
     virtual int getSize() const = 0;
 
@@ -32,8 +34,8 @@ public:
 
     LV_NTC_EventType type() const { return type_; }
     /// A number for local use, initially -1. Never sent.
-    int localId() const { return localId_; }
-    void setLocalId(int id) { localId_ = id; }
+    int localId() const { return localId_; }   // API
+    void setLocalId(int id) { localId_ = id; } // API
 
     /// Equal when type and wire bytes are equal.
     friend bool operator==(const Event& left, const Event& right) {

@@ -41,8 +41,8 @@ public:
     explicit ItemDataEvent(int callerId) : Event(kType), callerId_(callerId) {}
 
     int callerId() const { return callerId_; }
-    void setGetItemCallerId(int callerId) { callerId_ = callerId; }
-    int second() const { return second_; }
+    void setGetItemCallerId(int callerId) { callerId_ = callerId; } // API
+    int second() const { return second_; }                          // API
 
     /// The two modes that do not apply to the item carry the ids 0xFFFFFFFF, which no item has.
     const DeformationModeEvent& deformationMode() const { return deformationMode_; }

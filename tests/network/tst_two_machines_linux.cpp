@@ -49,9 +49,7 @@ private:
         machine_.make<FakeProducer>([] { return new FakeProducer; });
 };
 
-bool ipHere(const char* arguments) {
-    return PeerNamespace::ipHere(arguments);
-}
+constexpr auto ipHere = &PeerNamespace::ipHere;
 
 } // namespace
 
