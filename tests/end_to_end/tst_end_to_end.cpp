@@ -70,7 +70,8 @@ private slots:
             return process.waitForFinished();
         };
         QVERIFY(isEnded(meshpad_));
-        machine_.run([&] { QVERIFY(isEnded(*producer_) && producer_->exitCode() == 0); });
+        machine_.run(
+            [&] { QVERIFY(producer_ && isEnded(*producer_) && producer_->exitCode() == 0); });
         const QString log = QString::fromUtf8(meshpad_.readAll());
         QVERIFY2(log.isEmpty(), qPrintable(log));
     }
@@ -109,7 +110,7 @@ private slots:
 
     void drawsWithoutShaderCompiler() {
         if (hasGraphicsProcessor())
-            return;
+            QSKIP("this machine has a graphics processor");
         QFile loaded(QString("/proc/%1/maps").arg(meshpad_.processId()));
         QVERIFY(loaded.open(QIODevice::ReadOnly));
         const QByteArray libraries = loaded.readAll();
