@@ -18,7 +18,7 @@
 #include "pages/TestPatternPage.h"
 #include "tests/support/FakeProducer.h"
 #include "tests/support/GuardedTest.h"
-#include "tests/support/WindowUnderTest.h"
+#include "tests/support/WindowRig.h"
 #include "warp/WarpPage.h"
 
 #include <QApplication>
@@ -36,6 +36,8 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
+
+#include <optional>
 
 using namespace NetworkCompanion;
 using namespace std::chrono_literals;
@@ -68,7 +70,6 @@ class TestGuiCompanion : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
     void cleanup();
 
@@ -112,19 +113,14 @@ private:
     void pressConnect();
     void connectByHand();
     void loseConnection();
-    void closeWindow();
     static CompanionClient& client() { return EventDispatcher::getInstance()->client(); }
     static NetworkUtils& discovery() { return EventDispatcher::getInstance()->networkUtils(); }
 
-    MeshpadTest::WindowUnderTest application_;
     std::unique_ptr<FakeProducer> producer_;
-    std::unique_ptr<GuiCompanion> window_;
+    std::optional<MeshpadTest::WindowRig> rig_;
+    GuiCompanion* window_ = nullptr; // the rig's
     QStringList strayWindows_;
 };
-
-void TestGuiCompanion::initTestCase() {
-    QVERIFY(application_.prepare());
-}
 
 void TestGuiCompanion::init() {
     GuardedTest::init();
@@ -132,19 +128,15 @@ void TestGuiCompanion::init() {
     CheckConnection::checkPeriod = 10ms;
     strayWindows_.clear();
     qApp->installEventFilter(this);
-    window_ = std::make_unique<GuiCompanion>(nullptr);
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    rig_.emplace();
+    window_ = rig_->window.get();
+    rig_->show();
     startProducer();
 }
 
 void TestGuiCompanion::cleanup() {
     qApp->removeEventFilter(this);
-    if (window_) {
-        window_->onDisconnectFromServer();
-        closeWindow();
-    }
-    client().disconnectFromServer();
+    rig_.reset();
     producer_.reset();
     discovery().serverHasDisconnected(kProducerAddress.toString());
     GuardedTest::cleanup();
@@ -154,16 +146,9 @@ void TestGuiCompanion::cleanup() {
 bool TestGuiCompanion::eventFilter(QObject* watched, QEvent* event) {
     const auto* widget = qobject_cast<QWidget*>(watched);
     if (event->type() == QEvent::Show && widget != nullptr && widget->isWindow() &&
-        widget != window_.get() && widget->windowType() != Qt::ToolTip)
+        widget != window_ && widget->windowType() != Qt::ToolTip)
         strayWindows_ << QString::fromLatin1(widget->metaObject()->className());
     return QObject::eventFilter(watched, event);
-}
-
-void TestGuiCompanion::closeWindow() {
-    find<Content>()->setPage(Page::Warp);
-    auto* scene = find<QQuickWidget>();
-    MeshpadTest::WindowUnderTest::clear(scene);
-    window_.reset();
 }
 
 void TestGuiCompanion::startProducer() {
@@ -249,9 +234,8 @@ void TestGuiCompanion::aProducerIsFoundAndAskedForItsShow() {
 
     // The Producer is watched; as long as the connection stands that changes nothing.
     window_->onServerAvailableAgain();
-    MsgEvent mark("mark");
-    client().sendEvent(mark);
-    QTRY_COMPARE(events.size(), std::size_t(3));
+    QVERIFY(producer_->receivesAllOf(client()));
+    QCOMPARE(events.size(), std::size_t(2));
     QCOMPARE(producer_->acceptedCount(), 1);
 
     // Back and forth within one turn of the event loop, as fast as it gets.
@@ -300,7 +284,7 @@ void TestGuiCompanion::theListOfProducersFollowsDiscovery() {
 void TestGuiCompanion::oneAddressIsMarkedAndConnectedTo() {
     emit discovery().serverDiscovered(kFirst);
     emit discovery().serverDiscovered(kSecond);
-    disconnect(find<ConnectPage>(), nullptr, window_.get(), nullptr);
+    disconnect(find<ConnectPage>(), nullptr, window_, nullptr);
     QSignalSpy connections(find<ConnectPage>(), &ConnectPage::connection);
     QPushButton* connect = button(currentPage(), QString());
     QTest::mouseClick(connect, Qt::LeftButton); // nothing is selected
@@ -333,7 +317,7 @@ void TestGuiCompanion::anAddressMayGoWhileItIsBeingPressed() {
     QTRY_VERIFY(button(find<IPList>(), kFirst) != nullptr);
     QPushButton* address = button(find<IPList>(), kFirst);
     QCoreApplication::processEvents(); // to its place
-    const QPoint place = address->mapTo(window_.get(), address->rect().center());
+    const QPoint place = address->mapTo(window_, address->rect().center());
     QTest::mousePress(window_->windowHandle(), Qt::LeftButton, {}, place);
     QVERIFY(address->isDown());
     emit discovery().serverTimeouted(kFirst);
@@ -435,7 +419,7 @@ void TestGuiCompanion::aLossVeilsTheWindow() {
     QCOMPARE(std::exchange(recorder.keys, {}), QList<int>({Qt::Key_M}));
 
     const QPushButton* bannerButton = button(find<HeadBanner>(), kDisconnect);
-    const QRect place(bannerButton->mapTo(window_.get(), QPoint()), bannerButton->size());
+    const QRect place(bannerButton->mapTo(window_, QPoint()), bannerButton->size());
     QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
     loseConnection();
     QCOMPARE(overlay()->geometry(), window_->rect());
@@ -444,7 +428,7 @@ void TestGuiCompanion::aLossVeilsTheWindow() {
     QVERIFY(shows<WarpPage>());
     // The way out is where the operator's finger knows it.
     const QPushButton* way = button(overlay(), kDisconnect);
-    QTRY_COMPARE(QRect(way->mapTo(window_.get(), QPoint()), way->size()), place);
+    QTRY_COMPARE(QRect(way->mapTo(window_, QPoint()), way->size()), place);
     emit EventDispatcher::getInstance()->disconnected(); // once more
     QCOMPARE(window_->findChildren<DisconnectOverlay*>().size(), 1);
     window_->resize(1600, 900);
@@ -525,7 +509,7 @@ void TestGuiCompanion::theOperatorsDisconnectIsForGood() {
     const QWidget* parent = lost ? static_cast<QWidget*>(overlay()) : find<HeadBanner>();
     QPushButton* way = button(parent, kDisconnect);
     // Sliding off takes the press back.
-    const QPoint on = way->mapTo(window_.get(), way->rect().center());
+    const QPoint on = way->mapTo(window_, way->rect().center());
     const QPoint off = on - QPoint(way->width(), 0);
     QTest::mousePress(window_->windowHandle(), Qt::LeftButton, {}, on);
     QTest::mouseMove(window_->windowHandle(), off);
@@ -573,7 +557,7 @@ void TestGuiCompanion::theWindowMayGoInAnyState() {
         loseConnection();
         startProducer();
     }
-    closeWindow();
+    rig_->close();
     producer_->send(MsgEvent("newShow")); // to nobody
     QTest::qWait(50);                     // a watcher that had survived would reconnect
     QCOMPARE(client().isConnected(), !lost);

@@ -2,7 +2,8 @@
 #include "input/controller_system.h"
 #include "network/events/ItemDataEvent.h"
 #include "network/events/MediaBlindEvent.h"
-#include "tests/app/EditorWindow.h"
+#include "tests/support/GuardedTest.h"
+#include "tests/support/WindowRig.h"
 #include "warp/WarpPage.h"
 
 #include <QGuiApplication>
@@ -13,7 +14,7 @@
 #include <optional>
 
 using namespace NetworkCompanion;
-using MeshpadTest::EditorWindow;
+using MeshpadTest::WindowRig;
 
 namespace {
 
@@ -25,7 +26,7 @@ constexpr int kSettingsTab = 3;
 
 /// A controller that SDL takes for a real one, in the hand of a window that nobody simulates, from
 /// its presses to what a Producer receives.
-class TestWindowController : public QObject {
+class TestWindowController : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
@@ -46,15 +47,13 @@ private:
     void letGo();
     QString selection() const;
 
-    MeshpadTest::WindowUnderTest application_;
     std::unique_ptr<ControllerSystem> system_; // keeps SDL's joysticks up
     SDL_Joystick* pad_ = nullptr;
-    std::optional<EditorWindow> editor_;
+    std::optional<WindowRig> editor_;
     QStringList held_;
 };
 
 void TestWindowController::initTestCase() {
-    QVERIFY(application_.prepare());
     system_ = ControllerSystem::create();
     QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
     if (SDL_NumJoysticks() > 0)
@@ -74,6 +73,7 @@ void TestWindowController::cleanup() {
     for (const int index : {0, 1, 2, 3, 4})
         axis(index, 0);
     editor_.reset();
+    GuardedTest::cleanup();
 }
 
 void TestWindowController::cleanupTestCase() {
@@ -83,14 +83,15 @@ void TestWindowController::cleanupTestCase() {
 /// Two media with a curve each, the first one edited, its point 5 selected; but nothing is shown at
 /// first.
 void TestWindowController::init() {
+    GuardedTest::init();
     editor_.emplace();
     if (QByteArray(QTest::currentTestFunction()) == "startsBehindAnotherWindow")
         return;
     editor_->open();
-    editor_->sendMedia(kDataIndex + 1, kSide, EditorWindow::kCue + 1);
+    editor_->sendMedia(kDataIndex + 1, kSide, WindowRig::kCue + 1);
     editor_->sendMedia(kDataIndex, kSide);
     editor_->select(kDataIndex, kSide);
-    editor_->evaluate("DeformerActions.selectPoint(canvas, 5)");
+    editor_->evaluate("Selection.selectPoint(canvas, 5)");
     QTRY_COMPARE(selection(), QString("5"));
 }
 
@@ -135,7 +136,7 @@ void TestWindowController::letGo() {
 QString TestWindowController::selection() const {
     QMap<unsigned int, bool> selected;
     for (const auto* move : editor_->moves())
-        if (move->cueId() == EditorWindow::kCue)
+        if (move->cueId() == WindowRig::kCue)
             selected[move->pointId()] = move->selected();
     QStringList points;
     for (const unsigned int point : selected.keys(true))
@@ -146,13 +147,12 @@ QString TestWindowController::selection() const {
 /// Comes first: the application is active from the first window on that was.
 void TestWindowController::startsBehindAnotherWindow() {
     QVERIFY(QGuiApplication::applicationState() != Qt::ApplicationActive);
-    QSignalSpy actions(editor_->window->findChild<WarpPage*>(), &WarpPage::action);
+    QSignalSpy actions(editor_->find<WarpPage>(), &WarpPage::action);
     hold({"Back"});
     letGo();
     hold({"Start"});
     QVERIFY(!actions.wait(100));
-    editor_->window->show();
-    QVERIFY(QTest::qWaitForWindowActive(editor_->window.get()));
+    editor_->show();
     QTRY_COMPARE(actions.count(), 1);
     QCOMPARE(actions.first().first().value<Action>(), Action::SELECT_ALL_POINTS);
 }
@@ -160,14 +160,14 @@ void TestWindowController::startsBehindAnotherWindow() {
 void TestWindowController::sticksMoveSelectionPanAndZoom() {
     editor_->producer.forget();
     const double zoom = editor_->number("zoomSlider.value");
-    QSignalSpy polls(editor_->window->findChild<WarpPage*>(), &WarpPage::leftAxisMoved);
+    QSignalSpy polls(editor_->find<WarpPage>(), &WarpPage::leftAxisMoved);
     // All the way to the right: twice a pixel of the screen with each poll.
     axis(0, SDL_JOYSTICK_AXIS_MAX);
     const auto moves = [this] { return editor_->moves(); };
     QTRY_VERIFY(moves().size() > 3);
-    QVERIFY(editor_->evaluate("isMovingPoint").toBool());
+    QVERIFY(editor_->isTrue("isMovingPoint"));
     axis(0, 0);
-    QTRY_VERIFY(!editor_->evaluate("isMovingPoint").toBool());
+    QTRY_VERIFY(!editor_->isTrue("isMovingPoint"));
     // The last one says that the stick is back. On a busy machine a tick may tell of several.
     const double end = -320 + double(polls.count() - 1) * (2 / zoom);
     QTRY_VERIFY2(std::abs(moves().back()->x() - end) < 0.001,
@@ -207,7 +207,7 @@ void TestWindowController::actionsReachListAndSceneUnderAnotherPage() {
         {"Trigger_Right LeftDPad_Left", "4 5 6 7"},
         {"Trigger_Right Trigger_Left LeftDPad_Bottom", "5 8 9 10 11"}};
     for (const auto& [inputs, selected] : selecting) {
-        editor_->evaluate("DeformerActions.selectPoint(canvas, 5)");
+        editor_->evaluate("Selection.selectPoint(canvas, 5)");
         QTRY_COMPARE(selection(), QString("5"));
         hold(inputs.split(' '));
         QTRY_COMPARE(inputs + ": " + selection(), inputs + ": " + selected);
@@ -227,7 +227,7 @@ void TestWindowController::actionsReachListAndSceneUnderAnotherPage() {
 }
 
 void TestWindowController::restsUnderTheVeilAndWithoutFocus() {
-    auto* page = editor_->window->findChild<WarpPage*>();
+    auto* page = editor_->find<WarpPage>();
     QSignalSpy sticks(page, &WarpPage::leftAxisMoved);
     QSignalSpy actions(page, &WarpPage::action);
     for (const bool veil : {false, true}) {
@@ -235,12 +235,12 @@ void TestWindowController::restsUnderTheVeilAndWithoutFocus() {
         QTRY_VERIFY(!sticks.isEmpty());
         if (veil) {
             editor_->producer.abortConnections();
-            QTRY_VERIFY(editor_->window->findChild<DisconnectOverlay*>() != nullptr);
+            QTRY_VERIFY(editor_->find<DisconnectOverlay>() != nullptr);
         } else {
             emit qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
         }
         QCOMPARE(sticks.last(), QVariantList({0.0F, 0.0F}));
-        QVERIFY(!editor_->evaluate("isMovingPoint").toBool());
+        QVERIFY(!editor_->isTrue("isMovingPoint"));
         sticks.clear();
         hold({"Start"});
         letGo();

@@ -6,7 +6,7 @@
 #include "tests/chaos/ProducerMachine.h"
 #include "tests/support/GuardedTest.h"
 #include "tests/support/PeerNamespace.h"
-#include "tests/support/WindowUnderTest.h"
+#include "tests/support/WindowRig.h"
 #include "tools/demo_producer/ShowNames.h"
 #include "warp/Canvas.h"
 #include "warp/MediaItem.h"
@@ -17,10 +17,6 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QQmlContext>
-#include <QQmlExpression>
-#include <QQuickItem>
-#include <QQuickWidget>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -94,22 +90,19 @@ private:
     QString lastingDifference() const;
     void operate();
     bool waitForEarlyBreak(int lossesBefore);
-    QVariant evaluate(const char* expression) const;
 
-    MeshpadTest::WindowUnderTest application_;
     QRandomGenerator random_;
     quint32 seed_ = quint32(environmentNumber("MESHPAD_CHAOS_SEED", 1));
     std::unique_ptr<MeshpadTest::PeerNamespace> machine_;
     std::shared_ptr<ProducerMachine> producer_;
-    std::unique_ptr<GuiCompanion> window_;
+    std::optional<MeshpadTest::WindowRig> rig_;
+    GuiCompanion* window_ = nullptr; // the rig's
     std::optional<QSignalSpy> lost_;
 };
 
 void ChaosTest::initTestCase() {
-    QVERIFY(application_.prepare());
     CheckConnection::firstCheckDelay = 5ms;
     CheckConnection::checkPeriod = 5ms;
-    UpdateProducer::tickPeriod = 20ms;
 }
 
 void ChaosTest::init() {
@@ -122,9 +115,10 @@ void ChaosTest::init() {
         [this] { return new ProducerMachine(kThere, kHere, seed_); });
     QVERIFY(producer_->isUp);
 
-    window_ = std::make_unique<GuiCompanion>(nullptr);
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    rig_.emplace();
+    window_ = rig_->window.get();
+    rig_->show();
+    UpdateProducer::tickPeriod = 20ms;
     lost_.emplace(EventDispatcher::getInstance(), &EventDispatcher::disconnected);
     EventDispatcher::getInstance()
         ->networkUtils()
@@ -133,9 +127,7 @@ void ChaosTest::init() {
 }
 
 void ChaosTest::cleanup() {
-    window_->onDisconnectFromServer();
-    MeshpadTest::WindowUnderTest::clear(find<QQuickWidget>());
-    window_.reset();
+    rig_.reset();
     EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kThere.toString());
     producer_.reset();
     MeshpadTest::PeerNamespace::ipHere("link delete here0");
@@ -195,11 +187,6 @@ QString ChaosTest::listDifference() const {
     return {};
 }
 
-QVariant ChaosTest::evaluate(const char* expression) const {
-    QQuickItem* root = find<QQuickWidget>()->rootObject();
-    return QQmlExpression(qmlContext(root), root, QString::fromLatin1(expression)).evaluate();
-}
-
 QString ChaosTest::pointsDifference(const ItemKey& key) const {
     const Show now = show();
     const ShowItem* item = now.find(key);
@@ -207,9 +194,7 @@ QString ChaosTest::pointsDifference(const ItemKey& key) const {
         return "not in the show";
     QString name = nameOf(key) + ": ";
     for (const bool xy : {true, false}) {
-        auto* grid =
-            evaluate(xy ? "getCurrentItem().deformerGrids[0]" : "getCurrentItem().deformerGrids[1]")
-                .value<MeshGridItem*>();
+        MeshGridItem* grid = xy ? rig_->xyGrid() : rig_->uvGrid();
         const int shown = grid ? grid->pointCount() : 0;
         const auto& points = xy ? item->warp.xy : item->warp.uv;
         const int expected = item->shownKind() == Warp::Kind::None ? 0 : int(points.size());
@@ -263,15 +248,12 @@ void ChaosTest::operate() {
         {Qt::Key_Escape, {}}};
     if (const auto choice = std::size_t(random_.bounded(9)); choice < std::size(keys))
         return QTest::keyClick(target, keys[choice].first, keys[choice].second);
-    auto* grid =
-        evaluate("getCurrentItem() ? getCurrentItem().deformerGrids[getCurrentGridId()] : null")
-            .value<MeshGridItem*>();
+    MeshGridItem* grid = rig_->grid();
     if (!grid || grid->pointCount() == 0 || isVeiled())
         return;
     const MeshPoint* point = grid->point(random_.bounded(grid->pointCount()));
-    auto* view = find<QQuickWidget>();
     const QPoint start =
-        view->mapTo(window_.get(), grid->mapToScene({point->x(), point->y()}).toPoint());
+        rig_->view->mapTo(window_, grid->mapToScene({point->x(), point->y()}).toPoint());
     QTest::mousePress(target, Qt::LeftButton, {}, start);
     for (int step = 1; step <= 5; ++step) {
         QTest::mouseMove(target, start + step * QPoint(random_.bounded(-8, 8), 3));

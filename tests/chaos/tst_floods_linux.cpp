@@ -1,5 +1,4 @@
 #include "app/ConnectPage.h"
-#include "app/Content.h"
 #include "app/GuiCompanion.h"
 #include "app/IPList.h"
 #include "app/shell/EventDispatcher.h"
@@ -16,7 +15,7 @@
 #include "tests/support/GuardedTest.h"
 #include "tests/support/PeerNamespace.h"
 #include "tests/support/ThreadTime.h"
-#include "tests/support/WindowUnderTest.h"
+#include "tests/support/WindowRig.h"
 #include "warp/MediaItem.h"
 #include "warp/MediaList.h"
 
@@ -31,8 +30,8 @@
 
 #include <atomic>
 #include <functional>
-#include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include <arpa/inet.h>
@@ -202,7 +201,6 @@ class FloodTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
     void cleanup();
 
@@ -217,26 +215,19 @@ private:
     }
     void judge(KeyLatencyProbe& probe, double memoryBefore, const char* what);
 
-    MeshpadTest::WindowUnderTest application_;
-    std::unique_ptr<GuiCompanion> window_;
+    std::optional<MeshpadTest::WindowRig> rig_;
+    GuiCompanion* window_ = nullptr; // the rig's
 };
-
-void FloodTest::initTestCase() {
-    QVERIFY(application_.prepare());
-}
 
 void FloodTest::init() {
     GuardedTest::init();
-    window_ = std::make_unique<GuiCompanion>(nullptr);
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    rig_.emplace();
+    window_ = rig_->window.get();
+    rig_->show();
 }
 
 void FloodTest::cleanup() {
-    window_->onDisconnectFromServer();
-    find<Content>()->setPage(Companion::Page::Warp); // because its scene must draw a last time
-    MeshpadTest::WindowUnderTest::clear(find<QQuickWidget>());
-    window_.reset();
+    rig_.reset();
     GuardedTest::cleanup();
 }
 
@@ -308,7 +299,7 @@ void FloodTest::keysStayFastDuringEventFlood() {
     QElapsedTimer timer;
     timer.start();
     // The list's key selects another item and shows its mesh.
-    KeyLatencyProbe probe(window_.get(), Qt::Key_M);
+    KeyLatencyProbe probe(window_, Qt::Key_M);
     producer.start([&producer, last, blocks = std::move(blocks)] {
         for (const QByteArray& block : blocks)
             producer.send(block);
@@ -330,7 +321,7 @@ void FloodTest::keysStayFastDuringDiscoveryFlood() {
     QVERIFY(MeshpadTest::PeerNamespace::ipHere("route add local 10.90.0.0/16 dev lo"));
     const QSize size = window_->size();
     const double memory = residentMiB();
-    KeyLatencyProbe probe(window_.get(), Qt::Key_M);
+    KeyLatencyProbe probe(window_, Qt::Key_M);
     const auto answerFrom = [](int producer) {
         QUdpSocket socket;
         if (socket.bind(

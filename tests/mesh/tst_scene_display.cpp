@@ -1,11 +1,11 @@
-#include "tests/mesh/SceneUnderTest.h"
 #include "tests/support/MessageGuard.h"
+#include "tests/support/SceneRig.h"
 
 #include <QQuickWindow>
 #include <QSGRendererInterface>
 #include <QTest>
 
-using MeshpadTest::SceneUnderTest;
+using MeshpadTest::SceneRig;
 
 /// What the operator sees, drawn with OpenGL.
 class SceneDisplayTest : public QObject {
@@ -18,7 +18,7 @@ private slots:
 void SceneDisplayTest::pointsAndLinesOfEachSize() {
     MeshpadTest::MessageGuard messages;
     for (const QSize size : {QSize(1030, 610), QSize(1670, 1090)}) {
-        SceneUnderTest s(size);
+        SceneRig s(size);
         QCOMPARE(s.view->quickWindow()->rendererInterface()->graphicsApi(),
                  QSGRendererInterface::OpenGL);
         s.view->grabFramebuffer(); // empty

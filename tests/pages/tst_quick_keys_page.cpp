@@ -4,9 +4,10 @@
 #include "network/events/UpdateQuickKeyEvent.h"
 #include "pages/QuickKeysButton.h"
 #include "pages/QuickKeysPage.h"
-#include "tests/pages/PageTest.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/ProtocolBytes.h"
 #include "tests/support/ThreadTime.h"
+#include "tests/support/WidgetRig.h"
 
 #include <QGridLayout>
 #include <QLineEdit>
@@ -23,10 +24,10 @@ namespace {
 
 constexpr QRgb kNeutral = 0xff323232;
 
-class KeysTest : public PageTest<QuickKeysPage> {
+class KeysTest : public WidgetRig<QuickKeysPage> {
 public:
-    QSpinBox* spinBox() const { return page->findChild<QSpinBox*>(); }
-    QStackedWidget* stack() const { return page->findChild<QStackedWidget*>(); }
+    QSpinBox* spinBox() const { return widget->findChild<QSpinBox*>(); }
+    QStackedWidget* stack() const { return widget->findChild<QStackedWidget*>(); }
     int pages() const {
         QCoreApplication::processEvents(); // the grid pages follow within a turn
         return stack()->count();
@@ -44,14 +45,14 @@ public:
     }
     void add(std::initializer_list<int> ids) const {
         for (const int id : ids)
-            page->addQuickKey(id, QByteArray::number(id).constData(), "#203040");
+            widget->addQuickKey(id, QByteArray::number(id).constData(), "#203040");
     }
     /// Names of the keys that can be pressed, page by page: "1 2 3|7".
     QString layout() const {
         const int view = shownPage();
         QStringList names;
         for (int i = 0; i < pages(); ++i) {
-            page->navigateToPage(i + 1);
+            widget->navigateToPage(i + 1);
             QStringList row;
             const QLayout* grid = stack()->currentWidget()->layout();
             for (int place = 0; place < grid->count(); ++place) {
@@ -60,7 +61,7 @@ public:
             }
             names << row.join(' ');
         }
-        page->navigateToPage(view);
+        widget->navigateToPage(view);
         return names.join('|');
     }
 };
@@ -92,7 +93,7 @@ bool isNameWhole(QuickKeysButton* button, QRgb ground) {
 } // namespace
 
 /// The page of quick keys between an operator and a Producer.
-class TestQuickKeysPage : public QObject {
+class TestQuickKeysPage : public GuardedTest {
     Q_OBJECT
 
 private slots:
@@ -147,10 +148,10 @@ private slots:
             {{3, 9, 10000}, "1 2|- -|- 6|- 8"}};
         for (const auto& [deleted, left] : rows) {
             const KeysTest test;
-            test.page->configQuickKey(1, 2);
+            test.widget->configQuickKey(1, 2);
             test.add({1, 2, 6, 8});
             for (const int id : deleted)
-                test.page->deleteQuickKey(id);
+                test.widget->deleteQuickKey(id);
             QCOMPARE(test.layout(), left);
             QCOMPARE(test.spinBox()->maximum(), test.pages());
             QCOMPARE(test.spinBox()->isVisible(), test.pages() > 1);
@@ -171,10 +172,10 @@ private slots:
               Grid{1, 1, "1|2|3|-|5|6|7|-", 5}, Grid{2, 2, "1 2 3 -|5 6 7 -", 2},
               Grid{1, 7, "1 2 3 - 5 6 7|- - - - - - -", 1}}) { // filled by the highest
             const KeysTest test;
-            test.page->configQuickKey(2, 2);
+            test.widget->configQuickKey(2, 2);
             test.add({1, 2, 3, 5, 6, 7});
             test.spinBox()->setValue(2); // on key 5
-            test.page->configQuickKey(grid.rows, grid.columns);
+            test.widget->configQuickKey(grid.rows, grid.columns);
             QCOMPARE(test.layout(), grid.layout);
             QCOMPARE(test.spinBox()->value(), grid.shown);
             QCOMPARE(test.shownPage(), grid.shown);
@@ -209,16 +210,16 @@ private slots:
             producer.send(AddQuickKeyEvent(id, 0, 0, "hostile", "#00ff00"));
             producer.send(UpdateQuickKeyEvent(id, 0, "hostile", "#00ff00"));
             producer.send(DeleteQuickKeyEvent(id, 0));
-            test.messages.expect(QtWarningMsg,
-                                 QString("Quick keys: id %1 is not in 1 to 10000").arg(int(id)), 3);
+            messages_->expect(QtWarningMsg,
+                              QString("Quick keys: id %1 is not in 1 to 10000").arg(int(id)), 3);
         }
         for (const auto& [rows, columns] :
              {std::pair{0U, 1U}, {1U, 0U}, {65U, 1U}, {1U, 0xffffffffU}, {0x10000U, 0x10000U}}) {
             producer.send(ConfigQuickKeyEvent(rows, columns, 0));
-            test.messages.expect(QtWarningMsg,
-                                 QString("Quick keys: a grid of %1 x %2 is not in 1 to 64")
-                                     .arg(int(rows))
-                                     .arg(int(columns)));
+            messages_->expect(QtWarningMsg,
+                              QString("Quick keys: a grid of %1 x %2 is not in 1 to 64")
+                                  .arg(int(rows))
+                                  .arg(int(columns)));
         }
         producer.send(UpdateQuickKeyEvent(2, 0, "unknown", "#00ff00"));
         producer.send(AddQuickKeyEvent(2, 0, 0, "two", "#ff0000"));
@@ -231,15 +232,15 @@ private slots:
             {"}*{x:y}", kNeutral}, // a rule of its own
             {"red;/*", kNeutral},    {"\"", kNeutral},      {"re d", kNeutral}};
         const KeysTest test;
-        test.page->configQuickKey(1, 1);
+        test.widget->configQuickKey(1, 1);
         for (const auto& [color, seen] : colors) {
-            test.page->addQuickKey(1, "key", color);
+            test.widget->addQuickKey(1, "key", color);
             auto* key = test.at(0, 0);
             QVERIFY2(key->grab().toImage().pixel(30, 12) == seen, color);
             QTest::mousePress(key, Qt::LeftButton);
             QVERIFY2(key->grab().toImage().pixel(30, 12) == 0xff0096ff, color);
             QTest::mouseRelease(key, Qt::LeftButton);
-            test.page->deleteQuickKey(1);
+            test.widget->deleteQuickKey(1);
             QCOMPARE(key->styleSheet(), QString());
             QVERIFY2(key->grab().toImage().pixel(30, 12) != seen || seen == kNeutral, color);
         }
@@ -260,32 +261,32 @@ private slots:
             QString(255, 'W')};
         for (const QString& name : names) {
             const KeysTest test;
-            test.page->configQuickKey(3, 5);
-            test.page->addQuickKey(1, name.toUtf8().constData(), "#0000ff");
+            test.widget->configQuickKey(3, 5);
+            test.widget->addQuickKey(1, name.toUtf8().constData(), "#0000ff");
             auto* key = test.at(0, 0);
             QCOMPARE(key->text(), name);
             QCOMPARE(key->accessibleName(), name);
             QVERIFY(key->shortcut().isEmpty());
             QVERIFY2(isNameWhole(key, 0xff0000ff), qPrintable(name));
             QCOMPARE(key->isNameElided(), name.startsWith("WW"));
-            test.page->configQuickKey(9, 14); // the smallest keys
+            test.widget->configQuickKey(9, 14); // the smallest keys
             QVERIFY2(isNameWhole(test.at(0, 0), 0xff0000ff), qPrintable(name));
         }
     }
 
     void theKeyboardNeverLandsOnAnotherKey() {
         KeysTest test;
-        test.page->configQuickKey(1, 2);
+        test.widget->configQuickKey(1, 2);
         test.add({1, 2, 3});
         test.at(0, 0)->setFocus();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-        test.page->deleteQuickKey(1);
+        test.widget->deleteQuickKey(1);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
         test.at(0, 1)->setFocus();
-        test.page->navigateToPage(2);
+        test.widget->navigateToPage(2);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
         test.at(0, 0)->setFocus();
-        test.page->configQuickKey(1, 3);
+        test.widget->configQuickKey(1, 3);
         QCOMPARE(test.pages(), 2);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
         QCOMPARE(test.window.keys, 3); // what no key takes goes on to the window
@@ -293,20 +294,20 @@ private slots:
 
         test.add({4});
         test.spinBox()->setFocus();
-        test.page->lockPage();
+        test.widget->lockPage();
         QVERIFY(!test.spinBox()->hasFocus());
     }
 
     void anArrowLeavesTheKeyboardWhereItIs() {
         const KeysTest test;
-        test.page->configQuickKey(1, 1);
+        test.widget->configQuickKey(1, 1);
         test.add({12});
         auto* number = test.spinBox()->findChild<QLineEdit*>();
         const auto touchArrow = [&test](int x) {
             QTest::mouseClick(test.spinBox(), Qt::LeftButton, {}, {x, 17});
         };
         const auto isAtThePage = [&] {
-            return test.page->hasFocus() && !number->hasSelectedText();
+            return test.widget->hasFocus() && !number->hasSelectedText();
         };
         touchArrow(110);
         touchArrow(110);
@@ -329,11 +330,11 @@ private slots:
 
     void spinBoxAndPageAlwaysAgree() {
         const KeysTest test;
-        test.page->configQuickKey(1, 2);
+        test.widget->configQuickKey(1, 2);
         test.add({5});
         for (const auto& [asked, shown] :
              {std::pair{2, 2}, {3, 3}, {4, 3}, {0, 3}, {-1, 3}, {1, 1}}) {
-            test.page->navigateToPage(asked);
+            test.widget->navigateToPage(asked);
             QCOMPARE(test.stack()->currentIndex() + 1, shown);
             QCOMPARE(test.spinBox()->value(), shown);
         }
@@ -364,7 +365,7 @@ private slots:
             }
             test.producer.send(ConfigQuickKeyEvent(64, 64, 0));
         };
-        test.page->configQuickKey(1, 1);
+        test.widget->configQuickKey(1, 1);
         test.add({1});
         QTRY_VERIFY(test.at(0, 0)->isVisible()); // what is loaded with the first key is
         for (std::uint32_t id = 1; id < 4096; ++id)
@@ -387,7 +388,7 @@ private slots:
             test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
         test.producer.send(AddQuickKeyEvent(4096, 0, 0, "end", "#203040"));
         turn.restart();
-        const auto keys = [&] { return test.page->findChildren<QuickKeysButton*>(); };
+        const auto keys = [&] { return test.widget->findChildren<QuickKeysButton*>(); };
         QuickKeysButton* last = nullptr; // shown, and laid out in a turn of its own
         const auto everythingCame = [&] {
             const auto buttons = keys();

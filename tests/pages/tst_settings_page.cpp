@@ -1,6 +1,7 @@
 #include "pages/SettingsPage.h"
-#include "tests/pages/PageTest.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/ProtocolBytes.h"
+#include "tests/support/WidgetRig.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -10,11 +11,11 @@ using namespace MeshpadTest;
 
 namespace {
 
-class SettingsTest : public PageTest<SettingsPage> {
+class SettingsTest : public WidgetRig<SettingsPage> {
 public:
-    QCheckBox* box() const { return page->findChild<QCheckBox*>(); }
+    QCheckBox* box() const { return widget->findChild<QCheckBox*>(); }
     QComboBox* combo(const QString& name) const {
-        for (auto* candidate : page->findChildren<QComboBox*>())
+        for (auto* candidate : widget->findChildren<QComboBox*>())
             if (candidate->accessibleName() == name)
                 return candidate;
         qFatal("no such combo box");
@@ -23,7 +24,7 @@ public:
     QComboBox* shape() const { return combo("Points shape"); }
     int visibleControls() const {
         int count = 0;
-        for (const auto* label : page->findChildren<QLabel*>())
+        for (const auto* label : widget->findChildren<QLabel*>())
             count += label->isVisible() ? 1 : 0;
         return count + (color()->isVisible() ? 1 : 0) + (shape()->isVisible() ? 1 : 0);
     }
@@ -36,7 +37,7 @@ QByteArray settingsBytes(const char* color, int shape) {
 } // namespace
 
 /// The settings page between an operator and a Producer.
-class TestSettingsPage : public QObject {
+class TestSettingsPage : public GuardedTest {
     Q_OBJECT
 
 private slots:

@@ -1,8 +1,9 @@
 #include "network/events/MireEvent.h"
 #include "pages/TestPatternButton.h"
 #include "pages/TestPatternPage.h"
-#include "tests/pages/PageTest.h"
+#include "tests/support/GuardedTest.h"
 #include "tests/support/ProtocolBytes.h"
+#include "tests/support/WidgetRig.h"
 
 using namespace MeshpadTest;
 using namespace NetworkCompanion;
@@ -12,10 +13,10 @@ namespace {
 constexpr QRgb kIdle = 0xff323232;
 constexpr QRgb kActive = 0xff0096ff;
 
-class PatternTest : public PageTest<TestPatternPage> {
+class PatternTest : public WidgetRig<TestPatternPage> {
 public:
     TestPatternButton* button(const QString& name) const {
-        for (auto* candidate : page->findChildren<TestPatternButton*>())
+        for (auto* candidate : widget->findChildren<TestPatternButton*>())
             if (candidate->accessibleName() == name)
                 return candidate;
         qFatal("no such pattern");
@@ -25,7 +26,7 @@ public:
     void press(const QString& name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
     QStringList marked() const {
         QStringList names;
-        for (const auto* candidate : page->findChildren<TestPatternButton*>())
+        for (const auto* candidate : widget->findChildren<TestPatternButton*>())
             if (frameOf(candidate->accessibleName()) == kActive)
                 names << candidate->accessibleName();
         return names;
@@ -39,7 +40,7 @@ QByteArray mireBytes(int code) {
 } // namespace
 
 /// The page of test patterns between an operator and a Producer.
-class TestTestPatternPage : public QObject {
+class TestTestPatternPage : public GuardedTest {
     Q_OBJECT
 
 private slots:
@@ -76,7 +77,7 @@ private slots:
         QTRY_COMPARE(test.marked(), QStringList{"OSD"});
         for (const int unknown : {12, -1, 0x7fffffff, -0x7fffffff - 1}) {
             MireEvent hostile(0, static_cast<LV_NTC_PictureType>(unknown));
-            test.page->receive(&hostile);
+            test.widget->receive(&hostile);
         }
         QCOMPARE(test.marked(), QStringList{"OSD"});
         test.producer.send(MireEvent(0, LV_NTC_PictureType::Small));
@@ -91,8 +92,8 @@ private slots:
         const QImage white = test.button("White")->grab().toImage();
         QCOMPARE(white.pixel(0, 29), 0xffffffff);
         QCOMPARE(white.pixel(219, 159), 0xffffffff);
-        QVERIFY(test.page->minimumSizeHint().width() <= 1280);
-        QVERIFY(test.page->minimumSizeHint().height() <= 720 - 110);
+        QVERIFY(test.widget->minimumSizeHint().width() <= 1280);
+        QVERIFY(test.widget->minimumSizeHint().height() <= 720 - 110);
         QCOMPARE(test.button("Tile")->x(), test.button("None")->x());
         QVERIFY(test.button("Tile")->y() > test.button("Vertical")->y());
     }

@@ -1,9 +1,12 @@
 #include "tests/support/FakeProducer.h"
 
+#include "network/CompanionClient.h"
 #include "network/LVNtc.h"
+#include "network/events/MsgEvent.h"
 #include "tests/support/ProtocolBytes.h"
 
 #include <QTcpSocket>
+#include <QTest>
 #include <QUdpSocket>
 #include <QtEndian>
 
@@ -13,6 +16,15 @@ namespace MeshpadTest {
 
 using NetworkCompanion::Event;
 using NetworkCompanion::LVNtc;
+
+namespace {
+
+QByteArray message(const Event& event) {
+    return withLength(int32(9) + int32(event.getSize()) + static_cast<char>(event.type()) +
+                      event.serialize());
+}
+
+} // namespace
 
 FakeProducer::FakeProducer(QObject* parent) : QObject(parent) {
     connect(&server_, &QTcpServer::newConnection, this, &FakeProducer::onNewConnection);
@@ -47,9 +59,23 @@ void FakeProducer::forget() {
     events_.clear();
 }
 
+bool FakeProducer::receivesAllOf(NetworkCompanion::CompanionClient& client) {
+    NetworkCompanion::MsgEvent marker("marker");
+    client.sendEvent(marker);
+    const auto find = [&] {
+        return std::ranges::find_if(
+            events_, [&](const auto& event) { return event && *event == marker; });
+    };
+    if (!QTest::qWaitFor([&] { return find() != events_.end(); }))
+        return false;
+    events_.erase(find());
+    const QByteArray bytes = message(marker);
+    bytes_.remove(bytes_.indexOf(bytes), bytes.size());
+    return true;
+}
+
 void FakeProducer::send(const Event& event) {
-    sendRaw(withLength(int32(9) + int32(event.getSize()) + static_cast<char>(event.type()) +
-                       event.serialize()));
+    sendRaw(message(event));
 }
 
 void FakeProducer::sendRaw(const QByteArray& bytes) {
@@ -117,7 +143,7 @@ void FakeProducer::onNewConnection() {
 
 void FakeProducer::onReadyRead(QTcpSocket* socket) {
     const auto connection = std::ranges::find(connections_, socket, &Connection::socket);
-    // An aborted socket has nothing more to say, and complains when it is asked.
+    // Reading from an aborted socket only logs a warning.
     if (stalled_ || !socket->isOpen() || connection == connections_.end())
         return;
     const QByteArray chunk = socket->readAll();

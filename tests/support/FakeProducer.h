@@ -11,13 +11,16 @@
 #include <memory>
 #include <vector>
 
+namespace NetworkCompanion {
+class CompanionClient;
+}
 class QTcpSocket;
 class QUdpSocket;
 
 namespace MeshpadTest {
 
-/// The other end of a connection, in a test's hand: it listens, records what companions send byte
-/// for byte and event by event, and sends what it is told to. Its framing is its own.
+/// The other end of a connection: records what companions send, as bytes and as events, and sends
+/// events. Its framing is its own, so that it cannot share a fault with the library's.
 class FakeProducer : public QObject {
     Q_OBJECT
 
@@ -25,9 +28,9 @@ public:
     explicit FakeProducer(QObject* parent = nullptr);
     ~FakeProducer() override;
 
-    /// Port 0 takes a free one.
+    /// Port 0 chooses a free one.
     bool listen(const QHostAddress& address = QHostAddress::LocalHost, quint16 port = 0);
-    /// Refuses further connections; those that stand stay.
+    /// Refuses further connections; existing ones stay.
     void stopListening();
     QString host() const { return server_.serverAddress().toString(); }
     quint16 port() const { return server_.serverPort(); }
@@ -36,28 +39,30 @@ public:
     /// Connections ever accepted.
     int acceptedCount() const { return accepted_; }
 
-    /// Everything received since the last forget(), of all connections, and the same as events:
-    /// null for a frame that was none.
+    /// Everything received since the last forget(), on all connections; as events, null for an
+    /// undecodable frame.
     const QByteArray& bytes() const { return bytes_; }
     const std::vector<std::unique_ptr<NetworkCompanion::Event>>& events() const { return events_; }
-    /// The events as log lines, which compare and print well.
+    /// The events as log lines.
     QStringList lines() const;
     template <typename EventClass>
     std::vector<const EventClass*> eventsOf() const;
     void forget();
+    /// Waits until everything that the client has sent so far is received, by a marker event, which
+    /// is removed again.
+    bool receivesAllOf(NetworkCompanion::CompanionClient& client);
 
-    /// To every companion, and flushed.
+    /// Sends to every companion and flushes.
     void send(const NetworkCompanion::Event& event);
     void sendRaw(const QByteArray& bytes);
-    /// Closes every connection, in good order.
+    /// Closes every connection after the bytes already sent.
     void closeConnections();
-    /// Closes every connection at once, whatever is under way.
+    /// Closes every connection at once.
     void abortConnections();
-    /// Stops taking bytes from the connections, as a process does that hangs.
+    /// Stops reading, like a process that hangs.
     void stall();
 
-    /// Answers discovery from the address; off again with stopAnswering(). False when the port is
-    /// taken.
+    /// Answers discovery from the address until stopAnswering(). False when the port is taken.
     bool answerDiscovery(const QHostAddress& from);
     void stopAnswering();
     int pingsHeard() const { return pings_; }

@@ -15,7 +15,8 @@
 #include "network/events/ScreenPartDeformationModeEvent.h"
 #include "network/events/ScreenPartMovePointEvent.h"
 #include "network/events/TextureMovePointEvent.h"
-#include "tests/warp/WarpTest.h"
+#include "tests/support/GuardedTest.h"
+#include "tests/support/Rig.h"
 #include "warp/Canvas.h"
 #include "warp/MediaItem.h"
 #include "warp/MediaList.h"
@@ -33,11 +34,12 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 using namespace NetworkCompanion;
 
 /// The bridge between a stand-in scene, rows as the list has them, and a Producer on the loopback.
-class TestCanvas : public QObject, private WarpTest {
+class TestCanvas : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
@@ -45,7 +47,9 @@ private slots:
         configuration_.canvasPath = QUrl::fromLocalFile(QFINDTESTDATA("StandIn.qml")).toString();
     }
     void init() {
-        QVERIFY(connectProducer());
+        GuardedTest::init();
+        rig_.emplace();
+        rig_->connect();
         UpdateProducer::tickPeriod = std::chrono::hours(1); // a drag ends when a test ends it
         media_.reset(new MediaItem(MediaType::Image, 11, 12, 13, 0, 0, false, "Clip",
                                    configuration_, nullptr));
@@ -64,7 +68,8 @@ private slots:
         canvas_.reset();
         part_.reset();
         screen_.reset();
-        disconnectProducer();
+        rig_.reset();
+        GuardedTest::cleanup();
     }
 
     void emitsCurrentItemBeforeStoringIt() {
@@ -76,9 +81,9 @@ private slots:
             canvas_->moveScreenPartPoint(7, 2, "", 0, 1, 2, 0, true, false);
         });
         canvas_->onSelectedItem(part_.get());
-        QVERIFY(gets(ScreenMovePointEvent(7, 33, "Wall", 0, 1, 2, 0, true, false)));
+        QVERIFY(rig_->gets(ScreenMovePointEvent(7, 33, "Wall", 0, 1, 2, 0, true, false)));
         canvas_->onSelectedItem(nullptr);
-        QVERIFY(gets(ScreenPartMovePointEvent(7, 2, 43, "", 0, 1, 2, 0, true, false)));
+        QVERIFY(rig_->gets(ScreenPartMovePointEvent(7, 2, 43, "", 0, 1, 2, 0, true, false)));
         canvas_->onSelectedItem(media_.get());
         const QList<QList<QVariant>> expected{{3, 7, 0}, {4, 7, 2}, {0, 0, 0}, {1, 11, 0}};
         QCOMPARE(QList<QList<QVariant>>(changes), expected);
@@ -86,24 +91,24 @@ private slots:
 
     void sendsMovesAtOnceOutsideADrag() {
         canvas_->moveScreenPoint(7, "Wall", 0, 1, 2, 0, true, true);
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
 
         canvas_->onSelectedItem(media_.get());
         canvas_->moveMediaPoint(11, 12, "Clip", 3, 0.25, -0.0, 0, false, true);
-        QVERIFY(gets(MediaMovePointEvent(11, 12, 13, "Clip", 3, 0.25, -0.0, 0, false, true)));
+        QVERIFY(rig_->gets(MediaMovePointEvent(11, 12, 13, "Clip", 3, 0.25, -0.0, 0, false, true)));
         canvas_->onSelectedItem(texture_.get());
         canvas_->moveTexturePoint(21, 22, "Sky", 4, 5, 6, 0, true, false);
-        QVERIFY(gets(TextureMovePointEvent(21, 22, 23, "Sky", 4, 5, 6, 0, true, false)));
+        QVERIFY(rig_->gets(TextureMovePointEvent(21, 22, 23, "Sky", 4, 5, 6, 0, true, false)));
         canvas_->onSelectedItem(part_.get());
         QMetaObject::invokeMethod(scene_, "moveUnnamed", Q_ARG(int, 9));
-        QVERIFY(gets(ScreenPartMovePointEvent(7, 2, 43, "", 9, 1.5, -2.5, 0, true, false)));
+        QVERIFY(rig_->gets(ScreenPartMovePointEvent(7, 2, 43, "", 9, 1.5, -2.5, 0, true, false)));
 
         // What would tell the Producer something wrong stays here.
         canvas_->moveMediaPoint(11, 12, "Clip", 3, 1, 1, 0, true, true);
         canvas_->moveScreenPartPoint(8, 2, "", 3, 1, 1, 0, true, true);
         canvas_->moveScreenPartPoint(7, 2, "", 3, qQNaN(), 1, 0, true, true);
         canvas_->moveScreenPartPoint(7, 2, "", 3, 1, qInf(), 0, true, true);
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
     }
 
     void sendsNewestMoveOfEachPointWithTheTick() {
@@ -115,42 +120,42 @@ private slots:
         const ScreenMovePointEvent second(7, 33, "Wall", 2, 3, 0, 0, true, true);
         const ScreenMovePointEvent fifth(7, 33, "Wall", 5, 4, 0, 0, true, true);
         const ScreenMovePointEvent last(7, 33, "Wall", 300, 2, 0, 0, true, true);
-        QTRY_COMPARE(producer().events().size(), 3U);
-        QVERIFY(gets(second, fifth, last));
+        QTRY_COMPARE(rig_->producer.events().size(), 3U);
+        QVERIFY(rig_->gets(second, fifth, last));
 
         canvas_->stopMovePointTimer();
         QCoreApplication::processEvents();
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
     }
 
     void sendsQueuedMovesAtTheEndOfADrag() {
         canvas_->onSelectedItem(screen_.get());
         drag(7, 1);
         QCoreApplication::processEvents();
-        QVERIFY(gets(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true)));
+        QVERIFY(rig_->gets(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true)));
 
         // Another move of the same point right behind the drag must not be overtaken.
         drag(7, 2);
         canvas_->moveScreenPoint(7, "", 0, 3, 0, 0, true, true);
         QCoreApplication::processEvents();
-        QVERIFY(gets(ScreenMovePointEvent(7, 33, "", 0, 2, 0, 0, true, true),
-                     ScreenMovePointEvent(7, 33, "", 0, 3, 0, 0, true, true)));
+        QVERIFY(rig_->gets(ScreenMovePointEvent(7, 33, "", 0, 2, 0, 0, true, true),
+                           ScreenMovePointEvent(7, 33, "", 0, 3, 0, 0, true, true)));
 
         // Neither must a new deformation, which gives the points' numbers another meaning.
         drag(7, 4);
         canvas_->newCurveDeformation(5, 3, true);
         QCoreApplication::processEvents();
-        QVERIFY(
-            gets(ScreenMovePointEvent(7, 33, "", 0, 4, 0, 0, true, true),
-                 DeformationModeEvent(LV_NTC_DeformationType::Curve, 7, 33, "Wall", 5, 3, true)));
+        QVERIFY(rig_->gets(
+            ScreenMovePointEvent(7, 33, "", 0, 4, 0, 0, true, true),
+            DeformationModeEvent(LV_NTC_DeformationType::Curve, 7, 33, "Wall", 5, 3, true)));
 
         drag(7, 1);
         canvas_->onSelectedItem(otherScreen_.get());
         drag(8, 2);
         canvas_->onSelectedItem(nullptr);
         QCoreApplication::processEvents();
-        QVERIFY(gets(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true),
-                     ScreenMovePointEvent(8, 34, "", 0, 2, 0, 0, true, true)));
+        QVERIFY(rig_->gets(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true),
+                           ScreenMovePointEvent(8, 34, "", 0, 2, 0, 0, true, true)));
     }
 
     void sendsNothingForARemovedItem() {
@@ -177,7 +182,7 @@ private slots:
             canvas_->newKeystoneDeformation(false);
             canvas_->onSelectedItem(nullptr);
             QCoreApplication::processEvents();
-            QVERIFY(getsNothing());
+            QVERIFY(rig_->getsNothing());
         }
 
         // A row that vanishes without a word.
@@ -187,13 +192,13 @@ private slots:
         QCoreApplication::processEvents();
         canvas_->onSelectedItem(screen_.get());
         canvas_->updateProducer();
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
 
         // Points of a mesh that the Producer has just replaced.
         drag(7, 4);
         canvas_->onScreenDeformationMode(LV_NTC_DeformationType::Keystone, 7, "", 2, 2, false);
         QCoreApplication::processEvents();
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
     }
 
     void canvasIsDeletedDuringADrag() {
@@ -202,32 +207,32 @@ private slots:
         canvas_->moveScreenPoint(7, "", 0, 1, 0, 0, true, true);
         canvas_.reset(); // at once, not at the next tick
         MsgEvent msg("x");
-        producer().send(msg);
-        producer().send(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true));
+        rig_->producer.send(msg);
+        rig_->producer.send(ScreenMovePointEvent(7, 33, "", 0, 1, 0, 0, true, true));
         QKeyEvent key(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
         KeyEventManager::getInstance()->notifyListeners(&key);
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
     }
 
     void requestsDeformationsByKindOfItem() {
         using Type = LV_NTC_DeformationType;
         canvas_->newKeystoneDeformation(true);
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
         canvas_->onSelectedItem(media_.get());
         canvas_->newBezierDeformation(2, 5, true);
         canvas_->newNoneDeformation();
-        QVERIFY(gets(MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::Bezier, 11, 12, 13,
-                                               "Clip", 4, 13, true),
-                     MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::None, 11, 12, 13,
-                                               "Clip", 2, 2, false)));
+        QVERIFY(rig_->gets(MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::Bezier, 11,
+                                                     12, 13, "Clip", 4, 13, true),
+                           MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::None, 11, 12,
+                                                     13, "Clip", 2, 2, false)));
         canvas_->onSelectedItem(texture_.get());
         canvas_->newKeystoneDeformation(true);
-        QVERIFY(gets(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, Type::Keystone, 21, 22,
-                                               23, "Sky", 2, 2, true)));
+        QVERIFY(rig_->gets(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, Type::Keystone,
+                                                     21, 22, 23, "Sky", 2, 2, true)));
         canvas_->onSelectedItem(part_.get());
         canvas_->newNoneDeformation();
-        QVERIFY(
-            gets(ScreenPartDeformationModeEvent(Type::Keystone, 7, 2, 43, "Left", 2, 2, false)));
+        QVERIFY(rig_->gets(
+            ScreenPartDeformationModeEvent(Type::Keystone, 7, 2, 43, "Left", 2, 2, false)));
     }
 
     void emitsTheProducersPointsInOrder() {
@@ -249,7 +254,7 @@ private slots:
             order << QStringLiteral("media %1 %2").arg(cue).arg(id);
         });
 
-        producer().send(ItemDataEvent());
+        rig_->producer.send(ItemDataEvent());
         ItemDataEvent mesh;
         mesh.addMediaMovePointEvent({1, 2, 0, "Ö", 0, 0.5, -1, 0, false, true});
         mesh.addTextureMovePointEvent({3, 4, 0, "", 0, 0, 0, 0, true, false});
@@ -257,10 +262,10 @@ private slots:
         mesh.addScreenMovePointEvent({7, 0, "", 1, 0, 0, 0, true, false});
         mesh.addScreenMovePointEvent({7, 0, "", 2, qQNaN(), 0, 0, true, false});
         mesh.addScreenMovePointEvent({7, 0, "", 3, 0, 0, 0, true, false});
-        producer().send(mesh);
-        producer().send(TextureMovePointEvent(8, 9, 0, "", 0, 0, -qInf(), 0, true, false));
-        messages().expect(QtWarningMsg, "Canvas: Point position that is not a number ignored", 2);
-        QTRY_VERIFY(messages().isSatisfied());
+        rig_->producer.send(mesh);
+        rig_->producer.send(TextureMovePointEvent(8, 9, 0, "", 0, 0, -qInf(), 0, true, false));
+        messages_->expect(QtWarningMsg, "Canvas: Point position that is not a number ignored", 2);
+        QTRY_VERIFY(messages_->isSatisfied());
         QCOMPARE(order,
                  QStringList({"screen 7 1", "screen 7 3", "part 5 6", "texture 3 4", "media 1 2"}));
         const QVariantList heard{"point", 1U, 2, "Ö", 0, 0.5, -1.0, 0.0, false, true};
@@ -291,16 +296,18 @@ private slots:
                &Canvas::removeScreenPartItem);
         QSignalSpy modes(canvas, &Canvas::screenMode);
         using Type = LV_NTC_DeformationType;
-        producer().send(AddMediaEvent(MediaType::Image, 1, 2, 100, 8, 8, 0, 0.0, "Clip", false));
-        producer().send(AddTextureEvent(3, 4, 300, 8, 8, 0, 0.0, "Dust", false));
-        producer().send(AddScreenEvent(5, 500, 8, 8, 0, 0.0, "Wall", false, false));
-        producer().send(AddScreenPartEvent(5, 0, 600, 8, 8, 0, 0.0, "Left", false));
-        producer().send(MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::Curve, 1, 2, 100,
-                                                  "Clip", 4, 7, true));
-        producer().send(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, Type::Curve, 3, 4,
-                                                  300, "Dust", 4, 7, true));
-        producer().send(DeformationModeEvent(Type::Curve, 5, 500, "Wall", 4, 7, true));
-        producer().send(ScreenPartDeformationModeEvent(Type::Curve, 5, 0, 600, "Left", 4, 7, true));
+        rig_->producer.send(
+            AddMediaEvent(MediaType::Image, 1, 2, 100, 8, 8, 0, 0.0, "Clip", false));
+        rig_->producer.send(AddTextureEvent(3, 4, 300, 8, 8, 0, 0.0, "Dust", false));
+        rig_->producer.send(AddScreenEvent(5, 500, 8, 8, 0, 0.0, "Wall", false, false));
+        rig_->producer.send(AddScreenPartEvent(5, 0, 600, 8, 8, 0, 0.0, "Left", false));
+        rig_->producer.send(MediaDeformationModeEvent(LV_NTC_ElementType::Media, Type::Curve, 1, 2,
+                                                      100, "Clip", 4, 7, true));
+        rig_->producer.send(MediaDeformationModeEvent(LV_NTC_ElementType::Texture, Type::Curve, 3,
+                                                      4, 300, "Dust", 4, 7, true));
+        rig_->producer.send(DeformationModeEvent(Type::Curve, 5, 500, "Wall", 4, 7, true));
+        rig_->producer.send(
+            ScreenPartDeformationModeEvent(Type::Curve, 5, 0, 600, "Left", 4, 7, true));
         QTRY_COMPARE(heard, QStringList({"media added", "texture added", "screen added",
                                          "part added", "media deformed", "texture deformed",
                                          "screen deformed", "part deformed"}));
@@ -310,7 +317,7 @@ private slots:
                                      {3, 5, 0, "Left", 4, 7, true}};
         for (std::size_t i = 0; i < std::size(told); ++i)
             QCOMPARE(deformations[i]->value(0), told[i]);
-        producer().send(ScreenModeEvent(LV_NTC_ModeType::Parts, 5, 500, ""));
+        rig_->producer.send(ScreenModeEvent(LV_NTC_ModeType::Parts, 5, 500, ""));
         QVERIFY(modes.wait());
         QCOMPARE(modes.value(0), QVariantList({5, 3}));
         heard.clear();
@@ -365,11 +372,11 @@ private slots:
     void brokenSceneIsLoggedOnce() {
         Configuration broken = configuration_;
         broken.canvasPath = QStringLiteral("qrc:/no/such/Scene.qml");
-        messages().allow(QRegularExpression("Scene.qml"));
+        messages_->allow(QRegularExpression("Scene.qml"));
         Canvas canvas(broken, nullptr);
         QKeyEvent key(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
         canvas.onKeyEvent(&key);
-        QCOMPARE(messages().seen(QtWarningMsg).size(), 1);
+        QCOMPARE(messages_->seen(QtWarningMsg).size(), 1);
     }
 
 private:
@@ -380,6 +387,7 @@ private:
         canvas_->stopMovePointTimer();
     }
 
+    std::optional<MeshpadTest::Rig> rig_;
     Configuration configuration_ = makeConfiguration();
     std::unique_ptr<MediaItem> media_;
     std::unique_ptr<TextureItem> texture_;

@@ -19,7 +19,8 @@
 #include "network/events/ScreenModeEvent.h"
 #include "network/events/ScreenPartBlindEvent.h"
 #include "network/events/ScreenPartDeformationModeEvent.h"
-#include "tests/warp/WarpTest.h"
+#include "tests/support/GuardedTest.h"
+#include "tests/support/WidgetRig.h"
 #include "warp/MediaList.h"
 #include "warp/MediaListContainer.h"
 #include "warp/ScreenItem.h"
@@ -39,6 +40,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 using namespace NetworkCompanion;
 
@@ -46,37 +48,23 @@ namespace {
 
 using Mode = LV_NTC_ModeType;
 
-/// Hands the keys that nobody inside has used to the key listeners, as the main window does.
-class Window : public QWidget {
-protected:
-    void keyPressEvent(QKeyEvent* event) override {
-        KeyEventManager::getInstance()->notifyListeners(event);
-    }
-};
-
 } // namespace
 
 /// The list in a window, fed by a Producer on the loopback and used by mouse and keys.
-class TestMediaList : public QObject, private WarpTest {
+class TestMediaList : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
     void init() {
-        QVERIFY(connectProducer());
-        window_ = std::make_unique<Window>();
-        container_ = new MediaListContainer(configuration_, window_.get());
+        GuardedTest::init();
+        rig_.emplace(QSize(260, 400));
+        container_ = rig_->widget;
         list_ = container_->getMediaList();
-        auto* layout = new QVBoxLayout(window_.get());
-        layout->addWidget(container_);
-        window_->resize(260, 400);
-        window_->show();
-        window_->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window_.get()));
         list_->setFocus();
     }
     void cleanup() {
-        window_.reset();
-        disconnectProducer();
+        rig_.reset();
+        GuardedTest::cleanup();
     }
 
     void existingElementGetsNoSecondRow() {
@@ -165,7 +153,7 @@ private slots:
             QCOMPARE(allRows(), all);
             QCOMPARE(shownRows(), shown);
         }
-        producer().forget();
+        rig_->producer.forget();
     }
 
     void selectionIsSentAndEmitted() {
@@ -178,7 +166,7 @@ private slots:
         QVERIFY(row("b")->isActive());
         QTest::keyClick(focus(), Qt::Key_M);
         QTest::keyClick(focus(), Qt::Key_M); // the last one stays
-        QVERIFY(gets(ItemDataEvent(200), ItemDataEvent(300)));
+        QVERIFY(rig_->gets(ItemDataEvent(200), ItemDataEvent(300)));
         QVERIFY(!row("b")->isActive() && row("c")->isActive());
         QCOMPARE(row("c")->styleSheet(), "background-color: #008cf5;");
         list_->onAction(Action::SELECT_PREVIOUS_SCREEN);
@@ -186,21 +174,21 @@ private slots:
         QTest::keyClick(focus(), Qt::Key_P);
         list_->unselectItem();
         list_->onAction(Action::SELECT_PREVIOUS_SCREEN);
-        QVERIFY(
-            gets(ItemDataEvent(200), ItemDataEvent(100), ItemDataEvent(-1), ItemDataEvent(100)));
+        QVERIFY(rig_->gets(ItemDataEvent(200), ItemDataEvent(100), ItemDataEvent(-1),
+                           ItemDataEvent(100)));
         QCOMPARE(selected.size(), 6);
         QCOMPARE(selected.last().value(0).value<Item*>(), row("a"));
 
         // Keys of an empty list are still keys of the list.
         list_->purgeMedia();
-        QVERIFY(gets(ItemDataEvent(-1)));
+        QVERIFY(rig_->gets(ItemDataEvent(-1)));
         for (const int key : {Qt::Key_M, Qt::Key_P, Qt::Key_Space, Qt::Key_T}) {
             QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
             event.ignore();
             KeyEventManager::getInstance()->notifyListeners(&event);
             QVERIFY(event.isAccepted());
         }
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
     }
 
     void removedRowIsUnselectedFirst() {
@@ -227,7 +215,7 @@ private slots:
         QVERIFY(allArrived());
         QCOMPARE(heard, QStringList({"selected", "part", "removed", "part", "selected", "removed",
                                      "screen", "removed"}));
-        QVERIFY(gets(ItemDataEvent(15), ItemDataEvent(-1)));
+        QVERIFY(rig_->gets(ItemDataEvent(15), ItemDataEvent(-1)));
 
         list_->selectFirstVisibleItem();
         heard.clear();
@@ -245,8 +233,8 @@ private slots:
         QCOMPARE(allRows().size(), 3);
         send(MsgEvent("newShow"));
         QTRY_COMPARE(allRows(), QStringList());
-        QVERIFY(gets(ItemDataEvent(20), ItemDataEvent(-1), ItemDataEvent(100), ItemDataEvent(-1),
-                     MsgEvent("getResources")));
+        QVERIFY(rig_->gets(ItemDataEvent(20), ItemDataEvent(-1), ItemDataEvent(100),
+                           ItemDataEvent(-1), MsgEvent("getResources")));
     }
 
     void screenModeSelectsScreenOrParts() {
@@ -259,8 +247,9 @@ private slots:
         list_->selectFirstVisibleItem();
         send(ScreenModeEvent(Mode::Deformation, 1, 10, ""));
         QTRY_COMPARE(shownRows(), QStringList({"Wall"}));
-        QVERIFY(gets(ItemDataEvent(10), ItemDataEvent(-1), ItemDataEvent(15), ItemDataEvent(-1)));
-        messages().expect(QtWarningMsg, "MediaList: Mode 4 of screen 1 ignored");
+        QVERIFY(
+            rig_->gets(ItemDataEvent(10), ItemDataEvent(-1), ItemDataEvent(15), ItemDataEvent(-1)));
+        messages_->expect(QtWarningMsg, "MediaList: Mode 4 of screen 1 ignored");
         send(ScreenModeEvent(Mode(4), 1, 10, ""));
         send(ScreenModeEvent(Mode::Parts, 9, 10, ""));
         QVERIFY(allArrived());
@@ -285,9 +274,10 @@ private slots:
             row(label)->createWidgets(); // the part's row is not in sight
             QTest::mouseClick(row(label)->findChild<BlindButton*>(), Qt::LeftButton);
         }
-        QVERIFY(gets(BlindEvent(0, 1, "Wall", false), ScreenPartBlindEvent(1, 5, 0, "Left", true),
-                     MediaBlindEvent(Type::Texture, 2, 20, 0, "Sky", true),
-                     MediaBlindEvent(Type::Media, 3, 30, 0, "Clip", true)));
+        QVERIFY(rig_->gets(BlindEvent(0, 1, "Wall", false),
+                           ScreenPartBlindEvent(1, 5, 0, "Left", true),
+                           MediaBlindEvent(Type::Texture, 2, 20, 0, "Sky", true),
+                           MediaBlindEvent(Type::Media, 3, 30, 0, "Clip", true)));
         QVERIFY(!row("Clip")->isBlinded()); // not before the Producer says so
         QCOMPARE(list_->selection(), nullptr);
 
@@ -302,14 +292,15 @@ private slots:
         QVERIFY(row("Sea")->isBlinded() && !row("Clip")->isBlinded());
 
         list_->onAction(Action::TOGGLE_BLIND);
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
         QTest::mouseClick(row("Sea"), Qt::LeftButton);
         QTest::keyClick(focus(), Qt::Key_Space);
-        QVERIFY(gets(ItemDataEvent(0), MediaBlindEvent(Type::Texture, 2, 20, 0, "Sea", false)));
+        QVERIFY(
+            rig_->gets(ItemDataEvent(0), MediaBlindEvent(Type::Texture, 2, 20, 0, "Sea", false)));
         QKeyEvent held(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", true);
         list_->notified(&held); // the output does not flicker under a resting thumb
         QVERIFY(held.isAccepted());
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
     }
 
     void buildableDeformationsAreEmitted() {
@@ -335,9 +326,9 @@ private slots:
 
         // What nobody has is passed over in silence, what cannot be built with a word.
         const char* ignored = "MediaList: Deformation of type %d with %u x %u points ignored";
-        messages().expect(QtWarningMsg, QString::asprintf(ignored, 2, 65U, 3U));
-        messages().expect(QtWarningMsg, QString::asprintf(ignored, 1, 4U, 1U));
-        messages().expect(QtWarningMsg, QString::asprintf(ignored, 3, 4U, 4U));
+        messages_->expect(QtWarningMsg, QString::asprintf(ignored, 2, 65U, 3U));
+        messages_->expect(QtWarningMsg, QString::asprintf(ignored, 1, 4U, 1U));
+        messages_->expect(QtWarningMsg, QString::asprintf(ignored, 3, 4U, 4U));
         send(DeformationModeEvent(Type::Curve, 0xFFFFFFFF, 0, "", 0, 0, false));
         send(DeformationModeEvent(Type::Curve, 1, 0, "", 65, 3, false));
         send(ScreenPartDeformationModeEvent(Type::Bezier, 1, 5, 0, "", 4, 1, false));
@@ -348,9 +339,9 @@ private slots:
     }
 
     void outOfBoundsEventsAreDroppedWithAWarning() {
-        messages().expect(QtWarningMsg, "MediaList: Screen with number 65536 ignored");
-        messages().expect(QtWarningMsg, "MediaList: Screen with number 4294967295 ignored");
-        messages().expect(QtWarningMsg, "MediaList: Part of screen 65535 ignored, it has too many");
+        messages_->expect(QtWarningMsg, "MediaList: Screen with number 65536 ignored");
+        messages_->expect(QtWarningMsg, "MediaList: Screen with number 4294967295 ignored");
+        messages_->expect(QtWarningMsg, "MediaList: Part of screen 65535 ignored, it has too many");
         for (const std::uint32_t id : {65535U, 65536U, 0xFFFFFFFFU})
             send(AddScreenEvent(id, 0, 1, 1, 0, 0.0, "Far", false, false));
         QVERIFY(allArrived());
@@ -377,7 +368,7 @@ private slots:
         QTest::keyClicks(focus(), "mt");
         QTest::keyClick(focus(), Qt::Key_M, Qt::ControlModifier);
         QCOMPARE(shownRows(), QStringList({"Floor, MT part", "amt"}));
-        QVERIFY(gets(ItemDataEvent(200), ItemDataEvent(-1)));
+        QVERIFY(rig_->gets(ItemDataEvent(200), ItemDataEvent(-1)));
         addMedia(3, "mtx");
         addMedia(4, "nope");
         QCOMPARE(shownRows(), QStringList({"Floor, MT part", "amt", "mtx"}));
@@ -408,7 +399,7 @@ private slots:
             QVERIFY(list_->isAncestorOf(focus()));
             box->clear();
         }
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
     }
 
     void checkBoxHidesScreens() {
@@ -421,7 +412,7 @@ private slots:
         QVERIFY(filter->isChecked());
         QVERIFY(list_->isAncestorOf(focus()));
         QCOMPARE(shownRows(), QStringList({"Clip"}));
-        QVERIFY(gets(ItemDataEvent(10), ItemDataEvent(-1)));
+        QVERIFY(rig_->gets(ItemDataEvent(10), ItemDataEvent(-1)));
         container_->findChild<QLineEdit*>()->setText("c");
         QCOMPARE(shownRows(), QStringList({"Clip"}));
         QTest::mouseClick(filter, Qt::LeftButton, {}, {10, filter->height() / 2});
@@ -467,7 +458,7 @@ private slots:
         }
         bar->setValue(bar->maximum() / 2);
         QVERIFY(!top().endsWith("empty") && top() > "1050");
-        window_->resize(260, 900);
+        rig_->window.resize(260, 900);
         QTRY_VERIFY(!top().endsWith("empty") && list_->height() > 700);
         send(MediaBlindEvent(LV_NTC_ElementType::Media, 190, 0, 0, "1001b", true));
         QVERIFY(allArrived());
@@ -499,21 +490,21 @@ private slots:
         std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
         Item* touched = row("1003");
         container_->findChild<QLineEdit*>()->setFocus();
-        const auto finger = [&] { return QTest::touchEvent(window_.get(), screen.get(), false); };
+        const auto finger = [&] { return QTest::touchEvent(&rig_->window, screen.get(), false); };
         const QPoint start = touched->rect().center();
         finger().press(0, start, touched).commit();
         finger().move(0, start + QPoint(2, 3), touched).commit();
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
         finger().release(0, start + QPoint(2, 3), touched).commit();
-        QVERIFY(gets(ItemDataEvent(3)));
+        QVERIFY(rig_->gets(ItemDataEvent(3)));
         QVERIFY(list_->isAncestorOf(focus()));
 
         auto* eye = touched->findChild<BlindButton*>();
         finger().press(0, eye->rect().center(), eye).commit();
         finger().release(0, eye->rect().center(), eye).commit();
-        QVERIFY(gets(MediaBlindEvent(LV_NTC_ElementType::Media, 3, 0, 0, "1003", true)));
+        QVERIFY(rig_->gets(MediaBlindEvent(LV_NTC_ElementType::Media, 3, 0, 0, "1003", true)));
 
-        const QPoint down = row("1004")->mapTo(window_.get(), start);
+        const QPoint down = row("1004")->mapTo(&rig_->window, start);
         auto* bar = container_->findChild<QScrollArea*>()->verticalScrollBar();
         finger().press(0, down).commit();
         for (int y = 10; y <= 150; y += 10) {
@@ -522,7 +513,7 @@ private slots:
         }
         QTRY_VERIFY(bar->value() > 100);
         finger().release(0, down - QPoint(0, 150)).commit();
-        QVERIFY(getsNothing());
+        QVERIFY(rig_->getsNothing());
         QCOMPARE(list_->selection(), touched);
     }
 
@@ -539,7 +530,7 @@ private slots:
     }
 
 private:
-    void send(const Event& event) { producer().send(event); }
+    void send(const Event& event) { rig_->producer.send(event); }
     /// Waits until everything that was sent has reached the list.
     bool allArrived() {
         struct Listener : EventListener {
@@ -612,8 +603,7 @@ private:
         return items;
     }
 
-    Configuration configuration_ = makeConfiguration();
-    std::unique_ptr<Window> window_;
+    std::optional<MeshpadTest::WidgetRig<MediaListContainer>> rig_;
     MediaListContainer* container_ = nullptr;
     MediaList* list_ = nullptr;
 };
