@@ -257,7 +257,7 @@ MeshPicture MeshGridItem::picture() const {
     const double turn = qRadiansToDegrees(std::atan2(toScreen.m12(), toScreen.m11()));
     result.upright = std::abs(std::remainder(turn + result.points.front().rotation, 360)) < 1e-6;
 
-    leaveOutHidden(result, pointDiameter_);
+    removeHidden(result, pointDiameter_);
     return result;
 }
 

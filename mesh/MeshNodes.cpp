@@ -132,7 +132,7 @@ private:
     void drawSprites(const MeshPicture& picture) {
         std::size_t quads = picture.points.size();
         for (const MeshPicture::Point& point : picture.points)
-            quads += point.isNumberSeen ? static_cast<std::size_t>(digitCount(point.number)) : 0;
+            quads += point.isNumberVisible ? static_cast<std::size_t>(digitCount(point.number)) : 0;
         sprites_->begin(quads);
         const double pixel = 1 / picture.zoom;
         for (const MeshPicture::Point& point : picture.points) {
@@ -148,18 +148,18 @@ private:
                 sprites_->quad(middle - x - y, middle + x - y, middle - x + y, middle + x + y,
                                part.texture);
             };
-            drawCircle(atlas_->circle(point.state), position, right, down, point.seen);
-            if (point.isNumberSeen)
+            drawCircle(atlas_->circle(point.state), position, right, down, point.visible);
+            if (point.isNumberVisible)
                 forEachDigit(*atlas_, point.state, point.number, sprite);
         }
     }
 
-    /// What is seen of a circle; `right` and `down` are as long as a pixel.
+    /// Draws the visible part of a circle; `right` and `down` are as long as a pixel.
     void drawCircle(const MeshAtlas::Part& circle, const QPointF& centre, const QPointF& right,
-                    const QPointF& down, const QRectF& seen) {
+                    const QPointF& down, const QRectF& visible) {
         const QSizeF size = circle.size;
         const QRectF square(QPointF(-size.width() / 2, -size.height() / 2), size);
-        const QRectF part = seen & square;
+        const QRectF part = visible & square;
         const auto corner = [&](double x, double y) { return centre + right * x + down * y; };
         const double u = circle.texture.width() / size.width();
         const double v = circle.texture.height() / size.height();
@@ -246,7 +246,7 @@ public:
                 painter->drawPixmap(target, pixmap_, part.pixels);
             };
             sprite(atlas.circle(point.state), QPointF());
-            if (point.isNumberSeen)
+            if (point.isNumberVisible)
                 forEachDigit(atlas, point.state, point.number, sprite);
             if (!upright)
                 painter->setTransform(QTransform());

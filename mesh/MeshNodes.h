@@ -18,11 +18,11 @@ struct MeshPicture {
         QPointF position;
         double rotation = 0; ///< of the number in degrees
         int number = 0;
-        bool isNumberSeen = true; ///< false where other points lie on it
+        bool isNumberVisible = true; ///< false when other points cover it
         MeshPoint::State state = MeshPoint::State::Unselected;
-        /// What is seen of its square, from the point's centre in pixels of the screen, unturned;
-        /// the rest lies under other points.
-        QRectF seen = kAll;
+        /// Visible part of the point's square, relative to its centre in screen pixels, before
+        /// rotation; other points cover the rest.
+        QRectF visible = kAll;
     };
     std::vector<QLineF> lines;
     std::vector<Point> points; ///< later points are drawn above earlier ones

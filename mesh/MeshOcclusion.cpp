@@ -7,16 +7,16 @@
 
 namespace {
 
-constexpr double kFading = 1.5;     // pixels at the edge of a circle that may let something through
-constexpr double kTile = 3;         // pixels; circles hide whole tiles of the screen
-constexpr QSizeF kNumber(0.7, 0.5); // against the circle's diameter, where its number stands
+constexpr double kFading = 1.5;     // width of the fading edge of a circle in pixels
+constexpr double kTile = 3;         // side of a tile in pixels; circles hide whole tiles
+constexpr QSizeF kNumber(0.7, 0.5); // area of the number, in diameters of the circle
 constexpr double kMostTiles = 1 << 20;
 
 struct Tiles {
-    int left, top, right, bottom; // the last ones are part of it
+    int left, top, right, bottom; // inclusive
 };
 
-/// The screen around the points, in tiles, each hidden or not.
+/// Which tiles of the screen around the points are hidden.
 class Screen {
 public:
     Screen(const QRectF& area)
@@ -35,12 +35,12 @@ public:
         }
         return false;
     }
-    /// Hides what lies under a circle; the smallest rectangle of tiles that were not hidden before.
+    /// Hides the tiles under a circle. Returns the bounds of the touched tiles that were visible.
     Tiles hide(const Tiles& touched, const QPointF& centre, double radius) {
         Tiles seen{touched.right + 1, touched.bottom + 1, touched.left - 1, touched.top - 1};
         const QPointF middle = place(touched).topLeft() - centre + QPointF(kTile, kTile) / 2;
         for (int y = touched.top; y <= touched.bottom; ++y) {
-            // How far to either side of the centre the circle hides whole tiles of this row.
+            // Half the width of the whole tiles that the circle hides in this row.
             const double farthest = std::abs(middle.y() + (y - touched.top) * kTile) + kTile / 2;
             const double square = radius * radius - farthest * farthest;
             const double reach = square > 0 ? std::sqrt(square) - kTile / 2 : -1;
@@ -75,13 +75,13 @@ private:
 
 } // namespace
 
-void leaveOutHidden(MeshPicture& picture, double diameter) {
+void removeHidden(MeshPicture& picture, double diameter) {
     const double opaque = diameter / 2 - kFading;
     std::erase_if(picture.lines, [&](const QLineF& line) {
         return line.length() * picture.zoom < 2 * opaque - kFading;
     });
 
-    // Seen from the points, whose squares then are upright.
+    // In the rotated coordinates of the points, whose squares are upright there.
     const double turn = -qDegreesToRadians(picture.points.front().rotation);
     const double cosine = std::cos(turn) * picture.zoom;
     const double sine = std::sin(turn) * picture.zoom;
@@ -97,7 +97,7 @@ void leaveOutHidden(MeshPicture& picture, double diameter) {
         const QRectF square(centres.back() - QPointF(half, half), QSizeF(2 * half, 2 * half));
         area = area.isNull() ? square : area.united(square);
     }
-    // Points that are far apart hide nothing, and need not be looked at.
+    // Distant points hide nothing.
     if (!(area.width() * area.height() < kMostTiles * kTile * kTile))
         return;
 
@@ -107,10 +107,10 @@ void leaveOutHidden(MeshPicture& picture, double diameter) {
     for (std::size_t i = picture.points.size(); i-- > 0;) {
         MeshPicture::Point& point = picture.points[i];
         const QPointF& centre = centres[i];
-        point.isNumberSeen = !screen.isAnyHidden(screen.touchedBy(number.translated(centre)));
+        point.isNumberVisible = !screen.isAnyHidden(screen.touchedBy(number.translated(centre)));
         const QRectF square(centre - QPointF(half, half), QSizeF(2 * half, 2 * half));
         const Tiles seen = screen.hide(screen.touchedBy(square), centre, opaque);
-        point.seen =
+        point.visible =
             seen.left > seen.right ? QRectF() : (screen.place(seen) & square).translated(-centre);
     }
 }
