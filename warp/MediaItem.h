@@ -3,6 +3,7 @@
 #include "warp/Item.h"
 
 /// The row of a cue's media. Starts as not blinded because the Producer's event carries no state.
+/// Members marked API are not used by the application itself.
 class MediaItem final : public Item {
     Q_OBJECT
 
@@ -15,10 +16,10 @@ public:
     NetworkCompanion::ItemKey key() const override {
         return NetworkCompanion::ItemKey::media(cueId(), static_cast<unsigned int>(mediaId_));
     }
-    NetworkCompanion::MediaType::Enum mediaType() const { return mediaType_; }
+    NetworkCompanion::MediaType::Enum mediaType() const { return mediaType_; } // API
     unsigned int cueId() const { return static_cast<unsigned int>(id()); }
     int mediaId() const { return mediaId_; }
-    bool flag() const { return flag_; }
+    bool flag() const { return flag_; } // API
 
 public slots:
     void onBlind() override;

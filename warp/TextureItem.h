@@ -3,6 +3,7 @@
 #include "warp/Item.h"
 
 /// The row of a cue's texture. Starts as not blinded because the Producer's event carries no state.
+/// Members marked API are not used by the application itself.
 class TextureItem final : public Item {
     Q_OBJECT
 
@@ -17,7 +18,7 @@ public:
     }
     unsigned int cueId() const { return static_cast<unsigned int>(id()); }
     int textureId() const { return textureId_; }
-    bool flag() const { return flag_; }
+    bool flag() const { return flag_; } // API
 
 public slots:
     void onBlind() override;

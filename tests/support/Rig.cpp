@@ -1,7 +1,10 @@
 #include "tests/support/Rig.h"
 
 #include "app/shell/EventDispatcher.h"
+#include "app/shell/EventListener.h"
+#include "app/shell/EventSubscription.h"
 #include "app/shell/ShellLook.h"
+#include "network/events/GetResourcesIdEvent.h"
 #include "resources/CompanionResources.h"
 
 #include <QApplication>
@@ -14,7 +17,7 @@
 
 namespace MeshpadTest {
 
-using NetworkCompanion::Event;
+using namespace NetworkCompanion;
 
 Rig::Rig() {
     static const QTemporaryDir settings;
@@ -41,6 +44,17 @@ void Rig::connect() {
 void Rig::settle() {
     QCoreApplication::processEvents();
     QVERIFY(producer.receivesAllOf(EventDispatcher::getInstance()->client()));
+}
+
+void Rig::waitForDelivery() {
+    struct Marker : EventListener {
+        void receive(Event*) override { hasArrived = true; }
+        bool hasArrived = false;
+    } marker;
+    constexpr LV_NTC_EventType types[]{LV_NTC_EventType::GetResourcesId};
+    const EventSubscription subscription(&marker, types);
+    producer.send(GetResourcesIdEvent());
+    QTRY_VERIFY(marker.hasArrived);
 }
 
 bool Rig::gets(const std::vector<const Event*>& expected) {

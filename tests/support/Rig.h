@@ -19,6 +19,12 @@ public:
     void connect();
     /// Waits until the Producer has received everything sent so far, with the tick in progress.
     void settle();
+    /// The Producer sends the events; returns when the listeners of the program have received them.
+    template <class... Events>
+    void deliver(const Events&... events) {
+        (producer.send(events), ...);
+        waitForDelivery();
+    }
     /// Whether the Producer has received exactly these events, in this order, since the last call;
     /// waits for them.
     bool gets(const std::vector<const NetworkCompanion::Event*>& expected);
@@ -30,6 +36,9 @@ public:
 
     const Configuration configuration = makeConfiguration();
     FakeProducer producer;
+
+private:
+    void waitForDelivery();
 };
 
 } // namespace MeshpadTest
