@@ -8,42 +8,39 @@
 
 namespace MeshpadTest {
 
-/// Writes down what a manager signals, in the order in which it comes: "press 4", "release 4",
-/// "left 0.5 -1", "right 0 1", "pressure 2", numbers with two digits.
+/// Records a manager's signals in their order: "press 4", "release 4", "left 0.5 -1", "right 0 1",
+/// "pressure 2", numbers with two digits.
 class InputLog : public QObject {
     Q_OBJECT
 
 public:
-    /// With Once, what comes several times in a row is written down the first time.
+    /// Once records only the first of several equal signals in a row.
     enum class Repeats { Every, Once };
 
     explicit InputLog(const GamepadInputManager& manager, Repeats repeats = Repeats::Every)
         : repeats_(repeats) {
-        connect(
-            &manager, &GamepadInputManager::buttonPressed, this,
-            [this](GamepadButton button) { note(QString("press %1").arg(int(button))); });
-        connect(
-            &manager, &GamepadInputManager::buttonReleased, this,
-            [this](GamepadButton button) { note(QString("release %1").arg(int(button))); });
-        connect(
-            &manager, &GamepadInputManager::leftAxisMoved, this,
-            [this](float x, float y) { note("left " + number(x) + " " + number(y)); });
-        connect(
-            &manager, &GamepadInputManager::rightAxisMoved, this,
-            [this](float x, float y) { note("right " + number(x) + " " + number(y)); });
-        connect(&manager, &GamepadInputManager::pressure, this,
-                [this](float value) { note("pressure " + number(value)); });
+        using M = GamepadInputManager;
+        const auto number = [](auto value) { return ' ' + QString::number(value, 'g', 2); };
+        const auto recordButton = [=, this](const char* name) {
+            return [=, this](GamepadButton button) { record(name + number(double(button))); };
+        };
+        const auto recordStick = [=, this](const char* name) {
+            return [=, this](float x, float y) { record(name + number(x) + number(y)); };
+        };
+        connect(&manager, &M::buttonPressed, this, recordButton("press"));
+        connect(&manager, &M::buttonReleased, this, recordButton("release"));
+        connect(&manager, &M::leftAxisMoved, this, recordStick("left"));
+        connect(&manager, &M::rightAxisMoved, this, recordStick("right"));
+        connect(&manager, &M::pressure, this,
+                [=, this](float value) { record("pressure" + number(value)); });
     }
 
-    /// What came since the last time, separated by commas.
+    /// The signals since the last call, separated by commas.
     QString take() { return std::exchange(events_, {}).join(", "); }
     QString text() const { return events_.join(", "); }
-    bool isEmpty() const { return events_.isEmpty(); }
 
 private:
-    static QString number(float value) { return QString::number(value, 'g', 2); }
-
-    void note(const QString& event) {
+    void record(const QString& event) {
         if (std::exchange(last_, event) != event || repeats_ == Repeats::Every)
             events_ << event;
     }

@@ -11,17 +11,14 @@ using namespace MeshpadTest;
 
 namespace {
 
-/// Registers while it lives, as the real listeners do.
-class Listener : public KeyEventListener {
-public:
-    explicit Listener(std::function<void(QKeyEvent*)> work) : work_(std::move(work)) {
+struct Listener : KeyEventListener {
+    explicit Listener(std::function<void(QKeyEvent*)> function) : function_(std::move(function)) {
         KeyEventManager::getInstance()->addListener(this);
     }
     ~Listener() override { KeyEventManager::getInstance()->removeListener(this); }
-    void notified(QKeyEvent* keyEvent) override { work_(keyEvent); }
+    void notified(QKeyEvent* keyEvent) override { function_(keyEvent); }
 
-private:
-    std::function<void(QKeyEvent*)> work_;
+    std::function<void(QKeyEvent*)> function_;
 };
 
 } // namespace
@@ -30,47 +27,44 @@ class TestKeyEventManager : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void acceptedKeysReachEverybodyInOrder();
-    void listenersMayComeAndGoMeanwhile();
+    void notifiesAllListenersInOrder();
+    void allowsChangesOfListenersDuringKey();
 
 private:
+    KeyEventManager* manager_ = KeyEventManager::getInstance();
     QKeyEvent key_{QEvent::KeyPress, Qt::Key_B, Qt::NoModifier};
 };
 
-void TestKeyEventManager::acceptedKeysReachEverybodyInOrder() {
-    KeyEventManager* manager = KeyEventManager::getInstance();
+void TestKeyEventManager::notifiesAllListenersInOrder() {
     QStringList order;
     Listener first([&](QKeyEvent* key) {
         order << "first";
         key->accept();
     });
     Listener second([&](QKeyEvent* key) { order << (key->isAccepted() ? "second" : "too early"); });
-    manager->addListener(&first);
+    manager_->addListener(&first);
     key_.ignore();
-    manager->notifyListeners(&key_);
+    manager_->notifyListeners(&key_);
     QCOMPARE(order, QStringList({"first", "second", "first"}));
-    // Added twice, it has to be removed twice.
-    manager->removeListener(&first);
-    manager->notifyListeners(&key_);
+    manager_->removeListener(&first); // its oldest registration
+    manager_->notifyListeners(&key_);
     QCOMPARE(order.mid(3), QStringList({"second", "first"}));
-    manager->removeListener(&first);
     messages_->expect(QtWarningMsg, "No key event listener to remove!");
-    manager->removeListener(&first);
-    manager->notifyListeners(&key_);
-    QCOMPARE(order.mid(5), QStringList({"second"}));
-    manager->addListener(&first); // who goes removes itself
+    manager_->removeListener(&first);
+    manager_->removeListener(&first);
+    manager_->addListener(&first); // for its destructor
 }
 
-void TestKeyEventManager::listenersMayComeAndGoMeanwhile() {
-    int late = 0;
-    std::unique_ptr<Listener> closed, opened;
-    Listener opener([&](QKeyEvent*) {
-        closed.reset();
-        opened = std::make_unique<Listener>([&](QKeyEvent*) { ++late; });
+void TestKeyEventManager::allowsChangesOfListenersDuringKey() {
+    int notified = 0;
+    std::unique_ptr<Listener> removed, added;
+    Listener changer([&](QKeyEvent*) {
+        removed.reset();
+        added = std::make_unique<Listener>([&](QKeyEvent*) { ++notified; });
     });
-    closed = std::make_unique<Listener>([&](QKeyEvent*) { ++late; });
-    KeyEventManager::getInstance()->notifyListeners(&key_);
-    QCOMPARE(late, 0);
+    removed = std::make_unique<Listener>([&](QKeyEvent*) { ++notified; });
+    manager_->notifyListeners(&key_);
+    QCOMPARE(notified, 0);
 }
 
 QTEST_GUILESS_MAIN(TestKeyEventManager)
