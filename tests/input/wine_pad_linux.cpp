@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fstream>
-#include <optional>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -29,14 +29,14 @@ void waitForSdl() {
         std::this_thread::sleep_for(kStep);
 }
 
-void execute(const std::string& line, std::optional<MeshpadTest::VirtualPad>& pad) {
+void execute(const std::string& line, std::unique_ptr<MeshpadTest::VirtualPad>& pad) {
     std::istringstream words(line);
     std::string command;
     int first = 0;
     int second = 0;
     words >> command >> first >> second;
     if (command == "plug")
-        pad.emplace();
+        pad = std::make_unique<MeshpadTest::VirtualPad>();
     else if (command == "unplug")
         pad.reset();
     else if (command == "axis")
@@ -49,7 +49,7 @@ void execute(const std::string& line, std::optional<MeshpadTest::VirtualPad>& pa
 
 void followCommands(const std::string& path) {
     waitForSdl();
-    std::optional<MeshpadTest::VirtualPad> pad;
+    std::unique_ptr<MeshpadTest::VirtualPad> pad;
     std::streamoff read = 0;
     for (;; std::this_thread::sleep_for(kStep)) {
         std::ifstream commands(path);

@@ -2,10 +2,12 @@
 #include "network/CompanionServer.h"
 #include "network/NetworkUtils.h"
 #include "network/events/EventTable.h"
+#include "network/events/ProtocolLimits.h"
 #include "tests/support/FakeProducer.h"
 #include "tests/support/GuardedTest.h"
 #include "tests/support/PeerNamespace.h"
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
@@ -159,6 +161,32 @@ private slots:
         QTRY_COMPARE(discovery.discovered.size(), 1);
         QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.1.13"}));
         QCOMPARE(discovery.clients(), QStringList());
+    }
+
+    void limitsListAndReadsInFlood() {
+        QVERIFY(machine_->ip("route add local 10.79.0.0/16 dev lo"));
+        Discovery discovery;
+        const auto answer = [&](quint32 producers) {
+            machine_->run([=] {
+                for (quint32 i = 0; i < producers; ++i) {
+                    QUdpSocket socket;
+                    QVERIFY(socket.bind(QHostAddress(0x0A4F0001 + i))); // 10.79.0.1 and so on
+                    socket.writeDatagram("PingReceived", QHostAddress("10.78.0.1"), 62331);
+                }
+            });
+        };
+        answer(Limits::kMaxListedProducers + 10);
+        qsizetype mostAtOnce = 0;
+        for (QDeadlineTimer timer(10'000); !timer.hasExpired() && discovery.timeouted.isEmpty();) {
+            const qsizetype before = discovery.discovered.size();
+            QCoreApplication::processEvents();
+            mostAtOnce = std::max(mostAtOnce, discovery.discovered.size() - before);
+        }
+        QCOMPARE(discovery.discovered.size(), Limits::kMaxListedProducers);
+        QVERIFY2(mostAtOnce <= 32, qPrintable(QString::number(mostAtOnce))); // by two sockets
+        QTRY_COMPARE(discovery.timeouted.size(), Limits::kMaxListedProducers);
+        answer(1);
+        QTRY_COMPARE(discovery.getAvailableServers(), QStringList("10.79.0.1"));
     }
 
     void keepsProducersWhileThreadIsBusy() {
