@@ -23,6 +23,7 @@ ScreenItem* ItemRegistry::findScreen(int screenId) const {
 
 std::vector<Item*> ItemRegistry::rows() const {
     std::vector<Item*> rows;
+    rows.reserve(rows_.size());
     for (const auto& [key, row] : rows_)
         rows.push_back(row);
     return rows;
