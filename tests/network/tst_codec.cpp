@@ -3,6 +3,7 @@
 #include "tests/support/GuardedTest.h"
 #include "tests/support/ProtocolBytes.h"
 
+#include <QFile>
 #include <QTest>
 
 using namespace NetworkCompanion;
@@ -10,105 +11,61 @@ using namespace MeshpadTest;
 
 namespace {
 
-/// An event and its payload, which is written by hand.
-struct GoldenEvent {
-    std::shared_ptr<Event> event;
-    QByteArray payload;
-};
-using GoldenEvents = std::vector<GoldenEvent>; // the first one has code 1
+using Events = std::vector<std::shared_ptr<Event>>;
 
-/// The payload is hex digits with at most one name, in quotes.
-template <typename EventClass>
-GoldenEvent golden(const EventClass& event, const char* payload) {
-    const QByteArrayList parts = QByteArray(payload).split('\'');
-    return {std::make_shared<EventClass>(event),
-            hex(parts[0]) + (parts.size() == 1 ? "" : text(parts[1]) + hex(parts[2]))};
+template <typename... EventClass>
+Events share(const EventClass&... events) {
+    return {std::make_shared<EventClass>(events)...};
 }
 
-/// Converts to the class of event that a function takes.
-struct AnyEvent {
-    template <typename EventClass>
-    operator const EventClass&() const { // NOLINT(google-explicit-constructor)
-        return dynamic_cast<const EventClass&>(event);
-    }
-    const Event& event;
-};
-
-/// Holds the modes and moves of the other golden events.
-GoldenEvent goldenItem(const GoldenEvents& parts) {
-    const auto part = [&](std::size_t code) { return AnyEvent{*parts[code - 1].event}; };
-    const auto payload = [&](std::size_t code) { return parts[code - 1].payload; };
-    ItemDataEvent item(-1);
-    item.setDeformationModeEvent(part(6));
-    item.setScreenPartDeformationModeEvent(part(8));
-    item.setMediaDeformationModeEvent(part(7));
-    item.addScreenMovePointEvent(part(19));
-    item.addScreenMovePointEvent(part(19));
-    item.addScreenPartMovePointEvent(part(20));
-    item.addTextureMovePointEvent(part(18));
-    item.addMediaMovePointEvent(part(17));
-    return {std::make_shared<ItemDataEvent>(item),
-            hex("ffffffff 00000000") + payload(6) + payload(8) + payload(7) + int64(2) +
-                payload(19) + payload(19) + int64(1) + payload(20) + int64(1) + payload(18) +
-                int64(1) + payload(17)};
-}
-
-/// One of each kind in the order of the codes; every field has a value of its own.
-GoldenEvents goldenEvents() {
+/// The events of docs/example_payloads.txt, in the order of their codes.
+Events goldenEvents() {
     using Element = LV_NTC_ElementType;
     using Deformation = LV_NTC_DeformationType;
-    GoldenEvents all{
-        golden(MsgEvent("getResources"), "'getResources'"),
-        golden(MireEvent(7, LV_NTC_PictureType::Horizontal), "00000002 00000007"),
-        golden(BlindEvent(1, 2, "a", true), "00000002 00000001 'a' 01"),
-        golden(MediaBlindEvent(Element::Texture, 11, 12, 13, "Clouds", true),
-               "00000002 0000000b 0000000c 0000000d 'Clouds' 01"),
-        golden(ScreenPartBlindEvent(1, 2, 3, "P", false), "00000001 00000002 00000003 'P' 00"),
-        golden(DeformationModeEvent(Deformation::None, 1, 2, "Wall", 3, 4, true),
-               "ffffffff 00000001 00000002 'Wall' 00000003 00000004 01"),
-        golden(MediaDeformationModeEvent(Element::Texture, Deformation::Bezier, 3, 4, 5, "Sea", 6,
-                                         7, true),
-               "00000002 00000001 00000003 00000004 00000005 'Sea' 00000006 00000007 01"),
-        golden(ScreenPartDeformationModeEvent(Deformation::Curve, 1, 3, 4, "Part", 5, 6, true),
-               "00000002 00000001 00000003 00000004 'Part' 00000005 00000006 01"),
-        golden(AddMediaEvent(MediaType::Video, 11, 12, 13, 1920, 1080, 6, 90.0, "Sea", true),
-               "00000002 0000000b 0000000c 0000000d 00000780 00000438 00000006 4056800000000000"
-               "'Sea' 01"),
-        golden(AddTextureEvent(1, 2, 3, 4, 5, 6, -2.25, "Noise", true),
-               "00000001 00000002 00000004 00000005 00000006 c002000000000000 'Noise' 01 00000003"),
-        golden(AddScreenEvent(1, 2, 3, 4, 5, 0.5, "Wall", true, false),
-               "00000001 00000003 00000004 00000005 3fe0000000000000 'Wall' 01 00000002 00"),
-        golden(AddScreenPartEvent(1, 2, 3, 4, 5, 6, 1.5, "P", true),
-               "00000001 00000002 00000004 00000005 00000006 3ff8000000000000 'P' 01 00000003"),
-        golden(RemoveMediaEvent(1, 2, "Sea"), "00000001 00000002 'Sea'"),
-        golden(RemoveTextureEvent(3, 4, "Noise"), "00000003 00000004 'Noise'"),
-        golden(RemoveScreenEvent(0xfffffffe), "fffffffe ''"),
-        golden(RemoveScreenPartEvent(5, 6, "P"), "00000005 00000006 'P'"),
-        golden(MediaMovePointEvent(1, 2, 3, "Sea", 4, 1.5, -2.25, 90.0, true, false),
-               "00000001 00000002 00000003 'Sea'"
-               "00000004 3ff8000000000000 c002000000000000 4056800000000000 01 00"),
-        golden(TextureMovePointEvent(1, 2, 3, "Noise", 4, 0.1, -0.0, 0.0, false, true),
-               "00000001 00000002 00000003 'Noise'"
-               "00000004 3fb999999999999a 8000000000000000 0000000000000000 00 01"),
-        golden(ScreenMovePointEvent(1, 2, "Wall", 3, qQNaN(), -2.25, 5e-324, true, false),
-               "00000001 00000002 'Wall'"
-               "00000003 7ff8000000000000 c002000000000000 0000000000000001 01 00"),
-        golden(ScreenPartMovePointEvent(1, 2, 3, "P", 4, 1.5, -2.25, 90.0, false, true),
-               "00000001 00000002 00000003 'P'"
-               "00000004 3ff8000000000000 c002000000000000 4056800000000000 00 01"),
-        golden(ScreenModeEvent(LV_NTC_ModeType::Parts, 1, 2, "Wall"),
-               "00000003 00000001 00000002 'Wall'"),
-        golden(AddQuickKeyEvent(1, 2, 3, "Go", "#ff0000"),
-               "00000001 00000002 00000003 'Go' 2366663030303000"),
-        golden(UpdateQuickKeyEvent(1, 2, "Go", "#00ff00"),
-               "00000001 00000002 'Go' 2330306666303000"),
-        golden(DeleteQuickKeyEvent(1, 2), "00000001 00000002"),
-        golden(ExecuteQuickKeyEvent(10'000), "00002710"),
-        golden(ConfigQuickKeyEvent(2, 3, 4), "00000002 00000003 00000004"),
-        golden(UpdateSettingsEvent("#000080", 3), "2330303030383000 00000003")};
-    all.push_back(goldenItem(all));
-    all.push_back(golden(GetResourcesIdEvent(0x89abcdef), "89abcdef"));
-    return all;
+    const DeformationModeEvent mode(Deformation::None, 1, 2, "Wall", 3, 4, true);
+    const MediaDeformationModeEvent mediaMode(Element::Texture, Deformation::Bezier, 3, 4, 5, "Sea",
+                                              6, 7, true);
+    const ScreenPartDeformationModeEvent partMode(Deformation::Curve, 1, 3, 4, "Part", 5, 6, true);
+    const MediaMovePointEvent mediaPoint(1, 2, 3, "Sea", 4, 1.5, -2.25, 90.0, true, false);
+    const TextureMovePointEvent texturePoint(1, 2, 3, "Noise", 4, 0.1, -0.0, 0.0, false, true);
+    const ScreenMovePointEvent screenPoint(1, 2, "Wall", 3, qQNaN(), -2.25, 5e-324, true, false);
+    const ScreenPartMovePointEvent partPoint(1, 2, 3, "P", 4, 1.5, -2.25, 90.0, false, true);
+    ItemDataEvent item(-1);
+    item.setDeformationModeEvent(mode);
+    item.setScreenPartDeformationModeEvent(partMode);
+    item.setMediaDeformationModeEvent(mediaMode);
+    item.addScreenMovePointEvent(screenPoint);
+    item.addScreenMovePointEvent(screenPoint);
+    item.addScreenPartMovePointEvent(partPoint);
+    item.addTextureMovePointEvent(texturePoint);
+    item.addMediaMovePointEvent(mediaPoint);
+    return share(
+        MsgEvent("getResources"), MireEvent(7, LV_NTC_PictureType::Horizontal),
+        BlindEvent(1, 2, "a", true), MediaBlindEvent(Element::Texture, 11, 12, 13, "Clouds", true),
+        ScreenPartBlindEvent(1, 2, 3, "P", false), mode, mediaMode, partMode,
+        AddMediaEvent(MediaType::Video, 11, 12, 13, 1920, 1080, 6, 90.0, "Sea", true),
+        AddTextureEvent(1, 2, 3, 4, 5, 6, -2.25, "Noise", true),
+        AddScreenEvent(1, 2, 3, 4, 5, 0.5, "Wall", true, false),
+        AddScreenPartEvent(1, 2, 3, 4, 5, 6, 1.5, "P", true), RemoveMediaEvent(1, 2, "Sea"),
+        RemoveTextureEvent(3, 4, "Noise"), RemoveScreenEvent(0xfffffffe),
+        RemoveScreenPartEvent(5, 6, "P"), mediaPoint, texturePoint, screenPoint, partPoint,
+        ScreenModeEvent(LV_NTC_ModeType::Parts, 1, 2, "Wall"),
+        AddQuickKeyEvent(1, 2, 3, "Go", "#ff0000"), UpdateQuickKeyEvent(1, 2, "Go", "#00ff00"),
+        DeleteQuickKeyEvent(1, 2), ExecuteQuickKeyEvent(10'000), ConfigQuickKeyEvent(2, 3, 4),
+        UpdateSettingsEvent("#000080", 3), item, GetResourcesIdEvent(0x89abcdef));
+}
+
+/// The payload with that code, which is written by hand.
+QByteArray goldenPayload(int code) {
+    QFile file(":/example_payloads.txt");
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QString entry = QString::fromUtf8(file.readAll()).split("\n\n").value(code);
+    const QByteArrayList parts = entry.section('\n', 1).toUtf8().split('\'');
+    QByteArray payload;
+    for (qsizetype i = 0; i < parts.size(); ++i)
+        payload += i % 2 == 0 ? hex(parts[i]) : text(parts[i]);
+    return payload;
 }
 
 using EventPointer = std::unique_ptr<Event>;
@@ -134,35 +91,37 @@ private slots:
     }
     void writesAndReadsGoldenBytes() {
         QFETCH(int, code);
-        const GoldenEvent golden = goldenEvents().at(std::size_t(code) - 1);
+        const auto golden = goldenEvents().at(std::size_t(code) - 1);
+        const QByteArray payload = goldenPayload(code);
         // The size that an item announces excludes its four counts.
-        const qsizetype announced = golden.payload.size() - (code == 28 ? 32 : 0);
-        QByteArray bytes = int32(9) + int32(announced) + char(code) + golden.payload;
-        const LV_NTC_Header header = headerOf(*golden.event);
+        const qsizetype announced = payload.size() - (code == 28 ? 32 : 0);
+        QByteArray bytes = int32(9) + int32(announced) + char(code) + payload;
+        const LV_NTC_Header header = headerOf(*golden);
 
-        QCOMPARE(golden.event->serialize().toHex(' '), golden.payload.toHex(' '));
-        QCOMPARE(golden.event->getSize(), announced);
-        QCOMPARE(LVNtc::serialize(header, *golden.event), bytes);
+        QCOMPARE(golden->serialize().toHex(' '), payload.toHex(' '));
+        QCOMPARE(golden->getSize(), announced);
+        QCOMPARE(LVNtc::serialize(header, *golden), bytes);
         QCOMPARE(LVNtc::serializeHeader(header), bytes.first(9));
-        QCOMPARE(LVNtc::serializeWithLength(header, *golden.event), withLength(bytes));
+        QCOMPARE(LVNtc::serializeWithLength(header, *golden), withLength(bytes));
 
         const eventData decoded = LVNtc::deserialize(bytes);
         const EventPointer event(decoded.second);
         QCOMPARE(decoded.first, header);
-        QVERIFY(event && *event == *golden.event);
-        QCOMPARE(event->serialize(), golden.payload);
+        QVERIFY(event && *event == *golden);
+        QCOMPARE(event->serialize(), payload);
 
-        QByteArray changed = golden.payload;
+        QByteArray changed = payload;
         changed.back() = static_cast<char>(changed.back() ^ 1);
-        golden.event->deserialize(changed);
-        QVERIFY(!(*event == *golden.event));
+        golden->deserialize(changed);
+        QVERIFY(!(*event == *golden));
     }
 
     void rejectsEveryTruncation_data() { writesAndReadsGoldenBytes_data(); }
     void rejectsEveryTruncation() {
         QFETCH(int, code);
-        const GoldenEvent golden = goldenEvents().at(std::size_t(code) - 1);
-        const QByteArray whole = LVNtc::serialize(headerOf(*golden.event), *golden.event);
+        const auto golden = goldenEvents().at(std::size_t(code) - 1);
+        const QByteArray payload = goldenPayload(code);
+        const QByteArray whole = LVNtc::serialize(headerOf(*golden), *golden);
         messages_->allow(QRegularExpression("^Bad (header size|data size|point count): "));
         for (qsizetype length = 0; length < whole.size(); ++length) {
             messages_->clear();
@@ -171,10 +130,10 @@ private slots:
             QCOMPARE(messages_->count(QtWarningMsg), length < 4 ? 0 : 1);
         }
         // Behind a header that announces the truncated size.
-        const qsizetype smallest = code == 28 ? 851 : golden.payload.size();
+        const qsizetype smallest = code == 28 ? 851 : payload.size();
         for (qsizetype length = 1; length < smallest; ++length) {
             messages_->clear();
-            QVERIFY(!decode(frame(code, golden.payload.first(length))));
+            QVERIFY(!decode(frame(code, payload.first(length))));
             QCOMPARE(messages_->seen(QtWarningMsg),
                      QStringList(QString("Bad data size: %1/%2").arg(smallest).arg(length)));
         }

@@ -116,6 +116,8 @@ private slots:
         producer_->stall();
         QVERIFY(transport_->write(large_));
         transport_->disconnect();
+        producer_->sendRaw(keys(2, 2));
+        QTest::qWait(50);
         QVERIFY(transport_->tryToConnect(url_) && transport_->waitForConnected(5'000));
         QTRY_COMPARE(producer_->acceptedCount(), 2);
         producer_->sendRaw(keys(1, 1));
