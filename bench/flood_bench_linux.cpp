@@ -197,6 +197,11 @@ private:
     static constexpr auto kPress = QEvent::User;
     static constexpr auto kHandled = QEvent::Type(QEvent::User + 1);
 
+    static clockid_t clockOfThisThread() {
+        clockid_t clock{};
+        pthread_getcpuclockid(pthread_self(), &clock);
+        return clock;
+    }
     void stop() {
         stop_ = true;
         if (thread_.joinable())
@@ -206,7 +211,7 @@ private:
     QWidget* window_;
     std::atomic<bool> stop_ = false, isWaiting_ = false;
     std::mutex mutex_;
-    MeshpadTest::ThreadTime work_; ///< of the window's thread
+    MeshpadTest::ThreadTime work_{clockOfThisThread()}; ///< the other thread reads it, too
     std::vector<milliseconds> times_;
     std::thread thread_;
 };

@@ -18,20 +18,143 @@ class TestDirectInput : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanup();
+    void initTestCase() {
+        QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
+        window_ = std::make_unique<QWindow>();
+        window_->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+        if (!commands_.fileName().isEmpty())
+            QVERIFY(
+                commands_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered));
+    }
 
-    void announcesDeviceChangeMessages();
-    void reportsEveryInput_data();
-    void reportsEveryInput();
-    void takesStateAfterOverflow();
-    void findsPadReplacedWithoutFocus();
-    void findsPadPluggedInAgain();
+    void cleanup() {
+        manager_.reset();
+        command("unplug\n");
+        QTRY_VERIFY(system_->attachedControllers()->empty());
+        GuardedTest::cleanup();
+    }
+
+    void announcesDeviceChangeMessages() {
+        const auto announces = [this](UINT type, WPARAM what) {
+            MSG message{};
+            message.message = type;
+            message.wParam = what;
+            return system_->announcesChange("windows_generic_MSG", &message);
+        };
+        QVERIFY(!announces(WM_DEVICECHANGE, DBT_QUERYCHANGECONFIG));
+        QVERIFY(!announces(WM_NULL, DBT_DEVICEARRIVAL));
+        QVERIFY(!system_->attachedChanged());
+        QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVICEARRIVAL));
+        QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVICEREMOVECOMPLETE));
+        QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVNODES_CHANGED));
+        QVERIFY(system_->attachedChanged());
+    }
+
+    void reportsEveryInput_data() {
+        QTest::addColumn<QByteArray>("commands");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char* name, const QByteArray& commands, const char* expected) {
+            QTest::newRow(name) << commands << QString(expected);
+        };
+        row("cross", "button 0 1\nbutton 1 1\nbutton 2 1\nbutton 3 1\nbutton 3 0\n",
+            "press 0, press 1, press 2, press 3, release 3");
+        row("other buttons", "button 4 1\nbutton 5 1\nbutton 6 1\nbutton 7 1\n",
+            "press 8, press 9, press 10, press 11");
+        row("hat", "hat 1\nhat 2\nhat 4\nhat 8\n",
+            "press 4, release 4, press 5, release 5, press 6, release 6, press 7");
+        row("left stick right", "axis 0 32767\n", "left 1 0");
+        row("left stick left", "axis 0 -32768\n", "left -1 0");
+        row("left stick down", "axis 1 32767\n", "left 0 1");
+        row("right stick right", "axis 3 32767\n", "right 1 0");
+        row("right stick up", "axis 4 -32768\n", "right 0 -1");
+        row("left trigger", "axis 2 32767\n", "pressure 2");
+        row("right trigger", "axis 5 32767\n", "pressure -2");
+        row("inside the dead zones", "axis 0 5600\naxis 4 -5600\nbutton 0 1\n", "press 0");
+        row("outside the dead zone", "axis 0 19251\n", "left 0.5 0");
+    }
+
+    void reportsEveryInput() {
+        plugIn();
+        QFETCH(QByteArray, commands);
+        QFETCH(QString, expected);
+        command(commands);
+        waitFor(expected);
+    }
+
+    void takesStateAfterOverflow() {
+        plugIn();
+        command("button 0 1\naxis 3 32767\n");
+        waitFor("press 0, right 1 0");
+        messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
+        execute(QByteArray("button 9 1\nbutton 9 0\n").repeated(20) +
+                "button 0 0\naxis 3 0\nbutton 1 1\n");
+        waitFor("release 0, press 1, right 0 0");
+    }
+
+    void findsPadReplacedWithoutFocus() {
+        plugIn();
+        command("button 0 1\naxis 0 32767\n");
+        waitFor("press 0, left 1 0");
+        manager_->onFocusLost();
+        waitFor("left 0 0");
+        execute("button 3 1\nbutton 3 0\nbutton 0 0\nbutton 1 1\n");
+        manager_->onFocusGained();
+        waitFor("release 0, press 1, left 1 0");
+        manager_->onFocusLost();
+        command("unplug\n");
+        QTRY_VERIFY(system_->attachedControllers()->empty());
+        command("plug\n");
+        QTRY_VERIFY(!system_->attachedControllers()->empty());
+        log_->take();
+        manager_->onFocusGained();
+        waitFor("release 1");
+        command("button 2 1\n");
+        waitFor("press 2");
+    }
+
+    void findsPadPluggedInAgain() {
+        plugIn();
+        command("button 2 1\naxis 0 32767\n");
+        waitFor("press 2, left 1 0");
+        messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
+        command("unplug\n");
+        waitFor("release 2, left 0 0");
+        QVERIFY(!manager_->isGamepadConnected());
+        plugIn();
+        command("button 3 1\n");
+        waitFor("press 3");
+    }
 
 private:
-    void plugIn();
+    /// Plugs a pad in and waits until the manager uses it.
+    void plugIn() {
+        if (!commands_.isOpen())
+            QSKIP("No virtual controller");
+        if (!manager_) {
+            manager_ = std::make_unique<GamepadInputManager>();
+            log_ = std::make_unique<InputLog>(*manager_, InputLog::Repeats::Once);
+        }
+        command("plug\n");
+        QTRY_VERIFY_WITH_TIMEOUT(manager_->isGamepadConnected(), 10000);
+    }
+
     void command(const QByteArray& lines) { commands_.write(lines); }
-    void execute(const QByteArray& lines);
+    /// Executes the commands and waits for their end, without a poll of the manager.
+    void execute(const QByteArray& lines) {
+        const auto device = system_->attachedControllers()->front().create();
+        device->setDataFormat();
+        device->acquire();
+        command(lines + "button 10 1\n");
+        ControllerState state;
+        for (int i = 0; i < 5000 && !state.buttons[10]; ++i) {
+            QThread::msleep(1);
+            device->poll();
+            device->state(state);
+        }
+        QVERIFY(state.buttons[10]);
+    }
+
     void waitFor(const QString& events) {
         QTRY_COMPARE(log_->text(), events);
         log_->take();
@@ -43,140 +166,6 @@ private:
     QFile commands_{qEnvironmentVariable("MESHPAD_PAD_COMMANDS")};
     std::unique_ptr<InputLog> log_;
 };
-
-void TestDirectInput::initTestCase() {
-    QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
-    window_ = std::make_unique<QWindow>();
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
-    if (!commands_.fileName().isEmpty())
-        QVERIFY(commands_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered));
-}
-
-void TestDirectInput::cleanup() {
-    manager_.reset();
-    command("unplug\n");
-    QTRY_VERIFY(system_->attachedControllers()->empty());
-    GuardedTest::cleanup();
-}
-
-/// Plugs a pad in and waits until the manager uses it.
-void TestDirectInput::plugIn() {
-    if (!commands_.isOpen())
-        QSKIP("No virtual controller");
-    if (!manager_) {
-        manager_ = std::make_unique<GamepadInputManager>();
-        log_ = std::make_unique<InputLog>(*manager_, InputLog::Repeats::Once);
-    }
-    command("plug\n");
-    QTRY_VERIFY_WITH_TIMEOUT(manager_->isGamepadConnected(), 10000);
-}
-
-/// Executes the commands and waits for their end, without a poll of the manager.
-void TestDirectInput::execute(const QByteArray& lines) {
-    const auto device = system_->attachedControllers()->front().create();
-    device->setDataFormat();
-    device->acquire();
-    command(lines + "button 10 1\n");
-    ControllerState state;
-    for (int i = 0; i < 5000 && !state.buttons[10]; ++i) {
-        QThread::msleep(1);
-        device->poll();
-        device->state(state);
-    }
-    QVERIFY(state.buttons[10]);
-}
-
-void TestDirectInput::announcesDeviceChangeMessages() {
-    const auto announces = [this](UINT type, WPARAM what) {
-        MSG message{};
-        message.message = type;
-        message.wParam = what;
-        return system_->announcesChange("windows_generic_MSG", &message);
-    };
-    QVERIFY(!announces(WM_DEVICECHANGE, DBT_QUERYCHANGECONFIG));
-    QVERIFY(!announces(WM_NULL, DBT_DEVICEARRIVAL));
-    QVERIFY(!system_->attachedChanged());
-    QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVICEARRIVAL));
-    QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVICEREMOVECOMPLETE));
-    QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVNODES_CHANGED));
-    QVERIFY(system_->attachedChanged());
-}
-
-void TestDirectInput::reportsEveryInput_data() {
-    QTest::addColumn<QByteArray>("commands");
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char* name, const QByteArray& commands, const char* expected) {
-        QTest::newRow(name) << commands << QString(expected);
-    };
-    row("cross", "button 0 1\nbutton 1 1\nbutton 2 1\nbutton 3 1\nbutton 3 0\n",
-        "press 0, press 1, press 2, press 3, release 3");
-    row("other buttons", "button 4 1\nbutton 5 1\nbutton 6 1\nbutton 7 1\n",
-        "press 8, press 9, press 10, press 11");
-    row("hat", "hat 1\nhat 2\nhat 4\nhat 8\n",
-        "press 4, release 4, press 5, release 5, press 6, release 6, press 7");
-    row("left stick right", "axis 0 32767\n", "left 1 0");
-    row("left stick left", "axis 0 -32768\n", "left -1 0");
-    row("left stick down", "axis 1 32767\n", "left 0 1");
-    row("right stick right", "axis 3 32767\n", "right 1 0");
-    row("right stick up", "axis 4 -32768\n", "right 0 -1");
-    row("left trigger", "axis 2 32767\n", "pressure 2");
-    row("right trigger", "axis 5 32767\n", "pressure -2");
-    row("inside the dead zones", "axis 0 5600\naxis 4 -5600\nbutton 0 1\n", "press 0");
-    row("outside the dead zone", "axis 0 19251\n", "left 0.5 0");
-}
-
-void TestDirectInput::reportsEveryInput() {
-    plugIn();
-    QFETCH(QByteArray, commands);
-    QFETCH(QString, expected);
-    command(commands);
-    waitFor(expected);
-}
-
-void TestDirectInput::takesStateAfterOverflow() {
-    plugIn();
-    command("button 0 1\naxis 3 32767\n");
-    waitFor("press 0, right 1 0");
-    messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
-    execute(QByteArray("button 9 1\nbutton 9 0\n").repeated(20) +
-            "button 0 0\naxis 3 0\nbutton 1 1\n");
-    waitFor("release 0, press 1, right 0 0");
-}
-
-void TestDirectInput::findsPadReplacedWithoutFocus() {
-    plugIn();
-    command("button 0 1\naxis 0 32767\n");
-    waitFor("press 0, left 1 0");
-    manager_->onFocusLost();
-    waitFor("left 0 0");
-    execute("button 3 1\nbutton 3 0\nbutton 0 0\nbutton 1 1\n");
-    manager_->onFocusGained();
-    waitFor("release 0, press 1, left 1 0");
-    manager_->onFocusLost();
-    command("unplug\n");
-    QTRY_VERIFY(system_->attachedControllers()->empty());
-    command("plug\n");
-    QTRY_VERIFY(!system_->attachedControllers()->empty());
-    log_->take();
-    manager_->onFocusGained();
-    waitFor("release 1");
-    command("button 2 1\n");
-    waitFor("press 2");
-}
-
-void TestDirectInput::findsPadPluggedInAgain() {
-    plugIn();
-    command("button 2 1\naxis 0 32767\n");
-    waitFor("press 2, left 1 0");
-    messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
-    command("unplug\n");
-    waitFor("release 2, left 0 0");
-    QVERIFY(!manager_->isGamepadConnected());
-    plugIn();
-    command("button 3 1\n");
-    waitFor("press 3");
-}
 
 QTEST_MAIN(TestDirectInput)
 #include "tst_direct_input_windows.moc"

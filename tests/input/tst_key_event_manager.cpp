@@ -27,45 +27,43 @@ class TestKeyEventManager : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void notifiesAllListenersInOrder();
-    void allowsChangesOfListenersDuringKey();
+    void notifiesAllListenersInOrder() {
+        QStringList order;
+        Listener first([&](QKeyEvent* key) {
+            order << "first";
+            key->accept();
+        });
+        Listener second(
+            [&](QKeyEvent* key) { order << (key->isAccepted() ? "second" : "too early"); });
+        manager_->addListener(&first);
+        key_.ignore();
+        manager_->notifyListeners(&key_);
+        QCOMPARE(order, QStringList({"first", "second", "first"}));
+        manager_->removeListener(&first); // its oldest registration
+        manager_->notifyListeners(&key_);
+        QCOMPARE(order.mid(3), QStringList({"second", "first"}));
+        messages_->expect(QtWarningMsg, "No key event listener to remove!");
+        manager_->removeListener(&first);
+        manager_->removeListener(&first);
+        manager_->addListener(&first); // for its destructor
+    }
+
+    void allowsChangesOfListenersDuringKey() {
+        int notified = 0;
+        std::unique_ptr<Listener> removed, added;
+        Listener changer([&](QKeyEvent*) {
+            removed.reset();
+            added = std::make_unique<Listener>([&](QKeyEvent*) { ++notified; });
+        });
+        removed = std::make_unique<Listener>([&](QKeyEvent*) { ++notified; });
+        manager_->notifyListeners(&key_);
+        QCOMPARE(notified, 0);
+    }
 
 private:
     KeyEventManager* manager_ = KeyEventManager::getInstance();
     QKeyEvent key_{QEvent::KeyPress, Qt::Key_B, Qt::NoModifier};
 };
-
-void TestKeyEventManager::notifiesAllListenersInOrder() {
-    QStringList order;
-    Listener first([&](QKeyEvent* key) {
-        order << "first";
-        key->accept();
-    });
-    Listener second([&](QKeyEvent* key) { order << (key->isAccepted() ? "second" : "too early"); });
-    manager_->addListener(&first);
-    key_.ignore();
-    manager_->notifyListeners(&key_);
-    QCOMPARE(order, QStringList({"first", "second", "first"}));
-    manager_->removeListener(&first); // its oldest registration
-    manager_->notifyListeners(&key_);
-    QCOMPARE(order.mid(3), QStringList({"second", "first"}));
-    messages_->expect(QtWarningMsg, "No key event listener to remove!");
-    manager_->removeListener(&first);
-    manager_->removeListener(&first);
-    manager_->addListener(&first); // for its destructor
-}
-
-void TestKeyEventManager::allowsChangesOfListenersDuringKey() {
-    int notified = 0;
-    std::unique_ptr<Listener> removed, added;
-    Listener changer([&](QKeyEvent*) {
-        removed.reset();
-        added = std::make_unique<Listener>([&](QKeyEvent*) { ++notified; });
-    });
-    removed = std::make_unique<Listener>([&](QKeyEvent*) { ++notified; });
-    manager_->notifyListeners(&key_);
-    QCOMPARE(notified, 0);
-}
 
 QTEST_GUILESS_MAIN(TestKeyEventManager)
 #include "tst_key_event_manager.moc"

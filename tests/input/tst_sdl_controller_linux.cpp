@@ -22,23 +22,212 @@ class TestSdlController : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() {
+        const auto previous = std::signal(SIGINT, SIG_DFL);
+        system_ = ControllerSystem::create();
+        QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
+        QVERIFY(std::signal(SIGINT, previous) == SIG_DFL); // SDL must not handle signals
+        if (SDL_NumJoysticks() > 0)
+            QSKIP("Unplug the controllers of this machine to test with virtual ones");
+    }
+
     void cleanup() {
         manager_.reset();
         pad_.reset();
         GuardedTest::cleanup();
     }
 
-    void reportsButtonsAndHatInOrder();
-    void reportsEveryAxis_data();
-    void reportsEveryAxis();
-    void appliesDeadZones();
-    void keepsButtonsWhileStickMovesFast();
-    void takesStateAfterOverflow();
-    void ignoresInputsBeyondTheRecords();
-    void reportsChangedControllersOnce();
-    void findsSuccessorOfUnpluggedPad();
-    void reportsOnlyCurrentStateAfterFocusReturns();
+    void reportsButtonsAndHatInOrder() {
+        pad_.emplace();
+        start();
+        for (const bool down : {true, false})
+            for (int i = 0; i < 8; ++i)
+                pad_->button(i, down), SDL_JoystickUpdate();
+        for (const int hat :
+             {SDL_HAT_UP, SDL_HAT_RIGHTUP, SDL_HAT_RIGHT, SDL_HAT_DOWN, SDL_HAT_LEFT, 0})
+            pad_->hat(Uint8(hat)), SDL_JoystickUpdate();
+        QCOMPARE(nextEvents(),
+                 "press 0, press 1, press 2, press 3, press 8, press 9, press 10, press 11, "
+                 "release 0, release 1, release 2, release 3, release 8, release 9, release 10, "
+                 "release 11, press 4, release 4, press 5, release 5, press 6, release 6, press 7, "
+                 "release 7");
+    }
+
+    void reportsEveryAxis_data() {
+        QTest::addColumn<int>("axes");
+        QTest::addColumn<int>("axis");
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<Triggers>("triggers");
+        const auto row = [](const char* name, int axes, int axis, const char* expected,
+                            Triggers triggers = {2, 5}) {
+            QTest::newRow(name) << axes << axis << QString(expected) << triggers;
+        };
+        row("left stick x", 6, 0, "left 1 0");
+        row("left stick y", 6, 1, "left 0 1");
+        row("left trigger", 6, 2, "pressure 2");
+        row("right stick x", 6, 3, "right 1 0");
+        row("right stick y", 6, 4, "right 0 1");
+        row("right trigger", 6, 5, "pressure -2");
+        row("one axis for both triggers", 5, 2, "pressure 1");
+        row("right stick beside it", 5, 3, "right 1 0");
+        row("right stick without triggers", 4, 2, "right 1 0");
+        row("third axis alone", 3, 2, "pressure 1");
+        row("left trigger at the end", 6, 5, "pressure 2", {5, 4});
+        row("right trigger before it", 6, 4, "pressure -2", {5, 4});
+        row("right stick before triggers", 6, 2, "right 1 0", {5, 4});
+        row("right stick around triggers", 6, 5, "right 0 1", {3, 4});
+        row("left trigger inside", 6, 3, "pressure 2", {3, 4});
+    }
+
+    void reportsEveryAxis() {
+        QFETCH(int, axes);
+        QFETCH(int, axis);
+        QFETCH(QString, expected);
+        QFETCH(Triggers, triggers);
+        pad_.emplace(axes, 11, "Virtual Pad", 1, triggers);
+        start();
+        pad_->axis(axis, kHigh);
+        QCOMPARE(nextEvents(), expected);
+        QCOMPARE(nextEvents(), expected); // every poll
+        const bool isTrigger = axes == 6 && (axis == triggers.first || axis == triggers.second);
+        pad_->axis(axis, isTrigger ? kLow : 0);
+        if (!expected.startsWith("pressure"))
+            QCOMPARE(nextEvents(), expected.section(' ', 0, 0) + " 0 0");
+        pad_->button(0, true);
+        QCOMPARE(nextEvents(), "press 0");
+    }
+
+    /// The zones are 17.5 % of the way for a stick and 0.25 % for a trigger; the rest of the way
+    /// covers the whole range.
+    void appliesDeadZones() {
+        pad_.emplace(5);
+        start();
+        pad_->axis(0, 5733);
+        pad_->axis(4, -5734);
+        pad_->axis(2, 81);
+        pad_->button(0, true);
+        QCOMPARE(nextEvents(), "press 0");
+        pad_->axis(0, 5760);
+        pad_->axis(2, 110);
+        QCOMPARE(nextEvents(), "left 0.00096 0, pressure 0.00087");
+        pad_->axis(0, 19251);
+        pad_->axis(2, kLow);
+        QCOMPARE(nextEvents(), "left 0.5 0, pressure -1");
+    }
+
+    void keepsButtonsWhileStickMovesFast() {
+        pad_.emplace();
+        start();
+        for (int i = 0; i <= 100; ++i) {
+            pad_->axis(0, kHigh / 100 * (100 - i));
+            SDL_JoystickUpdate();
+        }
+        pad_->button(3, true);
+        SDL_JoystickUpdate();
+        QCOMPARE(nextEvents(), "press 3");
+    }
+
+    void takesStateAfterOverflow() {
+        pad_.emplace(6, 32);
+        start();
+        pad_->button(0, true);
+        pad_->axis(0, kLow);
+        pad_->axis(3, kHigh);
+        QCOMPARE(nextEvents(), "press 0, left -1 0, right 1 0");
+        for (const bool down : {true, false}) {
+            for (int i = 10; i < 26; ++i)
+                pad_->button(i, down);
+            SDL_JoystickUpdate();
+        }
+        pad_->button(0, false);
+        pad_->axis(0, kHigh);
+        pad_->axis(3, 19251);
+        pad_->axis(4, kHigh); // has never reported, so it counts as centred
+        pad_->hat(SDL_HAT_LEFT);
+        messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
+        QCOMPARE(nextEvents(), "release 0, press 7, left 1 0, right 0.5 0");
+        QCOMPARE(messages_->seen(QtDebugMsg).filter("Ignoring unknown input").size(), 32);
+    }
+
+    void ignoresInputsBeyondTheRecords() {
+        pad_.emplace(14, 40, "Flight Stick", 6);
+        start();
+        for (int axis = 6; axis < 14; ++axis)
+            pad_->axis(axis, kHigh);
+        for (int button = 8; button < 40; ++button)
+            pad_->button(button, true);
+        for (int hat = 1; hat < 6; ++hat)
+            pad_->hat(SDL_HAT_RIGHT, hat);
+        SDL_JoystickUpdate();
+        pad_->button(3, true);
+        messages_->expect(QtDebugMsg, "Ignoring unknown input: 24 -> 65535");
+        messages_->expect(QtDebugMsg, "Ignoring unknown input: 28 -> 65535");
+        messages_->expect(QtDebugMsg, "TODO-JOYSTICK DIJOFS_BUTTON(8) --> 128");
+        messages_->expect(QtDebugMsg, "TODO-JOYSTICK DIJOFS_BUTTON(9) --> 128");
+        QCOMPARE(nextEvents(), "press 3");
+        // The axes 6 and 7, the hats 1 to 3 and the buttons 10 to 31.
+        QCOMPARE(messages_->seen(QtDebugMsg).filter("Ignoring unknown input").size(), 2 + 3 + 22);
+    }
+
+    void reportsChangedControllersOnce() {
+        pad_.emplace();
+        const auto listed = system_->attachedControllers();
+        QCOMPARE(listed->size(), std::size_t(1));
+        QVERIFY(!system_->attachedChanged());
+        pad_.reset();
+        QVERIFY(system_->attachedChanged());
+        QVERIFY(!system_->attachedChanged());
+        int attempts = 0; // to open a controller that cannot be opened
+        do
+            QVERIFY(!listed->front().create());
+        while (++attempts < 100 && system_->attachedChanged());
+        QVERIFY2(attempts > 1 && attempts < 100, qPrintable(QString::number(attempts)));
+    }
+
+    void findsSuccessorOfUnpluggedPad() {
+        messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.", 2);
+        messages_->expect(QtDebugMsg, "Released gamepad (had no effect)", 2);
+        messages_->expect(QtDebugMsg, "Found device 'Third Pad'");
+        pad_.emplace();
+        std::optional<VirtualPad> second(std::in_place);
+        start();
+        second->button(0, true);
+        pad_->axis(0, kHigh);
+        pad_->button(1, true);
+        QCOMPARE(nextEvents(), "press 1, left 1 0"); // ignores the second pad
+        pad_.reset();
+        QCOMPARE(nextEvents(), "release 1, left 0 0");
+        QCOMPARE(nextEvents(), "press 0");
+        second.reset();
+        QCOMPARE(nextEvents(), "release 0");
+        QVERIFY(!manager_->isGamepadConnected());
+        pad_.emplace(6, 11, "Third Pad");
+        pad_->button(2, true);
+        QCOMPARE(nextEvents(), "press 2");
+    }
+
+    void reportsOnlyCurrentStateAfterFocusReturns() {
+        pad_.emplace();
+        start();
+        pad_->button(0, true);
+        pad_->button(1, true);
+        pad_->axis(0, kLow);
+        pad_->axis(3, kHigh);
+        QCOMPARE(nextEvents(), "press 0, press 1, left -1 0, right 1 0");
+        manager_->onFocusLost();
+        manager_->onFocusLost();
+        QCOMPARE(log_->take(), "left 0 0, right 0 0");
+        for (int i = 0; i < 40; ++i) { // more than the buffer holds
+            pad_->button(2, i % 2 == 0);
+            SDL_JoystickUpdate();
+        }
+        pad_->button(1, false);
+        pad_->axis(3, 0);
+        QTest::qWait(50); // three periods
+        QCOMPARE(log_->take(), "");
+        manager_->onFocusGained();
+        QCOMPARE(nextEvents(), "release 1, left -1 0");
+    }
 
 private:
     void start() {
@@ -57,207 +246,6 @@ private:
     std::unique_ptr<GamepadInputManager> manager_;
     std::unique_ptr<InputLog> log_;
 };
-
-void TestSdlController::initTestCase() {
-    const auto previous = std::signal(SIGINT, SIG_DFL);
-    system_ = ControllerSystem::create();
-    QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
-    QVERIFY(std::signal(SIGINT, previous) == SIG_DFL); // SDL must not handle signals
-    if (SDL_NumJoysticks() > 0)
-        QSKIP("Unplug the controllers of this machine to test with virtual ones");
-}
-
-void TestSdlController::reportsButtonsAndHatInOrder() {
-    pad_.emplace();
-    start();
-    for (const bool down : {true, false})
-        for (int i = 0; i < 8; ++i)
-            pad_->button(i, down), SDL_JoystickUpdate();
-    for (const int hat :
-         {SDL_HAT_UP, SDL_HAT_RIGHTUP, SDL_HAT_RIGHT, SDL_HAT_DOWN, SDL_HAT_LEFT, 0})
-        pad_->hat(Uint8(hat)), SDL_JoystickUpdate();
-    QCOMPARE(nextEvents(),
-             "press 0, press 1, press 2, press 3, press 8, press 9, press 10, press 11, "
-             "release 0, release 1, release 2, release 3, release 8, release 9, release 10, "
-             "release 11, press 4, release 4, press 5, release 5, press 6, release 6, press 7, "
-             "release 7");
-}
-
-void TestSdlController::reportsEveryAxis_data() {
-    QTest::addColumn<int>("axes");
-    QTest::addColumn<int>("axis");
-    QTest::addColumn<QString>("expected");
-    QTest::addColumn<Triggers>("triggers");
-    const auto row = [](const char* name, int axes, int axis, const char* expected,
-                        Triggers triggers = {2, 5}) {
-        QTest::newRow(name) << axes << axis << QString(expected) << triggers;
-    };
-    row("left stick x", 6, 0, "left 1 0");
-    row("left stick y", 6, 1, "left 0 1");
-    row("left trigger", 6, 2, "pressure 2");
-    row("right stick x", 6, 3, "right 1 0");
-    row("right stick y", 6, 4, "right 0 1");
-    row("right trigger", 6, 5, "pressure -2");
-    row("one axis for both triggers", 5, 2, "pressure 1");
-    row("right stick beside it", 5, 3, "right 1 0");
-    row("right stick without triggers", 4, 2, "right 1 0");
-    row("third axis alone", 3, 2, "pressure 1");
-    row("left trigger at the end", 6, 5, "pressure 2", {5, 4});
-    row("right trigger before it", 6, 4, "pressure -2", {5, 4});
-    row("right stick before triggers", 6, 2, "right 1 0", {5, 4});
-    row("right stick around triggers", 6, 5, "right 0 1", {3, 4});
-    row("left trigger inside", 6, 3, "pressure 2", {3, 4});
-}
-
-void TestSdlController::reportsEveryAxis() {
-    QFETCH(int, axes);
-    QFETCH(int, axis);
-    QFETCH(QString, expected);
-    QFETCH(Triggers, triggers);
-    pad_.emplace(axes, 11, "Virtual Pad", 1, triggers);
-    start();
-    pad_->axis(axis, kHigh);
-    QCOMPARE(nextEvents(), expected);
-    QCOMPARE(nextEvents(), expected); // every poll
-    const bool isTrigger = axes == 6 && (axis == triggers.first || axis == triggers.second);
-    pad_->axis(axis, isTrigger ? kLow : 0);
-    if (!expected.startsWith("pressure"))
-        QCOMPARE(nextEvents(), expected.section(' ', 0, 0) + " 0 0");
-    pad_->button(0, true);
-    QCOMPARE(nextEvents(), "press 0");
-}
-
-/// The zones are 17.5 % of the way for a stick and 0.25 % for a trigger; the rest of the way covers
-/// the whole range.
-void TestSdlController::appliesDeadZones() {
-    pad_.emplace(5);
-    start();
-    pad_->axis(0, 5733);
-    pad_->axis(4, -5734);
-    pad_->axis(2, 81);
-    pad_->button(0, true);
-    QCOMPARE(nextEvents(), "press 0");
-    pad_->axis(0, 5760);
-    pad_->axis(2, 110);
-    QCOMPARE(nextEvents(), "left 0.00096 0, pressure 0.00087");
-    pad_->axis(0, 19251);
-    pad_->axis(2, kLow);
-    QCOMPARE(nextEvents(), "left 0.5 0, pressure -1");
-}
-
-void TestSdlController::keepsButtonsWhileStickMovesFast() {
-    pad_.emplace();
-    start();
-    for (int i = 0; i <= 100; ++i) {
-        pad_->axis(0, kHigh / 100 * (100 - i));
-        SDL_JoystickUpdate();
-    }
-    pad_->button(3, true);
-    SDL_JoystickUpdate();
-    QCOMPARE(nextEvents(), "press 3");
-}
-
-void TestSdlController::takesStateAfterOverflow() {
-    pad_.emplace(6, 32);
-    start();
-    pad_->button(0, true);
-    pad_->axis(0, kLow);
-    pad_->axis(3, kHigh);
-    QCOMPARE(nextEvents(), "press 0, left -1 0, right 1 0");
-    for (const bool down : {true, false}) {
-        for (int i = 10; i < 26; ++i)
-            pad_->button(i, down);
-        SDL_JoystickUpdate();
-    }
-    pad_->button(0, false);
-    pad_->axis(0, kHigh);
-    pad_->axis(3, 19251);
-    pad_->axis(4, kHigh); // has never reported, so it counts as centred
-    pad_->hat(SDL_HAT_LEFT);
-    messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
-    QCOMPARE(nextEvents(), "release 0, press 7, left 1 0, right 0.5 0");
-    QCOMPARE(messages_->seen(QtDebugMsg).filter("Ignoring unknown input").size(), 32);
-}
-
-void TestSdlController::ignoresInputsBeyondTheRecords() {
-    pad_.emplace(14, 40, "Flight Stick", 6);
-    start();
-    for (int axis = 6; axis < 14; ++axis)
-        pad_->axis(axis, kHigh);
-    for (int button = 8; button < 40; ++button)
-        pad_->button(button, true);
-    for (int hat = 1; hat < 6; ++hat)
-        pad_->hat(SDL_HAT_RIGHT, hat);
-    SDL_JoystickUpdate();
-    pad_->button(3, true);
-    messages_->expect(QtDebugMsg, "Ignoring unknown input: 24 -> 65535");
-    messages_->expect(QtDebugMsg, "Ignoring unknown input: 28 -> 65535");
-    messages_->expect(QtDebugMsg, "TODO-JOYSTICK DIJOFS_BUTTON(8) --> 128");
-    messages_->expect(QtDebugMsg, "TODO-JOYSTICK DIJOFS_BUTTON(9) --> 128");
-    QCOMPARE(nextEvents(), "press 3");
-    // The axes 6 and 7, the hats 1 to 3 and the buttons 10 to 31.
-    QCOMPARE(messages_->seen(QtDebugMsg).filter("Ignoring unknown input").size(), 2 + 3 + 22);
-}
-
-void TestSdlController::reportsChangedControllersOnce() {
-    pad_.emplace();
-    const auto listed = system_->attachedControllers();
-    QCOMPARE(listed->size(), std::size_t(1));
-    QVERIFY(!system_->attachedChanged());
-    pad_.reset();
-    QVERIFY(system_->attachedChanged());
-    QVERIFY(!system_->attachedChanged());
-    int attempts = 0; // to open a controller that cannot be opened
-    do
-        QVERIFY(!listed->front().create());
-    while (++attempts < 100 && system_->attachedChanged());
-    QVERIFY2(attempts > 1 && attempts < 100, qPrintable(QString::number(attempts)));
-}
-
-void TestSdlController::findsSuccessorOfUnpluggedPad() {
-    messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.", 2);
-    messages_->expect(QtDebugMsg, "Released gamepad (had no effect)", 2);
-    messages_->expect(QtDebugMsg, "Found device 'Third Pad'");
-    pad_.emplace();
-    std::optional<VirtualPad> second(std::in_place);
-    start();
-    second->button(0, true);
-    pad_->axis(0, kHigh);
-    pad_->button(1, true);
-    QCOMPARE(nextEvents(), "press 1, left 1 0"); // ignores the second pad
-    pad_.reset();
-    QCOMPARE(nextEvents(), "release 1, left 0 0");
-    QCOMPARE(nextEvents(), "press 0");
-    second.reset();
-    QCOMPARE(nextEvents(), "release 0");
-    QVERIFY(!manager_->isGamepadConnected());
-    pad_.emplace(6, 11, "Third Pad");
-    pad_->button(2, true);
-    QCOMPARE(nextEvents(), "press 2");
-}
-
-void TestSdlController::reportsOnlyCurrentStateAfterFocusReturns() {
-    pad_.emplace();
-    start();
-    pad_->button(0, true);
-    pad_->button(1, true);
-    pad_->axis(0, kLow);
-    pad_->axis(3, kHigh);
-    QCOMPARE(nextEvents(), "press 0, press 1, left -1 0, right 1 0");
-    manager_->onFocusLost();
-    manager_->onFocusLost();
-    QCOMPARE(log_->take(), "left 0 0, right 0 0");
-    for (int i = 0; i < 40; ++i) { // more than the buffer holds
-        pad_->button(2, i % 2 == 0);
-        SDL_JoystickUpdate();
-    }
-    pad_->button(1, false);
-    pad_->axis(3, 0);
-    QTest::qWait(50); // three periods
-    QCOMPARE(log_->take(), "");
-    manager_->onFocusGained();
-    QCOMPARE(nextEvents(), "release 1, left -1 0");
-}
 
 QTEST_GUILESS_MAIN(TestSdlController)
 #include "tst_sdl_controller_linux.moc"
