@@ -3,6 +3,7 @@
 #include "network/events/ItemDataEvent.h"
 #include "network/events/MediaBlindEvent.h"
 #include "tests/support/GuardedTest.h"
+#include "tests/support/VirtualPad.h"
 #include "tests/support/WindowRig.h"
 #include "warp/WarpPage.h"
 
@@ -10,7 +11,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <SDL.h>
 #include <optional>
 
 using namespace NetworkCompanion;
@@ -33,7 +33,7 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void cleanupTestCase();
+    void cleanupTestCase() { pad_.reset(); }
 
     void startsBehindAnotherWindow();
     void sticksMoveSelectionPanAndZoom();
@@ -42,13 +42,13 @@ private slots:
 
 private:
     void set(const QString& input, bool held);
-    void axis(int index, int value);
+    void axis(int index, int value) { pad_->axis(index, value); }
     void hold(const QStringList& inputs);
-    void letGo();
+    void releaseHeld();
     QString selection() const;
 
     std::unique_ptr<ControllerSystem> system_; // keeps SDL's joysticks up
-    SDL_Joystick* pad_ = nullptr;
+    std::optional<MeshpadTest::VirtualPad> pad_;
     std::optional<WindowRig> editor_;
     QStringList held_;
 };
@@ -58,26 +58,15 @@ void TestWindowController::initTestCase() {
     QCOMPARE(system_->open(), ControllerSystem::OpenResult::Ok);
     if (SDL_NumJoysticks() > 0)
         QSKIP("Unplug the controllers of this machine to test with a virtual one");
-    SDL_VirtualJoystickDesc description{};
-    description.version = SDL_VIRTUAL_JOYSTICK_DESC_VERSION;
-    description.naxes = 5;
-    description.nbuttons = 11;
-    description.nhats = 1;
-    description.name = "Virtual Pad";
-    pad_ = SDL_JoystickOpen(SDL_JoystickAttachVirtualEx(&description));
-    QVERIFY(pad_ != nullptr);
+    pad_.emplace(5);
 }
 
 void TestWindowController::cleanup() {
-    letGo();
+    releaseHeld();
     for (const int index : {0, 1, 2, 3, 4})
         axis(index, 0);
     editor_.reset();
     GuardedTest::cleanup();
-}
-
-void TestWindowController::cleanupTestCase() {
-    SDL_JoystickClose(pad_);
 }
 
 /// Two media with a curve each, the first one edited, its point 5 selected; but nothing is shown at
@@ -107,17 +96,11 @@ void TestWindowController::set(const QString& input, bool held) {
                               "Start"};
     const QStringList directions{"LeftDPad_Top", "LeftDPad_Right", "LeftDPad_Bottom",
                                  "LeftDPad_Left"}; // a bit of the hat each
-    if (buttons.contains(input)) {
-        SDL_JoystickSetVirtualButton(pad_, int(buttons.indexOf(input)),
-                                     held ? SDL_PRESSED : SDL_RELEASED);
-    } else {
-        SDL_JoystickSetVirtualHat(pad_, 0, Uint8(held ? 1 << directions.indexOf(input) : 0));
-    }
+    if (buttons.contains(input))
+        pad_->button(int(buttons.indexOf(input)), held);
+    else
+        pad_->hat(Uint8(held ? 1 << directions.indexOf(input) : 0));
     SDL_JoystickUpdate();
-}
-
-void TestWindowController::axis(int index, int value) {
-    SDL_JoystickSetVirtualAxis(pad_, index, static_cast<Sint16>(value));
 }
 
 void TestWindowController::hold(const QStringList& inputs) {
@@ -127,7 +110,7 @@ void TestWindowController::hold(const QStringList& inputs) {
     }
 }
 
-void TestWindowController::letGo() {
+void TestWindowController::releaseHeld() {
     for (const QString& input : std::exchange(held_, {}))
         set(input, false);
 }
@@ -149,7 +132,7 @@ void TestWindowController::startsBehindAnotherWindow() {
     QVERIFY(QGuiApplication::applicationState() != Qt::ApplicationActive);
     QSignalSpy actions(editor_->find<WarpPage>(), &WarpPage::action);
     hold({"Back"});
-    letGo();
+    releaseHeld();
     hold({"Start"});
     QVERIFY(!actions.wait(100));
     editor_->show();
@@ -211,15 +194,15 @@ void TestWindowController::actionsReachListAndSceneUnderAnotherPage() {
         QTRY_COMPARE(selection(), QString("5"));
         hold(inputs.split(' '));
         QTRY_COMPARE(inputs + ": " + selection(), inputs + ": " + selected);
-        letGo();
+        releaseHeld();
     }
 
     producer.forget();
     hold({"RightCross_Right"});
     QTRY_COMPARE(producer.eventsOf<MediaBlindEvent>().size(), std::size_t(1));
-    letGo();
+    releaseHeld();
     hold({"RightCross_Bottom"});
-    letGo();
+    releaseHeld();
     hold({"RightCross_Top"});
     QTRY_COMPARE(producer.eventsOf<ItemDataEvent>().size(), std::size_t(2));
     QCOMPARE(producer.eventsOf<ItemDataEvent>().front()->callerId(), kDataIndex + 1);
@@ -243,7 +226,7 @@ void TestWindowController::restsUnderTheVeilAndWithoutFocus() {
         QVERIFY(!editor_->isTrue("isMovingPoint"));
         sticks.clear();
         hold({"Start"});
-        letGo();
+        releaseHeld();
         QVERIFY(!sticks.wait(100));
         if (veil)
             editor_->window->onServerAvailableAgain();
