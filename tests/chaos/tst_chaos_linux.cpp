@@ -64,32 +64,284 @@ class ChaosTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() {
+        CheckConnection::firstCheckDelay = 5ms;
+        CheckConnection::checkPeriod = 5ms;
+    }
 
-    void windowShowsProducerStateAfterEveryLoss();
-    void windowShowsProducerStateAfterPulledCable();
+    void init() {
+        GuardedTest::init();
+        random_.seed(seed_);
+        machine_ = std::make_unique<MeshpadTest::PeerNamespace>();
+        QVERIFY(machine_->isValid());
+        QVERIFY(machine_->link("here0", kHere.toString(), "there0", kThere.toString()));
+        producer_ = machine_->make<ProducerMachine>(
+            [this] { return new ProducerMachine(kThere, kHere, seed_); });
+        QVERIFY(producer_->isUp);
+
+        rig_.emplace();
+        window_ = rig_->window.get();
+        rig_->show();
+        UpdateProducer::tickPeriod = 20ms;
+        lost_.emplace(EventDispatcher::getInstance(), &EventDispatcher::disconnected);
+        EventDispatcher::getInstance()
+            ->networkUtils()
+            .updateClientSockets(); // without waiting a second
+        window_->onConnectToServer(kThere.toString());
+    }
+
+    void cleanup() {
+        rig_.reset();
+        EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kThere.toString());
+        producer_.reset();
+        MeshpadTest::PeerNamespace::ipHere("link delete here0");
+        machine_.reset();
+        GuardedTest::cleanup();
+    }
+
+    void windowShowsProducerStateAfterEveryLoss() {
+        QCOMPARE(lastingDifference(), QString());
+        const int wanted = environmentNumber("MESHPAD_CHAOS_LOSSES", kUsualLosses);
+        int recoveries = 0, early = 0;
+        QElapsedTimer timer;
+        timer.start();
+        while (losses() < wanted) {
+            const int before = losses();
+            const QString where = QString(" (seed %1, loss %2)").arg(seed_).arg(before + 1);
+            const auto cut = random_.bounded(2) ? Cut::Closed : Cut::Reset;
+
+            // Breaks the connection during work, after any byte of the incoming data.
+            const bool atOnce = random_.bounded(5) == 0;
+            const int bytes = random_.bounded(3'000);
+            machine_->run([&] {
+                if (!atOnce)
+                    producer_->network.cutAfter(bytes, cut);
+            });
+            const bool broke = waitUntil([&] {
+                edit(random_.bounded(1, 4));
+                operate();
+                if (atOnce && random_.bounded(4) == 0)
+                    machine_->run([&] { producer_->network.cut(cut); });
+                return losses() > before;
+            });
+            QVERIFY2(broke, qPrintable("the loss was not noticed" + where));
+
+            // Show and operator go on without a connection; the next network is bad, too.
+            edit(random_.bounded(20));
+            operate();
+            const auto condition = NetworkCondition(random_.bounded(5));
+            const bool breaksEarly = random_.bounded(3) == 0;
+            const bool refuses = random_.bounded(8) == 0;
+            const int firstBytes = random_.bounded(kBytesOfAShow);
+            machine_->run([&] {
+                producer_->network.setNetworkCondition(condition);
+                if (breaksEarly)
+                    producer_->network.cutAfter(firstBytes, cut);
+                if (refuses)
+                    producer_->network.refuse();
+            });
+            if (refuses) {
+                QTest::qWait(random_.bounded(40));
+                machine_->run([&] { producer_->accept(); });
+            }
+            if (breaksEarly && (waitForEarlyBreak(before + 1)))
+                ++early;
+            const QString difference = lastingDifference();
+            QVERIFY2(difference.isEmpty(), qPrintable(difference + where));
+            ++recoveries;
+        }
+        qInfo("seed %u: %d connections lost, %d of them while the show was still arriving; %d "
+              "recoveries "
+              "with equal states; %.1f s",
+              seed_, losses(), early, recoveries, double(timer.elapsed()) / 1000);
+    }
+
+    void windowShowsProducerStateAfterPulledCable() {
+        const auto link = [](const char* state) {
+            return MeshpadTest::PeerNamespace::ipHere(QString("link set here0 %1").arg(state));
+        };
+        QCOMPARE(lastingDifference(), QString());
+        // A connection survives short interruptions and loses nothing.
+        int before = 0;
+        for (const int pause : {50, 400, 1500}) {
+            QElapsedTimer away;
+            away.start();
+            QVERIFY(machine_->ip("link set there0 down"));
+            edit(10);
+            operate();
+            QTest::qWait(pause);
+            edit(10);
+            QVERIFY(machine_->ip("link set there0 up"));
+            const bool tooLong = away.hasExpired(2'000); // on a busy machine
+            QCOMPARE(lastingDifference(), QString());
+            if (!tooLong)
+                QCOMPARE(losses(), before);
+            before = losses();
+        }
+        // A long interruption, at either end, breaks the connection.
+        QVERIFY(link("down"));
+        QVERIFY(waitUntil([this] { return isVeiled(); }));
+        edit(30);
+        QVERIFY(link("up"));
+        QCOMPARE(lastingDifference(), QString());
+        QCOMPARE(losses(), before + 1);
+
+        QVERIFY(machine_->ip("link set there0 down"));
+        QVERIFY(waitUntil([this] { return isVeiled(); }));
+        QVERIFY(machine_->ip("link set there0 up"));
+        QCOMPARE(lastingDifference(), QString());
+        QCOMPARE(losses(), before + 2);
+    }
 
 private:
     template <typename Widget>
     Widget* find() const {
         return window_->findChild<Widget*>();
     }
-    bool isVeiled() const;
-    Show show() const;
+    bool isVeiled() const {
+        const auto overlays = window_->findChildren<DisconnectOverlay*>();
+        return std::ranges::any_of(overlays, &DisconnectOverlay::isVisible);
+    }
+
+    Show show() const {
+        Show copy;
+        machine_->run([&] { copy = producer_->show(); });
+        return copy;
+    }
+
     void edit(int times) {
         machine_->run([=, this] { producer_->edit(times); });
     }
     int losses() const { return int(lost_->size()); }
 
-    QMap<ItemKey, Item*> rows() const;
-    QString listDifference() const;
-    QString pointsDifference(const ItemKey& key) const;
+    QMap<ItemKey, Item*> rows() const {
+        QMap<ItemKey, Item*> rows;
+        for (int i = 0; Item* row = find<MediaList>()->getItemFromLayout(i); ++i)
+            rows.insert(row->key(), row);
+        return rows;
+    }
+
+    QString listDifference() const {
+        if (!EventDispatcher::getInstance()->client().isConnected())
+            return "not connected";
+        if (isVeiled())
+            return "veiled";
+        const Show expected = show();
+        const auto rows = this->rows();
+        if (rows.size() != qsizetype(expected.items().size()))
+            return QString("%1 rows for %2 items").arg(rows.size()).arg(expected.items().size());
+        for (const ShowItem& item : expected.items()) {
+            const QString name = nameOf(item.key) + ": ";
+            const Item* row = rows.value(item.key);
+            if (!row)
+                return name + "has no row";
+            if (row->key().subId != item.key.subId || row->name() != item.name ||
+                quint32(row->dataIndex()) != item.dataIndex ||
+                QSize(row->sourceWidth(), row->sourceHeight()) != item.size)
+                return name + "is another item";
+            if (row->isBlinded() != item.blinded)
+                return name + "blind";
+            const Item::Deformation& seen = row->deformation();
+            if (seen.type != int(item.shownKind()))
+                return name +
+                       QString("deformation %1 for %2").arg(seen.type).arg(int(item.shownKind()));
+            if (item.shownKind() != Warp::Kind::None &&
+                (seen.rows != item.warp.rows || seen.columns != item.warp.columns))
+                return name + QString("grid of %1 x %2").arg(seen.rows).arg(seen.columns);
+            if (item.key.type == Element::Screen &&
+                static_cast<const ScreenItem*>(row)->mode() != item.mode)
+                return name + "mode";
+        }
+        return {};
+    }
+
+    QString pointsDifference(const ItemKey& key) const {
+        const Show now = show();
+        const ShowItem* item = now.find(key);
+        if (!item)
+            return "not in the show";
+        QString name = nameOf(key) + ": ";
+        for (const bool xy : {true, false}) {
+            MeshGridItem* grid = xy ? rig_->xyGrid() : rig_->uvGrid();
+            const int shown = grid ? grid->pointCount() : 0;
+            const auto& points = xy ? item->warp.xy : item->warp.uv;
+            const int expected = item->shownKind() == Warp::Kind::None ? 0 : int(points.size());
+            if (shown != expected)
+                return name + QString("%1 points for %2").arg(shown).arg(expected);
+            for (int id = 0; id < expected; ++id) {
+                const QPointF wanted = points[std::size_t(id)].position;
+                const MeshPoint* point = grid->point(id);
+                const QPointF size(item->size.width(), item->size.height());
+                const QPointF seen = xy ? QPointF(point->x(), point->y()) - size / 2
+                                        : QPointF(point->x() / size.x(), point->y() / size.y());
+                // The selection is not compared because the operator determines it.
+                if ((seen - wanted).manhattanLength() > 1e-6) {
+                    QDebug(&name) << (xy ? "xy" : "uv") << "point" << id << seen << "for" << wanted;
+                    return name;
+                }
+            }
+        }
+        return {};
+    }
+
     /// The first difference between window and Producer that lasts until the timeout; else empty.
-    QString lastingDifference() const;
-    void operate();
-    bool waitForEarlyBreak(int lossesBefore);
+    QString lastingDifference() const {
+        if (!waitUntil([this] { return listDifference().isEmpty(); }))
+            return listDifference();
+        const Show expected = show();
+        for (const ShowItem& item : expected.items()) {
+            const auto isEqual = [&] {
+                // A show that has just restarted may still remove the selected item.
+                if (Item* row = rows().value(item.key); row != find<MediaList>()->selection())
+                    find<MediaList>()->onSelectedItem(row);
+                return pointsDifference(item.key).isEmpty();
+            };
+            if (!waitUntil(isEqual))
+                return pointsDifference(item.key);
+        }
+        return listDifference();
+    }
+
+    /// Performs a random action of an operator: a key press or a drag of a point.
+    void operate() {
+        QWindow* target = window_->windowHandle();
+        constexpr Qt::Key kArrows[] = {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down};
+        const Qt::Key arrow = kArrows[random_.bounded(4)];
+        const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
+            {random_.bounded(2) ? Qt::Key_M : Qt::Key_P, {}},
+            {arrow, Qt::AltModifier},
+            {arrow, {}},
+            {Qt::Key_Space, {}},
+            {Qt::Key_A, Qt::ControlModifier},
+            {arrow, Qt::ControlModifier},
+            {Qt::Key_Escape, {}}};
+        if (const auto choice = std::size_t(random_.bounded(9)); choice < std::size(keys))
+            return QTest::keyClick(target, keys[choice].first, keys[choice].second);
+        MeshGridItem* grid = rig_->grid();
+        if (!grid || grid->pointCount() == 0 || isVeiled())
+            return;
+        const MeshPoint* point = grid->point(random_.bounded(grid->pointCount()));
+        const QPoint start =
+            rig_->view->mapTo(window_, grid->mapToScene({point->x(), point->y()}).toPoint());
+        QTest::mousePress(target, Qt::LeftButton, {}, start);
+        for (int step = 1; step <= 5; ++step) {
+            QTest::mouseMove(target, start + step * QPoint(random_.bounded(-8, 8), 3));
+            QCoreApplication::processEvents(); // the connection may break here
+        }
+        QTest::mouseRelease(target, Qt::LeftButton, {}, start + QPoint(20, 15));
+    }
+
+    /// Waits until the connection breaks or the whole show has arrived; returns whether it broke.
+    bool waitForEarlyBreak(int lossesBefore) {
+        static_cast<void>(
+            waitUntil([=, this] { return losses() > lossesBefore || listDifference().isEmpty(); }));
+        int pending = 0;
+        machine_->run([&] {
+            producer_->network.cutAfter(-1, Cut::Closed);
+            pending = producer_->network.cuts();
+        });
+        return waitUntil([=, this] { return losses() >= pending; }) && losses() > lossesBefore;
+    }
 
     QRandomGenerator random_;
     quint32 seed_ = quint32(environmentNumber("MESHPAD_CHAOS_SEED", 1));
@@ -99,274 +351,6 @@ private:
     GuiCompanion* window_ = nullptr; // the rig's
     std::optional<QSignalSpy> lost_;
 };
-
-void ChaosTest::initTestCase() {
-    CheckConnection::firstCheckDelay = 5ms;
-    CheckConnection::checkPeriod = 5ms;
-}
-
-void ChaosTest::init() {
-    GuardedTest::init();
-    random_.seed(seed_);
-    machine_ = std::make_unique<MeshpadTest::PeerNamespace>();
-    QVERIFY(machine_->isValid());
-    QVERIFY(machine_->link("here0", kHere.toString(), "there0", kThere.toString()));
-    producer_ = machine_->make<ProducerMachine>(
-        [this] { return new ProducerMachine(kThere, kHere, seed_); });
-    QVERIFY(producer_->isUp);
-
-    rig_.emplace();
-    window_ = rig_->window.get();
-    rig_->show();
-    UpdateProducer::tickPeriod = 20ms;
-    lost_.emplace(EventDispatcher::getInstance(), &EventDispatcher::disconnected);
-    EventDispatcher::getInstance()
-        ->networkUtils()
-        .updateClientSockets(); // without waiting a second
-    window_->onConnectToServer(kThere.toString());
-}
-
-void ChaosTest::cleanup() {
-    rig_.reset();
-    EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kThere.toString());
-    producer_.reset();
-    MeshpadTest::PeerNamespace::ipHere("link delete here0");
-    machine_.reset();
-    GuardedTest::cleanup();
-}
-
-bool ChaosTest::isVeiled() const {
-    const auto overlays = window_->findChildren<DisconnectOverlay*>();
-    return std::ranges::any_of(overlays, &DisconnectOverlay::isVisible);
-}
-
-Show ChaosTest::show() const {
-    Show copy;
-    machine_->run([&] { copy = producer_->show(); });
-    return copy;
-}
-
-QMap<ItemKey, Item*> ChaosTest::rows() const {
-    QMap<ItemKey, Item*> rows;
-    for (int i = 0; Item* row = find<MediaList>()->getItemFromLayout(i); ++i)
-        rows.insert(row->key(), row);
-    return rows;
-}
-
-QString ChaosTest::listDifference() const {
-    if (!EventDispatcher::getInstance()->client().isConnected())
-        return "not connected";
-    if (isVeiled())
-        return "veiled";
-    const Show expected = show();
-    const auto rows = this->rows();
-    if (rows.size() != qsizetype(expected.items().size()))
-        return QString("%1 rows for %2 items").arg(rows.size()).arg(expected.items().size());
-    for (const ShowItem& item : expected.items()) {
-        const QString name = nameOf(item.key) + ": ";
-        const Item* row = rows.value(item.key);
-        if (!row)
-            return name + "has no row";
-        if (row->key().subId != item.key.subId || row->name() != item.name ||
-            quint32(row->dataIndex()) != item.dataIndex ||
-            QSize(row->sourceWidth(), row->sourceHeight()) != item.size)
-            return name + "is another item";
-        if (row->isBlinded() != item.blinded)
-            return name + "blind";
-        const Item::Deformation& seen = row->deformation();
-        if (seen.type != int(item.shownKind()))
-            return name +
-                   QString("deformation %1 for %2").arg(seen.type).arg(int(item.shownKind()));
-        if (item.shownKind() != Warp::Kind::None &&
-            (seen.rows != item.warp.rows || seen.columns != item.warp.columns))
-            return name + QString("grid of %1 x %2").arg(seen.rows).arg(seen.columns);
-        if (item.key.type == Element::Screen &&
-            static_cast<const ScreenItem*>(row)->mode() != item.mode)
-            return name + "mode";
-    }
-    return {};
-}
-
-QString ChaosTest::pointsDifference(const ItemKey& key) const {
-    const Show now = show();
-    const ShowItem* item = now.find(key);
-    if (!item)
-        return "not in the show";
-    QString name = nameOf(key) + ": ";
-    for (const bool xy : {true, false}) {
-        MeshGridItem* grid = xy ? rig_->xyGrid() : rig_->uvGrid();
-        const int shown = grid ? grid->pointCount() : 0;
-        const auto& points = xy ? item->warp.xy : item->warp.uv;
-        const int expected = item->shownKind() == Warp::Kind::None ? 0 : int(points.size());
-        if (shown != expected)
-            return name + QString("%1 points for %2").arg(shown).arg(expected);
-        for (int id = 0; id < expected; ++id) {
-            const QPointF wanted = points[std::size_t(id)].position;
-            const MeshPoint* point = grid->point(id);
-            const QPointF size(item->size.width(), item->size.height());
-            const QPointF seen = xy ? QPointF(point->x(), point->y()) - size / 2
-                                    : QPointF(point->x() / size.x(), point->y() / size.y());
-            // The selection is not compared because the operator determines it.
-            if ((seen - wanted).manhattanLength() > 1e-6) {
-                QDebug(&name) << (xy ? "xy" : "uv") << "point" << id << seen << "for" << wanted;
-                return name;
-            }
-        }
-    }
-    return {};
-}
-
-QString ChaosTest::lastingDifference() const {
-    if (!waitUntil([this] { return listDifference().isEmpty(); }))
-        return listDifference();
-    const Show expected = show();
-    for (const ShowItem& item : expected.items()) {
-        const auto isEqual = [&] {
-            // A show that has just restarted may still remove the selected item.
-            if (Item* row = rows().value(item.key); row != find<MediaList>()->selection())
-                find<MediaList>()->onSelectedItem(row);
-            return pointsDifference(item.key).isEmpty();
-        };
-        if (!waitUntil(isEqual))
-            return pointsDifference(item.key);
-    }
-    return listDifference();
-}
-
-/// Performs a random action of an operator: a key press or a drag of a point.
-void ChaosTest::operate() {
-    QWindow* target = window_->windowHandle();
-    constexpr Qt::Key kArrows[] = {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down};
-    const Qt::Key arrow = kArrows[random_.bounded(4)];
-    const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
-        {random_.bounded(2) ? Qt::Key_M : Qt::Key_P, {}},
-        {arrow, Qt::AltModifier},
-        {arrow, {}},
-        {Qt::Key_Space, {}},
-        {Qt::Key_A, Qt::ControlModifier},
-        {arrow, Qt::ControlModifier},
-        {Qt::Key_Escape, {}}};
-    if (const auto choice = std::size_t(random_.bounded(9)); choice < std::size(keys))
-        return QTest::keyClick(target, keys[choice].first, keys[choice].second);
-    MeshGridItem* grid = rig_->grid();
-    if (!grid || grid->pointCount() == 0 || isVeiled())
-        return;
-    const MeshPoint* point = grid->point(random_.bounded(grid->pointCount()));
-    const QPoint start =
-        rig_->view->mapTo(window_, grid->mapToScene({point->x(), point->y()}).toPoint());
-    QTest::mousePress(target, Qt::LeftButton, {}, start);
-    for (int step = 1; step <= 5; ++step) {
-        QTest::mouseMove(target, start + step * QPoint(random_.bounded(-8, 8), 3));
-        QCoreApplication::processEvents(); // the connection may break here
-    }
-    QTest::mouseRelease(target, Qt::LeftButton, {}, start + QPoint(20, 15));
-}
-
-/// Waits until the connection breaks or the whole show has arrived; returns whether it broke.
-bool ChaosTest::waitForEarlyBreak(int lossesBefore) {
-    static_cast<void>(
-        waitUntil([=, this] { return losses() > lossesBefore || listDifference().isEmpty(); }));
-    int pending = 0;
-    machine_->run([&] {
-        producer_->network.cutAfter(-1, Cut::Closed);
-        pending = producer_->network.cuts();
-    });
-    return waitUntil([=, this] { return losses() >= pending; }) && losses() > lossesBefore;
-}
-
-void ChaosTest::windowShowsProducerStateAfterEveryLoss() {
-    QCOMPARE(lastingDifference(), QString());
-    const int wanted = environmentNumber("MESHPAD_CHAOS_LOSSES", kUsualLosses);
-    int recoveries = 0, early = 0;
-    QElapsedTimer timer;
-    timer.start();
-    while (losses() < wanted) {
-        const int before = losses();
-        const QString where = QString(" (seed %1, loss %2)").arg(seed_).arg(before + 1);
-        const auto cut = random_.bounded(2) ? Cut::Closed : Cut::Reset;
-
-        // Breaks the connection during work, after any byte of the incoming data.
-        const bool atOnce = random_.bounded(5) == 0;
-        const int bytes = random_.bounded(3'000);
-        machine_->run([&] {
-            if (!atOnce)
-                producer_->network.cutAfter(bytes, cut);
-        });
-        const bool broke = waitUntil([&] {
-            edit(random_.bounded(1, 4));
-            operate();
-            if (atOnce && random_.bounded(4) == 0)
-                machine_->run([&] { producer_->network.cut(cut); });
-            return losses() > before;
-        });
-        QVERIFY2(broke, qPrintable("the loss was not noticed" + where));
-
-        // Show and operator go on without a connection; the next network is bad, too.
-        edit(random_.bounded(20));
-        operate();
-        const auto condition = NetworkCondition(random_.bounded(5));
-        const bool breaksEarly = random_.bounded(3) == 0;
-        const bool refuses = random_.bounded(8) == 0;
-        const int firstBytes = random_.bounded(kBytesOfAShow);
-        machine_->run([&] {
-            producer_->network.setNetworkCondition(condition);
-            if (breaksEarly)
-                producer_->network.cutAfter(firstBytes, cut);
-            if (refuses)
-                producer_->network.refuse();
-        });
-        if (refuses) {
-            QTest::qWait(random_.bounded(40));
-            machine_->run([&] { producer_->accept(); });
-        }
-        if (breaksEarly && (waitForEarlyBreak(before + 1)))
-            ++early;
-        const QString difference = lastingDifference();
-        QVERIFY2(difference.isEmpty(), qPrintable(difference + where));
-        ++recoveries;
-    }
-    qInfo(
-        "seed %u: %d connections lost, %d of them while the show was still arriving; %d recoveries "
-        "with equal states; %.1f s",
-        seed_, losses(), early, recoveries, double(timer.elapsed()) / 1000);
-}
-
-void ChaosTest::windowShowsProducerStateAfterPulledCable() {
-    const auto link = [](const char* state) {
-        return MeshpadTest::PeerNamespace::ipHere(QString("link set here0 %1").arg(state));
-    };
-    QCOMPARE(lastingDifference(), QString());
-    // A connection survives short interruptions and loses nothing.
-    int before = 0;
-    for (const int pause : {50, 400, 1500}) {
-        QElapsedTimer away;
-        away.start();
-        QVERIFY(machine_->ip("link set there0 down"));
-        edit(10);
-        operate();
-        QTest::qWait(pause);
-        edit(10);
-        QVERIFY(machine_->ip("link set there0 up"));
-        const bool tooLong = away.hasExpired(2'000); // on a busy machine
-        QCOMPARE(lastingDifference(), QString());
-        if (!tooLong)
-            QCOMPARE(losses(), before);
-        before = losses();
-    }
-    // A long interruption, at either end, breaks the connection.
-    QVERIFY(link("down"));
-    QVERIFY(waitUntil([this] { return isVeiled(); }));
-    edit(30);
-    QVERIFY(link("up"));
-    QCOMPARE(lastingDifference(), QString());
-    QCOMPARE(losses(), before + 1);
-
-    QVERIFY(machine_->ip("link set there0 down"));
-    QVERIFY(waitUntil([this] { return isVeiled(); }));
-    QVERIFY(machine_->ip("link set there0 up"));
-    QCOMPARE(lastingDifference(), QString());
-    QCOMPARE(losses(), before + 2);
-}
 
 QTEST_MAIN(ChaosTest)
 #include "tst_chaos_linux.moc"
