@@ -18,7 +18,10 @@ class SceneTest : public GuardedTest {
 
 protected slots:
     void initTestCase() { finger_.reset(QTest::createTouchDevice()); }
-    void cleanupTestCase() { finger_.reset(); }
+    void cleanupTestCase() {
+        scene.reset();
+        finger_.reset();
+    }
     void init();
     void cleanup();
 
@@ -51,6 +54,7 @@ protected:
     std::unique_ptr<SceneRig> scene;
 
 private:
+    bool isReusable_ = false; // a scene that only a row has used; a new one takes a while
     QPoint pressed_;
     std::unique_ptr<QPointingDevice> finger_;
 };
