@@ -28,10 +28,9 @@ constexpr int kMaxId = static_cast<int>(Limits::kMaxQuickKeyId);
 constexpr int kMinGrid = static_cast<int>(Limits::kMinQuickKeyGrid);
 constexpr int kMaxGrid = static_cast<int>(Limits::kMaxQuickKeyGrid);
 
-/// How many buttons a page gets in a turn of the event loop: more than there is room for in sight,
-/// and few enough that the operator feels nothing.
-constexpr int kButtonsInATurn = 128;
-constexpr int kPagesInATurn = 512; // still without buttons
+/// Buttons created in one event-loop iteration: a usual grid page, but not so many that the window
+/// stops responding.
+constexpr int kButtonsPerIteration = 128;
 
 constexpr LV_NTC_EventType kEventTypes[] = {
     LV_NTC_EventType::AddQuickKey, LV_NTC_EventType::DeleteQuickKey,
@@ -126,29 +125,29 @@ void QuickKeysPage::addQuickKey(int id, const char* name, const char* color) {
     if (pageOf(id) >= pageCount_)
         setPageCount(pageOf(id) + 1);
     highestId_ = std::max(highestId_, id);
-    place(id).isUsed = true;
+    key(id).isUsed = true;
     updateQuickKey(id, name, color);
 }
 
 void QuickKeysPage::updateQuickKey(int id, const char* name, const char* color) {
     if (!isIdInBounds(id) || !isKnown(id))
         return;
-    place(id).name = QString::fromUtf8(name);
-    place(id).color = QString::fromUtf8(color);
+    key(id).name = QString::fromUtf8(name);
+    key(id).color = QString::fromUtf8(color);
     showKey(button(id), id);
 }
 
 void QuickKeysPage::deleteQuickKey(int id) {
     if (!isIdInBounds(id) || !isKnown(id))
         return;
-    place(id) = Place();
+    key(id) = Key();
     showKey(button(id), id);
 
     if (id == highestId_) {
         int highest = id;
         while (highest > 0 && !isKnown(highest))
             --highest;
-        if (highest > 0) { // without a key left, number and pages stay
+        if (highest > 0) { // the last key leaves highest id and pages unchanged
             highestId_ = highest;
             setPageCount(pageOf(highest) + 1);
         }
@@ -158,38 +157,36 @@ void QuickKeysPage::deleteQuickKey(int id) {
 void QuickKeysPage::configQuickKey(int rows, int columns) {
     if (!isGridInBounds(rows, columns))
         return;
-    // The view stays with the key in its first place.
+    // The first key shown stays in view.
     const int firstShown = (spinBox_->value() - 1) * keysPerPage() + 1;
     rows_ = rows;
     columns_ = columns;
     if (pageCount_ == 0)
         return;
-    isGridOutdated_ = true;
-    places_.resize(static_cast<std::size_t>(highestId_));
-    // Where the highest key fills a page, this is one page more than the keys take: a new grid has
-    // room for the next key. Deleting the highest key is what tidies up: it leaves no page behind
-    // the one with the highest key, a spare one neither.
+    shownPage_ = kNoPage;
+    keys_.resize(static_cast<std::size_t>(highestId_));
+    // One page more than needed when the highest key fills a page; deleteQuickKey() removes it.
     setPageCount(highestId_ / keysPerPage() + 1);
     showSpinBoxPage(pageOf(firstShown) + 1);
 }
 
 void QuickKeysPage::setPageCount(int count) {
     pageCount_ = count;
-    places_.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(keysPerPage()));
+    keys_.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(keysPerPage()));
     showSpinBoxPage(std::min(spinBox_->value(), count));
     if (count < 2)
-        keepFocusFrom(spinBox_);
+        releaseFocus(spinBox_);
     spinBox_->setVisible(count > 1);
-    updateSoon();
+    scheduleUpdate();
 }
 
 void QuickKeysPage::showSpinBoxPage(int page) {
-    const QSignalBlocker silent(spinBox_); // the stack follows with the rest
+    const QSignalBlocker blocker(spinBox_); // updateStack() shows the page
     spinBox_->setMaximum(pageCount_);
     spinBox_->setValue(page);
 }
 
-void QuickKeysPage::updateSoon() {
+void QuickKeysPage::scheduleUpdate() {
     if (isVisible())
         update_.start();
 }
@@ -200,104 +197,84 @@ void QuickKeysPage::showEvent(QShowEvent* event) {
 }
 
 void QuickKeysPage::updateStack() {
-    if (isGridOutdated_) {
-        keepFocusFrom(stack_);
-        for (int i = 0; i < stack_->count(); ++i)
-            emptyPage(stack_->widget(i));
-        isGridOutdated_ = false;
-    }
-    const int shown = spinBox_->value() - 1;
-    int left = kPagesInATurn;
-    while (stack_->count() < pageCount_ && (stack_->count() <= shown || left-- > 0))
-        addQuickKeysPage();
-    if (shown != stack_->currentIndex()) {
-        keepFocusFrom(stack_);
-        stack_->setCurrentIndex(shown);
-    }
-    while (stack_->count() > pageCount_ && left-- > 0)
+    if (pageCount_ == 0)
+        return;
+    if (const int page = spinBox_->value() - 1; page != shownPage_) {
+        releaseFocus(stack_);
         deleteQuickKeysPage();
-    if (stack_->count() != pageCount_)
-        updateSoon();
-    if (pageCount_ > 0)
-        fillPage(shown);
+        shownPage_ = page;
+        addQuickKeysPage();
+    }
+    createButtons();
 }
 
 void QuickKeysPage::addQuickKeysPage() {
-    stack_->addWidget(new QWidget(stack_));
+    auto* page = new QWidget(stack_);
+    auto* layout = new QGridLayout(page);
+    layout->setAlignment(Qt::AlignCenter);
+    layout->setSpacing(kSpacing);
+    stack_->addWidget(page);
 }
 
 void QuickKeysPage::deleteQuickKeysPage() {
-    delete stack_->widget(stack_->count() - 1);
+    delete stack_->currentWidget();
 }
 
-void QuickKeysPage::emptyPage(QWidget* grid) {
-    delete grid->layout();
-    qDeleteAll(grid->findChildren<QuickKeysButton*>(Qt::FindDirectChildrenOnly));
-}
-
-void QuickKeysPage::fillPage(int page) {
-    QWidget* grid = stack_->widget(page);
-    auto* layout = static_cast<QGridLayout*>(grid->layout());
-    if (layout == nullptr) {
-        layout = new QGridLayout(grid);
-        layout->setAlignment(Qt::AlignCenter);
-        layout->setSpacing(kSpacing);
-    }
+void QuickKeysPage::createButtons() {
+    QWidget* page = stack_->currentWidget();
+    auto* layout = static_cast<QGridLayout*>(page->layout());
     const int first = layout->count();
     if (first == keysPerPage())
         return;
-    const int end = std::min(first + kButtonsInATurn, keysPerPage());
-    // Out of sight: buttons that come into a visible page have it laid out anew, one by one.
-    grid->hide();
+    const int end = std::min(first + kButtonsPerIteration, keysPerPage());
+    page->hide(); // a visible page is laid out again for each new button
     for (int i = first; i < end; ++i) {
-        const int id = page * keysPerPage() + i + 1;
-        auto* button = new QuickKeysButton(configuration_.patternButtonSize, grid);
+        const int id = shownPage_ * keysPerPage() + i + 1;
+        auto* button = new QuickKeysButton(configuration_.patternButtonSize, page);
         button->setEnabled(false);
         connect(button, &QuickKeysButton::pressed, mapper_, qOverload<>(&QSignalMapper::map));
         mapper_->setMapping(button, id);
         layout->addWidget(button, i / columns_, i % columns_);
         showKey(button, id);
-        button->ensurePolished(); // which takes the longest, and would wait for the last one
+        button->ensurePolished(); // slow, so not left to show(), which would polish all at once
     }
     if (end == keysPerPage())
-        grid->show();
+        page->show();
     else
-        updateSoon();
+        scheduleUpdate();
 }
 
 void QuickKeysPage::showKey(QuickKeysButton* button, int id) {
     if (button == nullptr)
         return;
-    const Place& shown = place(id);
+    const Key& shown = key(id);
     if (shown.isUsed) {
         button->setName(shown.name);
         button->setBckgColor(shown.color);
         button->setId(id);
         button->setEnabled(true);
     } else if (button->isEnabled()) {
-        keepFocusFrom(button);
+        releaseFocus(button);
         button->setName(QString());
         button->setStyleSheet(QString());
         button->setEnabled(false);
     }
 }
 
-void QuickKeysPage::keepFocusFrom(const QWidget* leaving) {
+void QuickKeysPage::releaseFocus(const QWidget* leaving) {
     const QWidget* focused = window()->focusWidget();
     if (focused != nullptr && (focused == leaving || leaving->isAncestorOf(focused)))
         setFocus(Qt::OtherFocusReason);
 }
 
 bool QuickKeysPage::isKnown(int id) const {
-    return id <= static_cast<int>(places_.size()) &&
-           places_[static_cast<std::size_t>(id - 1)].isUsed;
+    return id <= static_cast<int>(keys_.size()) && keys_[static_cast<std::size_t>(id - 1)].isUsed;
 }
 
 QuickKeysButton* QuickKeysPage::button(int id) const {
-    const QWidget* grid = isGridOutdated_ ? nullptr : stack_->widget(pageOf(id));
-    const QLayout* layout = grid == nullptr ? nullptr : grid->layout();
-    const QLayoutItem* item =
-        layout == nullptr ? nullptr : layout->itemAt((id - 1) % keysPerPage());
+    if (shownPage_ != pageOf(id))
+        return nullptr;
+    const QLayoutItem* item = stack_->currentWidget()->layout()->itemAt((id - 1) % keysPerPage());
     return item == nullptr ? nullptr : static_cast<QuickKeysButton*>(item->widget());
 }
 

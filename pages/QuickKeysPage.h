@@ -15,13 +15,14 @@
 struct Configuration;
 class QuickKeysButton;
 
-/// The Producer's quick keys, screenful by screenful, in the grid that the Producer configured.
-/// Keys and grid keep to the bounds of the protocol: an event outside of them is dropped with one
-/// warning. Whatever arrives before the grid is known is ignored, as are unknown keys.
+/// The Producer's quick keys, page by page, in the grid that the Producer configures. An event with
+/// a key id or a grid outside the protocol's limits is dropped with a warning; keys that arrive
+/// before the grid, and unknown keys, are ignored. Members marked API are not used by the
+/// application itself.
 ///
-/// Events change what is known of the keys, and the spin box, at once; the grid pages follow once
-/// in a turn of the event loop, while the page is shown. So a Producer may send as much as it
-/// likes, and the window still answers the operator.
+/// Events change the stored keys and the spin box at once; the buttons follow in the next
+/// event-loop iteration, while the page is visible. Buttons exist only for the grid page that is
+/// shown.
 class QuickKeysPage final : public ControlPage, public EventListener {
     Q_OBJECT
 
@@ -32,32 +33,33 @@ public:
 
     void receive(NetworkCompanion::Event* event) override;
 
-    // Key ids count from 1; texts are UTF-8.
+    // Ids start at 1; texts are UTF-8.
     void addQuickKey(int id, const char* name, const char* color);
     void updateQuickKey(int id, const char* name, const char* color);
     void deleteQuickKey(int id);
-    /// Lays the keys that are there out anew.
+    /// Keeps the keys, and shows the grid page that holds the first key shown before.
     void configQuickKey(int rows, int columns);
 
-    /// Takes the keyboard away from the spin box.
+    /// Removes the focus from the spin box.
     void lockPage() override;
 
 public slots:
-    /// Shows grid page `page`, counted from 1, in stack and spin box; one that is not there is
-    /// ignored.
+    /// Shows grid page `page`, counted from 1; ignores a page that does not exist.
     void navigateToPage(int page);
-    /// Has the Producer execute the key.
+    /// Requests the Producer to execute the key.
     void onButtonPressed(int id);
 
 signals:
-    void buttonClicked(int id);
+    void buttonClicked(int id); // API
 
 protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    /// Where a key is or could be, and what its button shows once there is one.
-    struct Place {
+    static constexpr int kNoPage = -1;
+
+    /// A position in the grid pages; `isUsed` when the Producer has added the key.
+    struct Key {
         QString name;
         QString color;
         bool isUsed = false;
@@ -67,38 +69,37 @@ private:
     void setPageCount(int count);
     void showSpinBoxPage(int page);
 
-    // The grid pages.
-    void updateSoon();
+    void scheduleUpdate();
     void updateStack();
     void addQuickKeysPage();
     void deleteQuickKeysPage();
-    static void emptyPage(QWidget* grid);
-    /// Gives the page its buttons, so many in a turn; until it has them all, it is not shown.
-    void fillPage(int page);
+    /// Adds a limited number of buttons to the grid page and shows it when it has all of them.
+    void createButtons();
     void showKey(QuickKeysButton* button, int id);
-    /// Takes the keyboard from a control that is about to go, lest it lands on the next key.
-    void keepFocusFrom(const QWidget* leaving);
+    /// Moves the focus to this page if `leaving` has it, so that Qt does not move it to the next
+    /// key.
+    void releaseFocus(const QWidget* leaving);
 
     [[nodiscard]] int keysPerPage() const { return rows_ * columns_; }
-    /// Keys count from 1, pages from 0.
+    /// The grid page of a key, counted from 0.
     [[nodiscard]] int pageOf(int id) const { return (id - 1) / keysPerPage(); }
-    [[nodiscard]] Place& place(int id) { return places_[static_cast<std::size_t>(id - 1)]; }
+    [[nodiscard]] Key& key(int id) { return keys_[static_cast<std::size_t>(id - 1)]; }
     [[nodiscard]] bool isKnown(int id) const;
-    /// Null while the key's page waits for its buttons.
+    /// Null while the key has no button.
     [[nodiscard]] QuickKeysButton* button(int id) const;
 
     const Configuration& configuration_;
     // Children of the page.
     QVBoxLayout* layout_;
     QSpinBox* spinBox_;
-    QStackedWidget* stack_; ///< a grid page for each screenful of keys
+    QStackedWidget* stack_; ///< contains the grid page that is shown
     QSignalMapper* mapper_;
-    std::vector<Place> places_; ///< of all pages; the key `id` is at `id - 1`
+    std::vector<Key> keys_; ///< of all grid pages; key `id` at position `id - 1`
     int pageCount_ = 0;
+    int shownPage_ = kNoPage; ///< the grid page in the stack, counted from 0
     int rows_ = 0;
     int columns_ = 0;
     int highestId_ = 0;
-    bool isGridOutdated_ = false; ///< the grid pages are of earlier rows and columns
     QTimer update_;
     EventSubscription events_;
 };

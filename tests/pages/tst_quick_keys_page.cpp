@@ -1,12 +1,11 @@
 #include "network/events/AddQuickKeyEvent.h"
 #include "network/events/ConfigQuickKeyEvent.h"
 #include "network/events/DeleteQuickKeyEvent.h"
+#include "network/events/ExecuteQuickKeyEvent.h"
 #include "network/events/UpdateQuickKeyEvent.h"
 #include "pages/QuickKeysButton.h"
 #include "pages/QuickKeysPage.h"
 #include "tests/support/GuardedTest.h"
-#include "tests/support/ProtocolBytes.h"
-#include "tests/support/ThreadTime.h"
 #include "tests/support/WidgetRig.h"
 
 #include <QGridLayout>
@@ -15,397 +14,321 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 
-#include <algorithm>
-
 using namespace MeshpadTest;
 using namespace NetworkCompanion;
 
 namespace {
 
 constexpr QRgb kNeutral = 0xff323232;
+constexpr QRgb kPressed = 0xff0096ff;
 
-class KeysTest : public WidgetRig<QuickKeysPage> {
+class KeysRig : public WidgetRig<QuickKeysPage> {
 public:
     QSpinBox* spinBox() const { return widget->findChild<QSpinBox*>(); }
-    QStackedWidget* stack() const { return widget->findChild<QStackedWidget*>(); }
-    int pages() const {
-        QCoreApplication::processEvents(); // the grid pages follow within a turn
-        return stack()->count();
+    QGridLayout* grid() const {
+        QCoreApplication::processEvents(); // the buttons follow in the next iteration
+        const auto* page = widget->findChild<QStackedWidget*>()->currentWidget();
+        return page ? qobject_cast<QGridLayout*>(page->layout()) : nullptr;
     }
-    int shownPage() const {
-        QCoreApplication::processEvents();
-        return stack()->currentIndex() + 1;
-    }
-
-    /// The button at a place of the shown page.
+    /// The button at that position of the shown grid page.
     QuickKeysButton* at(int row, int column) const {
-        QCoreApplication::processEvents();
-        auto* grid = qobject_cast<QGridLayout*>(stack()->currentWidget()->layout());
-        return qobject_cast<QuickKeysButton*>(grid->itemAtPosition(row, column)->widget());
+        return qobject_cast<QuickKeysButton*>(grid()->itemAtPosition(row, column)->widget());
     }
     void add(std::initializer_list<int> ids) const {
         for (const int id : ids)
             widget->addQuickKey(id, QByteArray::number(id).constData(), "#203040");
     }
-    /// Names of the keys that can be pressed, page by page: "1 2 3|7".
+    /// The names of the enabled keys of all grid pages, "1 -/3 4|5 6/- -" for two pages of 2 x 2.
     QString layout() const {
-        const int view = shownPage();
-        QStringList names;
-        for (int i = 0; i < pages(); ++i) {
-            widget->navigateToPage(i + 1);
-            QStringList row;
-            const QLayout* grid = stack()->currentWidget()->layout();
-            for (int place = 0; place < grid->count(); ++place) {
-                const auto* key = qobject_cast<QuickKeysButton*>(grid->itemAt(place)->widget());
-                row << (key->isEnabled() ? key->text() : QString("-"));
+        const int shown = spinBox()->value();
+        QStringList pages;
+        for (int page = 1; page <= spinBox()->maximum(); ++page) {
+            spinBox()->setValue(page);
+            QStringList rows;
+            for (int row = 0; grid() && row < grid()->rowCount(); ++row) {
+                QStringList names;
+                for (int column = 0; column < grid()->columnCount(); ++column)
+                    names << (at(row, column)->isEnabled() ? at(row, column)->text() : "-");
+                rows << names.join(' ');
             }
-            names << row.join(' ');
+            pages << rows.join('/');
         }
-        widget->navigateToPage(view);
-        return names.join('|');
+        spinBox()->setValue(shown);
+        return pages.join('|');
     }
 };
 
-QByteArray executeBytes(int id) {
-    return withLength(frame(25, int32(id)));
+QRgb background(QuickKeysButton* button) {
+    return button->grab().toImage().pixel(30, 12);
 }
 
-/// Whether nothing but the ground comes near the border, where a name would be cut off, and
-/// something stands in the middle.
-bool isNameWhole(QuickKeysButton* button, QRgb ground) {
+/// Whether the name is visible and leaves the border free, so that nothing is cut off.
+bool isNameWhole(QuickKeysButton* button) {
     const QImage image = button->grab().toImage();
+    const QRgb empty = image.pixel(30, 4);
     const QRect inside = image.rect().adjusted(5, 5, -5, -5);
-    bool something = false;
+    bool isVisible = false;
     for (int y = 3; y < image.height() - 3; ++y) {
-        for (int x = 3; x < image.width() - 3; ++x) {
-            const bool isCorner =
-                (x < 12 || x > image.width() - 13) && (y < 12 || y > image.height() - 13);
-            if (isCorner || image.pixel(x, y) == ground)
-                continue;
-            if (!inside.contains(x, y))
+        for (int x = 12; x < image.width() - 12; ++x) {
+            if (image.pixel(x, y) != empty && !inside.contains(x, y))
                 return false;
-            something = true;
+            isVisible = isVisible || image.pixel(x, y) != empty;
         }
     }
-    return something;
+    return isVisible;
 }
 
 } // namespace
 
-/// The page of quick keys between an operator and a Producer.
+/// The page of quick keys, connected to a Producer.
 class TestQuickKeysPage : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void keysOfTheProducerFillPagesAndAreExecuted() {
-        KeysTest test;
-        QVERIFY(test.spinBox()->isHidden());
-        test.producer.send(ConfigQuickKeyEvent(2, 3, 0));
-        test.producer.send(AddQuickKeyEvent(1, 0, 0, "first", "#ff0000"));
-        test.producer.send(AddQuickKeyEvent(6, 0, 0, "sixth", "#ff0000"));
-        QTRY_COMPARE(test.layout(), "first - - - - sixth");
-        QVERIFY(test.spinBox()->isHidden());
-        test.producer.send(AddQuickKeyEvent(7, 0, 0, "seventh", "#ff0000"));
-        QTRY_COMPARE(test.layout(), "first - - - - sixth|seventh - - - - -");
-        QVERIFY(test.spinBox()->isVisible());
-        QCOMPARE(test.spinBox()->minimum(), 1);
-        QCOMPARE(test.spinBox()->maximum(), 2);
-        QCOMPARE(test.shownPage(), 1);
+    void showsKeysOfTheProducer() {
+        KeysRig rig;
+        QVERIFY(rig.spinBox()->isHidden());
+        rig.producer.send(ConfigQuickKeyEvent(2, 3, 0));
+        rig.producer.send(AddQuickKeyEvent(1, 0, 0, "first", "#ff0000"));
+        rig.producer.send(AddQuickKeyEvent(6, 0, 0, "sixth", "#ff0000"));
+        QTRY_COMPARE(rig.layout(), "first - -/- - sixth");
+        QVERIFY(rig.spinBox()->isHidden());
+        rig.producer.send(AddQuickKeyEvent(7, 0, 0, "seventh", "#ff0000"));
+        QTRY_COMPARE(rig.layout(), "first - -/- - sixth|seventh - -/- - -");
+        QVERIFY(rig.spinBox()->isVisible());
+        QCOMPARE(rig.spinBox()->minimum(), 1);
+        QCOMPARE(rig.spinBox()->value(), 1);
 
-        // One press, though the finger slides off the key and back.
-        QuickKeysButton* sixth = test.at(1, 2);
-        QTest::mousePress(sixth, Qt::LeftButton);
-        for (const QPoint place : {QPoint(-20, 9), QPoint(9, 9), QPoint(9, -20), QPoint(9, 9)}) {
-            QMouseEvent move(QEvent::MouseMove, place, sixth->mapToGlobal(QPointF(place)),
-                             Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-            QCoreApplication::sendEvent(sixth, &move);
-        }
-        QTest::mouseRelease(sixth, Qt::LeftButton);
-        QTest::mouseClick(test.at(0, 1), Qt::LeftButton); // no key there
-        QTest::keyClick(test.spinBox(), Qt::Key_Up);
-        QCOMPARE(test.shownPage(), 2);
-        QCOMPARE(test.at(0, 0)->id(), 7);
-        QTest::mouseClick(test.at(0, 0), Qt::LeftButton);
-        test.producer.send(UpdateQuickKeyEvent(7, 0, "renamed", "#00ff00"));
-        QTRY_COMPARE(test.at(0, 0)->text(), "renamed");
-        QCOMPARE(test.at(0, 0)->grab().toImage().pixel(30, 12), 0xff00ff00);
-        const QByteArray expected = executeBytes(6) + executeBytes(7);
-        QTRY_COMPARE(test.producer.bytes(), expected);
-
-        test.producer.send(DeleteQuickKeyEvent(7, 0));
-        QTRY_COMPARE(test.layout(), "first - - - - sixth");
-        QVERIFY(test.spinBox()->isHidden());
-        QCOMPARE(test.shownPage(), 1);
+        QTest::keyClick(rig.spinBox(), Qt::Key_Up);
+        QCOMPARE(rig.at(0, 0)->id(), 7);
+        rig.producer.send(UpdateQuickKeyEvent(7, 0, "renamed", "#00ff00"));
+        QTRY_COMPARE(rig.at(0, 0)->text(), "renamed");
+        QCOMPARE(background(rig.at(0, 0)), 0xff00ff00);
+        rig.producer.send(DeleteQuickKeyEvent(7, 0));
+        QTRY_COMPARE(rig.layout(), "first - -/- - sixth");
+        QVERIFY(rig.spinBox()->isHidden());
     }
 
-    void deletingTheHighestKeyTakesEmptyPagesAway() {
-        const std::pair<QList<int>, QString> rows[] = {
-            {{2}, "1 -|- -|- 6|- 8"},
-            {{8}, "1 2|- -|- 6"}, // the last place of a page
-            {{8, 6}, "1 2"},      // over a gap
-            {{8, 6, 2, 1}, "- -"},
-            {{1, 2, 6, 8}, "- -|- -|- -|- -"}, // the highest last
-            {{3, 9, 10000}, "1 2|- -|- 6|- 8"}};
-        for (const auto& [deleted, left] : rows) {
-            const KeysTest test;
-            test.widget->configQuickKey(1, 2);
-            test.add({1, 2, 6, 8});
-            for (const int id : deleted)
-                test.widget->deleteQuickKey(id);
-            QCOMPARE(test.layout(), left);
-            QCOMPARE(test.spinBox()->maximum(), test.pages());
-            QCOMPARE(test.spinBox()->isVisible(), test.pages() > 1);
-            QCOMPARE(test.shownPage(), test.spinBox()->value());
-            test.add({3}); // the pages can grow again
-            QVERIFY(test.layout().startsWith(left.left(3) + "|3 -"));
+    void executesAKeyOnceWhenTheFingerSlides() {
+        KeysRig rig;
+        rig.widget->configQuickKey(1, 1);
+        rig.add({1});
+        QuickKeysButton* key = rig.at(0, 0);
+        QTest::mousePress(key, Qt::LeftButton);
+        for (const QPoint position : {QPoint(-20, 9), QPoint(9, 9)}) {
+            QMouseEvent slide(QEvent::MouseMove, position, key->mapToGlobal(QPointF(position)),
+                              Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(key, &slide);
         }
+        QVERIFY(rig.gets(ExecuteQuickKeyEvent(1))); // before the release
     }
 
-    void anotherGridKeepsTheKeysAndTheView() {
-        struct Grid {
-            int rows, columns;
-            QString layout;
-            int shown;
-        };
-        for (const Grid& grid :
-             {Grid{1, 9, "1 2 3 - 5 6 7 - -", 1}, Grid{2, 1, "1 2|3 -|5 6|7 -", 3},
-              Grid{1, 1, "1|2|3|-|5|6|7|-", 5}, Grid{2, 2, "1 2 3 -|5 6 7 -", 2},
-              Grid{1, 7, "1 2 3 - 5 6 7|- - - - - - -", 1}}) { // filled by the highest
-            const KeysTest test;
-            test.widget->configQuickKey(2, 2);
-            test.add({1, 2, 3, 5, 6, 7});
-            test.spinBox()->setValue(2); // on key 5
-            test.widget->configQuickKey(grid.rows, grid.columns);
-            QCOMPARE(test.layout(), grid.layout);
-            QCOMPARE(test.spinBox()->value(), grid.shown);
-            QCOMPARE(test.shownPage(), grid.shown);
-            QCOMPARE(test.spinBox()->maximum(), test.pages());
+    void deletingTheHighestKeyRemovesEmptyPages_data() {
+        QTest::addColumn<QList<int>>("deleted");
+        QTest::addColumn<QString>("left");
+        QTest::newRow("lower key") << QList{2} << "1 -|- -|- 6|- 8";
+        QTest::newRow("last position of a page") << QList{8} << "1 2|- -|- 6";
+        QTest::newRow("over a gap") << QList{8, 6} << "1 2";
+        QTest::newRow("all, highest first") << QList{8, 6, 2, 1} << "- -";
+        QTest::newRow("all, highest last") << QList{1, 2, 6, 8} << "- -|- -|- -|- -";
+        QTest::newRow("unknown keys") << QList{3, 9, 10000} << "1 2|- -|- 6|- 8";
+    }
+    void deletingTheHighestKeyRemovesEmptyPages() {
+        QFETCH(QList<int>, deleted);
+        QFETCH(QString, left);
+        const KeysRig rig;
+        rig.widget->configQuickKey(1, 2);
+        rig.add({1, 2, 6, 8});
+        rig.spinBox()->setValue(4);
+        for (const int id : deleted)
+            rig.widget->deleteQuickKey(id);
+        QCOMPARE(rig.layout(), left);
+        QCOMPARE(rig.spinBox()->value(), rig.spinBox()->maximum()); // the last page
+        QCOMPARE(rig.spinBox()->isVisible(), left.contains('|'));
+        rig.add({3}); // the pages grow again
+        QVERIFY(rig.layout().startsWith(left.left(3) + "|3 -"));
+    }
 
-            // Each button still executes its own key, the new ones as well.
-            test.add({8});
-            QByteArray expected;
-            const int places = grid.rows * grid.columns;
-            for (int id = 1; id <= 8; ++id) {
-                test.spinBox()->setValue((id - 1) / places + 1);
-                const int place = (id - 1) % places;
-                QTest::mouseClick(test.at(place / grid.columns, place % grid.columns),
-                                  Qt::LeftButton);
-                expected += id == 4 ? QByteArray() : executeBytes(id);
-            }
-            QTRY_COMPARE(test.producer.bytes(), expected);
+    void anotherGridKeepsTheKeysAndTheFirstOneShown_data() {
+        QTest::addColumn<QSize>("grid");
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<int>("shown");
+        QTest::newRow("one page") << QSize(9, 1) << "1 2 3 - 5 6 7 - -" << 1;
+        QTest::newRow("column") << QSize(1, 2) << "1/2|3/-|5/6|7/-" << 3;
+        QTest::newRow("one key a page") << QSize(1, 1) << "1|2|3|-|5|6|7|-" << 5;
+        QTest::newRow("same grid") << QSize(2, 2) << "1 2/3 -|5 6/7 -" << 2;
+        QTest::newRow("filled") << QSize(7, 1) << "1 2 3 - 5 6 7|- - - - - - -" << 1;
+    }
+    void anotherGridKeepsTheKeysAndTheFirstOneShown() {
+        QFETCH(QSize, grid);
+        QFETCH(QString, layout);
+        KeysRig rig;
+        rig.widget->configQuickKey(2, 2);
+        rig.add({1, 2, 3, 5, 6, 7});
+        rig.spinBox()->setValue(2); // key 5
+        rig.widget->configQuickKey(grid.height(), grid.width());
+        QTEST(rig.spinBox()->value(), "shown");
+        QCOMPARE(rig.layout(), layout);
+
+        rig.add({8});
+        const int perPage = grid.width() * grid.height();
+        for (const int id : {1, 5, 7, 8}) {
+            rig.spinBox()->setValue((id - 1) / perPage + 1);
+            const int position = (id - 1) % perPage;
+            QTest::mouseClick(rig.at(position / grid.width(), position % grid.width()),
+                              Qt::LeftButton);
+            QVERIFY(rig.gets(ExecuteQuickKeyEvent(std::uint32_t(id))));
         }
     }
 
-    void earlyAndHostileEventsChangeNothing() {
-        KeysTest test;
-        auto& producer = test.producer;
-        producer.send(AddQuickKeyEvent(1, 0, 0, "early", "#ff0000"));
-        producer.send(UpdateQuickKeyEvent(1, 0, "early", "#ff0000"));
-        producer.send(DeleteQuickKeyEvent(1, 0));
-        producer.send(ConfigQuickKeyEvent(1, 2, 0));
-        producer.send(AddQuickKeyEvent(1, 0, 0, "one", "#ff0000"));
-        QTRY_COMPARE(test.layout(), "one -");
-
-        for (const std::uint32_t id : {0U, 10'001U, 0x7fffffffU, 0x80000000U, 0xffffffffU}) {
-            producer.send(AddQuickKeyEvent(id, 0, 0, "hostile", "#00ff00"));
-            producer.send(UpdateQuickKeyEvent(id, 0, "hostile", "#00ff00"));
-            producer.send(DeleteQuickKeyEvent(id, 0));
+    void ignoresEarlyUnknownAndHostileEvents() {
+        KeysRig rig;
+        rig.producer.send(AddQuickKeyEvent(1, 0, 0, "before the grid", "#ff0000"));
+        rig.producer.send(DeleteQuickKeyEvent(1, 0));
+        rig.producer.send(ConfigQuickKeyEvent(1, 2, 0));
+        rig.producer.send(UpdateQuickKeyEvent(2, 0, "unknown", "#00ff00"));
+        for (const std::uint32_t id : {0U, 10'001U, 0x80000000U, 0xffffffffU}) {
+            rig.producer.send(AddQuickKeyEvent(id, 0, 0, "hostile", "#00ff00"));
+            rig.producer.send(UpdateQuickKeyEvent(id, 0, "hostile", "#00ff00"));
+            rig.producer.send(DeleteQuickKeyEvent(id, 0));
             messages_->expect(QtWarningMsg,
                               QString("Quick keys: id %1 is not in 1 to 10000").arg(int(id)), 3);
         }
         for (const auto& [rows, columns] :
              {std::pair{0U, 1U}, {1U, 0U}, {65U, 1U}, {1U, 0xffffffffU}, {0x10000U, 0x10000U}}) {
-            producer.send(ConfigQuickKeyEvent(rows, columns, 0));
+            rig.producer.send(ConfigQuickKeyEvent(rows, columns, 0));
             messages_->expect(QtWarningMsg,
                               QString("Quick keys: a grid of %1 x %2 is not in 1 to 64")
                                   .arg(int(rows))
                                   .arg(int(columns)));
         }
-        producer.send(UpdateQuickKeyEvent(2, 0, "unknown", "#00ff00"));
-        producer.send(AddQuickKeyEvent(2, 0, 0, "two", "#ff0000"));
-        QTRY_COMPARE(test.layout(), "one two");
+        rig.producer.send(AddQuickKeyEvent(1, 0, 0, "one", "#ff0000"));
+        const auto buttons = [&] { return rig.widget->findChildren<QuickKeysButton*>().size(); };
+        QTRY_COMPARE(buttons(), 2);
+        QCOMPARE(rig.layout(), "one -");
     }
 
-    void colorsOfTheProducerAreShown() {
-        const std::pair<const char*, QRgb> colors[] = {
-            {"#a0B1c2", 0xffa0b1c2}, {"green", 0xff008000}, {"", kNeutral},
-            {"}*{x:y}", kNeutral}, // a rule of its own
-            {"red;/*", kNeutral},    {"\"", kNeutral},      {"re d", kNeutral}};
-        const KeysTest test;
-        test.widget->configQuickKey(1, 1);
-        for (const auto& [color, seen] : colors) {
-            test.widget->addQuickKey(1, "key", color);
-            auto* key = test.at(0, 0);
-            QVERIFY2(key->grab().toImage().pixel(30, 12) == seen, color);
-            QTest::mousePress(key, Qt::LeftButton);
-            QVERIFY2(key->grab().toImage().pixel(30, 12) == 0xff0096ff, color);
-            QTest::mouseRelease(key, Qt::LeftButton);
-            test.widget->deleteQuickKey(1);
-            QCOMPARE(key->styleSheet(), QString());
-            QVERIFY2(key->grab().toImage().pixel(30, 12) != seen || seen == kNeutral, color);
-        }
+    void createsALargeGridInSeveralIterations() {
+        const KeysRig rig;
+        rig.widget->configQuickKey(64, 64);
+        rig.add({10'000});
+        QCOMPARE(rig.spinBox()->maximum(), 3);
+        const auto buttons = [&] { return rig.widget->findChildren<QuickKeysButton*>().size(); };
+        QCoreApplication::processEvents();
+        QVERIFY(buttons() < 4'096);
+        QTRY_COMPARE(buttons(), 4'096);
     }
 
-    void namesAreShownWhole() {
-        const QString names[] = {
-            "R&B && &Soul",
-            "Opening titles, the long version with many words",
-            "backgroundvideo_final_final_v3.mov",
-            "Έναρξη Начало представления",
-            "مرحبا بالجمهور שלום",
-            "红色警戒场景 とても長いキーの名前がここに入ります",
-            QString::fromUtf8("🎉👩‍👩‍👧‍👦").repeated(4),
-            "one\ntwo\r\nthree\u2028four",
-            QString("word ").repeated(51),
-            QString::fromUtf8(QByteArray("é").repeated(128).left(255)), // cut within a letter
-            QString(255, 'W')};
-        for (const QString& name : names) {
-            const KeysTest test;
-            test.widget->configQuickKey(3, 5);
-            test.widget->addQuickKey(1, name.toUtf8().constData(), "#0000ff");
-            auto* key = test.at(0, 0);
-            QCOMPARE(key->text(), name);
-            QCOMPARE(key->accessibleName(), name);
-            QVERIFY(key->shortcut().isEmpty());
-            QVERIFY2(isNameWhole(key, 0xff0000ff), qPrintable(name));
-            QCOMPARE(key->isNameElided(), name.startsWith("WW"));
-            test.widget->configQuickKey(9, 14); // the smallest keys
-            QVERIFY2(isNameWhole(test.at(0, 0), 0xff0000ff), qPrintable(name));
-        }
+    void showsColorsOfTheProducer_data() {
+        QTest::addColumn<QByteArray>("color");
+        QTest::addColumn<QRgb>("shown");
+        QTest::newRow("number") << QByteArray("#a0B1c2") << 0xffa0b1c2;
+        QTest::newRow("name") << QByteArray("green") << 0xff008000;
+        QTest::newRow("style rule") << QByteArray("}*{x:y}") << kNeutral;
+        QTest::newRow("blank") << QByteArray("re d") << kNeutral;
+    }
+    void showsColorsOfTheProducer() {
+        QFETCH(QByteArray, color);
+        QFETCH(QRgb, shown);
+        const KeysRig rig;
+        rig.widget->configQuickKey(1, 1);
+        rig.widget->addQuickKey(1, "key", color.constData());
+        QuickKeysButton* key = rig.at(0, 0);
+        QCOMPARE(background(key), shown);
+        QTest::mousePress(key, Qt::LeftButton);
+        QCOMPARE(background(key), kPressed);
+        QTest::mouseRelease(key, Qt::LeftButton);
+        rig.widget->deleteQuickKey(1);
+        QCOMPARE(key->styleSheet(), QString());
     }
 
-    void theKeyboardNeverLandsOnAnotherKey() {
-        KeysTest test;
-        test.widget->configQuickKey(1, 2);
-        test.add({1, 2, 3});
-        test.at(0, 0)->setFocus();
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-        test.widget->deleteQuickKey(1);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-        test.at(0, 1)->setFocus();
-        test.widget->navigateToPage(2);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-        test.at(0, 0)->setFocus();
-        test.widget->configQuickKey(1, 3);
-        QCOMPARE(test.pages(), 2);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-        QCOMPARE(test.window.keys, 3); // what no key takes goes on to the window
-        QTRY_COMPARE(test.producer.bytes(), executeBytes(1));
-
-        test.add({4});
-        test.spinBox()->setFocus();
-        test.widget->lockPage();
-        QVERIFY(!test.spinBox()->hasFocus());
+    void fitsNames_data() {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("ampersands") << "R&B && &Soul";
+        QTest::newRow("file") << "backgroundvideo_final_final_v3.mov";
+        QTest::newRow("right to left") << "مرحبا بالجمهور שלום";
+        QTest::newRow("ideograms") << "红色警戒场景 とても長いキーの名前がここに入ります";
+        QTest::newRow("graphemes")
+            << QString::fromUtf8("🎉👩‍👩‍👧‍👦").repeated(4);
+        QTest::newRow("line breaks") << "one\ntwo\r\nthree\u2028four";
+        QTest::newRow("long") << QString("word ").repeated(51);
+        QTest::newRow("elided") << QString(255, 'W');
+    }
+    void fitsNames() {
+        QFETCH(QString, name);
+        const KeysRig rig;
+        rig.widget->configQuickKey(3, 5);
+        rig.widget->addQuickKey(1, name.toUtf8().constData(), "#0000ff");
+        QuickKeysButton* key = rig.at(0, 0);
+        QCOMPARE(key->text(), name);
+        QCOMPARE(key->accessibleName(), name);
+        QVERIFY(key->shortcut().isEmpty());
+        QVERIFY(isNameWhole(key));
+        QCOMPARE(key->isNameElided(), name.startsWith("WW"));
+        rig.widget->configQuickKey(9, 14); // the smallest buttons
+        QVERIFY(isNameWhole(rig.at(0, 0)));
     }
 
-    void anArrowLeavesTheKeyboardWhereItIs() {
-        const KeysTest test;
-        test.widget->configQuickKey(1, 1);
-        test.add({12});
-        auto* number = test.spinBox()->findChild<QLineEdit*>();
-        const auto touchArrow = [&test](int x) {
-            QTest::mouseClick(test.spinBox(), Qt::LeftButton, {}, {x, 17});
+    void focusNeverMovesToAnotherKey() {
+        KeysRig rig;
+        rig.widget->configQuickKey(1, 2);
+        rig.add({1, 2, 3});
+        const auto pressSpace = [] {
+            QCoreApplication::processEvents();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
         };
-        const auto isAtThePage = [&] {
-            return test.widget->hasFocus() && !number->hasSelectedText();
-        };
-        touchArrow(110);
-        touchArrow(110);
-        touchArrow(10);
-        QCOMPARE(test.spinBox()->value(), 2);
-        QVERIFY(isAtThePage());
-
-        for (const bool byArrow : {false, true}) {
-            QTest::mouseClick(number, Qt::LeftButton);
-            QTest::keyClicks(QApplication::focusWidget(), "11");
-            QCOMPARE(test.shownPage(), 11);
-            if (byArrow)
-                touchArrow(10);
-            else
-                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-            QVERIFY(isAtThePage());
-            QCOMPARE(test.shownPage(), byArrow ? 10 : 11);
-        }
+        rig.at(0, 0)->setFocus();
+        pressSpace();
+        QVERIFY(rig.gets(ExecuteQuickKeyEvent(1)));
+        rig.widget->deleteQuickKey(1);
+        pressSpace();
+        rig.at(0, 1)->setFocus();
+        rig.widget->navigateToPage(2);
+        pressSpace();
+        rig.at(0, 0)->setFocus();
+        rig.widget->configQuickKey(1, 3);
+        pressSpace();
+        QCOMPARE(rig.window.keys, 3); // an unused key reaches the window
+        QVERIFY(rig.getsNothing());
     }
 
-    void spinBoxAndPageAlwaysAgree() {
-        const KeysTest test;
-        test.widget->configQuickKey(1, 2);
-        test.add({5});
-        for (const auto& [asked, shown] :
-             {std::pair{2, 2}, {3, 3}, {4, 3}, {0, 3}, {-1, 3}, {1, 1}}) {
-            test.widget->navigateToPage(asked);
-            QCOMPARE(test.stack()->currentIndex() + 1, shown);
-            QCOMPARE(test.spinBox()->value(), shown);
-        }
-        // An arrow without a way to go looks it.
-        const auto arrows = [&test] { return test.spinBox()->grab().toImage(); };
-        const QImage first = arrows();
-        test.spinBox()->setValue(2);
-        const QImage middle = arrows();
-        test.spinBox()->setValue(3);
-        const QImage last = arrows();
-        const QRect left(0, 0, 30, 35);
-        const QRect right(90, 0, 30, 35);
-        QVERIFY(first.copy(left) != middle.copy(left));
-        QCOMPARE(first.copy(right), middle.copy(right));
-        QCOMPARE(last.copy(left), middle.copy(left));
-        QVERIFY(last.copy(right) != middle.copy(right));
+    void arrowsOfTheSpinBoxLeaveTheFocus() {
+        const KeysRig rig;
+        rig.widget->configQuickKey(1, 1);
+        rig.add({12});
+        auto* number = rig.spinBox()->findChild<QLineEdit*>();
+        const auto clickArrow = [&](int x) {
+            QTest::mouseClick(rig.spinBox(), Qt::LeftButton, {}, {x, 17});
+        };
+        const auto hasPageFocus = [&] {
+            return rig.widget->hasFocus() && !number->hasSelectedText();
+        };
+        clickArrow(110);
+        clickArrow(110);
+        clickArrow(10);
+        QCOMPARE(rig.spinBox()->value(), 2);
+        QVERIFY(hasPageFocus());
+
+        QTest::mouseClick(number, Qt::LeftButton);
+        QTest::keyClicks(QApplication::focusWidget(), "11");
+        QCOMPARE(rig.spinBox()->value(), 11);
+        QVERIFY(!hasPageFocus());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QVERIFY(hasPageFocus());
+        rig.spinBox()->setFocus();
+        rig.widget->lockPage();
+        QVERIFY(!rig.spinBox()->hasFocus());
     }
 
-    void aFloodOfGridsAndKeysLeavesTheWindowFree() {
-        KeysTest test;
-        // Grids of the largest size, and pages by the thousand, in turns.
-        const auto flood = [&test] {
-            for (int i = 0; i < 20; ++i) {
-                test.producer.send(ConfigQuickKeyEvent(64, 64, 0));
-                test.producer.send(AddQuickKeyEvent(10'000, 0, 0, "last", "#00ff00"));
-                test.producer.send(ConfigQuickKeyEvent(1, 1, 0));
-                test.producer.send(DeleteQuickKeyEvent(10'000, 0));
-            }
-            test.producer.send(ConfigQuickKeyEvent(64, 64, 0));
-        };
-        test.widget->configQuickKey(1, 1);
-        test.add({1});
-        QTRY_VERIFY(test.at(0, 0)->isVisible()); // what is loaded with the first key is
-        for (std::uint32_t id = 1; id < 4096; ++id)
-            test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
-        // The longest time in which the operator could have done nothing.
-        ThreadTime turn;
-        std::chrono::milliseconds longest{};
-        QTimer pulse;
-        connect(&pulse, &QTimer::timeout, this,
-                [&] { longest = std::max(longest, turn.restart()); });
-        pulse.start(0);
-        for (int i = 0; i < 10; ++i) {
-            flood();
-            turn.restart(); // what the test does is not the window's work
-            QTest::qWait(10);
-        }
-        const ThreadTime all;
-        flood();
-        for (std::uint32_t id = 1; id < 4096; ++id)
-            test.producer.send(AddQuickKeyEvent(id, 0, 0, "key", "#203040"));
-        test.producer.send(AddQuickKeyEvent(4096, 0, 0, "end", "#203040"));
-        turn.restart();
-        const auto keys = [&] { return test.widget->findChildren<QuickKeysButton*>(); };
-        QuickKeysButton* last = nullptr; // shown, and laid out in a turn of its own
-        const auto everythingCame = [&] {
-            const auto buttons = keys();
-            const auto found = std::ranges::find_if(buttons, [](auto* key) {
-                return key->text() == "end" && key->isVisible() && key->height() > 0;
-            });
-            last = found == buttons.end() ? nullptr : *found;
-            return last != nullptr;
-        };
-        QTRY_VERIFY_WITH_TIMEOUT(everythingCame(), 60'000);
-        QCOMPARE(keys().size(), 4096);
-        // A page made in one turn would be most of it.
-        const auto work = all.elapsed();
-        qInfo("the longest turn took %d of %d ms", int(longest.count()), int(work.count()));
-        QVERIFY(longest * 2 < work);
-        QTest::mouseClick(last, Qt::LeftButton);
-        QTRY_COMPARE(test.producer.bytes(), executeBytes(4096));
+    void navigatesToExistingPagesOnly() {
+        const KeysRig rig;
+        rig.widget->configQuickKey(1, 1);
+        rig.add({1, 2, 3});
+        rig.widget->navigateToPage(2);
+        for (const int missing : {-1, 0, 4})
+            rig.widget->navigateToPage(missing);
+        QCOMPARE(rig.spinBox()->value(), 2);
+        QCOMPARE(rig.at(0, 0)->id(), 2);
     }
 };
 
