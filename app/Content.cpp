@@ -11,9 +11,9 @@
 
 using Companion::Page;
 
-Content::Content(const Configuration& configuration, QWidget* parent)
+Content::Content(const Configuration& configuration, QWidget* parent, const Timing& timing)
     : QStackedWidget(parent), configuration_(configuration) {
-    initPages();
+    initPages(timing);
     if (EventDispatcher::getInstance()->client().isConnected())
         qDebug("You should not be connected when the app launches.");
     else
@@ -28,9 +28,9 @@ Content::Content(const Configuration& configuration, QWidget* parent)
 
 Content::~Content() = default;
 
-void Content::initPages() {
+void Content::initPages(const Timing& timing) {
     connectPage_ = new ConnectPage(configuration_, this);
-    warpPage_ = new WarpPage(configuration_, this);
+    warpPage_ = new WarpPage(configuration_, this, timing);
     quickKeysPage_ = new QuickKeysPage(configuration_, this);
     testPatternPage_ = new TestPatternPage(configuration_, this);
     settingsPage_ = new SettingsPage(configuration_, this);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/shell/IPage.h"
+#include "app/shell/Timing.h"
 
 #include <QStackedWidget>
 
@@ -18,7 +19,7 @@ class Content final : public QStackedWidget {
 
 public:
     /// `configuration` outlives the pages.
-    Content(const Configuration& configuration, QWidget* parent);
+    Content(const Configuration& configuration, QWidget* parent, const Timing& timing = Timing());
     ~Content() override;
 
     /// Shows `page`; the warp page's canvas also gets the focus, unless the page is shown already.
@@ -47,7 +48,7 @@ signals:
     void action(Action action);
 
 private:
-    void initPages();
+    void initPages(const Timing& timing);
 
     const Configuration& configuration_;
     // Children of the stack.

@@ -29,13 +29,13 @@ constexpr std::array kPageOfTab{Page::Warp, Page::QuickKeys, Page::TestPatterns,
 
 } // namespace
 
-GuiCompanion::GuiCompanion(QWidget* parent)
+GuiCompanion::GuiCompanion(QWidget* parent, const Timing& timing)
     : QWidget(parent), dispatcher_(EventDispatcher::getInstance()), gamepad_(this),
       actionMapper_(this) {
     setWindowIcon(QIcon(QLatin1StringView(kWindowIcon)));
     initConfig();
-    initWindow();
-    checkConnection_ = std::make_unique<CheckConnection>(nullptr);
+    initWindow(timing);
+    checkConnection_ = std::make_unique<CheckConnection>(nullptr, timing);
 
     connect(content_->connectPage(), SIGNAL(connection(QString)), this,
             SLOT(onConnectToServer(QString)));
@@ -59,11 +59,11 @@ void GuiCompanion::initConfig() {
     configuration_ = makeConfiguration();
 }
 
-void GuiCompanion::initWindow() {
+void GuiCompanion::initWindow(const Timing& timing) {
     setMinimumSize(kMinimumWindowSize);
     resize(kMinimumWindowSize);
     banner_ = std::make_unique<HeadBanner>(configuration_, this);
-    content_ = std::make_unique<Content>(configuration_, this);
+    content_ = std::make_unique<Content>(configuration_, this, timing);
     layout_.addWidget(banner_.get());
     layout_.addWidget(content_.get());
     layout_.setContentsMargins(0, 0, 0, 0);

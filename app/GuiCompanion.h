@@ -23,7 +23,7 @@ class GuiCompanion final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit GuiCompanion(QWidget* parent);
+    explicit GuiCompanion(QWidget* parent, const Timing& timing = Timing());
     ~GuiCompanion() override;
 
 public slots:
@@ -50,7 +50,7 @@ protected:
 
 private:
     void initConfig();
-    void initWindow();
+    void initWindow(const Timing& timing);
     void initInput();
     void showOverlay();
     void removeOverlay();

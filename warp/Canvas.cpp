@@ -51,11 +51,11 @@ void warnOfBadPositions(bool allGood) {
 
 } // namespace
 
-Canvas::Canvas(const Configuration& configuration, QWidget* parent)
+Canvas::Canvas(const Configuration& configuration, QWidget* parent, const Timing& timing)
     : QWidget(parent), configuration_(configuration), layout_(new QVBoxLayout(this)), keys_(this),
       events_(this, kEventTypes) {
     layout_->setContentsMargins(0, 0, 0, 0);
-    updateProducer_ = std::make_unique<UpdateProducer>(nullptr);
+    updateProducer_ = std::make_unique<UpdateProducer>(nullptr, timing);
     initCanvas();
     connect(updateProducer_.get(), SIGNAL(updateProducer()), this, SLOT(updateProducer()));
 }

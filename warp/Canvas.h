@@ -2,6 +2,7 @@
 
 #include "app/shell/EventListener.h"
 #include "app/shell/EventSubscription.h"
+#include "app/shell/Timing.h"
 #include "app/shell/UpdateProducer.h"
 #include "input/action.h"
 #include "input/key_event_listener.h"
@@ -41,7 +42,7 @@ class Canvas final : public QWidget, public EventListener, public KeyEventListen
 
 public:
     /// `configuration` has to outlive the canvas.
-    Canvas(const Configuration& configuration, QWidget* parent);
+    Canvas(const Configuration& configuration, QWidget* parent, const Timing& timing = Timing());
     ~Canvas() override;
 
     void receive(NetworkCompanion::Event* event) override;

@@ -9,11 +9,11 @@
 #include <QKeyEvent>
 #include <QStyle>
 
-WarpPage::WarpPage(const Configuration& configuration, QWidget* parent)
+WarpPage::WarpPage(const Configuration& configuration, QWidget* parent, const Timing& timing)
     : IPage(parent), configuration_(configuration), layout_(new QHBoxLayout(this)) {
     layout_->setContentsMargins(0, 0, 0, 0);
     initMediaList();
-    initCanvas();
+    initCanvas(timing);
 
     connect(mediaListContainer_, &MediaListContainer::emitKeyEvent, canvas_, &Canvas::onKeyEvent);
     connect(canvas_, &Canvas::keyEvent, mediaListContainer_, &MediaListContainer::onKeyEvent);
@@ -31,8 +31,8 @@ void WarpPage::initMediaList() {
     layout_->addWidget(mediaListContainer_);
 }
 
-void WarpPage::initCanvas() {
-    canvas_ = new Canvas(configuration_, this);
+void WarpPage::initCanvas(const Timing& timing) {
+    canvas_ = new Canvas(configuration_, this, timing);
     layout_->addWidget(canvas_);
 
     using List = MediaListContainer;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/shell/IPage.h"
+#include "app/shell/Timing.h"
 
 #include <QHBoxLayout>
 
@@ -15,7 +16,7 @@ class WarpPage final : public IPage {
 
 public:
     /// `configuration` has to outlive the page.
-    WarpPage(const Configuration& configuration, QWidget* parent);
+    WarpPage(const Configuration& configuration, QWidget* parent, const Timing& timing = Timing());
 
     /// Clears the selection.
     void lockPage() override;
@@ -39,7 +40,7 @@ signals:
 
 private:
     void initMediaList();
-    void initCanvas();
+    void initCanvas(const Timing& timing);
 
     const Configuration& configuration_;
     QHBoxLayout* layout_;

@@ -7,7 +7,14 @@
 
 #include <algorithm>
 
-CheckConnection::CheckConnection(QObject* parent) : StoppableThread(parent) {
+namespace {
+
+constexpr std::chrono::seconds kLatestAnnouncement{1}; // after the check
+
+} // namespace
+
+CheckConnection::CheckConnection(QObject* parent, const Timing& timing)
+    : StoppableThread(parent), timing_(timing) {
     connect(this, &CheckConnection::seen, this, &CheckConnection::announce, Qt::QueuedConnection);
 }
 
@@ -27,21 +34,21 @@ void CheckConnection::stop() {
 }
 
 void CheckConnection::loop() {
-    if (!pause(firstCheckDelay))
+    if (!pause(timing_.firstCheckDelay))
         return;
     do {
         if (isWatchedServerAvailable() && !announcementPending_.exchange(true)) {
             seenAt_ = Clock::now();
             emit seen(QPrivateSignal());
         }
-    } while (pause(checkPeriod));
+    } while (pause(timing_.checkPeriod));
 }
 
 void CheckConnection::announce() {
     announcementPending_ = false;
     // After a long connection attempt, an old announcement would start the next attempt before
     // discovery can notice that the Producer is gone.
-    if (Clock::now() - seenAt_.load() < kCheckPeriod && isWatchedServerAvailable())
+    if (Clock::now() - seenAt_.load() < kLatestAnnouncement && isWatchedServerAvailable())
         emit serverAvailableAgain();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/shell/StoppableThread.h"
+#include "app/shell/Timing.h"
 
 #include <QString>
 
@@ -12,18 +13,11 @@ class CheckConnection final : public StoppableThread {
     Q_OBJECT
 
 public:
-    static constexpr std::chrono::milliseconds kFirstCheckDelay{10'000};
-    static constexpr std::chrono::milliseconds kCheckPeriod{1'000};
-
-    explicit CheckConnection(QObject* parent);
+    explicit CheckConnection(QObject* parent, const Timing& timing = Timing());
     ~CheckConnection() override;
 
     /// The Producer's address, compared exactly; may be changed while the thread runs.
     void setWatchedAddress(const QString& address);
-
-    /// Of every thread started from now on; a test shortens them.
-    static inline std::chrono::milliseconds firstCheckDelay{kFirstCheckDelay};
-    static inline std::chrono::milliseconds checkPeriod{kCheckPeriod};
 
 public slots:
     /// Also drops a queued announcement, so that no signal follows. To be called on this object's
@@ -47,6 +41,7 @@ private:
     void announce();
     [[nodiscard]] bool isWatchedServerAvailable();
 
+    const Timing timing_;
     std::mutex addressMutex_;
     QString watchedAddress_;
     std::atomic<bool> announcementPending_{false};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/shell/StoppableThread.h"
+#include "app/shell/Timing.h"
 
 /// The timer of a drag: emits a signal each period so that the collected point moves are sent.
 /// Ended with stop() (at once) or requestInterruption() and wait().
@@ -8,13 +9,8 @@ class UpdateProducer final : public StoppableThread {
     Q_OBJECT
 
 public:
-    static constexpr std::chrono::milliseconds kTickPeriod{125};
-
-    explicit UpdateProducer(QObject* parent);
+    explicit UpdateProducer(QObject* parent, const Timing& timing = Timing());
     ~UpdateProducer() override;
-
-    /// Of every thread started from now on; a test shortens it.
-    static inline std::chrono::milliseconds tickPeriod{kTickPeriod};
 
 signals:
     /// Emitted on the running thread: once a period, and once more after the request to end.
@@ -22,4 +18,7 @@ signals:
 
 protected:
     void loop() override;
+
+private:
+    const std::chrono::milliseconds tickPeriod_;
 };

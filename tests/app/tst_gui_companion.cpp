@@ -1,24 +1,23 @@
 #include "app/ConnectPage.h"
 #include "app/Content.h"
 #include "app/DisconnectOverlay.h"
-#include "app/GuiCompanion.h"
 #include "app/HeadBanner.h"
 #include "app/IPList.h"
 #include "app/KeyRepeatFilter.h"
 #include "app/ToolTipFilter.h"
-#include "app/shell/CheckConnection.h"
 #include "app/shell/EventDispatcher.h"
 #include "app/shell/ShellLook.h"
 #include "input/key_event_listener.h"
 #include "input/key_subscription.h"
+#include "network/events/AddMediaEvent.h"
 #include "network/events/MsgEvent.h"
 #include "network/events/UpdateSettingsEvent.h"
 #include "pages/QuickKeysPage.h"
 #include "pages/SettingsPage.h"
 #include "pages/TestPatternPage.h"
-#include "tests/support/FakeProducer.h"
 #include "tests/support/GuardedTest.h"
 #include "tests/support/WindowRig.h"
+#include "warp/Item.h"
 #include "warp/WarpPage.h"
 
 #include <QApplication>
@@ -26,11 +25,9 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHelpEvent>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QQuickWidget>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -39,18 +36,18 @@
 
 #include <optional>
 
+using namespace MeshpadTest;
 using namespace NetworkCompanion;
 using namespace std::chrono_literals;
 using Companion::Page;
-using MeshpadTest::FakeProducer;
 
 namespace {
 
-const QHostAddress kProducerAddress(QStringLiteral("10.77.0.1")); // this test's virtual interface
-constexpr quint16 kProducerPort = 62330;
+const QString kProducer = QStringLiteral("10.77.0.1"); // the virtual interface of this test
 const QString kDisconnect = QStringLiteral("Disconnect");
-const QString kFirst = QStringLiteral("10.0.0.1");   // addresses that nobody answers from
-const QString kSecond = QStringLiteral("10.0.0.10"); // begins like the first one
+const QString kFirst = QStringLiteral("10.0.0.1"); // addresses without a Producer
+const QString kSecond = QStringLiteral("10.0.0.10");
+constexpr Timing kFast{10ms, 10ms, 5ms};
 
 class KeyRecorder : public KeyEventListener {
 public:
@@ -64,559 +61,501 @@ private:
 
 } // namespace
 
-/// The whole window with all its pages, used by mouse and keyboard, against a Producer that is
-/// found by discovery and spoken to over TCP.
-class TestGuiCompanion : public MeshpadTest::GuardedTest {
+/// The whole window with mouse and keyboard, and a Producer that is found by discovery.
+class TestGuiCompanion : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() {
+        GuardedTest::init();
+        qApp->installEventFilter(this);
+        rig_.emplace(kFast);
+        rig_->show();
+        handle_ = rig_->window->windowHandle();
+        startProducer();
+    }
 
-    void aProducerIsFoundAndAskedForItsShow();
-    void aRefusedConnectionChangesNothing();
-    void theListOfProducersFollowsDiscovery();
-    void oneAddressIsMarkedAndConnectedTo();
-    void anAddressMayGoWhileItIsBeingPressed();
-    void manyProducersCanBeScrolledTo();
-    void tabsShowTheirPages();
-    void aLossVeilsTheWindow();
-    void aLossIsMendedAgainAndAgain();
-    void aConnectionThatBreaksAtOnceIsALoss();
-    void theOperatorsDisconnectIsForGood_data();
-    void theOperatorsDisconnectIsForGood();
-    void theWindowMayGoInAnyState_data();
-    void theWindowMayGoInAnyState();
-    void aHeldKeyPressesOnce();
-    void aTipHasTheLookOfTheApplication();
+    void cleanup() {
+        qApp->removeEventFilter(this);
+        rig_.reset();
+        discovery().serverHasDisconnected(kProducer);
+        GuardedTest::cleanup();
+        QCOMPARE(std::exchange(strayWindows_, {}), QStringList());
+    }
+
+    void connectingRequestsTheShow() {
+        QVERIFY(!rig_->window->windowIcon().isNull());
+        QVERIFY(shows<ConnectPage>() && !showsMenu());
+        auto* list = find<IPList>();
+        QTRY_VERIFY(button(list, kProducer));
+        QVERIFY(!list->isAncestorOf(QApplication::focusWidget()));
+        QTest::keyClick(handle_, Qt::Key_Tab);
+        QVERIFY(button(list, kProducer)->hasFocus());
+
+        connectByHand();
+        QVERIFY(rig_->gets(MsgEvent("getResources"), UpdateSettingsEvent("", 0)));
+        QVERIFY(shows<WarpPage>() && showsMenu());
+        QVERIFY(rig_->view->hasFocus());
+        rig_->window->onServerAvailableAgain(); // does nothing while connected
+        QVERIFY(rig_->getsNothing());
+        QCOMPARE(rig_->producer.acceptedCount(), 1);
+    }
+
+    void operatorCanReconnectAtOnce() {
+        connectByHand();
+        rig_->window->onDisconnectFromServer();
+        rig_->window->onConnectToServer(kProducer);
+        rig_->window->onDisconnectFromServer();
+        QTest::qWait(1);
+        QVERIFY(shows<ConnectPage>() && !showsMenu());
+    }
+
+    void refusedConnectionChangesNothing() {
+        QTRY_VERIFY(button(find<IPList>(), kProducer));
+        rig_->producer.stopListening();
+        pressConnect();
+        QVERIFY(!client().isConnected());
+        QVERIFY(shows<ConnectPage>() && !showsMenu() && !overlay());
+        QVERIFY(find<IPList>()->selectedIp().isEmpty());
+    }
+
+    void listFollowsDiscovery() {
+        for (const QString& ip : {kFirst, kSecond, kFirst})
+            emit discovery().serverDiscovered(ip);
+        QCOMPARE(listed(), QStringList({kFirst, kSecond}));
+        emit discovery().serverTimeouted("10.0.0.100");
+        emit discovery().serverTimeouted(kFirst);
+        QCOMPARE(listed(), QStringList({kSecond}));
+        emit discovery().serverDiscovered(kFirst);
+        emit discovery().serverDisconnected(kSecond);
+        QCOMPARE(listed(), QStringList({kFirst}));
+    }
+
+    void purgedAddressReturnsAfterItsLoss() {
+        emit discovery().serverDiscovered(kFirst);
+        find<Content>()->purgeIp();
+        emit discovery().serverDiscovered(kFirst);
+        QCOMPARE(listed(), QStringList());
+        emit discovery().serverTimeouted(kFirst);
+        emit discovery().serverDiscovered(kFirst);
+        QCOMPARE(listed(), QStringList({kFirst}));
+    }
+
+    void selectedAddressIsConnectedTo() {
+        emit discovery().serverDiscovered(kFirst);
+        emit discovery().serverDiscovered(kSecond);
+        disconnect(find<ConnectPage>(), nullptr, rig_->window.get(), nullptr);
+        QSignalSpy connections(find<ConnectPage>(), &ConnectPage::connection);
+        QPushButton* connect = button(page(), QString());
+        QTest::mouseClick(connect, Qt::LeftButton); // nothing is selected
+        QVERIFY(connections.isEmpty() && !offersConnection());
+
+        QTRY_VERIFY(button(find<IPList>(), kSecond));
+        QTest::mouseClick(button(find<IPList>(), kSecond), Qt::LeftButton);
+        QTest::mouseClick(button(find<IPList>(), kFirst), Qt::LeftButton);
+        QCOMPARE(listed(), QStringList({kFirst + " selected", kSecond}));
+        emit discovery().serverTimeouted(kFirst); // stays selected without its button
+        QVERIFY(offersConnection());
+        emit discovery().serverDiscovered(kFirst);
+        QCOMPARE(listed(), QStringList({kSecond, kFirst + " selected"}));
+
+        QTest::mouseClick(connect, Qt::LeftButton);
+        QTest::mouseClick(connect, Qt::LeftButton);
+        QCOMPARE(connections.size(), 1);
+        QCOMPARE(connections.first(), QVariantList{kFirst});
+        QCOMPARE(listed(), QStringList({kSecond, kFirst}));
+        QVERIFY(!offersConnection());
+    }
+
+    void pressedAddressMayDisappear() {
+        emit discovery().serverDiscovered(kFirst);
+        QTRY_VERIFY(button(find<IPList>(), kFirst));
+        QCoreApplication::processEvents(); // lays the list out
+        const QPoint position = inWindow(button(find<IPList>(), kFirst)).center();
+        QTest::mousePress(handle_, Qt::LeftButton, {}, position);
+        QVERIFY(button(find<IPList>(), kFirst)->isDown());
+        emit discovery().serverTimeouted(kFirst);
+        QTest::mouseRelease(handle_, Qt::LeftButton, {}, position);
+        QVERIFY(find<IPList>()->selectedIp().isEmpty());
+    }
+
+    void longListScrolls() {
+        for (int i = 0; i < 40; ++i)
+            emit discovery().serverDiscovered(QStringLiteral("10.0.1.%1").arg(i));
+        auto* scrollBar = page()->findChild<QScrollArea*>()->verticalScrollBar();
+        QTRY_VERIFY(scrollBar->maximum() > 0);
+        scrollBar->setValue(scrollBar->maximum());
+        QVERIFY(inWindow(page()).contains(inWindow(button(find<IPList>(), "10.0.1.39"))));
+        QVERIFY(inWindow(page()).contains(inWindow(button(page(), QString()))));
+    }
+
+    void tabShowsItsPage_data() {
+        QTest::addColumn<int>("position"); // cap, tabs, cap
+        QTest::addColumn<QByteArray>("page");
+        QTest::addColumn<QByteArray>("lit"); // which of them look selected
+        QTest::newRow("left cap") << 0 << QByteArray("WarpPage") << QByteArray("110000");
+        QTest::newRow("first tab") << 1 << QByteArray("WarpPage") << QByteArray("110000");
+        QTest::newRow("second tab") << 2 << QByteArray("QuickKeysPage") << QByteArray("001000");
+        QTest::newRow("third tab") << 3 << QByteArray("TestPatternPage") << QByteArray("000100");
+        QTest::newRow("last tab") << 4 << QByteArray("SettingsPage") << QByteArray("000011");
+        QTest::newRow("right cap") << 5 << QByteArray("SettingsPage") << QByteArray("000011");
+    }
+
+    void tabShowsItsPage() {
+        QFETCH(int, position);
+        connectByHand();
+        const auto row = find<HeadBanner>()->findChild<QButtonGroup*>()->buttons();
+        const auto lit = [&row] {
+            QByteArray marks;
+            for (const QAbstractButton* each : row) {
+                const QString on[] = {ShellLook::kLeftCapOn, ShellLook::kTabOn,
+                                      ShellLook::kRightCapOn};
+                marks += std::ranges::count(on, each->styleSheet()) > 0 ? '1' : '0';
+            }
+            return marks;
+        };
+        QCOMPARE(lit(), QByteArray("110000"));
+        find<Content>()->setPage(position < 2 ? Page::Settings : Page::Warp);
+        QTest::mousePress(row[position], Qt::LeftButton);
+        QTEST(QByteArray(page()->metaObject()->className()), "page");
+        QTEST(lit(), "lit");
+        QVERIFY(!find<HeadBanner>()->isAncestorOf(QApplication::focusWidget()));
+    }
+
+    void unknownTabShowsNoPage() {
+        messages_->expect(QtDebugMsg, "This menu page does not exist!", 2);
+        find<HeadBanner>()->onMenuTabPressed(0);
+        find<HeadBanner>()->onMenuTabPressed(5);
+        QVERIFY(shows<ConnectPage>());
+    }
+
+    void tabKeyReachesTheBanner() {
+        connectByHand();
+        find<Content>()->setPage(Page::Settings);
+        const auto tabTo = [&](QPushButton* target) {
+            for (int i = 0; i < 20 && !target->hasFocus(); ++i)
+                QTest::keyClick(handle_, Qt::Key_Tab);
+            return target->hasFocus();
+        };
+        QVERIFY(tabTo(button(find<HeadBanner>(), kDisconnect)));
+        QPushButton* tab = button(find<HeadBanner>(), "Test patterns");
+        const QImage unfocused = tab->grab().toImage();
+        QVERIFY(tabTo(tab));
+        QVERIFY(tab->grab().toImage() != unfocused);
+        QTest::keyClick(handle_, Qt::Key_Space);
+        QVERIFY(shows<TestPatternPage>() && page()->hasFocus());
+    }
+
+    void shownPageKeepsItsFocus() {
+        connectByHand();
+        auto* search = page()->findChild<QLineEdit*>();
+        search->setFocus();
+        QTest::mouseClick(button(find<HeadBanner>(), "Warp"), Qt::LeftButton);
+        QVERIFY(search->hasFocus());
+    }
+
+    void keysOfEveryPageReachTheListeners() {
+        connectByHand();
+        KeyRecorder recorder;
+        for (const Page page : {Page::QuickKeys, Page::TestPatterns, Page::Settings, Page::Warp}) {
+            find<Content>()->setPage(page);
+            QList<int> keys{Qt::Key_M, Qt::Key_Space, Qt::Key_Left};
+            if (page == Page::Warp) {
+                find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
+                keys = {Qt::Key_M}; // a check box uses the others
+            }
+            for (const int key : keys)
+                QTest::keyClick(handle_, Qt::Key(key));
+            QCOMPARE(std::exchange(recorder.keys, {}), keys);
+        }
+    }
+
+    void lossShowsTheOverlay() {
+        connectByHand();
+        const QRect position = inWindow(button(find<HeadBanner>(), kDisconnect));
+        QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
+        loseConnection();
+        QCOMPARE(forgotten.size(), 1);
+        QCOMPARE(forgotten.first(), QVariantList{kProducer});
+        QVERIFY(shows<WarpPage>());
+        QCOMPARE(overlay()->geometry(), rig_->window->rect());
+        QTRY_COMPARE(inWindow(button(overlay(), kDisconnect)), position);
+        emit EventDispatcher::getInstance()->disconnected(); // again
+        QCOMPARE(forgotten.size(), 2);
+        QCOMPARE(rig_->window->findChildren<DisconnectOverlay*>().size(), 1);
+        rig_->window->resize(1600, 900);
+        QTRY_COMPARE(overlay()->geometry(), QRect(0, 0, 1600, 900));
+    }
+
+    void overlayBlocksKeys() {
+        connectByHand();
+        find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
+        loseConnection();
+        const KeyRecorder recorder;
+        for (const auto key : {Qt::Key_M, Qt::Key_Space, Qt::Key_Left, Qt::Key_Tab, Qt::Key_Tab})
+            QTest::keyClick(handle_, key); // the second Tab leaves the button again
+        QTest::keyClick(handle_, Qt::Key_Escape);
+        QCOMPARE(recorder.keys, QList<int>());
+        QVERIFY(overlay());
+        startProducer();
+        QTRY_VERIFY(!overlay());
+        QVERIFY(find<WarpPage>()->findChild<QCheckBox*>()->hasFocus());
+    }
+
+    void everyLossIsFollowedByAReconnection() {
+        connectByHand();
+        rig_->producer.send(AddMediaEvent(MediaType::Image, 1, 2, 3, 16, 9, 0, 0, "Media", false));
+        find<SettingsPage>()->findChild<QCheckBox*>()->setChecked(true);
+        for (auto* choice : find<SettingsPage>()->findChildren<QComboBox*>())
+            choice->setCurrentIndex(choice->count() - 1);
+        QTRY_VERIFY(find<Item>());
+        QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
+        for (int loss = 1; loss <= 2; ++loss) {
+            find<Content>()->setPage(Page::QuickKeys);
+            loseConnection();
+            QCOMPARE(forgotten.size(), loss);
+            QVERIFY(shows<QuickKeysPage>());
+            startProducer();
+            QTRY_VERIFY(client().isConnected() && !overlay());
+            QVERIFY(rig_->gets(MsgEvent("getResources"), UpdateSettingsEvent("#ffff00", 4)));
+            QVERIFY(shows<WarpPage>());
+            QVERIFY(!find<Item>());
+            QCOMPARE(button(find<HeadBanner>(), "Warp")->styleSheet(), QString(ShellLook::kTabOn));
+        }
+    }
+
+    void overlayGoesBeforeARefusedReconnection() {
+        connectByHand();
+        loseConnection();
+        QVERIFY(rig_->producer.answerDiscovery(QHostAddress(kProducer))); // but refuses connections
+        QTRY_VERIFY(!overlay());
+        QVERIFY(!client().isConnected());
+        QVERIFY(rig_->producer.listen(QHostAddress(kProducer), WindowRig::kProducerPort));
+        QTRY_VERIFY(client().isConnected());
+    }
+
+    void connectionThatBreaksAtOnceIsALoss() {
+        QTRY_VERIFY(button(find<IPList>(), kProducer));
+        rig_->producer.stopAnswering();
+        QCoreApplication::processEvents(); // receives an answer that has been sent
+        const auto breaking = connect(&rig_->producer, &FakeProducer::connected, this, [this] {
+            rig_->producer.stopListening();
+            rig_->producer.abortConnections();
+        });
+        pressConnect();
+        QTRY_VERIFY(overlay());
+        QVERIFY(shows<WarpPage>());
+        disconnect(breaking);
+        startProducer();
+        QTRY_VERIFY(client().isConnected() && !overlay());
+    }
+
+    void disconnectEndsWatching_data() {
+        QTest::addColumn<bool>("lost");
+        QTest::newRow("connected") << false;
+        QTest::newRow("connection lost") << true;
+    }
+
+    void disconnectEndsWatching() {
+        QFETCH(bool, lost);
+        QPushButton* disconnecting = disconnectButton();
+        rig_->producer.send(AddMediaEvent(MediaType::Image, 1, 2, 3, 16, 9, 0, 0, "Media", false));
+        QTest::mousePress(disconnecting, Qt::LeftButton);
+        QVERIFY(shows<WarpPage>()); // until the release
+        QTRY_COMPARE(find<Item>() != nullptr, !lost);
+        QTest::mouseRelease(disconnecting, Qt::LeftButton);
+        QVERIFY(!overlay() && !client().isConnected());
+        QVERIFY(shows<ConnectPage>() && !showsMenu());
+        QVERIFY(!find<Item>());
+
+        if (lost)
+            startProducer();
+        QTRY_COMPARE(rig_->producer.connectionCount(), 0);
+        const int accepted = rig_->producer.acceptedCount();
+        QTRY_VERIFY(button(find<IPList>(), kProducer));
+        QTest::qWait(50); // several periods of the watcher
+        QCOMPARE(rig_->producer.acceptedCount(), accepted);
+        QVERIFY(shows<ConnectPage>() && !overlay());
+
+        rig_->producer.forget();
+        connectByHand(); // starts the watcher again
+        loseConnection();
+        startProducer();
+        QTRY_VERIFY(client().isConnected());
+    }
+
+    void slidingOffCancelsDisconnect_data() { disconnectEndsWatching_data(); }
+    void slidingOffCancelsDisconnect() {
+        const QPushButton* disconnecting = disconnectButton();
+        const bool wasConnected = client().isConnected();
+        const QPoint on = inWindow(disconnecting).center();
+        const QPoint off = on - QPoint(disconnecting->width(), 0);
+        QTest::mousePress(handle_, Qt::LeftButton, {}, on);
+        QTest::mouseMove(handle_, off);
+        QVERIFY(!disconnecting->isDown());
+        QTest::mouseRelease(handle_, Qt::LeftButton, {}, off);
+        QCOMPARE(client().isConnected(), wasConnected);
+        QVERIFY(shows<WarpPage>());
+        QCOMPARE(overlay() != nullptr, !wasConnected);
+    }
+
+    void windowMayCloseInAnyState_data() { disconnectEndsWatching_data(); }
+    void windowMayCloseInAnyState() {
+        QFETCH(bool, lost);
+        static_cast<void>(disconnectButton());
+        if (lost)
+            startProducer();
+        rig_->close();
+        rig_->producer.send(MsgEvent("newShow")); // without a listener
+        QTest::qWait(50);                         // several periods of the watcher
+        QCOMPARE(client().isConnected(), !lost);
+    }
+
+    /// Some window systems report a repetition as release and press of the same time.
+    void heldKeyPressesOnce() {
+        KeyRepeatFilter filter(nullptr);
+        qApp->installEventFilter(&filter);
+        QPushButton button;
+        QSignalSpy pressed(&button, &QPushButton::pressed);
+        QLineEdit edit;
+        const auto press = [](QWidget& widget, quint64 from, quint64 to) {
+            for (auto [type, time] :
+                 {std::pair{QEvent::KeyPress, from}, {QEvent::KeyRelease, to}}) {
+                QKeyEvent event(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+                event.setTimestamp(time);
+                QApplication::sendEvent(&widget, &event);
+            }
+        };
+        for (quint64 time = 1000; time < 1400; time += 40)
+            press(button, time, time + 40);
+        QCOMPARE(pressed.size(), 1);
+        press(button, 1401, 1440);
+        QCOMPARE(pressed.size(), 2);
+        for (quint64 time = 2000; time < 2400; time += 40)
+            press(edit, time, time + 40);
+        QCOMPARE(edit.text(), QString(10, ' ')); // repeats
+    }
+
+    void toolTipHasTheApplicationsStyle() {
+        ToolTipFilter filter(nullptr);
+        qApp->installEventFilter(&filter);
+        connectByHand();
+        QPushButton* styled = button(find<HeadBanner>(), kDisconnect);
+        styled->setToolTip("Tip");
+        QHelpEvent rest(QEvent::ToolTip, QPoint(2, 2), styled->mapToGlobal(QPoint(2, 2)));
+        QApplication::sendEvent(styled, &rest);
+        QCOMPARE(QToolTip::text(), "Tip");
+        const auto windows = QApplication::topLevelWidgets();
+        const auto tip = std::ranges::find_if(windows, [](const QWidget* window) {
+            return window->windowType() == Qt::ToolTip && window->isVisible();
+        });
+        QVERIFY(tip != windows.end());
+        QCOMPARE((*tip)->grab().toImage().pixelColor(4, (*tip)->height() / 2), QColor(0x1e1e1e));
+        QToolTip::hideText();
+    }
 
 protected:
-    /// Nothing but the window, and tips, ever becomes a window.
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    /// Notes every other window than the main window and tool tips.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* widget = qobject_cast<QWidget*>(watched);
+        if (event->type() == QEvent::Show && widget && widget->isWindow() &&
+            widget != rig_->window.get() && widget->windowType() != Qt::ToolTip)
+            strayWindows_ << widget->metaObject()->className();
+        return QObject::eventFilter(watched, event);
+    }
 
 private:
     template <typename Widget>
     Widget* find() const {
-        return window_->findChild<Widget*>();
+        return rig_->find<Widget>();
     }
-    QWidget* currentPage() const { return find<Content>()->currentWidget(); }
+
+    QWidget* page() const { return find<Content>()->currentWidget(); }
     template <typename PageClass>
     bool shows() const {
-        return qobject_cast<PageClass*>(currentPage()) != nullptr;
+        return qobject_cast<PageClass*>(page()) != nullptr;
     }
-    bool showsWayOut() const { return button(find<HeadBanner>(), kDisconnect) != nullptr; }
-    DisconnectOverlay* overlay() const;
-    QStringList listed() const;
-    QString connectLook() const;
-    QPushButton* button(const QWidget* parent, const QString& text) const;
-    void startProducer();
-    void pressConnect();
-    void connectByHand();
-    void loseConnection();
+
+    bool showsMenu() const { return button(find<HeadBanner>(), kDisconnect) != nullptr; }
+    DisconnectOverlay* overlay() const {
+        const auto overlays = rig_->window->findChildren<DisconnectOverlay*>();
+        const auto shown = std::ranges::find_if(overlays, &QWidget::isVisible);
+        return shown == overlays.end() ? nullptr : *shown;
+    }
+
+    QRect inWindow(const QWidget* widget) const {
+        return {widget->mapTo(rig_->window.get(), QPoint()), widget->size()};
+    }
+
+    /// The addresses without a Producer; the selected one is marked.
+    QStringList listed() const {
+        QStringList texts;
+        for (const auto* address : find<IPList>()->findChildren<QPushButton*>()) {
+            const bool isOn =
+                address->styleSheet() == QLatin1StringView(ShellLook::kAddressButtonOn);
+            if (address->text().startsWith("10.0."))
+                texts << address->text() + (isOn ? " selected" : "");
+        }
+        return texts;
+    }
+
+    bool offersConnection() const {
+        const QPushButton* connect = button(page(), QString());
+        const bool isOn = connect->styleSheet() == QLatin1StringView(ShellLook::kConnectButtonOn);
+        [&] { QCOMPARE(connect->cursor().shape() == Qt::PointingHandCursor, isOn); }();
+        return isOn;
+    }
+
+    static QPushButton* button(const QWidget* parent, const QString& text) {
+        for (auto* candidate : parent->findChildren<QPushButton*>())
+            if (candidate->text() == text && candidate->isVisible())
+                return candidate;
+        return nullptr;
+    }
+
+    void startProducer() {
+        QVERIFY(rig_->producer.listen(QHostAddress(kProducer), WindowRig::kProducerPort));
+        QVERIFY(rig_->producer.answerDiscovery(QHostAddress(kProducer)));
+        discovery().pingServers();
+    }
+
+    void pressConnect() {
+        QTRY_VERIFY(button(find<IPList>(), kProducer));
+        QTest::mouseClick(button(find<IPList>(), kProducer), Qt::LeftButton);
+        QTest::mouseClick(button(page(), QString()), Qt::LeftButton);
+    }
+
+    void connectByHand() {
+        pressConnect();
+        QVERIFY(client().isConnected());
+        QTRY_COMPARE(rig_->producer.eventsOf<UpdateSettingsEvent>().size(), 1U);
+    }
+
+    void loseConnection() {
+        rig_->producer.stopAnswering();
+        rig_->producer.stopListening();
+        QCoreApplication::processEvents(); // receives an answer that has been sent
+        rig_->producer.abortConnections();
+        QTRY_VERIFY(overlay());
+        rig_->producer.forget();
+    }
+
+    /// The visible "Disconnect" button, after a loss of the connection if the data row says so.
+    QPushButton* disconnectButton() {
+        QFETCH(bool, lost);
+        connectByHand();
+        if (lost)
+            loseConnection();
+        return button(lost ? static_cast<QWidget*>(overlay()) : find<HeadBanner>(), kDisconnect);
+    }
+
     static CompanionClient& client() { return EventDispatcher::getInstance()->client(); }
     static NetworkUtils& discovery() { return EventDispatcher::getInstance()->networkUtils(); }
 
-    std::unique_ptr<FakeProducer> producer_;
-    std::optional<MeshpadTest::WindowRig> rig_;
-    GuiCompanion* window_ = nullptr; // the rig's
+    std::optional<WindowRig> rig_;
+    QWindow* handle_ = nullptr;
     QStringList strayWindows_;
 };
-
-void TestGuiCompanion::init() {
-    GuardedTest::init();
-    CheckConnection::firstCheckDelay = 10ms;
-    CheckConnection::checkPeriod = 10ms;
-    strayWindows_.clear();
-    qApp->installEventFilter(this);
-    rig_.emplace();
-    window_ = rig_->window.get();
-    rig_->show();
-    startProducer();
-}
-
-void TestGuiCompanion::cleanup() {
-    qApp->removeEventFilter(this);
-    rig_.reset();
-    producer_.reset();
-    discovery().serverHasDisconnected(kProducerAddress.toString());
-    GuardedTest::cleanup();
-    QCOMPARE(strayWindows_, QStringList());
-}
-
-bool TestGuiCompanion::eventFilter(QObject* watched, QEvent* event) {
-    const auto* widget = qobject_cast<QWidget*>(watched);
-    if (event->type() == QEvent::Show && widget != nullptr && widget->isWindow() &&
-        widget != window_ && widget->windowType() != Qt::ToolTip)
-        strayWindows_ << QString::fromLatin1(widget->metaObject()->className());
-    return QObject::eventFilter(watched, event);
-}
-
-void TestGuiCompanion::startProducer() {
-    producer_ = std::make_unique<FakeProducer>();
-    QVERIFY(producer_->listen(kProducerAddress, kProducerPort));
-    QVERIFY(producer_->answerDiscovery(kProducerAddress));
-    discovery().pingServers(); // need not wait for the next one
-}
-
-DisconnectOverlay* TestGuiCompanion::overlay() const {
-    for (auto* overlay : window_->findChildren<DisconnectOverlay*>())
-        if (overlay->isVisible())
-            return overlay;
-    return nullptr;
-}
-
-QPushButton* TestGuiCompanion::button(const QWidget* parent, const QString& text) const {
-    for (auto* candidate : parent->findChildren<QPushButton*>())
-        if (candidate->text() == text && candidate->isVisible())
-            return candidate;
-    return nullptr;
-}
-
-/// The addresses that nobody answers from.
-QStringList TestGuiCompanion::listed() const {
-    QStringList texts;
-    for (const auto* address : find<IPList>()->findChildren<QPushButton*>()) {
-        const bool isMarked =
-            address->styleSheet() == QLatin1StringView(ShellLook::kAddressButtonOn);
-        if (address->text().startsWith("10.0."))
-            texts << address->text() + (isMarked ? " marked" : "");
-    }
-    return texts;
-}
-
-/// What offers to connect: a picture and a cursor.
-QString TestGuiCompanion::connectLook() const {
-    const QPushButton* connect = button(currentPage(), QString());
-    const bool isOn = connect->styleSheet() == QLatin1StringView(ShellLook::kConnectButtonOn);
-    const bool isHand = connect->cursor().shape() == Qt::PointingHandCursor;
-    return QStringLiteral("%1 %2").arg(isOn ? "on" : "off", isHand ? "hand" : "arrow");
-}
-
-/// As an operator does it, once the Producer is found.
-void TestGuiCompanion::pressConnect() {
-    const QString ip = kProducerAddress.toString();
-    QTRY_VERIFY(button(find<IPList>(), ip) != nullptr);
-    QTest::mouseClick(button(find<IPList>(), ip), Qt::LeftButton);
-    QTest::mouseClick(button(currentPage(), QString()), Qt::LeftButton);
-}
-
-void TestGuiCompanion::connectByHand() {
-    pressConnect();
-    QVERIFY(client().isConnected());
-    QTRY_VERIFY(producer_->eventsOf<UpdateSettingsEvent>().size() == 1);
-}
-
-void TestGuiCompanion::loseConnection() {
-    producer_->stopAnswering();
-    producer_->stopListening();
-    QCoreApplication::processEvents(); // takes an answer that is on its way
-    producer_->abortConnections();
-    QTRY_VERIFY(overlay() != nullptr);
-}
-
-void TestGuiCompanion::aProducerIsFoundAndAskedForItsShow() {
-    QVERIFY(!window_->windowIcon().isNull());
-    QVERIFY(shows<ConnectPage>() && !showsWayOut());
-    // Nothing looks chosen, and the first Tab leads to the first address.
-    auto* list = find<IPList>();
-    QTRY_VERIFY(button(list, kProducerAddress.toString()) != nullptr);
-    QVERIFY(!list->isAncestorOf(QApplication::focusWidget()));
-    QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
-    QVERIFY(button(list, kProducerAddress.toString())->hasFocus());
-
-    connectByHand();
-    const auto& events = producer_->events();
-    QCOMPARE(events.size(), std::size_t(2));
-    QVERIFY(*events[0] == MsgEvent("getResources"));
-    QVERIFY(*events[1] == UpdateSettingsEvent("", 0));
-    QVERIFY(shows<WarpPage>() && showsWayOut());
-    QVERIFY(currentPage()->isAncestorOf(QApplication::focusWidget()));
-
-    // The Producer is watched; as long as the connection stands that changes nothing.
-    window_->onServerAvailableAgain();
-    QVERIFY(producer_->receivesAllOf(client()));
-    QCOMPARE(events.size(), std::size_t(2));
-    QCOMPARE(producer_->acceptedCount(), 1);
-
-    // Back and forth within one turn of the event loop, as fast as it gets.
-    window_->onDisconnectFromServer();
-    window_->onConnectToServer(kProducerAddress.toString());
-    window_->onDisconnectFromServer();
-    QTest::qWait(1);
-    QVERIFY(shows<ConnectPage>() && !showsWayOut());
-}
-
-void TestGuiCompanion::aRefusedConnectionChangesNothing() {
-    QTRY_VERIFY(button(find<IPList>(), kProducerAddress.toString()) != nullptr);
-    producer_->stopListening();
-    pressConnect();
-    QVERIFY(!client().isConnected());
-    QVERIFY(shows<ConnectPage>() && !showsWayOut());
-    QVERIFY(find<IPList>()->selectedIp().isEmpty());
-    QVERIFY(overlay() == nullptr);
-
-    // The second attempt finds everything as the first one did.
-    QVERIFY(producer_->listen(kProducerAddress, kProducerPort));
-    connectByHand();
-}
-
-void TestGuiCompanion::theListOfProducersFollowsDiscovery() {
-    emit discovery().serverDiscovered(kFirst);
-    emit discovery().serverDiscovered(kSecond);
-    emit discovery().serverDiscovered(kFirst);
-    QCOMPARE(listed(), QStringList({kFirst, kSecond}));
-    emit discovery().serverTimeouted(QStringLiteral("10.0.0.100"));
-    emit discovery().serverTimeouted(kFirst);
-    QCOMPARE(listed(), QStringList({kSecond}));
-    emit discovery().serverDiscovered(kFirst);
-    emit discovery().serverDisconnected(kSecond);
-    QCOMPARE(listed(), QStringList({kFirst}));
-
-    // A purged address comes back only after it was dropped.
-    find<ConnectPage>()->purgeIp();
-    emit discovery().serverDiscovered(kFirst);
-    QCOMPARE(listed(), QStringList());
-    emit discovery().serverTimeouted(kFirst);
-    emit discovery().serverDiscovered(kFirst);
-    QCOMPARE(listed(), QStringList({kFirst}));
-}
-
-void TestGuiCompanion::oneAddressIsMarkedAndConnectedTo() {
-    emit discovery().serverDiscovered(kFirst);
-    emit discovery().serverDiscovered(kSecond);
-    disconnect(find<ConnectPage>(), nullptr, window_, nullptr);
-    QSignalSpy connections(find<ConnectPage>(), &ConnectPage::connection);
-    QPushButton* connect = button(currentPage(), QString());
-    QTest::mouseClick(connect, Qt::LeftButton); // nothing is selected
-    QCOMPARE(connections.count(), 0);
-    QCOMPARE(connectLook(), "off arrow");
-
-    QTRY_VERIFY(button(find<IPList>(), kSecond) != nullptr); // once it is laid out
-    QTest::mouseClick(button(find<IPList>(), kSecond), Qt::LeftButton);
-    QTest::mouseClick(button(find<IPList>(), kFirst), Qt::LeftButton);
-    QCOMPARE(listed(), QStringList({kFirst + " marked", kSecond}));
-    QCOMPARE(connectLook(), "on hand");
-    // The selection outlives its button.
-    emit discovery().serverTimeouted(kFirst);
-    QCOMPARE(listed(), QStringList({kSecond}));
-    QCOMPARE(connectLook(), "on hand");
-    emit discovery().serverDiscovered(kFirst);
-    QCOMPARE(listed(), QStringList({kSecond, kFirst + " marked"}));
-
-    QTest::mouseClick(connect, Qt::LeftButton);
-    QCOMPARE(connections.count(), 1);
-    QCOMPARE(connections.first().first().toString(), kFirst);
-    QCOMPARE(listed(), QStringList({kSecond, kFirst}));
-    QCOMPARE(connectLook(), "off arrow");
-    QTest::mouseClick(connect, Qt::LeftButton);
-    QCOMPARE(connections.count(), 1);
-}
-
-void TestGuiCompanion::anAddressMayGoWhileItIsBeingPressed() {
-    emit discovery().serverDiscovered(kFirst);
-    QTRY_VERIFY(button(find<IPList>(), kFirst) != nullptr);
-    QPushButton* address = button(find<IPList>(), kFirst);
-    QCoreApplication::processEvents(); // to its place
-    const QPoint place = address->mapTo(window_, address->rect().center());
-    QTest::mousePress(window_->windowHandle(), Qt::LeftButton, {}, place);
-    QVERIFY(address->isDown());
-    emit discovery().serverTimeouted(kFirst);
-    QTest::mouseRelease(window_->windowHandle(), Qt::LeftButton, {}, place);
-    QVERIFY(find<IPList>()->selectedIp().isEmpty());
-}
-
-void TestGuiCompanion::manyProducersCanBeScrolledTo() {
-    for (int i = 0; i < 40; ++i)
-        emit discovery().serverDiscovered(QStringLiteral("10.0.1.%1").arg(i));
-    auto* scrollBar = find<ConnectPage>()->findChild<QScrollArea*>()->verticalScrollBar();
-    QTRY_VERIFY(scrollBar->maximum() > 0);
-    scrollBar->setValue(scrollBar->maximum());
-    for (const auto* seen :
-         {button(find<IPList>(), QStringLiteral("10.0.1.39")), button(currentPage(), QString())}) {
-        QVERIFY(currentPage()->rect().contains(
-            QRect(seen->mapTo(currentPage(), QPoint()), seen->size())));
-    }
-}
-
-void TestGuiCompanion::tabsShowTheirPages() {
-    connectByHand();
-    auto* banner = find<HeadBanner>();
-    // From left to right: a cap, the tabs, a cap; which of them are lit.
-    const QList<QAbstractButton*> row = banner->findChild<QButtonGroup*>()->buttons();
-    const auto lit = [&row] {
-        QString marks;
-        for (const QAbstractButton* each : row) {
-            const QLatin1StringView look[] = {QLatin1StringView(ShellLook::kLeftCapOn),
-                                              QLatin1StringView(ShellLook::kTabOn),
-                                              QLatin1StringView(ShellLook::kRightCapOn)};
-            marks += std::ranges::count(look, each->styleSheet()) > 0 ? '1' : '0';
-        }
-        return marks;
-    };
-    QCOMPARE(lit(), "110000");
-    struct Press {
-        int position;
-        bool (TestGuiCompanion::*isShown)() const;
-        QString lit;
-    };
-    for (const Press& press : {Press{5, &TestGuiCompanion::shows<SettingsPage>, "000011"},
-                               Press{1, &TestGuiCompanion::shows<WarpPage>, "110000"},
-                               Press{2, &TestGuiCompanion::shows<QuickKeysPage>, "001000"},
-                               Press{3, &TestGuiCompanion::shows<TestPatternPage>, "000100"},
-                               Press{4, &TestGuiCompanion::shows<SettingsPage>, "000011"},
-                               Press{0, &TestGuiCompanion::shows<WarpPage>, "110000"}}) {
-        QTest::mousePress(row[press.position], Qt::LeftButton);
-        QVERIFY((this->*press.isShown)()); // already on the press
-        QTest::mouseRelease(row[press.position], Qt::LeftButton);
-        QCOMPARE(lit(), press.lit);
-        QVERIFY(!banner->isAncestorOf(QApplication::focusWidget()));
-    }
-    // What is no page stays away.
-    messages_->expect(QtDebugMsg, "This menu page does not exist!", 2);
-    for (const int tab : {0, 5})
-        banner->onMenuTabPressed(tab);
-    QVERIFY(shows<WarpPage>());
-
-    // Without a mouse: Tab leads to the tabs and to the way out, and shows where it is.
-    QTest::mouseClick(row[4], Qt::LeftButton);
-    const auto tabTo = [&](const QString& text) {
-        QPushButton* target = button(banner, text);
-        for (int i = 0; i < 20 && !target->hasFocus(); ++i)
-            QTest::keyClick(window_->windowHandle(), Qt::Key_Tab);
-        return target->hasFocus();
-    };
-    QVERIFY(tabTo(kDisconnect));
-    const auto look = [&] { return row[3]->grab().toImage(); };
-    const QImage idle = look();
-    QVERIFY(tabTo("Test patterns"));
-    QVERIFY(look() != idle);
-    QTest::keyClick(window_->windowHandle(), Qt::Key_Space);
-    QVERIFY(shows<TestPatternPage>());
-    QVERIFY(currentPage()->hasFocus());
-
-    // To the page that is shown already the keyboard is not given again.
-    QTest::mouseClick(row[1], Qt::LeftButton);
-    auto* search = find<WarpPage>()->findChild<QLineEdit*>();
-    search->setFocus();
-    QTest::mouseClick(row[1], Qt::LeftButton);
-    QVERIFY(search->hasFocus());
-}
-
-void TestGuiCompanion::aLossVeilsTheWindow() {
-    CheckConnection::firstCheckDelay = 1h;
-    connectByHand();
-    KeyRecorder recorder;
-    const QList<int> keys{Qt::Key_M, Qt::Key_Space, Qt::Key_Left};
-    for (const Page page : {Page::QuickKeys, Page::TestPatterns, Page::Settings}) {
-        find<Content>()->setPage(page);
-        for (const int key : keys)
-            QTest::keyClick(window_->windowHandle(), Qt::Key(key));
-        QCOMPARE(std::exchange(recorder.keys, {}), keys);
-    }
-    find<Content>()->setPage(Page::Warp);
-    find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
-    QTest::keyClick(window_->windowHandle(), Qt::Key_M);
-    QCOMPARE(std::exchange(recorder.keys, {}), QList<int>({Qt::Key_M}));
-
-    const QPushButton* bannerButton = button(find<HeadBanner>(), kDisconnect);
-    const QRect place(bannerButton->mapTo(window_, QPoint()), bannerButton->size());
-    QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
-    loseConnection();
-    QCOMPARE(overlay()->geometry(), window_->rect());
-    QCOMPARE(forgotten.count(), 1);
-    QCOMPARE(forgotten.first().first().toString(), kProducerAddress.toString());
-    QVERIFY(shows<WarpPage>());
-    // The way out is where the operator's finger knows it.
-    const QPushButton* way = button(overlay(), kDisconnect);
-    QTRY_COMPARE(QRect(way->mapTo(window_, QPoint()), way->size()), place);
-    emit EventDispatcher::getInstance()->disconnected(); // once more
-    QCOMPARE(window_->findChildren<DisconnectOverlay*>().size(), 1);
-    window_->resize(1600, 900);
-    QTRY_COMPARE(overlay()->geometry(), QRect(0, 0, 1600, 900));
-
-    // No key gets below, and afterwards they go where they went before.
-    for (const auto key : {Qt::Key_M, Qt::Key_Space, Qt::Key_Left, Qt::Key_Tab})
-        QTest::keyClick(window_->windowHandle(), key);
-    QTest::keyClick(window_->windowHandle(), Qt::Key_Tab); // off the button again
-    QTest::keyClick(window_->windowHandle(), Qt::Key_Escape);
-    QCOMPARE(recorder.keys, QList<int>());
-    QVERIFY(overlay() != nullptr);
-    startProducer();
-    window_->onServerAvailableAgain();
-    QVERIFY(client().isConnected());
-    QVERIFY(find<WarpPage>()->findChild<QCheckBox*>()->hasFocus());
-}
-
-void TestGuiCompanion::aLossIsMendedAgainAndAgain() {
-    connectByHand();
-    find<Content>()->setPage(Page::Settings);
-    QTest::mouseClick(find<SettingsPage>()->findChild<QCheckBox*>(), Qt::LeftButton);
-    for (auto* choice : find<SettingsPage>()->findChildren<QComboBox*>())
-        QTest::keyClick(choice, Qt::Key_End); // the last colour, the last shape
-    QTRY_VERIFY(*producer_->events().back() == UpdateSettingsEvent("#ffff00", 4));
-    QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
-    for (int loss = 1; loss <= 3; ++loss) {
-        find<Content>()->setPage(Page::QuickKeys);
-        loseConnection();
-        QCOMPARE(forgotten.count(), loss); // each is handled once
-        QVERIFY(shows<QuickKeysPage>());
-        if (loss == 2) {
-            QVERIFY(producer_->answerDiscovery(kProducerAddress)); // there, but not ready
-            QTRY_VERIFY(overlay() == nullptr);
-            QVERIFY(!client().isConnected());
-            QVERIFY(shows<QuickKeysPage>());
-        }
-        startProducer();
-        QTRY_VERIFY(client().isConnected());
-        QVERIFY(overlay() == nullptr);
-        QTRY_VERIFY(producer_->events().size() == 2);
-        QVERIFY(*producer_->events()[0] == MsgEvent("getResources"));
-        QVERIFY(*producer_->events()[1] == UpdateSettingsEvent("#ffff00", 4));
-        QVERIFY(shows<WarpPage>());
-        QCOMPARE(button(find<HeadBanner>(), "Warp")->styleSheet(),
-                 QLatin1StringView(ShellLook::kTabOn));
-    }
-}
-
-void TestGuiCompanion::aConnectionThatBreaksAtOnceIsALoss() {
-    QTRY_VERIFY(button(find<IPList>(), kProducerAddress.toString()) != nullptr);
-    producer_->stopAnswering();
-    QCoreApplication::processEvents(); // takes an answer that is on its way
-    connect(producer_.get(), &FakeProducer::connected, producer_.get(), [this] {
-        producer_->stopListening();
-        producer_->abortConnections();
-    });
-    pressConnect();
-    QTRY_VERIFY(overlay() != nullptr);
-    QVERIFY(shows<WarpPage>());
-    producer_->disconnect();
-    startProducer();
-    QTRY_VERIFY(client().isConnected());
-    QVERIFY(overlay() == nullptr);
-}
-
-void TestGuiCompanion::theOperatorsDisconnectIsForGood_data() {
-    QTest::addColumn<bool>("lost");
-    QTest::newRow("while connected") << false;
-    QTest::newRow("while the connection is lost") << true;
-}
-
-void TestGuiCompanion::theOperatorsDisconnectIsForGood() {
-    QFETCH(bool, lost);
-    connectByHand();
-    if (lost)
-        loseConnection();
-    const QWidget* parent = lost ? static_cast<QWidget*>(overlay()) : find<HeadBanner>();
-    QPushButton* way = button(parent, kDisconnect);
-    // Sliding off takes the press back.
-    const QPoint on = way->mapTo(window_, way->rect().center());
-    const QPoint off = on - QPoint(way->width(), 0);
-    QTest::mousePress(window_->windowHandle(), Qt::LeftButton, {}, on);
-    QTest::mouseMove(window_->windowHandle(), off);
-    QVERIFY(!way->isDown());
-    QTest::mouseRelease(window_->windowHandle(), Qt::LeftButton, {}, off);
-    QCOMPARE(client().isConnected(), !lost);
-    QCOMPARE(overlay() != nullptr, lost);
-
-    QTest::mousePress(way, Qt::LeftButton);
-    QVERIFY(shows<WarpPage>()); // not before the release
-    QTest::mouseRelease(way, Qt::LeftButton);
-    QVERIFY(overlay() == nullptr);
-    QVERIFY(!client().isConnected());
-    QVERIFY(shows<ConnectPage>() && !showsWayOut());
-
-    // The Producer is seen, for long, and left alone.
-    if (lost)
-        startProducer();
-    QTRY_COMPARE(producer_->connectionCount(), 0);
-    const int accepted = producer_->acceptedCount();
-    QTRY_VERIFY(button(find<IPList>(), kProducerAddress.toString()) != nullptr);
-    QTest::qWait(50); // several checks of a watcher that went on
-    QCOMPARE(producer_->acceptedCount(), accepted);
-    QVERIFY(shows<ConnectPage>());
-    QVERIFY(overlay() == nullptr);
-
-    // The next connection is watched again.
-    producer_->forget();
-    connectByHand();
-    loseConnection();
-    startProducer();
-    QTRY_VERIFY(client().isConnected());
-}
-
-void TestGuiCompanion::theWindowMayGoInAnyState_data() {
-    QTest::addColumn<bool>("lost");
-    QTest::newRow("connected") << false;
-    QTest::newRow("lost") << true;
-}
-
-void TestGuiCompanion::theWindowMayGoInAnyState() {
-    QFETCH(bool, lost);
-    connectByHand();
-    if (lost) {
-        loseConnection();
-        startProducer();
-    }
-    rig_->close();
-    producer_->send(MsgEvent("newShow")); // to nobody
-    QTest::qWait(50);                     // a watcher that had survived would reconnect
-    QCOMPARE(client().isConnected(), !lost);
-}
-
-/// As a window system reports it that releases the key between repetitions.
-void TestGuiCompanion::aHeldKeyPressesOnce() {
-    KeyRepeatFilter filter(nullptr);
-    qApp->installEventFilter(&filter);
-    QPushButton button;
-    QSignalSpy pressed(&button, &QPushButton::pressed);
-    QLineEdit edit;
-    const auto send = [](QWidget& to, QEvent::Type type, quint64 time) {
-        QKeyEvent event(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
-        event.setTimestamp(time);
-        QApplication::sendEvent(&to, &event);
-    };
-    for (QWidget* to : {static_cast<QWidget*>(&button), static_cast<QWidget*>(&edit)}) {
-        for (quint64 time = 1000; time < 1400; time += 40) {
-            send(*to, QEvent::KeyPress, time);
-            send(*to, QEvent::KeyRelease, time + 40);
-        }
-    }
-    QCOMPARE(pressed.size(), 1);
-    QCOMPARE(edit.text(), QString(10, QLatin1Char(' '))); // text repeats
-
-    send(button, QEvent::KeyPress, 2000); // pressed anew
-    send(button, QEvent::KeyRelease, 2050);
-    send(button, QEvent::KeyPress, 2051);
-    QCOMPARE(pressed.size(), 3);
-}
-
-/// Over a widget that styles itself, and over a part of it that has no tip of its own.
-void TestGuiCompanion::aTipHasTheLookOfTheApplication() {
-    ToolTipFilter filter(nullptr);
-    qApp->installEventFilter(&filter);
-    connectByHand();
-    QPushButton* button = this->button(find<HeadBanner>(), kDisconnect);
-    button->setToolTip(QStringLiteral("What it does"));
-    auto* part = new QLabel(QStringLiteral("part"), button);
-    part->show();
-    const auto shownTip = []() -> QWidget* {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->windowType() == Qt::ToolTip && widget->isVisible())
-                return widget;
-        return nullptr;
-    };
-    for (QWidget* under : {static_cast<QWidget*>(button), static_cast<QWidget*>(part)}) {
-        QHelpEvent rest(QEvent::ToolTip, QPoint(2, 2), under->mapToGlobal(QPoint(2, 2)));
-        QApplication::sendEvent(under, &rest);
-        QCOMPARE(QToolTip::text(), button->toolTip());
-        QVERIFY(shownTip() != nullptr);
-        const QImage image = shownTip()->grab().toImage();
-        QCOMPARE(image.pixelColor(0, image.height() / 2), QColor(0xa0a0a0));
-        QCOMPARE(image.pixelColor(4, image.height() / 2), QColor(0x1e1e1e));
-        QToolTip::hideText();
-        QTRY_VERIFY(shownTip() == nullptr);
-    }
-}
 
 QTEST_MAIN(TestGuiCompanion)
 #include "tst_gui_companion.moc"

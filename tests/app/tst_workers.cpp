@@ -9,7 +9,6 @@
 #include <QTest>
 
 #include <atomic>
-#include <thread>
 
 using namespace std::chrono_literals;
 
@@ -17,27 +16,34 @@ namespace {
 
 const QString kProducer = QStringLiteral("10.77.0.1"); // the virtual interface of this test
 
-/// Answers on this host from now on, for a first time at once.
-struct SteadyProducer : MeshpadTest::FakeProducer {
-    SteadyProducer() {
-        QVERIFY(answerDiscovery(QHostAddress(kProducer)));
-        EventDispatcher::getInstance()->networkUtils().pingServers();
-    }
-};
+NetworkCompanion::NetworkUtils& discovery() {
+    return EventDispatcher::getInstance()->networkUtils();
+}
 
-/// Counts as the Canvas hears them: on this thread.
-class TickCounter : public QObject {
-public:
+/// Counts on this thread.
+struct TickCounter : QObject {
     explicit TickCounter(const UpdateProducer& thread) {
         connect(
-            &thread, &UpdateProducer::updateProducer, this, [this] { ++count; });
+            &thread, &UpdateProducer::updateProducer, this, [this] { ++ticks; });
     }
-    int count = 0;
+    int ticks = 0;
 };
 
-auto availableServers() {
-    return EventDispatcher::getInstance()->networkUtils().getAvailableServers();
-}
+/// A watcher, not started, of a Producer that discovery lists.
+struct Watch {
+    explicit Watch(const Timing& timing) : thread(nullptr, timing) {
+        thread.setWatchedAddress(kProducer);
+        QVERIFY(producer.answerDiscovery(QHostAddress(kProducer)));
+        discovery().pingServers();
+        QTRY_VERIFY(discovery().getAvailableServers().contains(kProducer));
+        clock.start();
+    }
+
+    MeshpadTest::FakeProducer producer;
+    CheckConnection thread;
+    QSignalSpy announcements{&thread, &CheckConnection::serverAvailableAgain};
+    QElapsedTimer clock;
+};
 
 } // namespace
 
@@ -45,132 +51,104 @@ class TestWorkers : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { EventDispatcher::getInstance(); } // hears from now on
-    void init() {
-        GuardedTest::init();
-        UpdateProducer::tickPeriod = 1h;
-        CheckConnection::firstCheckDelay = 1h;
-        CheckConnection::checkPeriod = 1h;
-    }
+    void initTestCase() { EventDispatcher::getInstance(); } // starts discovery
 
-    void tickRunsWithItsPeriodAndEndsAtOnceWithOneLastSignal() {
-        UpdateProducer thread(nullptr);
-        TickCounter ticks(thread);
-        UpdateProducer::tickPeriod = 50ms;
+    void tickRepeatsWithItsPeriod() {
+        UpdateProducer thread(nullptr, {.tickPeriod = 50ms});
+        const TickCounter counter(thread);
         QElapsedTimer clock;
         clock.start();
         thread.start();
-        QTRY_VERIFY(ticks.count >= 3);
+        QTRY_VERIFY(counter.ticks >= 3);
         QVERIFY2(clock.elapsed() >= 150, qPrintable(QString::number(clock.elapsed())));
-        thread.stop();
-        QCoreApplication::processEvents();
+    }
 
-        UpdateProducer::tickPeriod = 1h;
-        for (int drag = 1; drag <= 2; ++drag) { // it can be started again
-            ticks.count = 0;
+    void tickEndsAtOnceWithOneMoreSignal() {
+        UpdateProducer thread(nullptr, {.tickPeriod = 1h});
+        const TickCounter counter(thread);
+        for (int drag = 1; drag <= 2; ++drag) {
             thread.start();
             thread.stop();
             QVERIFY(thread.isFinished());
             QCoreApplication::processEvents();
-            QCOMPARE(ticks.count, 1);
+            QCOMPARE(counter.ticks, drag);
         }
-        UpdateProducer::tickPeriod = 20ms;
-        connect(
-            &thread, &UpdateProducer::updateProducer, &thread,
-            [&thread] { thread.requestInterruption(); }, Qt::DirectConnection);
-        thread.start();
-        QVERIFY(thread.wait(60'000));
-        thread.stop(); // while it is not running
-        QCoreApplication::processEvents();
-        QCOMPARE(ticks.count, 3);
     }
 
-    void watcherWaitsAndThenChecksAgainAndAgain() {
-        CheckConnection::firstCheckDelay = 300ms;
-        CheckConnection::checkPeriod = 50ms;
-        CheckConnection thread(nullptr);
-        thread.setWatchedAddress(kProducer);
-        QSignalSpy announcements(&thread, &CheckConnection::serverAvailableAgain);
-        SteadyProducer producer;
-        QTRY_VERIFY(availableServers().contains(kProducer));
-
-        QElapsedTimer clock;
-        clock.start();
+    void tickEndsWhenInterrupted() {
+        UpdateProducer thread(nullptr, {.tickPeriod = 20ms});
+        const TickCounter counter(thread);
         thread.start();
-        QTRY_VERIFY(announcements.count() >= 3);
-        QVERIFY2(clock.elapsed() >= 400, qPrintable(QString::number(clock.elapsed())));
+        thread.requestInterruption();
+        QVERIFY(thread.wait(60'000));
+        thread.stop(); // does nothing
+        QTRY_COMPARE(counter.ticks, 1);
+    }
 
-        // An address that only begins like the Producer's is not the Producer's.
-        thread.setWatchedAddress(QStringLiteral("10.77.0.10"));
-        QVERIFY(!announcements.wait(100));
-        thread.setWatchedAddress(kProducer);
-        QVERIFY(announcements.wait());
+    void watcherWaitsBeforeItsFirstCheck() {
+        Watch watch({.firstCheckDelay = 300ms, .checkPeriod = 50ms});
+        watch.thread.start();
+        QTRY_VERIFY(watch.announcements.size() >= 3);
+        QVERIFY2(watch.clock.elapsed() >= 400, qPrintable(QString::number(watch.clock.elapsed())));
+    }
 
-        producer.stopAnswering();
-        QCoreApplication::processEvents(); // takes an answer that is on its way
-        EventDispatcher::getInstance()->networkUtils().serverHasDisconnected(kProducer);
-        QVERIFY(!announcements.wait(100));
+    void watcherAnnouncesOnlyTheWatchedProducer() {
+        Watch watch({.firstCheckDelay = 1ms, .checkPeriod = 20ms});
+        watch.thread.setWatchedAddress(kProducer + '0');
+        watch.thread.start();
+        QVERIFY(!watch.announcements.wait(100));
+        watch.thread.setWatchedAddress(kProducer);
+        QVERIFY(watch.announcements.wait());
+
+        watch.producer.stopAnswering();
+        QCoreApplication::processEvents(); // receives an answer that has been sent
+        discovery().serverHasDisconnected(kProducer);
+        QVERIFY(!watch.announcements.wait(100));
     }
 
     void watcherIsSilentAfterItsStop() {
-        CheckConnection::firstCheckDelay = 1ms;
-        CheckConnection::checkPeriod = 1ms;
-        CheckConnection thread(nullptr);
-        thread.setWatchedAddress(kProducer);
-        QSignalSpy announcements(&thread, &CheckConnection::serverAvailableAgain);
-        const SteadyProducer producer;
-        QTRY_VERIFY(availableServers().contains(kProducer));
-        thread.start();
-        QVERIFY(announcements.wait());
-
-        // The thread has announced more while nobody looked: it must not come out later.
-        QThread::msleep(50);
-        thread.stop();
-        const auto heard = announcements.count();
-        QVERIFY(!announcements.wait(100));
-        QCOMPARE(announcements.count(), heard);
-
-        // Nor must a stale one come out under the next watch.
-        CheckConnection::firstCheckDelay = 60s;
-        thread.start();
-        QVERIFY(!announcements.wait(100));
-        QElapsedTimer clock;
-        clock.start();
-        thread.stop();
-        QVERIFY2(clock.elapsed() < 30'000, "the stop has waited for the period");
+        Watch watch({.firstCheckDelay = 1ms, .checkPeriod = 1ms});
+        watch.thread.start();
+        QVERIFY(watch.announcements.wait());
+        QThread::msleep(50); // queues an announcement
+        watch.thread.stop();
+        watch.announcements.clear();
+        QVERIFY(!watch.announcements.wait(100));
+        watch.thread.start(); // again
+        QVERIFY(watch.announcements.wait());
     }
 
-    void checksOfABusyTimeDoNotPileUp_data() {
-        QTest::addColumn<std::chrono::milliseconds>("busy");
+    void watcherStopsAtOnce() {
+        Watch watch({.firstCheckDelay = 60s});
+        watch.thread.start();
+        QVERIFY(!watch.announcements.wait(50));
+        watch.thread.stop();
+        QVERIFY(watch.clock.elapsed() < 30'000);
+    }
+
+    void checksDuringABusyTimeCauseAtMostOneAnnouncement_data() {
+        QTest::addColumn<int>("busy"); // ms
         QTest::addColumn<int>("announced");
-        QTest::newRow("shortly") << 100ms << 1;
-        QTest::newRow("as long as a failing attempt to connect") << 1'200ms << 0;
+        QTest::newRow("shortly") << 100 << 1;
+        QTest::newRow("as long as a failing attempt to connect") << 1'200 << 0;
     }
-    void checksOfABusyTimeDoNotPileUp() {
-        QFETCH(std::chrono::milliseconds, busy);
+    void checksDuringABusyTimeCauseAtMostOneAnnouncement() {
+        QFETCH(int, busy);
         QFETCH(int, announced);
-        CheckConnection::firstCheckDelay = 1ms;
-        CheckConnection::checkPeriod = 1ms;
-        CheckConnection thread(nullptr);
-        thread.setWatchedAddress(kProducer);
-        QSignalSpy announcements(&thread, &CheckConnection::serverAvailableAgain);
+        Watch watch({.firstCheckDelay = 1ms, .checkPeriod = 1ms});
         std::atomic<bool> seen = false;
         connect(
-            &thread, &CheckConnection::seen, this, [&] { seen = true; }, Qt::DirectConnection);
-        const SteadyProducer producer;
-        QTRY_VERIFY(availableServers().contains(kProducer));
-        QElapsedTimer clock;
-        clock.start();
-        thread.start();
+            &watch.thread, &CheckConnection::seen, this, [&] { seen = true; },
+            Qt::DirectConnection);
+        watch.thread.start();
         while (!seen)
             QThread::msleep(1);
-        std::this_thread::sleep_for(busy);
-        thread.requestInterruption();
-        thread.wait();
-        QCOMPARE(announcements.count(), 0);
+        QThread::msleep(static_cast<unsigned long>(busy));
+        watch.thread.requestInterruption();
+        watch.thread.wait();
         QCoreApplication::processEvents();
-        if (clock.elapsed() < 1'000 || announced == 0) // shortly, for the machine as well
-            QCOMPARE(announcements.count(), announced);
+        if (announced == 0 || watch.clock.elapsed() < 1'000) // not on a busy machine
+            QCOMPARE(watch.announcements.size(), announced);
     }
 };
 

@@ -1,6 +1,5 @@
 #include "app/DisconnectOverlay.h"
 #include "app/GuiCompanion.h"
-#include "app/shell/CheckConnection.h"
 #include "app/shell/EventDispatcher.h"
 #include "mesh/MeshGridItem.h"
 #include "tests/chaos/ProducerMachine.h"
@@ -64,11 +63,6 @@ class ChaosTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase() {
-        CheckConnection::firstCheckDelay = 5ms;
-        CheckConnection::checkPeriod = 5ms;
-    }
-
     void init() {
         GuardedTest::init();
         random_.seed(seed_);
@@ -79,10 +73,9 @@ private slots:
             [this] { return new ProducerMachine(kThere, kHere, seed_); });
         QVERIFY(producer_->isUp);
 
-        rig_.emplace();
+        rig_.emplace(Timing{5ms, 5ms, 20ms});
         window_ = rig_->window.get();
         rig_->show();
-        UpdateProducer::tickPeriod = 20ms;
         lost_.emplace(EventDispatcher::getInstance(), &EventDispatcher::disconnected);
         EventDispatcher::getInstance()
             ->networkUtils()

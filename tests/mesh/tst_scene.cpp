@@ -130,9 +130,8 @@ void SceneCasesTest::randomGesturesLoseNothing_data() {
 
 void SceneCasesTest::randomGesturesLoseNothing() {
     QFETCH(bool, isXy);
-    UpdateProducer::tickPeriod = std::chrono::milliseconds(3);
-    const auto restore =
-        qScopeGuard([] { UpdateProducer::tickPeriod = UpdateProducer::kTickPeriod; });
+    scene.reset();
+    scene = std::make_unique<SceneRig>(QSize(1060, 610), Timing{.tickPeriod = 3ms});
     QRandomGenerator random(isXy ? 20260217 : 20260218);
     const QStringList modifiers{"",     "Shift+",     "Ctrl+",     "Ctrl+Shift+",
                                 "Alt+", "Shift+Alt+", "Ctrl+Alt+", "Ctrl+Shift+Alt+"};

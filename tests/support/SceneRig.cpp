@@ -11,7 +11,7 @@ using namespace NetworkCompanion;
 
 namespace MeshpadTest {
 
-SceneRig::SceneRig(QSize size)
+SceneRig::SceneRig(QSize size, const Timing& timing)
     : screen(kScreen, 100, kScreenSize.width(), kScreenSize.height(), false, "Screen",
              configuration, nullptr),
       part(kPart, 101, kScreenSize.width(), kScreenSize.height(), false, "Part", configuration,
@@ -22,7 +22,7 @@ SceneRig::SceneRig(QSize size)
               configuration, nullptr) {
     screen.addPart(&part);
     connect();
-    canvas = std::make_unique<Canvas>(configuration, nullptr);
+    canvas = std::make_unique<Canvas>(configuration, nullptr, timing);
     view = canvas->findChild<QQuickWidget*>();
     canvas->resize(size);
     canvas->show();

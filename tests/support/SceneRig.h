@@ -25,7 +25,7 @@ public:
     static constexpr QSize kScreenSize{1920, 1080};
     static constexpr QSize kMediaSize{1000, 600};
 
-    explicit SceneRig(QSize size = {1060, 610});
+    explicit SceneRig(QSize size = {1060, 610}, const Timing& timing = Timing());
     ~SceneRig();
 
     /// One of the items below. `deformation` in the scene's numbers, 0 none to 3 curve.

@@ -1,7 +1,6 @@
 #include "tests/support/WindowRig.h"
 
 #include "app/Content.h"
-#include "app/shell/UpdateProducer.h"
 #include "network/events/AddMediaEvent.h"
 #include "network/events/MediaDeformationModeEvent.h"
 #include "warp/Item.h"
@@ -14,7 +13,8 @@ using namespace NetworkCompanion;
 
 namespace MeshpadTest {
 
-WindowRig::WindowRig() : window(std::make_unique<GuiCompanion>(nullptr)) {
+WindowRig::WindowRig(const Timing& timing)
+    : window(std::make_unique<GuiCompanion>(nullptr, timing)) {
     view = find<QQuickWidget>();
 }
 
@@ -23,7 +23,6 @@ WindowRig::~WindowRig() {
         window->onDisconnectFromServer();
         close();
     }
-    UpdateProducer::tickPeriod = UpdateProducer::kTickPeriod;
 }
 
 void WindowRig::show() {
@@ -32,7 +31,6 @@ void WindowRig::show() {
 }
 
 void WindowRig::open() {
-    UpdateProducer::tickPeriod = std::chrono::milliseconds(5);
     QVERIFY(producer.listen(QHostAddress::LocalHost, kProducerPort));
     show();
     window->onConnectToServer(producer.host());

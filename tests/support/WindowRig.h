@@ -17,13 +17,13 @@ public:
     static constexpr int kMediaId = 5;
 
     /// Creates the window without showing it.
-    WindowRig();
+    explicit WindowRig(const Timing& timing = {.tickPeriod = std::chrono::milliseconds(5)});
     /// Disconnects and destroys the window, if it still exists.
     ~WindowRig();
 
     /// Shows the window and waits until it is active.
     void show();
-    /// Shows the window and connects it to the fake Producer, with a fast tick.
+    /// Shows the window and connects it to the fake Producer.
     void open();
     /// Destroys the window without disconnecting it.
     void close();

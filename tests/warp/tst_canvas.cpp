@@ -1,4 +1,3 @@
-#include "app/shell/UpdateProducer.h"
 #include "input/key_event_manager.h"
 #include "network/events/AddMediaEvent.h"
 #include "network/events/AddScreenEvent.h"
@@ -55,7 +54,6 @@ private slots:
         GuardedTest::init();
         rig_.emplace();
         rig_->connect();
-        UpdateProducer::tickPeriod = std::chrono::hours(1); // no tick unless a test shortens it
         media_.reset(new MediaItem(MediaType::Image, 11, 12, 13, 0, 0, false, "Clip",
                                    configuration_, nullptr));
         texture_.reset(new TextureItem(21, 22, 23, 0, 0, false, "Sky", configuration_, nullptr));
@@ -63,7 +61,9 @@ private slots:
         otherScreen_.reset(new ScreenItem(8, 34, 0, 0, false, "Roof", configuration_, nullptr));
         part_.reset(new ScreenPartItem(2, 43, 0, 0, false, "Left", configuration_, nullptr));
         screen_->addPart(part_.get());
-        canvas_ = std::make_unique<Canvas>(configuration_, nullptr);
+        // Without a tick unless a test shortens the period.
+        canvas_ = std::make_unique<Canvas>(configuration_, nullptr,
+                                           Timing{.tickPeriod = std::chrono::hours(1)});
         log_.clear();
     }
     void cleanup() {
@@ -110,7 +110,8 @@ private slots:
     }
 
     void sendsNewestMoveOfEachPointWithTheTick() {
-        UpdateProducer::tickPeriod = std::chrono::milliseconds(20);
+        canvas_ = std::make_unique<Canvas>(configuration_, nullptr,
+                                           Timing{.tickPeriod = std::chrono::milliseconds(20)});
         canvas_->onSelectedItem(screen_.get());
         canvas_->startMovePointTimer();
         canvas_->moveScreenPoint(7, "Wall", 5, 1, 0, 0, true, true);
