@@ -1,5 +1,6 @@
 #include "app/shell/EventDispatcher.h"
 #include "app/shell/EventListener.h"
+#include "app/shell/EventSubscription.h"
 #include "network/events/AddMediaEvent.h"
 #include "network/events/BlindEvent.h"
 #include "network/events/MediaBlindEvent.h"
@@ -16,24 +17,19 @@ using Type = LV_NTC_EventType;
 
 namespace {
 
-/// Writes its name down for every event and may then do something to the dispatcher.
+/// Records its name and the type of every event, then calls `then`.
 class Recorder : public EventListener {
 public:
     Recorder(QString name, QStringList& calls) : name_(std::move(name)), calls_(calls) {}
-    ~Recorder() override {
-        for (const Type type : types_)
-            EventDispatcher::getInstance()->removeListener(this, type);
-    }
-    Q_DISABLE_COPY_MOVE(Recorder)
 
     void listenTo(Type type) {
-        types_.push_back(type);
-        EventDispatcher::getInstance()->addListener(this, type);
+        subscriptions_.push_back(
+            std::make_unique<EventSubscription>(this, std::span<const Type>(&type, 1)));
     }
     void receive(Event* event) override {
         calls_ << name_ + QString::number(static_cast<int>(event->type()));
         if (then)
-            then();
+            std::exchange(then, nullptr)();
     }
 
     std::function<void()> then;
@@ -41,7 +37,7 @@ public:
 private:
     QString name_;
     QStringList& calls_;
-    std::vector<Type> types_;
+    std::vector<std::unique_ptr<EventSubscription>> subscriptions_;
 };
 
 void dispatch(Event* event) {
@@ -51,7 +47,6 @@ void dispatch(Event* event) {
 
 } // namespace
 
-/// Everything that dispatching promises, with events handed in as the client hands them in.
 class TestEventDispatcher : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
@@ -61,72 +56,64 @@ private slots:
         calls_.clear();
     }
 
-    void listenersAreCalledInOrderOfRegistration() {
-        Recorder a(QStringLiteral("a"), calls_);
-        Recorder c(QStringLiteral("c"), calls_);
-        {
-            Recorder b(QStringLiteral("b"), calls_);
-            b.listenTo(Type::Blind);
-            a.listenTo(Type::MediaBlind);
-            c.listenTo(Type::Blind);
-            a.listenTo(Type::Blind);
-            b.listenTo(Type::Blind); // once more changes nothing
-            dispatch(new BlindEvent(0, 1, "", false));
-            dispatch(new MediaBlindEvent);
-            QCOMPARE(calls_, QStringList({"b3", "c3", "a3", "a4"}));
-        }
-        auto* dispatcher = EventDispatcher::getInstance();
-        dispatcher->removeListener(&a, Type::Msg);            // not registered for this one
-        dispatcher->removeListener(&a, Type::GetResourcesId); // a type that nobody ever used
-        calls_.clear();
+    void callsListenersInOrderOfRegistration() {
+        Recorder a("a", calls_);
+        auto b = std::make_unique<Recorder>("b", calls_);
+        Recorder c("c", calls_);
+        b->listenTo(Type::Blind);
+        a.listenTo(Type::MediaBlind);
+        c.listenTo(Type::Blind);
+        a.listenTo(Type::Blind);
+        EventDispatcher::getInstance()->addListener(b.get(), Type::Blind); // is registered
         dispatch(new BlindEvent(0, 1, "", false));
-        QCOMPARE(calls_, QStringList({"c3", "a3"}));
+        dispatch(new MediaBlindEvent);
+        QCOMPARE(calls_, QStringList({"b3", "c3", "a3", "a4"}));
+
+        b.reset();
+        EventDispatcher::getInstance()->removeListener(&a, Type::Msg);
+        EventDispatcher::getInstance()->removeListener(&a, Type::GetResourcesId);
+        dispatch(new BlindEvent(0, 1, "", false));
+        QCOMPARE(calls_.mid(4), QStringList({"c3", "a3"}));
     }
 
-    /// Once, and after its listeners: memory tools would see anything else.
-    void everyEventIsDeleted() {
-        Recorder a(QStringLiteral("a"), calls_);
-        Recorder b(QStringLiteral("b"), calls_);
+    /// The address sanitizer reports an event that is not deleted, or deleted too early.
+    void deletesEveryEvent() {
+        Recorder a("a", calls_);
+        Recorder c("c", calls_);
         a.listenTo(Type::Msg);
-        b.listenTo(Type::Msg);
-        dispatch(new MsgEvent("heard"));
-        dispatch(new UpdateSettingsEvent("", 0)); // nobody listens
+        c.listenTo(Type::Msg);
+        dispatch(new MsgEvent("text"));
+        dispatch(new UpdateSettingsEvent("", 0)); // without a listener
         dispatch(nullptr);                        // an undecodable frame
-        QCOMPARE(calls_, QStringList({"a1", "b1"}));
+        QCOMPARE(calls_, QStringList({"a1", "c1"}));
     }
 
-    void listenersMayComeAndGoDuringADispatch() {
-        auto leaving = std::make_unique<Recorder>(QStringLiteral("leaving"), calls_);
-        Recorder first(QStringLiteral("first"), calls_);
-        Recorder last(QStringLiteral("last"), calls_);
-        Recorder late(QStringLiteral("late"), calls_);
-        first.listenTo(Type::AddMedia);
-        leaving->listenTo(Type::AddMedia);
-        last.listenTo(Type::AddMedia);
-        first.then = [&] {
-            leaving.reset();
-            late.listenTo(Type::AddMedia);
-            late.listenTo(Type::ItemData); // makes the table of types grow
-            first.then = nullptr;
-            dispatch(new BlindEvent(0, 1, "", false)); // within the other
+    void listenersMayChangeDuringADispatch() {
+        Recorder a("a", calls_);
+        auto removed = std::make_unique<Recorder>("removed", calls_);
+        Recorder c("c", calls_);
+        Recorder added("added", calls_);
+        a.listenTo(Type::AddMedia);
+        a.listenTo(Type::Blind);
+        removed->listenTo(Type::AddMedia);
+        c.listenTo(Type::AddMedia);
+        a.then = [&] {
+            removed.reset();
+            added.listenTo(Type::AddMedia);
+            added.listenTo(Type::ItemData); // makes the table of types grow
+            dispatch(new BlindEvent(0, 1, "", false));
         };
-        first.listenTo(Type::Blind);
-        // Leaves and comes back in the middle of its own call: again at the end of the queue.
-        last.then = [&] {
-            last.then = nullptr;
-            EventDispatcher::getInstance()->removeListener(&last, Type::AddMedia);
-            EventDispatcher::getInstance()->addListener(&last, Type::AddMedia);
+        c.then = [&] { // moves itself to the end
+            EventDispatcher::getInstance()->removeListener(&c, Type::AddMedia);
+            EventDispatcher::getInstance()->addListener(&c, Type::AddMedia);
         };
         dispatch(new AddMediaEvent);
-        QCOMPARE(calls_, QStringList({"first9", "first3", "last9"}));
+        QCOMPARE(calls_, QStringList({"a9", "a3", "c9"}));
 
         calls_.clear();
-        first.then = [&] {
-            first.then = nullptr;
-            dispatch(new AddMediaEvent); // the same within itself
-        };
+        a.then = [] { dispatch(new AddMediaEvent); };
         dispatch(new AddMediaEvent);
-        QCOMPARE(calls_, QStringList({"first9", "first9", "late9", "last9", "late9", "last9"}));
+        QCOMPARE(calls_, QStringList({"a9", "a9", "added9", "c9", "added9", "c9"}));
     }
 
 private:

@@ -1,6 +1,6 @@
+#include "network/events/UpdateSettingsEvent.h"
 #include "pages/SettingsPage.h"
 #include "tests/support/GuardedTest.h"
-#include "tests/support/ProtocolBytes.h"
 #include "tests/support/WidgetRig.h"
 
 #include <QCheckBox>
@@ -8,68 +8,62 @@
 #include <QLabel>
 
 using namespace MeshpadTest;
+using NetworkCompanion::UpdateSettingsEvent;
 
 namespace {
 
-class SettingsTest : public WidgetRig<SettingsPage> {
+class SettingsRig : public WidgetRig<SettingsPage> {
 public:
-    QCheckBox* box() const { return widget->findChild<QCheckBox*>(); }
     QComboBox* combo(const QString& name) const {
-        for (auto* candidate : widget->findChildren<QComboBox*>())
-            if (candidate->accessibleName() == name)
-                return candidate;
-        qFatal("no such combo box");
+        const auto combos = widget->findChildren<QComboBox*>();
+        return *std::ranges::find(combos, name, &QComboBox::accessibleName);
     }
-    QComboBox* color() const { return combo("Points color"); }
-    QComboBox* shape() const { return combo("Points shape"); }
-    int visibleControls() const {
-        int count = 0;
-        for (const auto* label : widget->findChildren<QLabel*>())
-            count += label->isVisible() ? 1 : 0;
-        return count + (color()->isVisible() ? 1 : 0) + (shape()->isVisible() ? 1 : 0);
-    }
-};
 
-QByteArray settingsBytes(const char* color, int shape) {
-    return withLength(frame(27, text(color, 8) + int32(shape)));
-}
+    int visibleChoices() const {
+        int count = int(color->isVisible()) + int(shape->isVisible());
+        for (const auto* label : widget->findChildren<QLabel*>())
+            count += int(label->isVisible());
+        return count;
+    }
+
+    QCheckBox* box = widget->findChild<QCheckBox*>();
+    QComboBox* color = combo("Points color");
+    QComboBox* shape = combo("Points shape");
+};
 
 } // namespace
 
-/// The settings page between an operator and a Producer.
+/// The settings page, connected to a Producer.
 class TestSettingsPage : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void everyChangeIsSentAtOnce() {
-        const SettingsTest test;
-        QCOMPARE(test.visibleControls(), 0);
-        QTest::mouseClick(test.box(), Qt::LeftButton);
-        QCOMPARE(test.visibleControls(), 4);
-        test.shape()->setFocus();
-        QTest::keyClick(test.shape(), Qt::Key_End);
-        test.color()->setFocus();
-        QTest::keyClicks(test.color(), "Dark b");
-        QTest::mouseClick(test.box(), Qt::LeftButton);
-        QCOMPARE(test.visibleControls(), 0);
-
-        // Typing passes "Dark blue" on its way to nothing else: "Blue" comes first in the list.
-        const QByteArray expected = settingsBytes("#0000ff", 1) + settingsBytes("#0000ff", 4) +
-                                    settingsBytes("#000080", 4) + settingsBytes("", 0);
-        QTRY_COMPARE(test.producer.bytes(), expected);
+    void sendsEveryChange() {
+        SettingsRig rig;
+        QVERIFY(rig.getsNothing());
+        QCOMPARE(rig.visibleChoices(), 0);
+        QTest::mouseClick(rig.box, Qt::LeftButton);
+        QVERIFY(rig.gets(UpdateSettingsEvent("#0000ff", 1)));
+        QCOMPARE(rig.visibleChoices(), 4);
+        QTest::keyClick(rig.shape, Qt::Key_End);
+        QVERIFY(rig.gets(UpdateSettingsEvent("#0000ff", 4)));
+        rig.color->setFocus();
+        QTest::keyClicks(rig.color, "Dark b"); // matches no other colour on the way
+        QVERIFY(rig.gets(UpdateSettingsEvent("#000080", 4)));
+        QTest::mouseClick(rig.box, Qt::LeftButton);
+        QVERIFY(rig.gets(UpdateSettingsEvent("", 0)));
+        QCOMPARE(rig.visibleChoices(), 0);
     }
 
-    void aLargerFontCutsNothingOff() {
+    void largeFontCutsNothingOff() {
         const QFont usual = QApplication::font();
-        QFont larger = usual;
-        larger.setPointSizeF(usual.pointSizeF() * 1.5);
-        QApplication::setFont(larger);
         const auto restore = qScopeGuard([usual] { QApplication::setFont(usual); });
-        const SettingsTest test;
-        test.box()->setChecked(true);
-        for (const QWidget* control :
-             {static_cast<QWidget*>(test.box()), static_cast<QWidget*>(test.color()),
-              static_cast<QWidget*>(test.shape())})
+        QFont large = usual;
+        large.setPointSizeF(usual.pointSizeF() * 1.5);
+        QApplication::setFont(large);
+        const SettingsRig rig;
+        rig.box->setChecked(true);
+        for (const QWidget* control : QWidgetList{rig.box, rig.color, rig.shape})
             QTRY_VERIFY(control->width() >= control->sizeHint().width());
     }
 };

@@ -2,7 +2,6 @@
 #include "pages/TestPatternButton.h"
 #include "pages/TestPatternPage.h"
 #include "tests/support/GuardedTest.h"
-#include "tests/support/ProtocolBytes.h"
 #include "tests/support/WidgetRig.h"
 
 using namespace MeshpadTest;
@@ -10,92 +9,69 @@ using namespace NetworkCompanion;
 
 namespace {
 
-constexpr QRgb kIdle = 0xff323232;
 constexpr QRgb kActive = 0xff0096ff;
 
-class PatternTest : public WidgetRig<TestPatternPage> {
+class PatternRig : public WidgetRig<TestPatternPage> {
 public:
     TestPatternButton* button(const QString& name) const {
-        for (auto* candidate : widget->findChildren<TestPatternButton*>())
-            if (candidate->accessibleName() == name)
-                return candidate;
-        qFatal("no such pattern");
+        const auto buttons = widget->findChildren<TestPatternButton*>();
+        return *std::ranges::find(buttons, name, &TestPatternButton::accessibleName);
     }
-    /// What the operator sees of the frame, beside the name.
-    QRgb frameOf(const QString& name) const { return button(name)->grab().toImage().pixel(6, 14); }
     void press(const QString& name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
-    QStringList marked() const {
+    /// The names on a frame in the active colour.
+    QStringList active() const {
         QStringList names;
-        for (const auto* candidate : widget->findChildren<TestPatternButton*>())
-            if (frameOf(candidate->accessibleName()) == kActive)
+        for (auto* candidate : widget->findChildren<TestPatternButton*>())
+            if (candidate->grab().toImage().pixel(6, 14) == kActive)
                 names << candidate->accessibleName();
         return names;
     }
 };
 
-QByteArray mireBytes(int code) {
-    return withLength(frame(2, int32(code) + int32(0)));
-}
-
 } // namespace
 
-/// The page of test patterns between an operator and a Producer.
+/// The page of test patterns, connected to a Producer.
 class TestTestPatternPage : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void aPressIsSentOnceAndMarkedAtOnce() {
-        const PatternTest test;
-        QCOMPARE(test.marked(), QStringList{"None"});
-        test.press("None");
-        test.press("White");
-        QCOMPARE(test.marked(), QStringList{"White"}); // before anything can have come back
-        QCOMPARE(test.frameOf("None"), kIdle);
-        test.press("White");
-        auto* logo = test.button("LV Logo");
-        const auto border = [logo] { return logo->grab().toImage().pixel(110, 0); };
-        QCOMPARE(border(), kIdle);
-        QTest::mouseMove(logo);
-        QTRY_VERIFY(border() != kIdle);
-        const QRgb hovered = border();
-        logo->setDown(true); // as under a finger
-        QVERIFY(border() != hovered);
-        logo->setDown(false);
-        const QImage idle = test.button("Tile")->grab().toImage();
-        test.button("Tile")->setFocus();
-        QVERIFY(test.button("Tile")->grab().toImage() != idle);
-        QTest::keyClick(test.button("Tile"), Qt::Key_Space);
-        QCOMPARE(test.marked(), QStringList{"Tile"});
-        test.press("None");
-        const QByteArray expected = mireBytes(11) + mireBytes(4) + mireBytes(0);
-        QTRY_COMPARE(test.producer.bytes(), expected);
+    void sendsAChosenPatternOnce() {
+        PatternRig rig;
+        QCOMPARE(rig.active(), QStringList{"None"});
+        rig.press("None");
+        QVERIFY(rig.getsNothing());
+        rig.press("White");
+        QCOMPARE(rig.active(), QStringList{"White"}); // without waiting for the Producer
+        rig.press("White");
+        QVERIFY(rig.gets(MireEvent(0, LV_NTC_PictureType::White)));
+        QTest::keyClick(rig.button("Tile"), Qt::Key_Space);
+        QVERIFY(rig.gets(MireEvent(0, LV_NTC_PictureType::Tile)));
     }
 
-    void anAnnouncedPatternIsMarkedAndNotSentBack() {
-        PatternTest test;
-        test.producer.send(MireEvent(7, LV_NTC_PictureType::Osd));
-        QTRY_COMPARE(test.marked(), QStringList{"OSD"});
-        for (const int unknown : {12, -1, 0x7fffffff, -0x7fffffff - 1}) {
-            MireEvent hostile(0, static_cast<LV_NTC_PictureType>(unknown));
-            test.widget->receive(&hostile);
-        }
-        QCOMPARE(test.marked(), QStringList{"OSD"});
-        test.producer.send(MireEvent(0, LV_NTC_PictureType::Small));
-        QTRY_COMPARE(test.marked(), QStringList{"Small"});
-        test.press("Small");
-        test.press("None");
-        QTRY_COMPARE(test.producer.bytes(), mireBytes(0));
+    void marksAReportedPatternWithoutSending() {
+        PatternRig rig;
+        rig.producer.send(MireEvent(7, LV_NTC_PictureType::Osd));
+        QTRY_COMPARE(rig.active(), QStringList{"OSD"});
+        for (const int unknown : {12, -1, 0x7fffffff, -0x7fffffff - 1})
+            rig.producer.send(MireEvent(0, static_cast<LV_NTC_PictureType>(unknown)));
+        rig.settle();
+        QCOMPARE(rig.active(), QStringList{"OSD"});
+        rig.press("OSD");
+        QVERIFY(rig.getsNothing());
     }
 
-    void aPictureFillsItsFrameAndTheGridFitsTheSmallestWindow() {
-        const PatternTest test;
-        const QImage white = test.button("White")->grab().toImage();
+    void pictureFillsItsFrame() {
+        const QImage white = PatternRig().button("White")->grab().toImage();
         QCOMPARE(white.pixel(0, 29), 0xffffffff);
         QCOMPARE(white.pixel(219, 159), 0xffffffff);
-        QVERIFY(test.widget->minimumSizeHint().width() <= 1280);
-        QVERIFY(test.widget->minimumSizeHint().height() <= 720 - 110);
-        QCOMPARE(test.button("Tile")->x(), test.button("None")->x());
-        QVERIFY(test.button("Tile")->y() > test.button("Vertical")->y());
+    }
+
+    void gridHasFourColumnsAndFitsTheSmallestWindow() {
+        const PatternRig rig;
+        QCOMPARE(rig.button("Tile")->x(), rig.button("None")->x());
+        QVERIFY(rig.button("Tile")->y() > rig.button("Vertical")->y());
+        QVERIFY(rig.widget->minimumSizeHint().width() <= 1280);
+        QVERIFY(rig.widget->minimumSizeHint().height() <= 720 - 110);
     }
 };
 
