@@ -5,7 +5,6 @@
 #include "tests/support/ThreadTime.h"
 
 #include <QRandomGenerator>
-#include <QScopeGuard>
 
 #include <limits>
 
