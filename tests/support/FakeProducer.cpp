@@ -131,7 +131,7 @@ void FakeProducer::onNewConnection() {
         socket->setParent(this);
         if (stalled_)
             socket->setReadBufferSize(1);
-        connections_.push_back({socket, {}});
+        connections_[socket];
         ++accepted_;
         connect(
             socket, &QTcpSocket::readyRead, this, [=, this] { onReadyRead(socket); });
@@ -142,13 +142,13 @@ void FakeProducer::onNewConnection() {
 }
 
 void FakeProducer::onReadyRead(QTcpSocket* socket) {
-    const auto connection = std::ranges::find(connections_, socket, &Connection::socket);
+    const auto connection = connections_.find(socket);
     // Reading from an aborted socket only logs a warning.
     if (stalled_ || !socket->isOpen() || connection == connections_.end())
         return;
     const QByteArray chunk = socket->readAll();
     bytes_ += chunk;
-    QByteArray& unparsed = connection->unparsed;
+    QByteArray& unparsed = connection->second;
     unparsed += chunk;
     while (unparsed.size() >= 4) {
         const auto length = qFromBigEndian<qint32>(unparsed.constData());
@@ -162,14 +162,14 @@ void FakeProducer::onReadyRead(QTcpSocket* socket) {
 
 void FakeProducer::onDisconnected(QTcpSocket* socket) {
     onReadyRead(socket);
-    std::erase_if(connections_, [=](const Connection& each) { return each.socket == socket; });
+    connections_.erase(socket);
     socket->deleteLater();
 }
 
 std::vector<QTcpSocket*> FakeProducer::sockets() const {
     std::vector<QTcpSocket*> all;
-    for (const Connection& connection : connections_)
-        all.push_back(connection.socket);
+    for (const auto& [socket, unparsed] : connections_)
+        all.push_back(socket);
     return all;
 }
 

@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QTcpServer>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -71,11 +72,6 @@ signals:
     void connected();
 
 private:
-    struct Connection {
-        QTcpSocket* socket; // a child
-        QByteArray unparsed;
-    };
-
     void onNewConnection();
     void onReadyRead(QTcpSocket* socket);
     void onDisconnected(QTcpSocket* socket);
@@ -83,7 +79,8 @@ private:
     std::vector<QTcpSocket*> sockets() const;
 
     QTcpServer server_;
-    std::vector<Connection> connections_;
+    std::map<QTcpSocket*, QByteArray>
+        connections_; // children, with the bytes of no whole frame yet
     int accepted_ = 0;
     bool stalled_ = false;
     QByteArray bytes_;

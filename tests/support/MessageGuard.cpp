@@ -3,6 +3,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <mutex>
 
 namespace MeshpadTest {
 
@@ -29,42 +30,6 @@ MessageGuard::~MessageGuard() {
         qInstallMessageHandler(previous_);
         guard = nullptr;
     }
-    if (const QStringList all = faults(); !all.isEmpty())
-        QTest::qFail(qPrintable(all.join('\n')), __FILE__, __LINE__);
-}
-
-void MessageGuard::expect(QtMsgType type, const QString& text, int times) {
-    const std::scoped_lock lock(mutex_);
-    missing_[{type, text}] += times;
-}
-
-void MessageGuard::allow(const QRegularExpression& pattern) {
-    const std::scoped_lock lock(mutex_);
-    allowed_.push_back(pattern);
-}
-
-QStringList MessageGuard::seen(QtMsgType type) const {
-    const std::scoped_lock lock(mutex_);
-    QStringList texts;
-    for (const Line& line : lines_)
-        if (line.first == type)
-            texts.append(line.second);
-    return texts;
-}
-
-bool MessageGuard::isSatisfied() const {
-    const std::scoped_lock lock(mutex_);
-    return std::ranges::all_of(missing_, [](const auto& line) { return line.second <= 0; });
-}
-
-void MessageGuard::clear() {
-    const std::scoped_lock lock(mutex_);
-    lines_.clear();
-    missing_.clear();
-    unexpected_.clear();
-}
-
-QStringList MessageGuard::faults() const {
     QStringList faults;
     for (const QString& text : unexpected_)
         faults += "Unexpected line: " + text;
@@ -72,14 +37,40 @@ QStringList MessageGuard::faults() const {
         if (times != 0)
             faults +=
                 QString("Line seen %1 times less than expected: %2").arg(times).arg(line.second);
-    return faults;
+    if (!faults.isEmpty())
+        QTest::qFail(qPrintable(faults.join('\n')), __FILE__, __LINE__);
+}
+
+void MessageGuard::expect(QtMsgType type, const QString& text, int times) {
+    const std::scoped_lock lock(guardMutex);
+    missing_[{type, text}] += times;
+}
+
+void MessageGuard::allow(const QRegularExpression& pattern) {
+    const std::scoped_lock lock(guardMutex);
+    allowed_.push_back(pattern);
+}
+
+QStringList MessageGuard::seen(QtMsgType type) const {
+    const std::scoped_lock lock(guardMutex);
+    QStringList texts;
+    for (const Line& line : lines_)
+        if (line.first == type)
+            texts.append(line.second);
+    return texts;
+}
+
+void MessageGuard::clear() {
+    const std::scoped_lock lock(guardMutex);
+    lines_.clear();
+    missing_.clear();
+    unexpected_.clear();
 }
 
 void MessageGuard::handle(QtMsgType type, const QMessageLogContext& context, const QString& text) {
     const std::scoped_lock lock(guardMutex);
     if (!guard)
         return;
-    const std::scoped_lock ownLock(guard->mutex_);
     guard->lines_.emplace_back(type, text);
     if (const auto found = guard->missing_.find({type, text}); found != guard->missing_.end()) {
         --found->second;

@@ -4,7 +4,6 @@
 #include <QStringList>
 
 #include <map>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -29,8 +28,6 @@ public:
     /// The lines of a type since the guard began, or since the last clear().
     QStringList seen(QtMsgType type) const;
     qsizetype count(QtMsgType type) const { return seen(type).size(); }
-    /// Whether all expected lines have appeared.
-    bool isSatisfied() const;
     /// Discards all lines, unexpected ones too, and all expectations.
     void clear();
 
@@ -38,9 +35,7 @@ private:
     using Line = std::pair<QtMsgType, QString>;
 
     static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text);
-    QStringList faults() const;
 
-    mutable std::mutex mutex_;
     std::vector<Line> lines_;
     std::map<Line, int> missing_; // below 0: more than expected
     QStringList unexpected_;

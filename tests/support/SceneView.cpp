@@ -60,15 +60,9 @@ void SceneView::press(QPoint at, Qt::KeyboardModifiers modifiers) const {
     QTest::mousePress(view, Qt::LeftButton, modifiers, at);
 }
 
-void SceneView::move(QPoint to, Qt::KeyboardModifiers modifiers) const {
-    QMouseEvent event(QEvent::MouseMove, to, view->mapToGlobal(QPointF(to)), Qt::NoButton,
-                      Qt::LeftButton, modifiers);
-    QCoreApplication::sendEvent(view, &event);
-}
-
-void SceneView::hover(QPoint to) const {
-    QMouseEvent event(QEvent::MouseMove, to, view->mapToGlobal(QPointF(to)), Qt::NoButton,
-                      Qt::NoButton, Qt::NoModifier);
+void SceneView::sendMove(QPoint to, Qt::MouseButtons held, Qt::KeyboardModifiers modifiers) const {
+    QMouseEvent event(QEvent::MouseMove, to, view->mapToGlobal(QPointF(to)), Qt::NoButton, held,
+                      modifiers);
     QCoreApplication::sendEvent(view, &event);
 }
 

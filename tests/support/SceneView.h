@@ -41,9 +41,11 @@ public:
     QString faultInPicture(int point) const;
 
     void press(QPoint at, Qt::KeyboardModifiers modifiers = {}) const;
-    /// With the left button held, or with none.
-    void move(QPoint to, Qt::KeyboardModifiers modifiers = {}) const;
-    void hover(QPoint to) const;
+    /// With the left button held.
+    void move(QPoint to, Qt::KeyboardModifiers modifiers = {}) const {
+        sendMove(to, Qt::LeftButton, modifiers);
+    }
+    void hover(QPoint to) const { sendMove(to, Qt::NoButton, {}); }
     void release(QPoint at, Qt::KeyboardModifiers modifiers = {}) const;
     void click(QPoint at, Qt::KeyboardModifiers modifiers = {}) const;
     /// Press, move and release from the point's position.
@@ -60,6 +62,7 @@ public:
 
 private:
     MeshGridItem* grid(const QString& index) const;
+    void sendMove(QPoint to, Qt::MouseButtons held, Qt::KeyboardModifiers modifiers) const;
 };
 
 } // namespace MeshpadTest
