@@ -137,6 +137,11 @@ private:
         }
         command("plug\n");
         QTRY_VERIFY_WITH_TIMEOUT(manager_->isGamepadConnected(), 10000);
+        // The first poll takes the state, so later commands must not come before it.
+        command("button 0 1\n");
+        waitFor("press 0");
+        command("button 0 0\n");
+        waitFor("release 0");
     }
 
     void command(const QByteArray& lines) { commands_.write(lines); }

@@ -216,7 +216,7 @@ private:
         pad_->records = records;
         log_->take();
         for (const int polls = pad_->polls; pad_->polls == polls;)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            QCoreApplication::processEvents();
         return log_->take();
     }
     bool connectsAfter(const char* message) {
