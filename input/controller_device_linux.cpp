@@ -260,8 +260,8 @@ private:
         const std::uint32_t position = positionOf(value, axis.deadZone);
         if (std::exchange(axis.position, position) == position)
             return;
-        // Only an axis's last position of a poll matters. One record an axis keeps a pad that
-        // reports a thousand times a second from filling the buffer.
+        // Keeps one record per axis, because a pad that reports 1,000 times a second would fill
+        // the buffer.
         const auto same =
             std::find_if(records_.begin(), records_.end(),
                          [&](const ControllerRecord& old) { return old.offset == axis.offset; });

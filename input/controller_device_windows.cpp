@@ -91,8 +91,8 @@ public:
         return resultOf(device_->SetProperty(DIPROP_DEADZONE, &property.diph));
     }
 
-    /// Checks the presence first, because a device object may acquire the successor of its device
-    /// and stay silent.
+    /// Fails when the device is unplugged, because Acquire() can succeed for a pad plugged in
+    /// later, which then sends no data.
     ControllerResult acquire() override {
         if (directInput_->GetDeviceStatus(id_) != DI_OK)
             return ControllerResult::Failed;

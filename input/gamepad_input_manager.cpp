@@ -145,6 +145,8 @@ bool GamepadInputManager::configureAndAcquireDevice() {
         axes_[i].range = {};
         const ControllerResult result = device_->range(kAxisTraits[i].offset, axes_[i].range);
         axes_[i].present = succeeded(result);
+        // A device that is acquired anew may not know the position of an axis at rest.
+        axes_[i].reported = axes_[i].value != 0;
         if (!axes_[i].present && result != ControllerResult::NoSuchInput)
             return false;
     }
@@ -157,8 +159,10 @@ bool GamepadInputManager::configureAndAcquireDevice() {
     }
     if (!succeeded(device_->acquire()))
         return false;
-    // The first poll reports held buttons, because listeners connect after the constructor.
+    // Held buttons are reported by the first timer event, because listeners connect after the
+    // constructor.
     setState(State::OutOfSync);
+    recordInputLost(device_->poll());
     return true;
 }
 
@@ -250,9 +254,7 @@ void GamepadInputManager::readDeviceDataAndUpdate() {
     }
     if (state_ == State::OutOfSync)
         initGamepadState();
-    if (isInSync())
-        processRecords();
-    if (isInSync())
+    if (isInSync() && processRecords() && isInSync())
         reportMovement();
 }
 
@@ -281,13 +283,14 @@ void GamepadInputManager::discardRecords() {
     }
 }
 
-void GamepadInputManager::processRecords() {
+/// False if the device returned an error.
+bool GamepadInputManager::processRecords() {
     Records records;
     std::size_t count = 0;
     const ControllerResult result = recordInputLost(device_->bufferedData(records, count));
     if (!succeeded(result)) {
         qWarning("Got error while getting gamepad data despite polling being ok");
-        return;
+        return false;
     }
     const bool overflowed = result == ControllerResult::BufferOverflow;
     if (overflowed)
@@ -296,6 +299,7 @@ void GamepadInputManager::processRecords() {
         processRecord(records[i]);
     if (overflowed && isInSync())
         initGamepadState();
+    return true;
 }
 
 /// Takes the device's whole state. Axes that never reported stay centred, because a device may not

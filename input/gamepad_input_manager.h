@@ -91,7 +91,7 @@ private:
     bool isInSync() const;
     ControllerResult recordInputLost(ControllerResult result);
     void discardRecords();
-    void processRecords();
+    bool processRecords();
     void processRecord(const ControllerRecord& record);
     static std::optional<AxisIndex> axisAt(std::uint32_t offset);
     void markReported(AxisIndex axis);

@@ -4,8 +4,8 @@
 
 #include <QtGlobal>
 
-/// Registers a listener with the KeyEventManager for as long as this object exists. To be the last
-/// member of the listener, so that no key arrives before the others exist or after they are gone.
+/// Registers a listener with the KeyEventManager for as long as this object exists. The listener
+/// declares it after the members that notified() uses, so that they outlive the registration.
 class KeySubscription {
 public:
     explicit KeySubscription(KeyEventListener* listener) : listener_(listener) {

@@ -14,6 +14,6 @@ struct Mapping {
           action(mappedAction) {}
 
     std::vector<GamepadButton> orderedInputs;     ///< must be pressed in this order
-    std::vector<GamepadButton> anyPositionInputs; ///< may be pressed before, between or after those
+    std::vector<GamepadButton> anyPositionInputs; ///< may be pressed at any point of the sequence
     Action action;
 };

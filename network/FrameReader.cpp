@@ -16,9 +16,9 @@ namespace {
 
 constexpr int kLengthSize = 4;
 
-// A frame with a too small length takes its fields from the bytes behind it, but from no more than
-// this many: otherwise each of many small frames could make the decoder read all that follow.
-constexpr qsizetype kDecoderSight = LVNtc::kHeaderSize + ItemDataEvent::wireSize();
+// A frame with too small a length is decoded from the bytes behind it, at most this many. The limit
+// keeps the cost of a chain of small frames linear.
+constexpr qsizetype kMaxDecodedBytes = LVNtc::kHeaderSize + ItemDataEvent::wireSize();
 
 } // namespace
 
@@ -26,9 +26,10 @@ bool FrameReader::wantsBytes() const {
     return bytesWaiting() < (expectedLength_ == 0 ? kReadAhead : expectedLength_);
 }
 
-/// Moves the waiting bytes, few at this point, to the buffer's front. Reuses its memory unless that
-/// held a giant frame.
+/// Moves the undecoded bytes to the buffer's front. Frees the memory of a giant frame.
 void FrameReader::removeConsumed() {
+    if (consumed_ == 0)
+        return;
     const qsizetype left = bytesWaiting();
     std::memmove(buffer_.data(), buffer_.constData() + consumed_, static_cast<std::size_t>(left));
     buffer_.truncate(left);
@@ -79,7 +80,7 @@ qint32 FrameReader::onReadHeader() {
 /// Decodes and consumes the frame, whose bytes have all arrived.
 eventData FrameReader::onReadData() {
     const qsizetype visible =
-        std::min(bytesWaiting(), std::max<qsizetype>(expectedLength_, kDecoderSight));
+        std::min(bytesWaiting(), std::max<qsizetype>(expectedLength_, kMaxDecodedBytes));
     const eventData frame = LVNtc::read(QByteArrayView(buffer_).sliced(consumed_, visible));
     consumed_ += std::exchange(expectedLength_, 0);
     return frame;

@@ -15,10 +15,10 @@ namespace NetworkCompanion {
 /// is skipped without being stored.
 class FrameReader {
 public:
-    /// Bytes that are enough to wait at a time, except for a longer frame.
-    static constexpr qsizetype kReadAhead = 1024 * 1024;
+    /// Reading pauses while this many undecoded bytes are buffered, unless a frame is longer.
+    static constexpr qsizetype kReadAhead = qsizetype{1024} * 1024;
 
-    /// False while enough bytes are waiting that reading more can be put off.
+    /// False while kReadAhead bytes, or all bytes of the current frame, are buffered.
     bool wantsBytes() const;
     /// Appends what read(char* out, qsizetype size) writes. It returns the number of bytes written.
     template <typename Read>
@@ -30,8 +30,8 @@ public:
     }
 
     /// The next frame. The caller owns its event, which is null when it could not be decoded.
-    /// Nothing when reading stops until more bytes arrive: within a frame, within a length (logged
-    /// at every call) and behind a length of 0 or less.
+    /// Nothing when the buffer ends within a frame or within a length (the latter is logged), and
+    /// after a length of 0 or less; the next call goes on when more bytes have arrived.
     std::optional<eventData> next();
     /// Bytes appended that no frame has consumed yet.
     qsizetype bytesWaiting() const { return buffer_.size() - consumed_; }

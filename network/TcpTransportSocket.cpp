@@ -120,10 +120,11 @@ void TCPTransportSocket::disconnect() {
     reader_.clear();
     resumeTimer_.stop();
     closing_ = true;
+    const QTcpSocket* const closing = socket_; // a slot may reconnect while it is flushed
     const QPointer<TCPTransportSocket> alive(this);
     sendWaiting();
     socket_->flush();
-    if (alive)
+    if (alive && socket_ == closing)
         socket_->disconnectFromHost();
     if (alive && ended_)
         reportEnd();

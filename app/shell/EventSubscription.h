@@ -9,8 +9,8 @@
 
 class EventListener;
 
-/// Registers a listener with the EventDispatcher for as long as this object exists. To be the last
-/// member of the listener, so that no event arrives before the others exist or after they are gone.
+/// Registers a listener with the EventDispatcher for as long as this object exists. The listener
+/// declares it after the members that receive() uses, so that they outlive the registration.
 class EventSubscription {
 public:
     EventSubscription(EventListener* listener,

@@ -41,7 +41,8 @@ ProducerWindow::ProducerWindow(ProducerSession& session, const QString& name,
 }
 
 void ProducerWindow::scheduleRepaint() {
-    // As long as the last paint took: at least half of the time is left for companions.
+    // Waits at least as long as the last paint took, so that painting uses at most half of the
+    // time.
     if (!repaint_.isActive())
         repaint_.start(std::max(kRepaintMs, int(lastPaintMs_)));
 }

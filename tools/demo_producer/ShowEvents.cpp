@@ -8,7 +8,7 @@ using namespace NetworkCompanion;
 
 namespace {
 
-/// Stands for the ids in the two deformation events of ItemData that are not of the item's kind.
+/// Id in the two deformations of ItemData that do not apply to the item; no item has it.
 constexpr quint32 kNoItem = 0xFFFFFFFF;
 
 DeformationModeEvent screenDeformation(const ShowItem& item, bool reset) {

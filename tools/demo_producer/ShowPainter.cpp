@@ -152,7 +152,7 @@ void drawLattice(QPainter& painter, QSize size) {
     painter.fillRect(size.width() - kRim, 0, kRim, size.height(), rim);
 }
 
-/// The columns and the size of the largest tiles with which all fit.
+/// Column count and tile size of the grid with the largest tiles that holds all of them.
 struct Tiling {
     int columns = 1;
     QSizeF tile;

@@ -19,8 +19,8 @@ class StateFile : public QObject {
     Q_OBJECT
 
 public:
-    /// Writes at once, then 50 ms after the first of the changes; later when writing takes long, so
-    /// that it uses a fifth of the time at most.
+    /// Writes once immediately, then 50 ms after the first unsaved change; waits longer after slow
+    /// writes, which take a fifth of the time at most.
     StateFile(const ProducerSession& session, QString path, QObject* parent);
     ~StateFile() override;
 

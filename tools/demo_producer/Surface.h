@@ -36,8 +36,8 @@ public:
     [[nodiscard]] int patchRows() const { return patchRows_; }
     [[nodiscard]] int patchColumns() const { return patchColumns_; }
 
-    /// The control points that give a surface of another kind and grid this one's shape: exactly if
-    /// it can have it, otherwise it agrees with this one at as many parameters as it has points.
+    /// Control points of another kind and grid for the same shape. Exact where possible; otherwise
+    /// both surfaces agree at as many parameters as there are points.
     [[nodiscard]] std::vector<QPointF>
     controlPointsFor(NetworkCompanion::LV_NTC_DeformationType kind, int rows, int columns) const;
 

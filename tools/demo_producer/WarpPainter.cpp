@@ -19,7 +19,10 @@ int WarpPainter::steps(int patches) {
 void WarpPainter::draw(QPainter& painter, const QImage& picture, const QRectF& part,
                        const Warp& warp, const QTransform& toTarget) {
     const QTransform toPicture = QTransform::fromScale(picture.width(), picture.height());
-    const QImage texture = picture.copy(toPicture.mapRect(part).toRect() & picture.rect());
+    const QRect visible = toPicture.mapRect(part).toRect() & picture.rect();
+    if (visible.isEmpty())
+        return; // QImage::copy() would return the whole picture
+    const QImage texture = picture.copy(visible);
     const QTransform toTexture = QTransform::fromScale(texture.width(), texture.height());
     const Surface xy = warp.xySurface();
     const Surface uv = warp.uvSurface();
