@@ -101,7 +101,6 @@ private slots:
         QCOMPARE(golden->serialize().toHex(' '), payload.toHex(' '));
         QCOMPARE(golden->getSize(), announced);
         QCOMPARE(LVNtc::serialize(header, *golden), bytes);
-        QCOMPARE(LVNtc::serializeHeader(header), bytes.first(9));
         QCOMPARE(LVNtc::serializeWithLength(header, *golden), withLength(bytes));
 
         const eventData decoded = LVNtc::deserialize(bytes);
@@ -131,11 +130,11 @@ private slots:
         }
         // Behind a header that announces the truncated size.
         const qsizetype smallest = code == 28 ? 851 : payload.size();
-        for (qsizetype length = 1; length < smallest; ++length) {
+        for (qsizetype length = 0; length < smallest; ++length) {
             messages_->clear();
             QVERIFY(!decode(frame(code, payload.first(length))));
-            QCOMPARE(messages_->seen(QtWarningMsg),
-                     QStringList(QString("Bad data size: %1/%2").arg(smallest).arg(length)));
+            const auto line = QString("Bad data size: %1/%2").arg(smallest).arg(length);
+            QCOMPARE(messages_->seen(QtWarningMsg), QStringList(line).first(length == 0 ? 0 : 1));
         }
     }
 
@@ -194,10 +193,6 @@ private slots:
         const bool isHeader = !line.startsWith("Bad header");
         QCOMPARE(int32(header.dataSize), isHeader ? bytes.sliced(4, 4) : int32(0));
         QCOMPARE(int(header.type), isHeader ? int(bytes[8]) : 0);
-    }
-
-    void ignoresFrameWithoutPayload() {
-        QVERIFY(!decode("") && !decode(hex("00000009 00000000 18 0000000100000002")));
     }
 
     void replacesTextsWithoutRoomForTheirEnd() {

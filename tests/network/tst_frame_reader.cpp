@@ -3,15 +3,14 @@
 #include "network/events/ProtocolLimits.h"
 #include "tests/support/GuardedTest.h"
 #include "tests/support/ProtocolBytes.h"
-#include "tests/support/ThreadTime.h"
 
 #include <QTest>
 
 #include <algorithm>
+#include <ctime>
 
 using namespace NetworkCompanion;
 using namespace MeshpadTest;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -60,9 +59,8 @@ private slots:
     }
 
     void logsChunkThatEndsWithinLength() {
-        const QString line = "Invalid header size. Size must be at least 4 bytes, we read %1";
-        messages_->expect(QtCriticalMsg, line.arg(1));
-        messages_->expect(QtCriticalMsg, line.arg(3));
+        messages_->expect(QtCriticalMsg,
+                          "Invalid header size. Size must be at least 4 bytes, we read 3");
         Reader reader;
         reader.read(hex("00"));
         reader.read(hex("0000"));
@@ -101,9 +99,9 @@ private slots:
     void readsManyFramesInLinearTime() {
         QFETCH(QByteArray, frame);
         messages_->allow(QRegularExpression("^Bad data size: 851/"));
-        const ThreadTime work;
+        const std::clock_t start = std::clock(); // not the wall time of a busy machine
         QCOMPARE(Reader().read(frame.repeated(100'000)).size(), 100'000);
-        QVERIFY2(work.elapsed() < 10s, qPrintable(QString::number(work.elapsed().count())));
+        QVERIFY(std::clock() - start < 10 * CLOCKS_PER_SEC);
     }
 };
 

@@ -56,12 +56,9 @@ private slots:
         QVERIFY(!companion.connectTo(port) && !companion.client.isConnected());
         QVERIFY(timer.elapsed() < 15'000); // half the time limit
         QVERIFY(!companion.send(MsgEvent("hello")) && companion.lost.isEmpty());
-
-        QVERIFY(producer_->listen(QHostAddress::LocalHost, port));
-        QVERIFY(companion.connectTo(port) && companion.client.isConnected());
-        QVERIFY(companion.send(MsgEvent("getResources")));
-        QTRY_COMPARE(producer_->bytes(), withLength(frame(1, text("getResources"))));
+        QVERIFY(producer_->listen(QHostAddress::LocalHost, port) && companion.connectTo(port));
         messages_->expect(QtCriticalMsg, "Try to deserialize unknown event");
+        QTRY_COMPARE(producer_->acceptedCount(), 1);
         producer_->sendRaw(withLength(frame(77, "x")));
         QTRY_VERIFY(companion.events.size() == 1 && !companion.events[0]);
     }
@@ -70,8 +67,7 @@ private slots:
         Companion companion;
         QVERIFY(companion.connectTo(producer_->port()) && !companion.connectTo(producer_->port()));
         QVERIFY(companion.send(MsgEvent("still connected")));
-        QTRY_COMPARE(producer_->events().size(), 1U);
-        QCOMPARE(producer_->acceptedCount(), 1);
+        QTRY_COMPARE(producer_->bytes(), withLength(frame(1, text("still connected"))));
         producer_->send(MsgEvent("not reported"));
         producer_->closeConnections();
         QTRY_VERIFY(!companion.client.isConnected());
@@ -112,8 +108,6 @@ private slots:
         const QList<int> ids = server_->companionIds();
         QCOMPARE(senders, ids);
         QCOMPARE(server_->companionAddress(ids[0]), QHostAddress(QHostAddress::LocalHost));
-        auto* socket = server_->findChild<QTcpSocket*>();
-        QVERIFY(socket->socketOption(QAbstractSocket::LowDelayOption).toInt() != 0);
 
         QVERIFY(first.client.disconnectFromServer());
         QTRY_COMPARE(disconnected, QList<QVariantList>({{ids[0]}}));

@@ -5,7 +5,6 @@
 #include "tests/support/GuardedTest.h"
 #include "tests/support/ProtocolBytes.h"
 
-#include <QElapsedTimer>
 #include <QPointer>
 #include <QTcpSocket>
 #include <QTest>
@@ -40,6 +39,9 @@ class TransportTest : public GuardedTest {
     ItemDataEvent large_; // more than the system accepts at once
 
     QTcpSocket* socket() const { return transport_->findChild<QTcpSocket*>(); }
+    bool connectTransport() {
+        return transport_->tryToConnect(url_) && transport_->waitForConnected(5'000);
+    }
     /// The slot is called after each event.
     template <typename Slot>
     void onEvent(Slot slot) {
@@ -66,36 +68,28 @@ private slots:
         QVERIFY(producer_->listen());
         url_.setHost("127.0.0.1");
         url_.setPort(producer_->port());
-        QVERIFY(transport_->tryToConnect(url_) && transport_->waitForConnected(5'000));
+        QVERIFY(connectTransport());
         QTRY_COMPARE(producer_->connectionCount(), 1);
     }
 
-    void passesThroughItsStates() {
-        MsgEvent last("last");
+    void writesInOrderInItsStates() {
+        ExecuteQuickKeyEvent first(1), last(2);
+        QVERIFY(socket()->socketOption(QAbstractSocket::LowDelayOption).toInt() != 0);
         QVERIFY(transport_->state() == 2 && !transport_->tryToConnect({}));
-        QVERIFY(transport_->write(large_) && transport_->write(last));
+        QVERIFY(transport_->write(first) && transport_->write(large_) && transport_->write(last));
         QCOMPARE(transport_->url(), url_);
         transport_->disconnect();
         QVERIFY(transport_->waitForDisconnected(5'000));
-        QVERIFY(transport_->state() == 4 && !transport_->write(last) &&
-                transport_->url().isEmpty());
-        QTRY_COMPARE(producer_->events().size(), 2U);
-        QVERIFY(*producer_->events()[0] == large_ && *producer_->events()[1] == last);
-        QTRY_COMPARE(ends_, 1);
-        messages_->expect(QtCriticalMsg, "The keepAlive service failed to initialize");
-        transport_->activeKeepAlive(200, 1000);
-        QVERIFY(transport_->tryToConnect(url_));
-        QVERIFY(transport_->state() == 1 && !transport_->write(last) &&
-                !transport_->tryToConnect({}));
-    }
-
-    void writesInOrderWithoutDelay() {
-        QVERIFY(socket()->socketOption(QAbstractSocket::LowDelayOption).toInt() != 0);
-        ExecuteQuickKeyEvent first(1), last(2);
-        QVERIFY(transport_->write(first) && transport_->write(large_) && transport_->write(last));
+        QVERIFY(transport_->state() == 4 && !transport_->write(last));
+        QVERIFY(transport_->url().isEmpty());
         const auto& events = producer_->events();
         QTRY_COMPARE(events.size(), 3U);
         QVERIFY(*events[0] == first && *events[1] == large_ && *events[2] == last);
+        QTRY_COMPARE(ends_, 1);
+        messages_->expect(QtCriticalMsg, "The keepAlive service failed to initialize");
+        transport_->activeKeepAlive(200, 1000);
+        QVERIFY(transport_->tryToConnect(url_) && transport_->state() == 1);
+        QVERIFY(!transport_->write(last) && !transport_->tryToConnect({}));
     }
 
     void disconnectsSlowReader() {
@@ -108,8 +102,7 @@ private slots:
         QVERIFY(sent >= enough && sent < 2 * enough && !transport_->write(large_));
         QCOMPARE(ends_, 0);
         QTRY_COMPARE(ends_, 1);
-        QVERIFY(transport_->tryToConnect(url_) && transport_->waitForConnected(5'000));
-        QVERIFY(transport_->write(large_));
+        QVERIFY(connectTransport() && transport_->write(large_));
     }
 
     void connectsAgainWhileClosing() {
@@ -118,7 +111,7 @@ private slots:
         transport_->disconnect();
         producer_->sendRaw(keys(2, 2));
         QTest::qWait(50);
-        QVERIFY(transport_->tryToConnect(url_) && transport_->waitForConnected(5'000));
+        QVERIFY(connectTransport());
         QTRY_COMPARE(producer_->acceptedCount(), 2);
         producer_->sendRaw(keys(1, 1));
         QTRY_COMPARE(ids_, QList<int>({1}));
@@ -131,9 +124,8 @@ private slots:
             if (ids_.size() == 4900)
                 QTRY_COMPARE(socket()->state(), QAbstractSocket::UnconnectedState);
             QCOMPARE(ends_, 0);
-            QElapsedTimer work;
-            for (work.start(); work.nsecsElapsed() < 100'000;) {
-            }
+            if (ids_.size() % 10 == 0)
+                QTest::qSleep(1);
         });
         QTimer timer;
         connect(&timer, &QTimer::timeout, this, [&] { iterations += !ids_.isEmpty(); });
@@ -169,7 +161,6 @@ private slots:
         transport_->startReading();
         QTRY_COMPARE(ids_, QList<int>({1, 2}));
         producer_->closeConnections();
-        QTRY_COMPARE(socket()->state(), QAbstractSocket::UnconnectedState);
         QTRY_COMPARE(ends_, 1);
     }
 
@@ -207,23 +198,21 @@ private slots:
         QTRY_COMPARE(ids_, QList<int>({1, 2, 3, 4}));
     }
 
-    /// The leak checker reports an event that is not freed.
-    void freesEventsWithoutReceiver() {
-        disconnect(transport_.get(), &TCPTransportSocket::receivedEvent, nullptr, nullptr);
-        producer_->sendRaw(keys(1, 2));
-        producer_->closeConnections();
-        QTRY_COMPARE(ends_, 1);
-    }
-
+    /// The first connection ends with events without receiver, which the leak checker reports if
+    /// they are not freed.
     void deletesSocketsOfEarlierConnections() {
-        connect(producer_.get(), &FakeProducer::connected, producer_.get(),
-                &FakeProducer::closeConnections);
+        disconnect(transport_.get(), &TCPTransportSocket::receivedEvent, nullptr, nullptr);
+        const auto close = [this] {
+            producer_->sendRaw(keys(1, 2));
+            producer_->closeConnections();
+        };
+        connect(producer_.get(), &FakeProducer::connected, this, close);
         QList<QPointer<QTcpSocket>> sockets;
         connect(transport_.get(), &TCPTransportSocket::disconnected, this, [&] {
             if (sockets.size() < 50 && transport_->tryToConnect(url_))
                 sockets.append(socket());
         });
-        producer_->closeConnections();
+        close();
         QTRY_COMPARE(ends_, 51);
         QTRY_COMPARE(std::ranges::count(sockets, nullptr), 49);
     }

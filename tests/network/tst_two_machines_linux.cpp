@@ -30,26 +30,13 @@ struct Discovery : NetworkUtils {
     QSignalSpy timeouted{this, &NetworkUtils::serverTimeouted};
 };
 
-/// A Producer on another machine that answers discovery.
-class Producer {
-public:
-    Producer(PeerNamespace& machine, const char* address) : machine_(machine) {
-        machine_.run([&] { QVERIFY(producer_->answerDiscovery(QHostAddress(address))); });
-    }
-    void stopAnswering() {
-        machine_.run([this] { producer_->stopAnswering(); });
-    }
-    int pings() {
-        int count = 0;
-        machine_.run([&] { count = producer_->pingsHeard(); });
-        return count;
-    }
-
-private:
-    PeerNamespace& machine_;
-    std::shared_ptr<FakeProducer> producer_ =
-        machine_.make<FakeProducer>([] { return new FakeProducer; });
-};
+/// A Producer on another machine that answers discovery; null when it cannot.
+std::shared_ptr<FakeProducer> answeringProducer(PeerNamespace& machine, const char* address) {
+    return machine.make<FakeProducer>([=] {
+        auto producer = std::make_unique<FakeProducer>();
+        return producer->answerDiscovery(QHostAddress(address)) ? producer.release() : nullptr;
+    });
+}
 
 constexpr auto ipHere = &PeerNamespace::ipHere;
 
@@ -78,22 +65,23 @@ private slots:
         PeerNamespace secondMachine, linkLocalMachine;
         QVERIFY(secondMachine.link("here1", "10.79.0.1", "there1", "10.79.0.2"));
         QVERIFY(linkLocalMachine.link("here2", "169.254.7.1", "there2", "169.254.7.2"));
-        Producer first(*machine_, "10.78.0.2"), second(secondMachine, "10.79.0.2");
-        Producer linkLocal(linkLocalMachine, "169.254.7.2");
+        auto first = answeringProducer(*machine_, "10.78.0.2");
+        const auto second = answeringProducer(secondMachine, "10.79.0.2");
+        const auto linkLocal = answeringProducer(linkLocalMachine, "169.254.7.2");
 
         Discovery discovery(DiscoveryTiming{});
         QSignalSpy disconnected(&discovery, &NetworkUtils::serverDisconnected);
         QTRY_COMPARE(discovery.discovered.size(), 2);
         QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.0.2", "10.79.0.2"}));
 
-        first.stopAnswering();
+        first.reset();
         QElapsedTimer silence;
         silence.start();
-        const int before = second.pings();
+        const int before = second->pingsHeard();
         QTRY_COMPARE_WITH_TIMEOUT(discovery.timeouted.size(), 1, 30'000);
         // The last answer may be a period old. The number of pings does not depend on the load.
         QVERIFY2(silence.elapsed() > 2000, qPrintable(QString::number(silence.elapsed())));
-        const int asked = second.pings() - before;
+        const int asked = second->pingsHeard() - before;
         QVERIFY2(asked >= 2 && asked <= 5, qPrintable(QString::number(asked)));
         QCOMPARE(discovery.timeouted[0][0].toString(), "10.78.0.2");
         QCOMPARE(discovery.getAvailableServers(), QStringList({"10.79.0.2"}));
@@ -105,17 +93,17 @@ private slots:
         QTRY_COMPARE(discovery.discovered.size(), 3);
         QCOMPARE(discovery.discovered[2][0].toString(), "10.79.0.2");
         QCOMPARE(discovery.timeouted.size(), 1);
-        QCOMPARE(linkLocal.pings(), 0);
+        QCOMPARE(linkLocal->pingsHeard(), 0);
         QVERIFY(ipHere("link delete here1") && ipHere("link delete here2"));
     }
 
     void followsInterfaces() {
-        Producer first(*machine_, "10.78.0.2");
+        const auto first = answeringProducer(*machine_, "10.78.0.2");
         Discovery discovery;
         QTRY_COMPARE(discovery.discovered.size(), 1);
         PeerNamespace secondMachine;
         QVERIFY(secondMachine.link("here1", "10.79.0.1", "there1", "10.79.0.2"));
-        Producer second(secondMachine, "10.79.0.2");
+        const auto second = answeringProducer(secondMachine, "10.79.0.2");
         QTRY_COMPARE(discovery.discovered.size(), 2);
         QCOMPARE(discovery.discovered[1][0].toString(), "10.79.0.2");
 
@@ -138,19 +126,9 @@ private slots:
         QVERIFY(machine_->ip("route add local 10.78.1.0/24 dev lo"));
         Discovery discovery({50ms, 10'000ms});
         const QByteArray answer = "PingReceived";
-        const QByteArrayList words{"pingReceived",
-                                   answer + '\n',
-                                   answer + '\0',
-                                   " PingReceived",
-                                   "PingReceive",
-                                   "",
-                                   answer.repeated(100),
-                                   QByteArray(60'000, 'P'),
-                                   "PingServers",
-                                   "GiveClient",
-                                   '\0' + answer,
-                                   "\xff\xfe",
-                                   answer};
+        const QByteArrayList words{
+            "",           "pingReceived", "PingReceive",        "PingServers",
+            "GiveClient", answer + '\0',  answer.repeated(100), answer};
         machine_->run([&] {
             for (int i = 0; i < words.size(); ++i) {
                 QUdpSocket socket;
@@ -159,7 +137,7 @@ private slots:
             }
         });
         QTRY_COMPARE(discovery.discovered.size(), 1);
-        QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.1.13"}));
+        QCOMPARE(discovery.getAvailableServers(), QStringList({"10.78.1.8"}));
         QCOMPARE(discovery.clients(), QStringList());
     }
 
@@ -190,25 +168,25 @@ private slots:
     }
 
     void keepsProducersWhileThreadIsBusy() {
-        Producer producer(*machine_, "10.78.0.2");
+        auto producer = answeringProducer(*machine_, "10.78.0.2");
         Discovery discovery;
         QTRY_COMPARE(discovery.discovered.size(), 1);
         const auto sockets = discovery.findChildren<QUdpSocket*>();
         for (int round = 0; round < 3; ++round) {
-            const int before = producer.pings();
+            const int before = producer->pingsHeard();
             QTest::qSleep(1500);
             QCOMPARE(discovery.getAvailableServers().size(), 1);
             QElapsedTimer free;
             free.start();
             QTest::qWait(60);
             // The thirty missed ticks have not accumulated.
-            const auto asked = producer.pings() - before;
+            const auto asked = producer->pingsHeard() - before;
             QVERIFY2(asked <= 4 + free.elapsed() / 50, qPrintable(QString::number(asked)));
             QCOMPARE(discovery.timeouted.size(), 0);
             QCOMPARE(discovery.findChildren<QUdpSocket*>(), sockets);
         }
         // A thread that is always late still detects silence.
-        producer.stopAnswering();
+        producer.reset();
         for (int round = 0; round < 100 && discovery.timeouted.isEmpty(); ++round) {
             QTest::qSleep(120);
             QCoreApplication::processEvents();
@@ -226,11 +204,7 @@ private slots:
         QVERIFY(ofBroadcasts.bind(QHostAddress::Broadcast, 62331, QUdpSocket::DontShareAddress));
         const auto server =
             machine_->make<NetworkUtils>([] { return new NetworkUtils(62330, 62331, true); });
-        const auto clients = [&] {
-            QStringList found;
-            machine_->run([&] { found = server->clients(); });
-            return found;
-        };
+        const auto clients = [&] { return machine_->get([&] { return server->clients(); }); };
         // Once, although every tick tries again.
         messages_->expect(QtCriticalMsg,
                           "NetworkCompanion: Socket not bound when constructing NetworkUtils!");
@@ -265,9 +239,9 @@ private slots:
     }
 
     void endsWithinPeriod() {
-        Producer producer(*machine_, "10.78.0.2");
+        const auto producer = answeringProducer(*machine_, "10.78.0.2");
         auto discovery = std::make_unique<Discovery>(DiscoveryTiming{60s, 60s});
-        QTRY_VERIFY(producer.pings() > 0);
+        QTRY_VERIFY(producer->pingsHeard() > 0);
         QElapsedTimer timer;
         timer.start();
         discovery.reset();
@@ -277,11 +251,9 @@ private slots:
     /// At both ends, of an idle connection and of one with unacknowledged bytes.
     void noticesVanishedPeer() {
         auto server = machine_->make<CompanionServer>([] { return new CompanionServer(nullptr); });
-        quint16 port = 0;
-        machine_->run([&] {
-            QVERIFY(server->listen(QHostAddress("10.78.0.2"), 0));
-            port = server->port();
-        });
+        const auto listen = [&] { return server->listen(QHostAddress("10.78.0.2"), 0); };
+        QVERIFY(machine_->get(listen));
+        const quint16 port = server->port();
         int connected = 0, gone = 0;
         connect(
             server.get(), &CompanionServer::companionConnected, this, [&] { ++connected; });

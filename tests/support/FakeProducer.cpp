@@ -5,9 +5,9 @@
 #include "network/events/MsgEvent.h"
 #include "tests/support/ProtocolBytes.h"
 
+#include <QNetworkDatagram>
 #include <QTcpSocket>
 #include <QTest>
-#include <QUdpSocket>
 #include <QtEndian>
 
 #include <algorithm>
@@ -17,46 +17,15 @@ namespace MeshpadTest {
 using NetworkCompanion::Event;
 using NetworkCompanion::LVNtc;
 
-namespace {
-
-QByteArray message(const Event& event) {
-    return withLength(int32(9) + int32(event.getSize()) + static_cast<char>(event.type()) +
-                      event.serialize());
-}
-
-} // namespace
-
 FakeProducer::FakeProducer(QObject* parent) : QObject(parent) {
     connect(&server_, &QTcpServer::newConnection, this, &FakeProducer::onNewConnection);
 }
 
-FakeProducer::~FakeProducer() {
-    for (QTcpSocket* socket : sockets())
-        socket->disconnect(this);
-}
-
-bool FakeProducer::listen(const QHostAddress& address, quint16 port) {
-    return server_.listen(address, port);
-}
-
-void FakeProducer::stopListening() {
-    server_.close();
-}
-
 QStringList FakeProducer::lines() const {
     QStringList lines;
-    for (const auto& event : events_) {
-        QString line;
-        if (event)
-            QDebug(&line) << *event;
-        lines.append(event ? line.trimmed() : "null");
-    }
+    for (const auto& event : events_)
+        lines.append(event ? QDebug::toString(*event) : "null");
     return lines;
-}
-
-void FakeProducer::forget() {
-    bytes_.clear();
-    events_.clear();
 }
 
 bool FakeProducer::receivesAllOf(NetworkCompanion::CompanionClient& client) {
@@ -69,35 +38,34 @@ bool FakeProducer::receivesAllOf(NetworkCompanion::CompanionClient& client) {
     if (!QTest::qWaitFor([&] { return find() != events_.end(); }))
         return false;
     events_.erase(find());
-    const QByteArray bytes = message(marker);
-    bytes_.remove(bytes_.indexOf(bytes), bytes.size());
     return true;
 }
 
 void FakeProducer::send(const Event& event) {
-    sendRaw(message(event));
+    sendRaw(withLength(int32(9) + int32(event.getSize()) + static_cast<char>(event.type()) +
+                       event.serialize()));
 }
 
 void FakeProducer::sendRaw(const QByteArray& bytes) {
-    for (QTcpSocket* socket : sockets()) {
+    for (QTcpSocket* socket : connections_.keys()) {
         socket->write(bytes);
         socket->flush();
     }
 }
 
 void FakeProducer::closeConnections() {
-    for (QTcpSocket* socket : sockets())
+    for (QTcpSocket* socket : connections_.keys())
         socket->disconnectFromHost();
 }
 
 void FakeProducer::abortConnections() {
-    for (QTcpSocket* socket : sockets())
+    for (QTcpSocket* socket : connections_.keys())
         socket->abort();
 }
 
 void FakeProducer::stall() {
     stalled_ = true;
-    for (QTcpSocket* socket : sockets())
+    for (QTcpSocket* socket : connections_.keys())
         socket->setReadBufferSize(1);
 }
 
@@ -116,13 +84,11 @@ void FakeProducer::stopAnswering() {
 
 void FakeProducer::onDatagram() {
     while (receiver_->hasPendingDatagrams()) {
-        QByteArray data(64, '\0');
-        QHostAddress sender;
-        data.truncate(receiver_->readDatagram(data.data(), data.size(), &sender));
-        if (data != "PingServers")
+        const QNetworkDatagram ping = receiver_->receiveDatagram();
+        if (ping.data() != "PingServers")
             continue;
         ++pings_;
-        sender_->writeDatagram("PingReceived", sender, 62331);
+        sender_->writeDatagram("PingReceived", ping.senderAddress(), 62331);
     }
 }
 
@@ -131,7 +97,7 @@ void FakeProducer::onNewConnection() {
         socket->setParent(this);
         if (stalled_)
             socket->setReadBufferSize(1);
-        connections_[socket];
+        connections_.insert(socket, {});
         ++accepted_;
         connect(
             socket, &QTcpSocket::readyRead, this, [=, this] { onReadyRead(socket); });
@@ -148,7 +114,7 @@ void FakeProducer::onReadyRead(QTcpSocket* socket) {
         return;
     const QByteArray chunk = socket->readAll();
     bytes_ += chunk;
-    QByteArray& unparsed = connection->second;
+    QByteArray& unparsed = *connection;
     unparsed += chunk;
     while (unparsed.size() >= 4) {
         const auto length = qFromBigEndian<qint32>(unparsed.constData());
@@ -162,15 +128,8 @@ void FakeProducer::onReadyRead(QTcpSocket* socket) {
 
 void FakeProducer::onDisconnected(QTcpSocket* socket) {
     onReadyRead(socket);
-    connections_.erase(socket);
+    connections_.remove(socket);
     socket->deleteLater();
-}
-
-std::vector<QTcpSocket*> FakeProducer::sockets() const {
-    std::vector<QTcpSocket*> all;
-    for (const auto& [socket, unparsed] : connections_)
-        all.push_back(socket);
-    return all;
 }
 
 } // namespace MeshpadTest

@@ -4,11 +4,13 @@
 
 #include <QByteArray>
 #include <QHostAddress>
+#include <QMap>
 #include <QObject>
 #include <QStringList>
 #include <QTcpServer>
+#include <QUdpSocket>
 
-#include <map>
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -16,7 +18,6 @@ namespace NetworkCompanion {
 class CompanionClient;
 }
 class QTcpSocket;
-class QUdpSocket;
 
 namespace MeshpadTest {
 
@@ -27,12 +28,13 @@ class FakeProducer : public QObject {
 
 public:
     explicit FakeProducer(QObject* parent = nullptr);
-    ~FakeProducer() override;
 
     /// Port 0 chooses a free one.
-    bool listen(const QHostAddress& address = QHostAddress::LocalHost, quint16 port = 0);
+    bool listen(const QHostAddress& address = QHostAddress::LocalHost, quint16 port = 0) {
+        return server_.listen(address, port);
+    }
     /// Refuses further connections; existing ones stay.
-    void stopListening();
+    void stopListening() { server_.close(); }
     QString host() const { return server_.serverAddress().toString(); }
     quint16 port() const { return server_.serverPort(); }
 
@@ -47,10 +49,19 @@ public:
     /// The events as log lines.
     QStringList lines() const;
     template <typename EventClass>
-    std::vector<const EventClass*> eventsOf() const;
-    void forget();
+    std::vector<const EventClass*> eventsOf() const {
+        std::vector<const EventClass*> found;
+        for (const auto& event : events_)
+            if (const auto* typed = dynamic_cast<const EventClass*>(event.get()))
+                found.push_back(typed);
+        return found;
+    }
+    void forget() {
+        bytes_.clear();
+        events_.clear();
+    }
     /// Waits until everything that the client has sent so far is received, by a marker event, which
-    /// is removed again.
+    /// is removed from the events again.
     bool receivesAllOf(NetworkCompanion::CompanionClient& client);
 
     /// Sends to every companion and flushes.
@@ -66,6 +77,7 @@ public:
     /// Answers discovery from the address until stopAnswering(). False when the port is taken.
     bool answerDiscovery(const QHostAddress& from);
     void stopAnswering();
+    /// Of any thread.
     int pingsHeard() const { return pings_; }
 
 signals:
@@ -76,27 +88,16 @@ private:
     void onReadyRead(QTcpSocket* socket);
     void onDisconnected(QTcpSocket* socket);
     void onDatagram();
-    std::vector<QTcpSocket*> sockets() const;
 
     QTcpServer server_;
-    std::map<QTcpSocket*, QByteArray>
-        connections_; // children, with the bytes of no whole frame yet
+    QMap<QTcpSocket*, QByteArray> connections_; // children, with the bytes of a partial frame
     int accepted_ = 0;
     bool stalled_ = false;
     QByteArray bytes_;
     std::vector<std::unique_ptr<NetworkCompanion::Event>> events_;
     std::unique_ptr<QUdpSocket> receiver_;
     std::unique_ptr<QUdpSocket> sender_;
-    int pings_ = 0;
+    std::atomic<int> pings_ = 0;
 };
-
-template <typename EventClass>
-std::vector<const EventClass*> FakeProducer::eventsOf() const {
-    std::vector<const EventClass*> found;
-    for (const auto& event : events_)
-        if (const auto* typed = dynamic_cast<const EventClass*>(event.get()))
-            found.push_back(typed);
-    return found;
-}
 
 } // namespace MeshpadTest

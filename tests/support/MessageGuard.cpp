@@ -25,14 +25,21 @@ MessageGuard::MessageGuard()
 }
 
 MessageGuard::~MessageGuard() {
-    {
-        const std::scoped_lock lock(guardMutex);
-        qInstallMessageHandler(previous_);
-        guard = nullptr;
-    }
+    qInstallMessageHandler(previous_);
+    const std::scoped_lock lock(guardMutex);
+    guard = nullptr;
     QStringList faults;
-    for (const QString& text : unexpected_)
-        faults += "Unexpected line: " + text;
+    for (const Line& line : lines_) {
+        const auto& [type, text] = line;
+        const auto isAllowed = [&](const QRegularExpression& pattern) {
+            return pattern.match(text).hasMatch();
+        };
+        if (missing_.contains(line))
+            --missing_[line];
+        else if (type != QtDebugMsg && type != QtInfoMsg &&
+                 std::ranges::none_of(allowed_, isAllowed))
+            faults += "Unexpected line: " + text;
+    }
     for (const auto& [line, times] : missing_)
         if (times != 0)
             faults +=
@@ -64,7 +71,6 @@ void MessageGuard::clear() {
     const std::scoped_lock lock(guardMutex);
     lines_.clear();
     missing_.clear();
-    unexpected_.clear();
 }
 
 void MessageGuard::handle(QtMsgType type, const QMessageLogContext& context, const QString& text) {
@@ -72,16 +78,8 @@ void MessageGuard::handle(QtMsgType type, const QMessageLogContext& context, con
     if (!guard)
         return;
     guard->lines_.emplace_back(type, text);
-    if (const auto found = guard->missing_.find({type, text}); found != guard->missing_.end()) {
-        --found->second;
-        return;
-    }
-    const auto isAllowed = [&](const QRegularExpression& pattern) {
-        return pattern.match(text).hasMatch();
-    };
-    if (type != QtDebugMsg && type != QtInfoMsg && std::ranges::none_of(guard->allowed_, isAllowed))
-        guard->unexpected_.append(text);
-    guard->previous_(type, context, text);
+    if (!guard->missing_.contains(guard->lines_.back()))
+        guard->previous_(type, context, text);
 }
 
 } // namespace MeshpadTest

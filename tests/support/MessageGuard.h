@@ -37,8 +37,7 @@ private:
     static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text);
 
     std::vector<Line> lines_;
-    std::map<Line, int> missing_; // below 0: more than expected
-    QStringList unexpected_;
+    std::map<Line, int> missing_;
     std::vector<QRegularExpression> allowed_;
     QtMessageHandler previous_;
 };

@@ -19,9 +19,18 @@ public:
     bool isValid() const { return threadId_ > 0; }
     /// Runs the work on the peer's thread, which has an event loop, and waits for it.
     void run(const std::function<void()>& work);
+    /// As run(); returns the work's result.
+    template <typename Work>
+    auto get(Work work) {
+        decltype(work()) result{};
+        run([&] { result = work(); });
+        return result;
+    }
     /// Creates an object on the peer's thread; the last pointer destroys it there.
     template <typename Object>
-    std::shared_ptr<Object> make(const std::function<Object*()>& create);
+    std::shared_ptr<Object> make(const std::function<Object*()>& create) {
+        return {get(create), [this](Object* object) { run([=] { delete object; }); }};
+    }
 
     /// Runs "ip" on the peer, or in the test's own namespace. False when it fails.
     bool ip(const QString& arguments);
@@ -37,12 +46,5 @@ private:
     std::unique_ptr<Worker> worker_;
     qint64 threadId_ = 0;
 };
-
-template <typename Object>
-std::shared_ptr<Object> PeerNamespace::make(const std::function<Object*()>& create) {
-    Object* object = nullptr;
-    run([&] { object = create(); });
-    return {object, [this](Object* it) { run([=] { delete it; }); }};
-}
 
 } // namespace MeshpadTest

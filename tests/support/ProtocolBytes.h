@@ -1,22 +1,40 @@
 #pragma once
 
 #include <QByteArray>
-
-#include <cstdint>
+#include <QtEndian>
 
 /// Wire bytes built without the library, for tests to compare with.
 namespace MeshpadTest {
 
 /// From digits such as "00 0a ff"; spaces are ignored.
-QByteArray hex(const char* digits);
+inline QByteArray hex(const char* digits) {
+    return QByteArray::fromHex(digits);
+}
+
 /// A text field: padded with zero bytes to its size.
-QByteArray text(const QByteArray& characters, int size = 256);
+inline QByteArray text(const QByteArray& characters, int size = 256) {
+    return characters.leftJustified(size, '\0');
+}
+
 /// Big-endian.
-QByteArray int32(std::int64_t value);
-QByteArray int64(std::int64_t value);
+inline QByteArray int64(qint64 value) {
+    QByteArray bytes(sizeof value, '\0');
+    qToBigEndian(value, bytes.data());
+    return bytes;
+}
+
+inline QByteArray int32(qint64 value) {
+    return int64(value).last(4);
+}
+
 /// The payload behind a correct header of 9 bytes.
-QByteArray frame(int type, const QByteArray& payload);
+inline QByteArray frame(int type, const QByteArray& payload) {
+    return int32(9) + int32(payload.size()) + static_cast<char>(type) + payload;
+}
+
 /// The bytes behind their length of 4 bytes, as in the stream.
-QByteArray withLength(const QByteArray& bytes);
+inline QByteArray withLength(const QByteArray& bytes) {
+    return int32(bytes.size()) + bytes;
+}
 
 } // namespace MeshpadTest

@@ -1,16 +1,13 @@
 #include "tests/support/PeerNamespace.h"
 
-#include <QByteArrayList>
 #include <QCoreApplication>
 #include <QEvent>
+#include <QProcess>
 
 #include <semaphore>
-#include <vector>
 
 #include <sched.h>
-#include <spawn.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace MeshpadTest {
@@ -19,15 +16,7 @@ namespace {
 
 /// Runs as a child of the calling thread and therefore in its namespace.
 bool runIp(const QString& arguments) {
-    QByteArrayList words = arguments.toLocal8Bit().split(' ');
-    std::vector<char*> argv{const_cast<char*>("ip")};
-    for (QByteArray& word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    pid_t child = 0;
-    int status = 0;
-    return posix_spawnp(&child, "ip", nullptr, nullptr, argv.data(), environ) == 0 &&
-           waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return QProcess::execute("ip", arguments.split(' ')) == 0;
 }
 
 } // namespace
@@ -74,9 +63,7 @@ void PeerNamespace::run(const std::function<void()>& work) {
 }
 
 bool PeerNamespace::ip(const QString& arguments) {
-    bool ok = false;
-    run([&] { ok = runIp(arguments); });
-    return ok;
+    return get([&] { return runIp(arguments); });
 }
 
 bool PeerNamespace::ipHere(const QString& arguments) {
