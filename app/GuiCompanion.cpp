@@ -108,7 +108,7 @@ void GuiCompanion::onConnectToServer(const QString& ip) {
     serverIp_ = ip;
 
     content_->purgeMedia();
-    // Unique, because the connection also stands after a loss, and a loss is handled once.
+    // Unique: this signal connection survives a lost link, and one loss must be handled once.
     connect(dispatcher_, SIGNAL(disconnected()), this, SLOT(onDisconnectError()),
             Qt::UniqueConnection);
     NetworkCompanion::MsgEvent getResources(kGetResources);

@@ -140,7 +140,7 @@ void MeshGridItem::erase() {
 void MeshGridItem::destroyPointsAndLines() {
     isBuilt_ = false;
     pointsArray_ = linesArray_ = QJSValue();
-    // Points first: QObject searches its children from the oldest on.
+    // Points before lines: QObject then finds each child at the front of its list.
     const std::vector<MeshLine*> lines = std::exchange(lines_, {});
     for (MeshLine* line : lines)
         line->grid_ = nullptr;

@@ -81,7 +81,7 @@ void removeHidden(MeshPicture& picture, double diameter) {
         return line.length() * picture.zoom < 2 * opaque - kFading;
     });
 
-    // In the rotated coordinates of the points, whose squares are upright there.
+    // Rotate to the coordinates of the points, in which their squares are axis-aligned.
     const double turn = -qDegreesToRadians(picture.points.front().rotation);
     const double cosine = std::cos(turn) * picture.zoom;
     const double sine = std::sin(turn) * picture.zoom;

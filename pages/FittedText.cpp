@@ -64,7 +64,7 @@ void FittedText::elide() {
     const QString end =
         QFontMetricsF(layout_.font()).elidedText(text.mid(start), Qt::ElideRight, box_.width());
     elided_ = end != text.mid(start);
-    // The separator keeps the shortened end from moving up to the line before.
+    // The separator forces the line break, otherwise the shorter end could move to the line before.
     layout_.setText(last == 0 ? end : text.left(start) + QChar(QChar::LineSeparator) + end);
     static_cast<void>(layOut(layout_.font(), QTextOption::WrapAtWordBoundaryOrAnywhere));
 }

@@ -357,7 +357,7 @@ void Canvas::movePoint(const ItemKey& item, const QString& name, int pointId, do
         return;
     }
     if (!pendingMoves_.empty())
-        updateProducer(); // keeps the last drag's moves ahead of this one
+        updateProducer(); // the queued moves of the last drag come first
     sendMove(move);
 }
 

@@ -2,7 +2,7 @@
 
 #include "warp/Item.h"
 
-/// The row of a cue's media. Starts as not blinded because the Producer's event carries no state.
+/// The row of a cue's media. Starts as not blinded; only blind events set the state.
 /// Members marked API are not used by the application itself.
 class MediaItem final : public Item {
     Q_OBJECT

@@ -305,7 +305,7 @@ void MediaList::purgeMedia() {
 void MediaList::relabel(Item* row, const QString& text) {
     if (row->labelText() == text)
         return;
-    rows_->sortIfRequested(); // by the labels up to now
+    rows_->sortIfRequested(); // a new label moves no row before updateMediaList()
     row->setLabelText(text);
     isUpdateDue_ = true;
 }

@@ -2,7 +2,7 @@
 
 #include "warp/Item.h"
 
-/// The row of a cue's texture. Starts as not blinded because the Producer's event carries no state.
+/// The row of a cue's texture. Starts as not blinded; only blind events set the state.
 /// Members marked API are not used by the application itself.
 class TextureItem final : public Item {
     Q_OBJECT

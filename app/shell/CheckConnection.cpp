@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::chrono::seconds kLatestAnnouncement{1}; // after the check
+constexpr std::chrono::seconds kLatestAnnouncement{1}; // largest age of a check that is announced
 
 } // namespace
 

@@ -139,7 +139,7 @@ function clampedDelta(points, width, height, dx, dy) {
     }
     if (!outside)
         return { dx: dx, dy: dy };
-    // Points outside pulled the selection towards the inside; the points inside must stay inside.
+    // The first pass may have enlarged the movement to bring points inside; the others must stay inside.
     for (const point of points) {
         if (point.x >= 0 && point.x <= width)
             dx = clampedStep(point.x, dx, width);
@@ -149,8 +149,8 @@ function clampedDelta(points, width, height, dx, dy) {
     return { dx: dx, dy: dy };
 }
 
-// The Producer counts in pixels from the item's centre (XY) or in fractions of its size (UV). The scene keeps the
-// position converted forth and back, so that both ends hold the same bits and an echo moves no point.
+// The Producer counts in pixels from the item's centre (XY) or in fractions of its size (UV). The scene stores
+// fromProducer(toProducer(x)), so that an echo has exactly the same value and moves no point.
 function toProducer(position, size, isXy) {
     return isXy ? position - size / 2 : position / size;
 }
