@@ -30,14 +30,6 @@ void SceneDisplayTest::pointsAndLinesOfEachSize() {
             QCOMPARE(s.faultInPicture(22), QString());
             QVERIFY(s.faultInPicture(16).startsWith("line")); // a handle in a patch has none
         }
-        // Dense, all of it selected, from every side, and with the dialogs in front.
-        s.select(s.screen, 3, 46, 46);
-        s.key(Qt::Key_A, Qt::ControlModifier);
-        for (const char* step : {"", "rotationDialog.open()", "rotationDialog.selectView(1)",
-                                 "deformationDialog.open(2, 4, 3)", "deformationDialog.close()"}) {
-            s.evaluate(step);
-            s.view->grabFramebuffer();
-        }
     }
 }
 
