@@ -1,19 +1,12 @@
 #include "network/events/AddScreenEvent.h"
 #include "network/events/AddScreenPartEvent.h"
 #include "network/events/BlindEvent.h"
-#include "network/events/DeformationModeEvent.h"
 #include "network/events/ItemDataEvent.h"
 #include "network/events/MediaBlindEvent.h"
-#include "network/events/MediaDeformationModeEvent.h"
 #include "network/events/MsgEvent.h"
 #include "network/events/ProtocolLimits.h"
-#include "network/events/RemoveMediaEvent.h"
-#include "network/events/RemoveScreenEvent.h"
-#include "network/events/RemoveScreenPartEvent.h"
-#include "network/events/RemoveTextureEvent.h"
 #include "network/events/ScreenModeEvent.h"
 #include "network/events/ScreenPartBlindEvent.h"
-#include "network/events/ScreenPartDeformationModeEvent.h"
 #include "tests/support/GuardedTest.h"
 #include "tests/support/WidgetRig.h"
 #include "warp/MediaList.h"
@@ -26,11 +19,9 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QMap>
-#include <QMetaMethod>
 #include <QRandomGenerator>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
 
@@ -56,7 +47,6 @@ private slots:
         container_ = rig_->widget;
         list_ = container_->getMediaList();
         list_->setFocus();
-        signalNames_.clear();
     }
     void cleanup() {
         rig_.reset();
@@ -65,13 +55,12 @@ private slots:
 
     void labelsOfPartsFollowTheScreen() {
         list_->addScreen(1, 0, 800, 600, 90.0, false, false, "Wall");
-        list_->addScreen(2, 0, 800, 600, 0.0, false, false, "Zoo");
         list_->addScreenPart(1, 5, 0, 1, 1, 0.0, false, "Left");
         list_->addScreenPart(1, 5, 0, 1, 1, 0.0, false, "Right");
         list_->addScreenPart(1, 4, 0, 1, 1, 0.0, false, "");
-        QCOMPARE(allRows(), QStringList({"Wall", "Wall, Right", "Wall, Part", "Zoo"}));
+        QCOMPARE(allRows(), QStringList({"Wall", "Wall, Right", "Wall, Part"}));
         list_->addScreen(1, 0, 400, 300, 45.0, false, false, "Zoom");
-        QCOMPARE(allRows(), QStringList({"Zoo", "Zoom", "Zoom, Left", "Zoom, Part"}));
+        QCOMPARE(allRows(), QStringList({"Zoom", "Zoom, Left", "Zoom, Part"}));
     }
 
     /// Random operations leave the same rows as a reference list that is rebuilt every time.
@@ -110,74 +99,26 @@ private slots:
             QCOMPARE(allRows(), reference(false, "", false));
             QCOMPARE(shownRows(), reference(true, filterText, screensOnly));
         }
-        rig_->producer.forget();
     }
 
-    void selectionIsSentAndEmitted() {
+    void selectionIsSent() {
         for (const unsigned cue : {1U, 2U, 3U})
             addMedia(cue, QString::number(cue), int(100 * cue));
-        QSignalSpy selected(container_, &MediaListContainer::selectedItem);
         QTest::mouseClick(row("2"), Qt::LeftButton);
-        QTest::keyClicks(focus(), "mm"); // ends at the last row
-        QVERIFY(!row("2")->isActive() && row("3")->isActive());
+        QTest::keyClicks(focus(), "mm"); // the last row is the end
         list_->onAction(Action::SELECT_PREVIOUS_SCREEN);
         QTest::keyClicks(focus(), "pp");
         list_->unselectItem();
         list_->onAction(Action::SELECT_PREVIOUS_SCREEN);
         QVERIFY(rig_->gets(ItemDataEvent(200), ItemDataEvent(300), ItemDataEvent(200),
                            ItemDataEvent(100), ItemDataEvent(-1), ItemDataEvent(100)));
-        QCOMPARE(selected.size(), 6);
-        QCOMPARE(selected.last().value(0).value<Item*>(), row("1"));
-    }
-
-    void keysAreAcceptedByAnEmptyList() {
-        for (const auto key : {Qt::Key_M, Qt::Key_P, Qt::Key_Space, Qt::Key_T, Qt::Key_X}) {
-            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-            event.ignore();
-            KeyEventManager::getInstance()->notifyListeners(&event);
-            QCOMPARE(event.isAccepted(), key != Qt::Key_X);
-        }
-        QVERIFY(rig_->getsNothing());
-    }
-
-    void removedRowIsUnselectedFirst() {
-        addOneOfEachKind();
-        list_->addScreenPart(1, 6, 16, 1, 1, 0.0, false, "Right");
-        list_->updateScreenMode(1, Mode::Parts);
-        select("Wall, Left");
-        record(&MediaListContainer::removeScreenItem, &MediaListContainer::removeScreenPartItem,
-               &MediaListContainer::removeTextureItem, &MediaListContainer::removeMediaItem,
-               &MediaListContainer::selectedItem, &MediaListContainer::itemRemoved);
-        rig_->deliver(RemoveScreenPartEvent(1, 6, ""), RemoveScreenEvent(1), RemoveScreenEvent(1),
-                      RemoveScreenPartEvent(1, 5, ""), RemoveMediaEvent(2, 0, ""),
-                      RemoveTextureEvent(2, 0, ""), RemoveMediaEvent(3, 0, ""));
-        QCOMPARE(signalNames_.join(' '),
-                 "removeScreenPartItem itemRemoved removeScreenPartItem selectedItem itemRemoved "
-                 "removeScreenItem itemRemoved removeTextureItem itemRemoved "
-                 "removeMediaItem itemRemoved");
-        QCOMPARE(allRows(), QStringList());
-        QVERIFY(rig_->gets(ItemDataEvent(15), ItemDataEvent(-1)));
     }
 
     void newShowClearsTheListAndRequestsResources() {
         addOneOfEachKind();
-        rig_->deliver(MsgEvent("newshow"));
-        QCOMPARE(allRows().size(), 4);
         rig_->deliver(MsgEvent("newShow"));
         QCOMPARE(allRows(), QStringList());
         QVERIFY(rig_->gets(MsgEvent("getResources")));
-    }
-
-    void screenModeUnselectsTheScreen() {
-        addOneOfEachKind();
-        select("Wall");
-        QSignalSpy modes(container_, &MediaListContainer::screenMode);
-        messages_->expect(QtWarningMsg, "MediaList: Mode 4 of screen 1 ignored");
-        rig_->deliver(ScreenModeEvent(Mode::Parts, 1, 10, ""), ScreenModeEvent(Mode(4), 1, 10, ""),
-                      ScreenModeEvent(Mode::Deformation, 9, 10, ""));
-        QCOMPARE(modes.size(), 1);
-        QCOMPARE(shownRows(), QStringList({"Wall, Left", "Clip", "Sky"}));
-        QVERIFY(rig_->gets(ItemDataEvent(10), ItemDataEvent(-1)));
     }
 
     void eyeRequestsTheOppositeBlind() {
@@ -191,7 +132,6 @@ private slots:
                            MediaBlindEvent(Kind::Media, 3, 31, 0, "Clip", true),
                            MediaBlindEvent(Kind::Texture, 2, 21, 0, "Sky", true)));
         QVERIFY(!row("Clip")->isBlinded()); // until the Producer reports it
-        QCOMPARE(list_->selection(), nullptr);
     }
 
     void blindOfTheProducerIsShown() {
@@ -199,40 +139,24 @@ private slots:
         rig_->deliver(BlindEvent(0, 1, "", false), BlindEvent(0, 8, "", true),
                       ScreenPartBlindEvent(1, 5, 0, "", true),
                       MediaBlindEvent(Kind::Texture, 2, 21, 0, "Sea", true),
-                      MediaBlindEvent(Kind::Screen, 3, 31, 0, "No", true),
                       MediaBlindEvent(Kind::Media, 2, 31, 0, "No", true));
         QVERIFY(!row("Wall")->isBlinded() && row("Wall, Left")->isBlinded());
         QVERIFY(row("Sea")->isBlinded() && !row("Clip")->isBlinded());
     }
 
-    void spaceRequestsTheBlindOfTheSelection() {
+    void deformationThatCannotBeBuiltIsIgnored() {
         addOneOfEachKind();
-        select("Clip");
-        QTest::keyClick(focus(), Qt::Key_Space);
-        QKeyEvent held(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", true);
-        list_->notified(&held); // would make the output flicker
-        QVERIFY(
-            rig_->gets(ItemDataEvent(30), MediaBlindEvent(Kind::Media, 3, 31, 0, "Clip", true)));
-    }
-
-    void meshEmitsItsThreeDeformationsInOrder() {
-        addOneOfEachKind();
-        record(&MediaListContainer::screenDeformationMode,
-               &MediaListContainer::screenPartDeformationMode,
-               &MediaListContainer::mediaDeformationMode);
         ItemDataEvent mesh;
         mesh.setMediaDeformationModeEvent(
             {Kind::Media, Deformation::Curve, 3, 31, 30, "", 64, 3, true});
-        mesh.setScreenPartDeformationModeEvent({Deformation::Bezier, 1, 5, 15, "", 4, 7, false});
-        mesh.setDeformationModeEvent({Deformation::Keystone, 1, 10, "", 0, 0, true});
+        mesh.setScreenPartDeformationModeEvent({Deformation::Bezier, 1, 5, 15, "", 4, 1, false});
+        mesh.setDeformationModeEvent({Deformation::Curve, 1, 10, "", 65, 3, true});
         const char* ignored = "MediaList: Deformation of type %d with %u x %u points ignored";
         messages_->expect(QtWarningMsg, QString::asprintf(ignored, 2, 65U, 3U));
         messages_->expect(QtWarningMsg, QString::asprintf(ignored, 1, 4U, 1U));
-        rig_->deliver(
-            mesh, DeformationModeEvent(Deformation::Curve, 1, 0, "", 65, 3, false),
-            ScreenPartDeformationModeEvent(Deformation::Bezier, 1, 5, 0, "", 4, 1, false));
-        QCOMPARE(signalNames_.join(' '),
-                 "screenDeformationMode screenPartDeformationMode mediaDeformationMode");
+        rig_->deliver(mesh);
+        QCOMPARE(row("Clip")->deformation().rows, 64);
+        QCOMPARE(row("Wall")->deformation().type, -1);
     }
 
     void outOfBoundsElementsAreDroppedWithAWarning() {
@@ -245,31 +169,27 @@ private slots:
         list_->addScreenPart(65535, 1, 0, 1, 1, 0.0, false, "");
         while (screen->parts().size() < Limits::kMaxPartsPerScreen)
             screen->addPart(screen->getPart(1)); // the list only counts them
-        rig_->deliver(AddScreenPartEvent(65535, 2, 0, 1, 1, 0, 0.0, "", false));
-        QCOMPARE(allRows(), QStringList({"Far", "Far, Part"}));
+        messages_->expect(QtWarningMsg, "MediaList: Mode 4 of screen 65535 ignored");
+        rig_->deliver(AddScreenPartEvent(65535, 2, 0, 1, 1, 0, 0.0, "", false),
+                      ScreenModeEvent(Mode(4), 65535, 0, ""));
+        QCOMPARE(shownRows(), QStringList({"Far"}));
     }
 
-    void searchFiltersRowsWithoutShortcuts() {
-        addOneOfEachKind();
+    void searchBoxFiltersAndShowsWhetherThereIsAHit() {
+        addMedia(1, "Clip", 30);
         select("Clip");
+        const QString normal = search()->styleSheet();
         search()->setFocus();
-        QTest::keyClicks(focus(), "mt");
-        QTest::keyClick(focus(), Qt::Key_M, Qt::ControlModifier);
+        QTest::keyClicks(focus(), "mt"); // not as shortcuts
         QCOMPARE(shownRows(), QStringList());
         QVERIFY(rig_->gets(ItemDataEvent(30), ItemDataEvent(-1)));
-    }
-
-    void searchBoxShowsWhetherThereIsAHit() {
-        const QString normal = search()->styleSheet();
-        search()->setText("floor?");
-        QVERIFY(search()->styleSheet().contains("color: red;"));
-        addMedia(5, "floor?");
+        QVERIFY(search()->styleSheet() != normal);
+        addMedia(5, "mtx");
         QTRY_COMPARE(search()->styleSheet(), normal);
         list_->removeMedia(5);
         QTRY_VERIFY(search()->styleSheet() != normal);
-        search()->setFocus();
         QTest::mouseClick(search()->findChild<QToolButton*>(), Qt::LeftButton);
-        QVERIFY(search()->hasFocus() && search()->text().isEmpty());
+        QVERIFY(search()->hasFocus() && !row("Clip")->isHidden());
     }
 
     void searchBoxReturnsTheFocusToTheList() {
@@ -280,22 +200,18 @@ private slots:
         };
         search()->setText("a");
         QVERIFY(listHasFocusAfter(Qt::Key_Return) && listHasFocusAfter(Qt::Key_Down));
-        QVERIFY(!listHasFocusAfter(Qt::Key_Escape) && search()->text().isEmpty());
-        QVERIFY(listHasFocusAfter(Qt::Key_Escape));
+        QVERIFY(!listHasFocusAfter(Qt::Key_Escape) && listHasFocusAfter(Qt::Key_Escape));
     }
 
     void checkBoxHidesScreens() {
         addOneOfEachKind();
         auto* filter = container_->findChild<QCheckBox*>();
-        select("Wall");
         filter->setFocus();
         QTest::keyClick(focus(), Qt::Key_T);
         QVERIFY(filter->isChecked() && list_->isAncestorOf(focus()));
         QCOMPARE(shownRows(), QStringList({"Clip", "Sky"}));
-        QVERIFY(rig_->gets(ItemDataEvent(10), ItemDataEvent(-1)));
         search()->setText("c");
-        QTest::mouseClick(filter, Qt::LeftButton, {}, {10, filter->height() / 2});
-        QVERIFY(!filter->isChecked());
+        filter->click();
         QCOMPARE(shownRows(), QStringList({"Clip"})); // the text filter holds
     }
 
@@ -312,8 +228,10 @@ private slots:
         rig_->window.resize(260, 900);
         QTRY_VERIFY(!firstRowInView().isEmpty() && list_->height() > 700);
         bar()->setValue(0);
-        addMedia(300, "0999");
-        QTRY_COMPARE(firstRowInView(), "0999");
+        const QString name = "0<b>A name that is far too long for the row it stands in</b>";
+        addMedia(300, name);
+        QTRY_COMPARE(firstRowInView(), name);
+        QCOMPARE(row(name)->findChild<NameLabel*>()->toolTip(), name.toHtmlEscaped());
     }
 
     void filtersScrollToTheSelectionOrTheTop() {
@@ -325,12 +243,9 @@ private slots:
         select("1105");
         search()->clear();
         QVERIFY(!firstRowInView().isEmpty() && !row("1105")->visibleRegion().isEmpty());
-        bar()->setValue(0);
-        container_->findChild<QCheckBox*>()->click();
-        QVERIFY(!firstRowInView().isEmpty() && !row("1105")->visibleRegion().isEmpty());
     }
 
-    void tapSelectsOrBlinds() {
+    void touchScrollsOrTaps() {
         addNumberedMedias(100);
         QTRY_VERIFY(row("1003")->y() > row("1002")->y());
         search()->setFocus();
@@ -338,11 +253,6 @@ private slots:
         QVERIFY(list_->isAncestorOf(focus()));
         tap(row("1004")->findChild<BlindButton*>());
         QVERIFY(rig_->gets(ItemDataEvent(3), MediaBlindEvent(Kind::Media, 4, 0, 0, "1004", true)));
-    }
-
-    void fingerScrolls() {
-        addNumberedMedias(100);
-        QTRY_VERIFY(row("1004")->y() > row("1003")->y());
         const QPoint down = row("1004")->mapTo(&rig_->window, row("1004")->rect().center());
         finger().press(0, down).commit();
         for (int y = 10; y <= 150; y += 10) {
@@ -352,16 +262,6 @@ private slots:
         QTRY_VERIFY(bar()->value() > 100);
         finger().release(0, down - QPoint(0, 150)).commit();
         QVERIFY(rig_->getsNothing());
-    }
-
-    void longNameIsElidedAndShownAsPlainText() {
-        const QString name = "<b>A name that is far too long for the row it stands in</b>";
-        addMedia(1, name);
-        QTRY_VERIFY(row(name)->findChild<NameLabel*>());
-        const auto* label = row(name)->findChild<NameLabel*>();
-        QCOMPARE(label->textFormat(), Qt::PlainText);
-        QCOMPARE(label->toolTip(), name.toHtmlEscaped());
-        QCOMPARE(row(name)->width(), 175);
     }
 
 private:
@@ -379,19 +279,19 @@ private:
         list_->addMedia(MediaType::Image, 3, 31, 30, 1, 1, 0.0, false, "Clip");
     }
 
-    QStringList rows(bool shownOnly) const {
+    QStringList allRows(bool shownOnly = false) const {
         QStringList labels;
         for (int i = 0; const Item* item = list_->getItemFromLayout(i); ++i)
             if (!shownOnly || item->isVisible())
                 labels << item->labelText();
         return labels;
     }
-    QStringList allRows() const { return rows(false); }
-    QStringList shownRows() const { return rows(true); }
+    QStringList shownRows() const { return allRows(true); }
     Item* row(const QString& label) const {
         return list_->getItemFromLayout(int(allRows().indexOf(label)));
     }
-    /// The label of the first row in view; empty if a row in view lacks its label, eye or colour.
+    /// The label of the first row in view; empty if a row in view lacks its plain label, eye or
+    /// colour.
     QString firstRowInView() const {
         QStringList labels;
         for (int i = 0; const Item* item = list_->getItemFromLayout(i); ++i) {
@@ -399,7 +299,8 @@ private:
                 continue;
             const auto* label = item->findChild<NameLabel*>();
             const auto* eye = item->findChild<BlindButton*>();
-            if (!label || label->visibleRegion().isEmpty() || item->styleSheet().isEmpty() ||
+            if (!label || label->visibleRegion().isEmpty() ||
+                label->textFormat() != Qt::PlainText || item->styleSheet().isEmpty() ||
                 eye->visibleRegion().boundingRect().width() != eye->width())
                 return {};
             labels << label->text();
@@ -420,16 +321,6 @@ private:
         finger().move(0, centre + QPoint(2, 3), widget).commit();
         finger().release(0, centre + QPoint(2, 3), widget).commit();
     }
-    /// Appends the signal's name to signalNames_ for each emission.
-    template <class... Signals>
-    void record(Signals... signalsOfContainer) {
-        const auto recordOne = [&](auto signal) {
-            const QString name = QMetaMethod::fromSignal(signal).name();
-            connect(container_, signal, this, [this, name] { signalNames_ << name; });
-        };
-        (recordOne(signalsOfContainer), ...);
-    }
-
     /// All or shown rows of a list that is built anew from the present elements.
     QStringList reference(bool shownOnly, const QString& filterText, bool screensHidden) const {
         QMap<std::tuple<bool, QByteArray, int, qsizetype>, QString> labels;
@@ -454,7 +345,6 @@ private:
     std::optional<MeshpadTest::WidgetRig<MediaListContainer>> rig_;
     MediaListContainer* container_ = nullptr;
     MediaList* list_ = nullptr;
-    QStringList signalNames_;
     std::unique_ptr<QPointingDevice> touchScreen_{QTest::createTouchDevice()};
 };
 
