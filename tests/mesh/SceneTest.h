@@ -109,7 +109,6 @@ protected:
              [&] { s.deform(*items[words[1]], number(2), number(3), number(4)), forget(); }},
             {"click", [&] { s.click(start()); }},
             {"add", [&] { s.click(start(), Qt::ControlModifier); }},
-            {"point", [&] { s.click(at(1)); }},
             {"list", [&] { clickItem("it.accessibleName === '" + rest() + "'"); }},
             {"entry", [&] { clickItem("it.modelData === " + rest()); }},
             {"press", [&] { s.press(pressed_ = start()); }},

@@ -12,26 +12,24 @@ class SceneDisplayTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void pointsAndLinesOfEachSize();
-};
-
-void SceneDisplayTest::pointsAndLinesOfEachSize() {
-    MeshpadTest::MessageGuard messages;
-    for (const QSize size : {QSize(1030, 610), QSize(1670, 1090)}) {
-        SceneRig s(size);
-        QCOMPARE(s.view->quickWindow()->rendererInterface()->graphicsApi(),
-                 QSGRendererInterface::OpenGL);
-        s.view->grabFramebuffer(); // empty
-        s.select(s.media, 2, 7, 7);
-        s.click(s.onScreen(24));
-        for (const double zoom : {0.4, 0.8}) {
-            s.evaluate(QString("zoomSlider.value = %1").arg(zoom));
-            QCOMPARE(s.faultInPicture(24), QString());
-            QCOMPARE(s.faultInPicture(22), QString());
-            QVERIFY(s.faultInPicture(16).startsWith("line")); // a handle in a patch has none
+    void pointsAndLinesOfEachSize() {
+        MeshpadTest::MessageGuard messages;
+        for (const QSize size : {QSize(1030, 610), QSize(1670, 1090)}) {
+            SceneRig s(size);
+            QCOMPARE(s.view->quickWindow()->rendererInterface()->graphicsApi(),
+                     QSGRendererInterface::OpenGL);
+            s.view->grabFramebuffer(); // empty
+            s.select(s.media, 2, 7, 7);
+            s.click(s.onScreen(24));
+            for (const double zoom : {0.4, 0.8}) {
+                s.evaluate(QString("zoomSlider.value = %1").arg(zoom));
+                QCOMPARE(s.faultInPicture(24), QString());
+                QCOMPARE(s.faultInPicture(22), QString());
+                QVERIFY(s.faultInPicture(16).startsWith("line")); // a handle in a patch has none
+            }
         }
     }
-}
+};
 
 QTEST_MAIN(SceneDisplayTest)
 #include "tst_scene_display.moc"
