@@ -4,7 +4,6 @@
 #include "app/HeadBanner.h"
 #include "app/IPList.h"
 #include "app/KeyRepeatFilter.h"
-#include "app/ToolTipFilter.h"
 #include "app/shell/EventDispatcher.h"
 #include "app/shell/ShellLook.h"
 #include "input/key_event_listener.h"
@@ -24,15 +23,10 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QHelpEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
-#include <QToolTip>
 
 #include <optional>
 
@@ -68,7 +62,6 @@ class TestGuiCompanion : public GuardedTest {
 private slots:
     void init() {
         GuardedTest::init();
-        qApp->installEventFilter(this);
         rig_.emplace(kFast);
         rig_->show();
         handle_ = rig_->window->windowHandle();
@@ -76,15 +69,12 @@ private slots:
     }
 
     void cleanup() {
-        qApp->removeEventFilter(this);
         rig_.reset();
         discovery().serverHasDisconnected(kProducer);
         GuardedTest::cleanup();
-        QCOMPARE(std::exchange(strayWindows_, {}), QStringList());
     }
 
     void connectingRequestsTheShow() {
-        QVERIFY(!rig_->window->windowIcon().isNull());
         QVERIFY(shows<ConnectPage>() && !showsMenu());
         auto* list = find<IPList>();
         QTRY_VERIFY(button(list, kProducer));
@@ -98,7 +88,6 @@ private slots:
         QVERIFY(rig_->view->hasFocus());
         rig_->window->onServerAvailableAgain(); // does nothing while connected
         QVERIFY(rig_->getsNothing());
-        QCOMPARE(rig_->producer.acceptedCount(), 1);
     }
 
     void operatorCanReconnectAtOnce() {
@@ -129,10 +118,7 @@ private slots:
         emit discovery().serverDiscovered(kFirst);
         emit discovery().serverDisconnected(kSecond);
         QCOMPARE(listed(), QStringList({kFirst}));
-    }
 
-    void purgedAddressReturnsAfterItsLoss() {
-        emit discovery().serverDiscovered(kFirst);
         find<Content>()->purgeIp();
         emit discovery().serverDiscovered(kFirst);
         QCOMPARE(listed(), QStringList());
@@ -141,30 +127,27 @@ private slots:
         QCOMPARE(listed(), QStringList({kFirst}));
     }
 
-    void selectedAddressIsConnectedTo() {
+    void selectedAddressIsConnectedToOnce() {
         emit discovery().serverDiscovered(kFirst);
         emit discovery().serverDiscovered(kSecond);
         disconnect(find<ConnectPage>(), nullptr, rig_->window.get(), nullptr);
         QSignalSpy connections(find<ConnectPage>(), &ConnectPage::connection);
         QPushButton* connect = button(page(), QString());
         QTest::mouseClick(connect, Qt::LeftButton); // nothing is selected
-        QVERIFY(connections.isEmpty() && !offersConnection());
+        QVERIFY(connections.isEmpty());
 
         QTRY_VERIFY(button(find<IPList>(), kSecond));
         QTest::mouseClick(button(find<IPList>(), kSecond), Qt::LeftButton);
         QTest::mouseClick(button(find<IPList>(), kFirst), Qt::LeftButton);
         QCOMPARE(listed(), QStringList({kFirst + " selected", kSecond}));
         emit discovery().serverTimeouted(kFirst); // stays selected without its button
-        QVERIFY(offersConnection());
         emit discovery().serverDiscovered(kFirst);
         QCOMPARE(listed(), QStringList({kSecond, kFirst + " selected"}));
-
         QTest::mouseClick(connect, Qt::LeftButton);
         QTest::mouseClick(connect, Qt::LeftButton);
         QCOMPARE(connections.size(), 1);
         QCOMPARE(connections.first(), QVariantList{kFirst});
         QCOMPARE(listed(), QStringList({kSecond, kFirst}));
-        QVERIFY(!offersConnection());
     }
 
     void pressedAddressMayDisappear() {
@@ -179,54 +162,30 @@ private slots:
         QVERIFY(find<IPList>()->selectedIp().isEmpty());
     }
 
-    void longListScrolls() {
-        for (int i = 0; i < 40; ++i)
-            emit discovery().serverDiscovered(QStringLiteral("10.0.1.%1").arg(i));
-        auto* scrollBar = page()->findChild<QScrollArea*>()->verticalScrollBar();
-        QTRY_VERIFY(scrollBar->maximum() > 0);
-        scrollBar->setValue(scrollBar->maximum());
-        QVERIFY(inWindow(page()).contains(inWindow(button(find<IPList>(), "10.0.1.39"))));
-        QVERIFY(inWindow(page()).contains(inWindow(button(page(), QString()))));
-    }
-
-    void tabShowsItsPage_data() {
+    void tabShowsPageThatPassesKeysOn_data() {
         QTest::addColumn<int>("position"); // cap, tabs, cap
         QTest::addColumn<QByteArray>("page");
-        QTest::addColumn<QByteArray>("lit"); // which of them look selected
-        QTest::newRow("left cap") << 0 << QByteArray("WarpPage") << QByteArray("110000");
-        QTest::newRow("first tab") << 1 << QByteArray("WarpPage") << QByteArray("110000");
-        QTest::newRow("second tab") << 2 << QByteArray("QuickKeysPage") << QByteArray("001000");
-        QTest::newRow("third tab") << 3 << QByteArray("TestPatternPage") << QByteArray("000100");
-        QTest::newRow("last tab") << 4 << QByteArray("SettingsPage") << QByteArray("000011");
-        QTest::newRow("right cap") << 5 << QByteArray("SettingsPage") << QByteArray("000011");
+        QTest::newRow("left cap") << 0 << QByteArray("WarpPage");
+        QTest::newRow("first tab") << 1 << QByteArray("WarpPage");
+        QTest::newRow("second tab") << 2 << QByteArray("QuickKeysPage");
+        QTest::newRow("third tab") << 3 << QByteArray("TestPatternPage");
+        QTest::newRow("last tab") << 4 << QByteArray("SettingsPage");
+        QTest::newRow("right cap") << 5 << QByteArray("SettingsPage");
     }
-
-    void tabShowsItsPage() {
+    void tabShowsPageThatPassesKeysOn() {
         QFETCH(int, position);
         connectByHand();
-        const auto row = find<HeadBanner>()->findChild<QButtonGroup*>()->buttons();
-        const auto lit = [&row] {
-            QByteArray marks;
-            for (const QAbstractButton* each : row) {
-                const QString on[] = {ShellLook::kLeftCapOn, ShellLook::kTabOn,
-                                      ShellLook::kRightCapOn};
-                marks += std::ranges::count(on, each->styleSheet()) > 0 ? '1' : '0';
-            }
-            return marks;
-        };
-        QCOMPARE(lit(), QByteArray("110000"));
+        const auto buttons = find<HeadBanner>()->findChild<QButtonGroup*>()->buttons();
         find<Content>()->setPage(position < 2 ? Page::Settings : Page::Warp);
-        QTest::mousePress(row[position], Qt::LeftButton);
+        QTest::mousePress(buttons[position], Qt::LeftButton);
         QTEST(QByteArray(page()->metaObject()->className()), "page");
-        QTEST(lit(), "lit");
-        QVERIFY(!find<HeadBanner>()->isAncestorOf(QApplication::focusWidget()));
-    }
-
-    void unknownTabShowsNoPage() {
-        messages_->expect(QtDebugMsg, "This menu page does not exist!", 2);
-        find<HeadBanner>()->onMenuTabPressed(0);
-        find<HeadBanner>()->onMenuTabPressed(5);
-        QVERIFY(shows<ConnectPage>());
+        QCOMPARE(buttons[position == 0 ? 1 : qMin(position, 4)]->styleSheet(),
+                 QString(ShellLook::kTabOn));
+        const KeyRecorder recorder;
+        const QList<int> keys{Qt::Key_M, Qt::Key_Space, Qt::Key_Left};
+        for (const int key : keys)
+            QTest::keyClick(handle_, Qt::Key(key));
+        QCOMPARE(recorder.keys, position < 2 ? QList<int>() : keys); // the scene takes all keys
     }
 
     void tabKeyReachesTheBanner() {
@@ -238,10 +197,7 @@ private slots:
             return target->hasFocus();
         };
         QVERIFY(tabTo(button(find<HeadBanner>(), kDisconnect)));
-        QPushButton* tab = button(find<HeadBanner>(), "Test patterns");
-        const QImage unfocused = tab->grab().toImage();
-        QVERIFY(tabTo(tab));
-        QVERIFY(tab->grab().toImage() != unfocused);
+        QVERIFY(tabTo(button(find<HeadBanner>(), "Test patterns")));
         QTest::keyClick(handle_, Qt::Key_Space);
         QVERIFY(shows<TestPatternPage>() && page()->hasFocus());
     }
@@ -254,48 +210,30 @@ private slots:
         QVERIFY(search->hasFocus());
     }
 
-    void keysOfEveryPageReachTheListeners() {
-        connectByHand();
-        KeyRecorder recorder;
-        for (const Page page : {Page::QuickKeys, Page::TestPatterns, Page::Settings, Page::Warp}) {
-            find<Content>()->setPage(page);
-            QList<int> keys{Qt::Key_M, Qt::Key_Space, Qt::Key_Left};
-            if (page == Page::Warp) {
-                find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
-                keys = {Qt::Key_M}; // a check box uses the others
-            }
-            for (const int key : keys)
-                QTest::keyClick(handle_, Qt::Key(key));
-            QCOMPARE(std::exchange(recorder.keys, {}), keys);
-        }
-    }
-
     void lossShowsTheOverlay() {
         connectByHand();
-        const QRect position = inWindow(button(find<HeadBanner>(), kDisconnect));
         QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
         loseConnection();
         QCOMPARE(forgotten.size(), 1);
         QCOMPARE(forgotten.first(), QVariantList{kProducer});
-        QVERIFY(shows<WarpPage>());
         QCOMPARE(overlay()->geometry(), rig_->window->rect());
-        QTRY_COMPARE(inWindow(button(overlay(), kDisconnect)), position);
         emit EventDispatcher::getInstance()->disconnected(); // again
         QCOMPARE(forgotten.size(), 2);
         QCOMPARE(rig_->window->findChildren<DisconnectOverlay*>().size(), 1);
         rig_->window->resize(1600, 900);
-        QTRY_COMPARE(overlay()->geometry(), QRect(0, 0, 1600, 900));
+        QTRY_COMPARE(overlay()->geometry(), rig_->window->rect());
     }
 
     void overlayBlocksKeys() {
         connectByHand();
         find<WarpPage>()->findChild<QCheckBox*>()->setFocus();
-        loseConnection();
         const KeyRecorder recorder;
+        QTest::keyClick(handle_, Qt::Key_M);
+        loseConnection();
         for (const auto key : {Qt::Key_M, Qt::Key_Space, Qt::Key_Left, Qt::Key_Tab, Qt::Key_Tab})
             QTest::keyClick(handle_, key); // the second Tab leaves the button again
         QTest::keyClick(handle_, Qt::Key_Escape);
-        QCOMPARE(recorder.keys, QList<int>());
+        QCOMPARE(recorder.keys, QList<int>{Qt::Key_M}); // of before the loss
         QVERIFY(overlay());
         startProducer();
         QTRY_VERIFY(!overlay());
@@ -309,12 +247,13 @@ private slots:
         for (auto* choice : find<SettingsPage>()->findChildren<QComboBox*>())
             choice->setCurrentIndex(choice->count() - 1);
         QTRY_VERIFY(find<Item>());
-        QSignalSpy forgotten(&discovery(), &NetworkUtils::serverDisconnected);
         for (int loss = 1; loss <= 2; ++loss) {
             find<Content>()->setPage(Page::QuickKeys);
             loseConnection();
-            QCOMPARE(forgotten.size(), loss);
             QVERIFY(shows<QuickKeysPage>());
+            QVERIFY(rig_->producer.answerDiscovery(QHostAddress(kProducer))); // but refuses
+            QTRY_VERIFY(!overlay());
+            QVERIFY(!client().isConnected());
             startProducer();
             QTRY_VERIFY(client().isConnected() && !overlay());
             QVERIFY(rig_->gets(MsgEvent("getResources"), UpdateSettingsEvent("#ffff00", 4)));
@@ -322,32 +261,6 @@ private slots:
             QVERIFY(!find<Item>());
             QCOMPARE(button(find<HeadBanner>(), "Warp")->styleSheet(), QString(ShellLook::kTabOn));
         }
-    }
-
-    void overlayGoesBeforeARefusedReconnection() {
-        connectByHand();
-        loseConnection();
-        QVERIFY(rig_->producer.answerDiscovery(QHostAddress(kProducer))); // but refuses connections
-        QTRY_VERIFY(!overlay());
-        QVERIFY(!client().isConnected());
-        QVERIFY(rig_->producer.listen(QHostAddress(kProducer), WindowRig::kProducerPort));
-        QTRY_VERIFY(client().isConnected());
-    }
-
-    void connectionThatBreaksAtOnceIsALoss() {
-        QTRY_VERIFY(button(find<IPList>(), kProducer));
-        rig_->producer.stopAnswering();
-        QCoreApplication::processEvents(); // receives an answer that has been sent
-        const auto breaking = connect(&rig_->producer, &FakeProducer::connected, this, [this] {
-            rig_->producer.stopListening();
-            rig_->producer.abortConnections();
-        });
-        pressConnect();
-        QTRY_VERIFY(overlay());
-        QVERIFY(shows<WarpPage>());
-        disconnect(breaking);
-        startProducer();
-        QTRY_VERIFY(client().isConnected() && !overlay());
     }
 
     void disconnectEndsWatching_data() {
@@ -360,13 +273,12 @@ private slots:
         QFETCH(bool, lost);
         QPushButton* disconnecting = disconnectButton();
         rig_->producer.send(AddMediaEvent(MediaType::Image, 1, 2, 3, 16, 9, 0, 0, "Media", false));
+        QTRY_COMPARE(find<Item>() != nullptr, !lost);
         QTest::mousePress(disconnecting, Qt::LeftButton);
         QVERIFY(shows<WarpPage>()); // until the release
-        QTRY_COMPARE(find<Item>() != nullptr, !lost);
         QTest::mouseRelease(disconnecting, Qt::LeftButton);
         QVERIFY(!overlay() && !client().isConnected());
-        QVERIFY(shows<ConnectPage>() && !showsMenu());
-        QVERIFY(!find<Item>());
+        QVERIFY(shows<ConnectPage>() && !showsMenu() && !find<Item>());
 
         if (lost)
             startProducer();
@@ -375,7 +287,6 @@ private slots:
         QTRY_VERIFY(button(find<IPList>(), kProducer));
         QTest::qWait(50); // several periods of the watcher
         QCOMPARE(rig_->producer.acceptedCount(), accepted);
-        QVERIFY(shows<ConnectPage>() && !overlay());
 
         rig_->producer.forget();
         connectByHand(); // starts the watcher again
@@ -392,11 +303,9 @@ private slots:
         const QPoint off = on - QPoint(disconnecting->width(), 0);
         QTest::mousePress(handle_, Qt::LeftButton, {}, on);
         QTest::mouseMove(handle_, off);
-        QVERIFY(!disconnecting->isDown());
         QTest::mouseRelease(handle_, Qt::LeftButton, {}, off);
         QCOMPARE(client().isConnected(), wasConnected);
         QVERIFY(shows<WarpPage>());
-        QCOMPARE(overlay() != nullptr, !wasConnected);
     }
 
     void windowMayCloseInAnyState_data() { disconnectEndsWatching_data(); }
@@ -418,50 +327,19 @@ private slots:
         QPushButton button;
         QSignalSpy pressed(&button, &QPushButton::pressed);
         QLineEdit edit;
-        const auto press = [](QWidget& widget, quint64 from, quint64 to) {
-            for (auto [type, time] :
-                 {std::pair{QEvent::KeyPress, from}, {QEvent::KeyRelease, to}}) {
-                QKeyEvent event(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
-                event.setTimestamp(time);
-                QApplication::sendEvent(&widget, &event);
-            }
+        const auto send = [](QWidget& widget, QEvent::Type type, quint64 time) {
+            QKeyEvent event(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+            event.setTimestamp(time);
+            QApplication::sendEvent(&widget, &event);
         };
-        for (quint64 time = 1000; time < 1400; time += 40)
-            press(button, time, time + 40);
-        QCOMPARE(pressed.size(), 1);
-        press(button, 1401, 1440);
+        for (QWidget* widget : QWidgetList{&button, &edit}) {
+            for (const quint64 time : {1000, 1040, 1080, 1121}) { // the last one is a new press
+                send(*widget, QEvent::KeyPress, time);
+                send(*widget, QEvent::KeyRelease, time + 40);
+            }
+        }
         QCOMPARE(pressed.size(), 2);
-        for (quint64 time = 2000; time < 2400; time += 40)
-            press(edit, time, time + 40);
-        QCOMPARE(edit.text(), QString(10, ' ')); // repeats
-    }
-
-    void toolTipHasTheApplicationsStyle() {
-        ToolTipFilter filter(nullptr);
-        qApp->installEventFilter(&filter);
-        connectByHand();
-        QPushButton* styled = button(find<HeadBanner>(), kDisconnect);
-        styled->setToolTip("Tip");
-        QHelpEvent rest(QEvent::ToolTip, QPoint(2, 2), styled->mapToGlobal(QPoint(2, 2)));
-        QApplication::sendEvent(styled, &rest);
-        QCOMPARE(QToolTip::text(), "Tip");
-        const auto windows = QApplication::topLevelWidgets();
-        const auto tip = std::ranges::find_if(windows, [](const QWidget* window) {
-            return window->windowType() == Qt::ToolTip && window->isVisible();
-        });
-        QVERIFY(tip != windows.end());
-        QCOMPARE((*tip)->grab().toImage().pixelColor(4, (*tip)->height() / 2), QColor(0x1e1e1e));
-        QToolTip::hideText();
-    }
-
-protected:
-    /// Notes every other window than the main window and tool tips.
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        const auto* widget = qobject_cast<QWidget*>(watched);
-        if (event->type() == QEvent::Show && widget && widget->isWindow() &&
-            widget != rig_->window.get() && widget->windowType() != Qt::ToolTip)
-            strayWindows_ << widget->metaObject()->className();
-        return QObject::eventFilter(watched, event);
+        QCOMPARE(edit.text(), QString(4, ' ')); // repeats
     }
 
 private:
@@ -497,13 +375,6 @@ private:
                 texts << address->text() + (isOn ? " selected" : "");
         }
         return texts;
-    }
-
-    bool offersConnection() const {
-        const QPushButton* connect = button(page(), QString());
-        const bool isOn = connect->styleSheet() == QLatin1StringView(ShellLook::kConnectButtonOn);
-        [&] { QCOMPARE(connect->cursor().shape() == Qt::PointingHandCursor, isOn); }();
-        return isOn;
     }
 
     static QPushButton* button(const QWidget* parent, const QString& text) {
@@ -554,7 +425,6 @@ private:
 
     std::optional<WindowRig> rig_;
     QWindow* handle_ = nullptr;
-    QStringList strayWindows_;
 };
 
 QTEST_MAIN(TestGuiCompanion)

@@ -60,7 +60,7 @@ private slots:
         clock.start();
         thread.start();
         QTRY_VERIFY(counter.ticks >= 3);
-        QVERIFY2(clock.elapsed() >= 150, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(clock.elapsed() >= 150);
     }
 
     void tickEndsAtOnceWithOneMoreSignal() {
@@ -75,21 +75,11 @@ private slots:
         }
     }
 
-    void tickEndsWhenInterrupted() {
-        UpdateProducer thread(nullptr, {.tickPeriod = 20ms});
-        const TickCounter counter(thread);
-        thread.start();
-        thread.requestInterruption();
-        QVERIFY(thread.wait(60'000));
-        thread.stop(); // does nothing
-        QTRY_COMPARE(counter.ticks, 1);
-    }
-
     void watcherWaitsBeforeItsFirstCheck() {
         Watch watch({.firstCheckDelay = 300ms, .checkPeriod = 50ms});
         watch.thread.start();
         QTRY_VERIFY(watch.announcements.size() >= 3);
-        QVERIFY2(watch.clock.elapsed() >= 400, qPrintable(QString::number(watch.clock.elapsed())));
+        QVERIFY(watch.clock.elapsed() >= 400);
     }
 
     void watcherAnnouncesOnlyTheWatchedProducer() {
@@ -112,7 +102,6 @@ private slots:
         QVERIFY(watch.announcements.wait());
         QThread::msleep(50); // queues an announcement
         watch.thread.stop();
-        watch.announcements.clear();
         QVERIFY(!watch.announcements.wait(100));
         watch.thread.start(); // again
         QVERIFY(watch.announcements.wait());
@@ -126,15 +115,7 @@ private slots:
         QVERIFY(watch.clock.elapsed() < 30'000);
     }
 
-    void checksDuringABusyTimeCauseAtMostOneAnnouncement_data() {
-        QTest::addColumn<int>("busy"); // ms
-        QTest::addColumn<int>("announced");
-        QTest::newRow("shortly") << 100 << 1;
-        QTest::newRow("as long as a failing attempt to connect") << 1'200 << 0;
-    }
-    void checksDuringABusyTimeCauseAtMostOneAnnouncement() {
-        QFETCH(int, busy);
-        QFETCH(int, announced);
+    void oldChecksCauseNoAnnouncement() {
         Watch watch({.firstCheckDelay = 1ms, .checkPeriod = 1ms});
         std::atomic<bool> seen = false;
         connect(
@@ -143,12 +124,11 @@ private slots:
         watch.thread.start();
         while (!seen)
             QThread::msleep(1);
-        QThread::msleep(static_cast<unsigned long>(busy));
+        QThread::msleep(1'200); // as long as a failing attempt to connect
         watch.thread.requestInterruption();
         watch.thread.wait();
         QCoreApplication::processEvents();
-        if (announced == 0 || watch.clock.elapsed() < 1'000) // not on a busy machine
-            QCOMPARE(watch.announcements.size(), announced);
+        QVERIFY(watch.announcements.isEmpty());
     }
 };
 
