@@ -14,25 +14,20 @@ class InputLog : public QObject {
     Q_OBJECT
 
 public:
-    /// Once records only the first of several equal signals in a row.
-    enum class Repeats { Every, Once };
-
-    explicit InputLog(const GamepadInputManager& manager, Repeats repeats = Repeats::Every)
-        : repeats_(repeats) {
+    explicit InputLog(const GamepadInputManager& manager, bool skipsRepeats = false) {
         using M = GamepadInputManager;
-        const auto number = [](auto value) { return ' ' + QString::number(value, 'g', 2); };
-        const auto recordButton = [=, this](const char* name) {
-            return [=, this](GamepadButton button) { record(name + number(double(button))); };
+        const auto record = [=, this](const char* format) {
+            return [=, this](auto... values) {
+                const QString event = QString::asprintf(format, double(values)...);
+                if (std::exchange(last_, event) != event || !skipsRepeats)
+                    events_ << event;
+            };
         };
-        const auto recordStick = [=, this](const char* name) {
-            return [=, this](float x, float y) { record(name + number(x) + number(y)); };
-        };
-        connect(&manager, &M::buttonPressed, this, recordButton("press"));
-        connect(&manager, &M::buttonReleased, this, recordButton("release"));
-        connect(&manager, &M::leftAxisMoved, this, recordStick("left"));
-        connect(&manager, &M::rightAxisMoved, this, recordStick("right"));
-        connect(&manager, &M::pressure, this,
-                [=, this](float value) { record("pressure" + number(value)); });
+        connect(&manager, &M::buttonPressed, this, record("press %g"));
+        connect(&manager, &M::buttonReleased, this, record("release %g"));
+        connect(&manager, &M::leftAxisMoved, this, record("left %.2g %.2g"));
+        connect(&manager, &M::rightAxisMoved, this, record("right %.2g %.2g"));
+        connect(&manager, &M::pressure, this, record("pressure %.2g"));
     }
 
     /// The signals since the last call, separated by commas.
@@ -40,12 +35,6 @@ public:
     QString text() const { return events_.join(", "); }
 
 private:
-    void record(const QString& event) {
-        if (std::exchange(last_, event) != event || repeats_ == Repeats::Every)
-            events_ << event;
-    }
-
-    Repeats repeats_;
     QString last_;
     QStringList events_;
 };

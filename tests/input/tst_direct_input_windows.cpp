@@ -64,7 +64,6 @@ private slots:
         row("hat", "hat 1\nhat 2\nhat 4\nhat 8\n",
             "press 4, release 4, press 5, release 5, press 6, release 6, press 7");
         row("left stick right", "axis 0 32767\n", "left 1 0");
-        row("left stick left", "axis 0 -32768\n", "left -1 0");
         row("left stick down", "axis 1 32767\n", "left 0 1");
         row("right stick right", "axis 3 32767\n", "right 1 0");
         row("right stick up", "axis 4 -32768\n", "right 0 -1");
@@ -94,19 +93,14 @@ private slots:
 
     void findsPadReplacedWithoutFocus() {
         plugIn();
-        command("button 0 1\naxis 0 32767\n");
-        waitFor("press 0, left 1 0");
+        command("button 1 1\naxis 0 32767\n");
+        waitFor("press 1, left 1 0");
         manager_->onFocusLost();
         waitFor("left 0 0");
-        execute("button 3 1\nbutton 3 0\nbutton 0 0\nbutton 1 1\n");
-        manager_->onFocusGained();
-        waitFor("release 0, press 1, left 1 0");
-        manager_->onFocusLost();
         command("unplug\n");
         QTRY_VERIFY(system_->attachedControllers()->empty());
         command("plug\n");
         QTRY_VERIFY(!system_->attachedControllers()->empty());
-        log_->take();
         manager_->onFocusGained();
         waitFor("release 1");
         command("button 2 1\n");
@@ -120,10 +114,7 @@ private slots:
         messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
         command("unplug\n");
         waitFor("release 2, left 0 0");
-        QVERIFY(!manager_->isGamepadConnected());
         plugIn();
-        command("button 3 1\n");
-        waitFor("press 3");
     }
 
 private:
@@ -133,7 +124,7 @@ private:
             QSKIP("No virtual controller");
         if (!manager_) {
             manager_ = std::make_unique<GamepadInputManager>();
-            log_ = std::make_unique<InputLog>(*manager_, InputLog::Repeats::Once);
+            log_ = std::make_unique<InputLog>(*manager_, true);
         }
         command("plug\n");
         QTRY_VERIFY_WITH_TIMEOUT(manager_->isGamepadConnected(), 10000);

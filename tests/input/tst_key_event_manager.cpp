@@ -9,8 +9,6 @@
 
 using namespace MeshpadTest;
 
-namespace {
-
 struct Listener : KeyEventListener {
     explicit Listener(std::function<void(QKeyEvent*)> function) : function_(std::move(function)) {
         KeyEventManager::getInstance()->addListener(this);
@@ -20,8 +18,6 @@ struct Listener : KeyEventListener {
 
     std::function<void(QKeyEvent*)> function_;
 };
-
-} // namespace
 
 class TestKeyEventManager : public GuardedTest {
     Q_OBJECT

@@ -32,8 +32,7 @@ void waitForSdl() {
 void execute(const std::string& line, std::unique_ptr<MeshpadTest::VirtualPad>& pad) {
     std::istringstream words(line);
     std::string command;
-    int first = 0;
-    int second = 0;
+    int first = 0, second = 0;
     words >> command >> first >> second;
     if (command == "plug")
         pad = std::make_unique<MeshpadTest::VirtualPad>();
