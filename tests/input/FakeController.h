@@ -20,23 +20,18 @@ struct FakePad {
     bool open = false;
     bool acquired = false;
 
-    ControllerResult answer(const char* call) {
+    ControllerResult answer(const char* call, bool isRead = false) {
         ++calls[call];
         const auto found = results.extract(call);
         const auto result = found ? found.mapped() : ControllerResult::Ok;
         acquired = result != ControllerResult::InputLost && acquired;
-        return result;
-    }
-    ControllerResult read(const char* call) {
-        const auto result = answer(call);
-        return acquired || result != ControllerResult::Ok ? result : ControllerResult::NotAcquired;
+        return found || acquired || !isRead ? result : ControllerResult::NotAcquired;
     }
 };
 
-class FakeDevice : public ControllerDevice {
+struct FakeDevice : ControllerDevice {
     using Result = ControllerResult;
 
-public:
     explicit FakeDevice(std::shared_ptr<FakePad> pad) : pad_(std::move(pad)) { pad_->open = true; }
     ~FakeDevice() override { pad_->open = false; }
 
@@ -55,20 +50,19 @@ public:
         return result;
     }
     Result unacquire() override { return pad_->answer("unacquire"); }
-    Result poll() override { return pad_->read("poll"); }
+    Result poll() override { return pad_->answer("poll", true); }
     Result state(ControllerState& state) override {
         state = pad_->state;
-        return pad_->read("state");
+        return pad_->answer("state", true);
     }
     Result bufferedData(std::span<ControllerRecord> records, std::size_t& count) override {
-        const Result result = pad_->read("data");
+        const Result result = pad_->answer("data", true);
         const auto read = std::exchange(pad_->records, {});
         count = result == Result::Ok ? read.size() : 0;
         std::copy_n(read.begin(), count, records.begin());
         return result;
     }
 
-private:
     std::shared_ptr<FakePad> pad_;
 };
 
@@ -77,7 +71,6 @@ struct FakeSystem : ControllerSystem {
     std::vector<std::shared_ptr<FakePad>> pads;
     OpenResult openResult = OpenResult::Ok;
     bool canBeEnumerated = true;
-    bool changed = false;
 
     std::shared_ptr<FakePad> plugIn(const QString& name = "Pad") {
         pads.push_back(std::make_shared<FakePad>());
@@ -100,7 +93,7 @@ struct FakeSystem : ControllerSystem {
         return type == "change";
     }
     std::chrono::milliseconds checkPeriod() const override { return {}; }
-    bool attachedChanged() override { return std::exchange(changed, false); }
+    bool attachedChanged() override { return false; }
 };
 
 } // namespace MeshpadTest

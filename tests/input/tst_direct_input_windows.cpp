@@ -24,8 +24,7 @@ private slots:
         window_->show();
         QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
         if (!commands_.fileName().isEmpty())
-            QVERIFY(
-                commands_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered));
+            QVERIFY(commands_.open(QIODevice::Append | QIODevice::Unbuffered));
     }
 
     void cleanup() {
@@ -43,12 +42,10 @@ private slots:
             return system_->announcesChange("windows_generic_MSG", &message);
         };
         QVERIFY(!announces(WM_DEVICECHANGE, DBT_QUERYCHANGECONFIG));
-        QVERIFY(!announces(WM_NULL, DBT_DEVICEARRIVAL));
-        QVERIFY(!system_->attachedChanged());
+        QVERIFY(!announces(WM_NULL, DBT_DEVICEARRIVAL) && !system_->attachedChanged());
         QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVICEARRIVAL));
         QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVICEREMOVECOMPLETE));
-        QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVNODES_CHANGED));
-        QVERIFY(system_->attachedChanged());
+        QVERIFY(announces(WM_DEVICECHANGE, DBT_DEVNODES_CHANGED) && system_->attachedChanged());
     }
 
     void reportsEveryInput_data() {

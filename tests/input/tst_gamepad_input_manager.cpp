@@ -44,10 +44,8 @@ private slots:
         QTest::newRow("lower centre") << AnalogRange() << 32767 << "";
         QTest::newRow("upper centre") << AnalogRange() << 32768 << "";
         QTest::newRow("beside the centre") << AnalogRange() << 32769 << "left 4.6e-05 0";
-        QTest::newRow("low end, signed") << AnalogRange{-32768, 32767} << -32768 << "left -1 0";
         QTest::newRow("centre, signed") << AnalogRange{-32768, 32767} << -1 << "";
         QTest::newRow("even range") << AnalogRange{-1000, 1000} << 500 << "left 0.5 0";
-        QTest::newRow("centre, even range") << AnalogRange{-1000, 1000} << 0 << "";
         QTest::newRow("range of one position") << AnalogRange{5, 5} << 5 << "";
     }
 
@@ -70,6 +68,8 @@ private slots:
         messages_->expect(QtWarningMsg, "Failed to configure device 'Busy', skipping");
         start();
         QVERIFY(good->open && !busy->open);
+        QVERIFY(connectsAfter("change"));
+        QCOMPARE(good->calls["create"], 1);
         manager_.reset();
         QVERIFY(!good->open);
     }
@@ -98,31 +98,15 @@ private slots:
         QCOMPARE(feed({{48, kDown}}), "press 0");
     }
 
-    void keepsPadAfterDeviceMessage() {
+    void findsPadAnnouncedAfterLoss() {
         start();
-        QVERIFY(connectsAfter("change"));
-        QCOMPARE(pad_->calls["create"], 1);
-    }
-
-    void releasesLostPadAndFindsAnnouncedOne() {
-        start();
-        feed({{48, kDown}, {kHat, 0}, {kRy, 65535}});
         messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
-        replacePad();
-        QCOMPARE(feed({}), "release 0, release 4, right 0 0");
-        QVERIFY(!pad_->open);
-        QVERIFY(!connectsAfter("another message"));
-        pad_ = system_->pads.front();
+        pad_->results = {{"poll", InputLost}, {"acquire", Failed}};
+        feed({});
+        QVERIFY(!pad_->open && !connectsAfter("another message"));
         pad_->state.hat = 9000;
         QVERIFY(connectsAfter("change"));
         QCOMPARE(feed({}), "press 5");
-    }
-
-    void findsPadAnnouncedBeforeLoss() {
-        start();
-        replacePad();
-        system_->changed = true;
-        QTRY_VERIFY(system_->pads.front()->open);
     }
 
     void reportsNothingWhenReadFails() {
@@ -171,17 +155,9 @@ private:
         return log_->take();
     }
     bool connectsAfter(const char* message) {
-        qintptr result = 0;
-        return !manager_->nativeEventFilter(message, nullptr, &result) &&
+        return !manager_->nativeEventFilter(message, nullptr, nullptr) &&
                manager_->isGamepadConnected();
     }
-    /// Replaces the pad by another one and makes it fail.
-    void replacePad() {
-        pad_->results = {{"poll", InputLost}, {"acquire", Failed}};
-        system_->pads.clear();
-        system_->plugIn("Other");
-    }
-
     std::unique_ptr<FakeSystem> created_;
     FakeSystem* system_ = nullptr; ///< the manager owns it
     std::shared_ptr<FakePad> pad_;
