@@ -3,7 +3,6 @@
 
 #include <QFile>
 #include <QTest>
-#include <QThread>
 #include <QWindow>
 
 #include <windows.h>
@@ -78,16 +77,6 @@ private slots:
         waitFor(expected);
     }
 
-    void takesStateAfterOverflow() {
-        plugIn();
-        command("button 0 1\naxis 3 32767\n");
-        waitFor("press 0, right 1 0");
-        messages_->expect(QtWarningMsg, "Input buffer overflowed, some imputs may have been lost.");
-        execute(QByteArray("button 9 1\nbutton 9 0\n").repeated(20) +
-                "button 0 0\naxis 3 0\nbutton 1 1\n");
-        waitFor("release 0, press 1, right 0 0");
-    }
-
     void findsPadReplacedWithoutFocus() {
         plugIn();
         command("button 1 1\naxis 0 32767\n");
@@ -133,21 +122,6 @@ private:
     }
 
     void command(const QByteArray& lines) { commands_.write(lines); }
-    /// Executes the commands and waits for their end, without a poll of the manager.
-    void execute(const QByteArray& lines) {
-        const auto device = system_->attachedControllers()->front().create();
-        device->setDataFormat();
-        device->acquire();
-        command(lines + "button 10 1\n");
-        ControllerState state;
-        for (int i = 0; i < 5000 && !state.buttons[10]; ++i) {
-            QThread::msleep(1);
-            device->poll();
-            device->state(state);
-        }
-        QVERIFY(state.buttons[10]);
-    }
-
     void waitFor(const QString& events) {
         QTRY_COMPARE(log_->text(), events);
         log_->take();
