@@ -38,9 +38,10 @@ void WarpPainter::draw(QPainter& painter, const QImage& picture, const QRectF& p
     painter.save();
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
-            const auto first = std::size_t(row * (columns + 1) + column);
+            const std::size_t first = std::size_t(row) * s.size() + std::size_t(column);
             const std::size_t below = first + s.size();
-            QPolygonF source, target;
+            QPolygonF source;
+            QPolygonF target;
             for (const std::size_t corner : {first, first + 1, below + 1, below}) {
                 source.append(toTexture.map(coordinates[corner]));
                 target.append(toTarget.map(positions[corner]));
