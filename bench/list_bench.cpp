@@ -4,15 +4,12 @@
 // process's client.
 
 #include "app/shell/Configuration.h"
-#include "app/shell/ShellLook.h"
 #include "network/events/AddMediaEvent.h"
-#include "resources/CompanionResources.h"
 #include "warp/MediaItem.h"
 #include "warp/MediaList.h"
 #include "warp/MediaListContainer.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -159,14 +156,3 @@ BENCHMARK(searchKey)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(itemsArrivingNaively)->Arg(100)->Arg(200)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    initCompanionResources();
-    QApplication application(argc, argv);
-    QFile styleSheet(QLatin1StringView(ShellLook::kStyleSheetPath));
-    if (styleSheet.open(QIODevice::ReadOnly | QIODevice::Text))
-        application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}

@@ -2,14 +2,11 @@
 // meanwhile, in which the window does not respond.
 
 #include "app/shell/Configuration.h"
-#include "app/shell/ShellLook.h"
 #include "pages/QuickKeysButton.h"
 #include "pages/QuickKeysPage.h"
-#include "resources/CompanionResources.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QSpinBox>
 
 #include <benchmark/benchmark.h>
@@ -99,14 +96,3 @@ void showLargestPage(benchmark::State& state) {
 BENCHMARK(showLargestPage)->Unit(benchmark::kMillisecond)->Iterations(2);
 
 } // namespace
-
-int main(int argc, char** argv) {
-    initCompanionResources();
-    QApplication application(argc, argv);
-    QFile styleSheet(QLatin1StringView(ShellLook::kStyleSheetPath));
-    if (styleSheet.open(QIODevice::ReadOnly | QIODevice::Text))
-        application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}
