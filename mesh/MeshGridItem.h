@@ -124,7 +124,8 @@ private:
     MeshStyle style() const;
     MeshPicture picture() const;
 
-    std::unique_ptr<Outline> outline_; // null without a mesh; its positions count until it is built
+    /// Null without a mesh. While the mesh is built, the points hold the positions instead.
+    std::unique_ptr<Outline> outline_;
     bool isBuilt_ = false;
     QJSValue pointsArray_;
     QJSValue linesArray_;

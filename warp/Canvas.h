@@ -210,8 +210,8 @@ public slots:
     // End of the relays.
 
 private:
-    /// A point move as the scene last requested it. Data index included, because the move belongs
-    /// to the item that was current at that time.
+    /// A point move that the scene requested. Holds the data index too, because another item may be
+    /// current when the move is sent.
     struct PointMove {
         NetworkCompanion::ItemKey item;
         unsigned int dataIndex;

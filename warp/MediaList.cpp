@@ -307,7 +307,7 @@ void MediaList::relabel(Item* row, const QString& text) {
         return;
     rows_->sortIfRequested(); // a new label moves no row before updateMediaList()
     row->setLabelText(text);
-    isUpdateDue_ = true;
+    needsUpdate_ = true;
 }
 
 void MediaList::addMedia(MediaType::Enum type, unsigned int cueId, int mediaId, int dataIndex,
@@ -464,7 +464,7 @@ void MediaList::receiveAndUpdate(const ItemKey& key, const DeformationEvent& eve
 // Filters
 
 void MediaList::updateMediaList() {
-    if (std::exchange(isUpdateDue_, false)) {
+    if (std::exchange(needsUpdate_, false)) {
         rows_->requestSort();
         for (Item* row : items_.rows())
             applyFilters(row);
@@ -538,7 +538,7 @@ void MediaList::showScreensAndScreenParts() {
         else
             screen->show();
     }
-    isUpdateDue_ = true; // shown regardless of the text filter
+    needsUpdate_ = true; // because the text filter was not applied
 }
 
 // Selection

@@ -86,7 +86,8 @@ public:
     void selectNextVisibleItem();
     void selectPreviousVisibleItem();
 
-    // Relays: the remaining operations, each a call of one of those above or below.
+    // Relays: one short function per kind of element or argument; the work is done in the functions
+    // that they call.
     void removeMedia(unsigned int cueId) { removeRow(NetworkCompanion::ItemKey::media(cueId)); }
     void removeTexture(unsigned int cueId) { removeRow(NetworkCompanion::ItemKey::texture(cueId)); }
     void removeScreen(int screenId) { removeRow(screenKey(screenId)); }
@@ -208,7 +209,8 @@ private:
     Item* selectedItem_ = nullptr;
     bool screensOnly_ = false; ///< whether screens and their parts are hidden
     QString filterText_;
-    bool isUpdateDue_ = false; ///< whether rows differ from their labels' order or the filters
+    /// Whether a label or the visibility of a row has changed since the last updateMediaList().
+    bool needsUpdate_ = false;
     KeySubscription keys_;
     EventSubscription events_;
 };

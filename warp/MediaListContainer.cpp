@@ -34,7 +34,7 @@ void MediaListContainer::initControls() {
     searchBox_->setAccessibleName(QLatin1StringView(WarpLook::kSearchName));
     screenCheckBox_->setMinimumHeight(WarpLook::kSearchHeight);
     connect(searchBox_, &QLineEdit::textChanged, this, &MediaListContainer::onSearchTextChanged);
-    connect(searchBox_, &SearchBox::left, mediaList_,
+    connect(searchBox_, &SearchBox::focusReleased, mediaList_,
             [list = mediaList_] { list->setFocus(Qt::OtherFocusReason); });
     connect(screenCheckBox_, &QCheckBox::stateChanged, this,
             &MediaListContainer::onScreenCheckBoxStateChanged);

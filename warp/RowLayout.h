@@ -13,8 +13,8 @@ class QWidget;
 /// The layout of the media list's rows in a scroll area: screens by label, each followed by its
 /// parts, then medias and textures by label.
 ///
-/// Sorts the rows before they are read or shown, and computes their geometry once per event-loop
-/// iteration, so that the cost of many changes is that of one.
+/// Sorts the rows when they are next read, and computes their geometry once per event-loop
+/// iteration, because a show adds hundreds of rows at once.
 class RowLayout final : public QObject {
     Q_OBJECT
 
@@ -35,9 +35,9 @@ public:
     void sortIfRequested();
     void remove(Item* row);
 
-    /// Disables the layout until the next event-loop iteration, which computes it once.
+    /// Postpones the computation of the geometry to the next event-loop iteration.
     void defer();
-    /// Computes the geometry now if it was deferred.
+    /// Computes a postponed geometry now.
     void apply();
 
     /// Sorts by Item::sortKey(); equal keys keep their order.

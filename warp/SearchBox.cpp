@@ -36,7 +36,7 @@ void SearchBox::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_Down:
-        emit left();
+        emit focusReleased();
         break;
     default:
         QLineEdit::keyPressEvent(event);

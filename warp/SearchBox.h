@@ -13,8 +13,8 @@ public:
     explicit SearchBox(QWidget* parent);
 
 signals:
-    /// Enter or Down, or Esc in an empty box: the focus should move to the list.
-    void left();
+    /// The operator pressed Enter or Down, or Esc in an empty box: the focus should move on.
+    void focusReleased();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

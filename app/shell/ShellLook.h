@@ -49,7 +49,8 @@ inline constexpr char kAddressButtonOff[] = "font-weight: bold; font-size: 16px;
                                             "background-color: transparent;outline: none;";
 inline constexpr char kAddressButtonOn[] = "font-weight: bold; font-size: 16px; color: #fff; "
                                            "background-color: #0096ff;outline: none;";
-inline constexpr int kIpListStretch = 3; // of the page's height, to the connect button's
+// The list of addresses and the connect button share the page's height in this ratio.
+inline constexpr int kIpListStretch = 3;
 inline constexpr int kConnectButtonStretch = 1;
 inline constexpr QSize kConnectButtonSize{102, 102};
 inline constexpr char kConnectButtonName[] = "Connect to the selected Producer";
