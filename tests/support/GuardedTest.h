@@ -8,16 +8,18 @@
 
 namespace MeshpadTest {
 
-/// Base class of tests: every test function checks the log. Own init() and cleanup() functions
-/// call these first and last.
+/// Base class of tests: every test function checks the log, setUp() and tearDown() included.
 class GuardedTest : public QObject {
     Q_OBJECT
 
 protected slots:
-    void init() { messages_.emplace(); }
-    void cleanup() { messages_.reset(); }
+    void init() { messages_.emplace(), setUp(); }
+    void cleanup() { tearDown(), messages_.reset(); }
 
 protected:
+    virtual void setUp() {}
+    virtual void tearDown() {}
+
     std::optional<MessageGuard> messages_;
 };
 
