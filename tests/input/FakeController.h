@@ -31,18 +31,15 @@ struct FakePad {
 
 struct FakeDevice : ControllerDevice {
     using Result = ControllerResult;
-
     explicit FakeDevice(std::shared_ptr<FakePad> pad) : pad_(std::move(pad)) { pad_->open = true; }
     ~FakeDevice() override { pad_->open = false; }
 
-    Result setDataFormat() override { return Result::Ok; }
-    Result setBufferSize(std::uint32_t /*records*/) override { return Result::Ok; }
-    Result setDeadZone(std::uint32_t /*axis*/, std::uint32_t /*size*/) override {
-        return Result::Ok;
-    }
+    Result setDataFormat() override { return {}; }
+    Result setBufferSize(std::uint32_t /*records*/) override { return {}; }
+    Result setDeadZone(std::uint32_t /*axis*/, std::uint32_t /*size*/) override { return {}; }
     Result range(std::uint32_t /*axis*/, AnalogRange& range) override {
         range = pad_->range;
-        return Result::Ok;
+        return {};
     }
     Result acquire() override {
         const Result result = pad_->answer("acquire");

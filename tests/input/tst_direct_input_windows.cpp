@@ -26,13 +26,6 @@ private slots:
             QVERIFY(commands_.open(QIODevice::Append | QIODevice::Unbuffered));
     }
 
-    void cleanup() {
-        manager_.reset();
-        command("unplug\n");
-        QTRY_VERIFY(system_->attachedControllers()->empty());
-        GuardedTest::cleanup();
-    }
-
     void announcesDeviceChangeMessages() {
         const auto announces = [this](UINT type, WPARAM what) {
             MSG message{};
@@ -59,10 +52,8 @@ private slots:
             "press 8, press 9, press 10, press 11");
         row("hat", "hat 1\nhat 2\nhat 4\nhat 8\n",
             "press 4, release 4, press 5, release 5, press 6, release 6, press 7");
-        row("left stick right", "axis 0 32767\n", "left 1 0");
-        row("left stick down", "axis 1 32767\n", "left 0 1");
-        row("right stick right", "axis 3 32767\n", "right 1 0");
-        row("right stick up", "axis 4 -32768\n", "right 0 -1");
+        row("left stick", "axis 0 32767\naxis 1 32767\n", "left 1 0, left 1 1");
+        row("right stick", "axis 3 32767\naxis 4 -32768\n", "right 1 0, right 1 -1");
         row("left trigger", "axis 2 32767\n", "pressure 2");
         row("right trigger", "axis 5 32767\n", "pressure -2");
         row("inside the dead zones", "axis 0 5600\naxis 4 -5600\nbutton 0 1\n", "press 0");
@@ -77,7 +68,7 @@ private slots:
         waitFor(expected);
     }
 
-    void findsPadReplacedWithoutFocus() {
+    void findsReplacedPadWithAndWithoutFocus() {
         plugIn();
         command("button 1 1\naxis 0 32767\n");
         waitFor("press 1, left 1 0");
@@ -89,21 +80,20 @@ private slots:
         QTRY_VERIFY(!system_->attachedControllers()->empty());
         manager_->onFocusGained();
         waitFor("release 1");
-        command("button 2 1\n");
-        waitFor("press 2");
-    }
-
-    void findsPadPluggedInAgain() {
-        plugIn();
         command("button 2 1\naxis 0 32767\n");
         waitFor("press 2, left 1 0");
-        messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
         command("unplug\n");
         waitFor("release 2, left 0 0");
         plugIn();
     }
 
 private:
+    void tearDown() override {
+        manager_.reset();
+        command("unplug\n");
+        QTRY_VERIFY(system_->attachedControllers()->empty());
+    }
+
     /// Plugs a pad in and waits until the manager uses it.
     void plugIn() {
         if (!commands_.isOpen())

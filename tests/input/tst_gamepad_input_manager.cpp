@@ -15,46 +15,35 @@ class TestGamepadInputManager : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void init() {
-        GuardedTest::init();
-        created_ = std::make_unique<FakeSystem>();
-        system_ = created_.get();
-        pad_ = system_->plugIn();
-    }
-    void cleanup() {
-        manager_.reset();
-        GuardedTest::cleanup();
-    }
-
-    void mapsHatToDirections() {
-        start();
-        std::vector<ControllerRecord> records{{kHat, 300}};
-        for (const std::uint32_t value : {4499, 4500, 4501, 13499, 13500, 13501, 22499, 22500,
-                                          22501, 31499, 31500, 31501, 35999, 0xFFFF, 0x7FFFFFFF})
-            records.push_back({kHat, value});
-        QCOMPARE(feed(records),
-                 "press 4, release 4, press 5, release 5, press 6, release 6, press 7, "
-                 "release 7, press 4, release 4");
-    }
-
-    void mapsPositionsToValues_data() {
+    void mapsRecords_data() {
         QTest::addColumn<AnalogRange>("range");
-        QTest::addColumn<int>("position");
+        QTest::addColumn<int>("input");
+        QTest::addColumn<QList<int>>("positions");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("lower centre") << AnalogRange() << 32767 << "";
-        QTest::newRow("upper centre") << AnalogRange() << 32768 << "";
-        QTest::newRow("beside the centre") << AnalogRange() << 32769 << "left 4.6e-05 0";
-        QTest::newRow("centre, signed") << AnalogRange{-32768, 32767} << -1 << "";
-        QTest::newRow("even range") << AnalogRange{-1000, 1000} << 500 << "left 0.5 0";
-        QTest::newRow("range of one position") << AnalogRange{5, 5} << 5 << "";
+        const auto row = [](const char* name, AnalogRange range, int input, QList<int> positions,
+                            const char* expected) {
+            QTest::newRow(name) << range << input << positions << QString(expected);
+        };
+        row("both centres", {}, kX, {32767, 32768}, "");
+        row("beside the centre", {}, kX, {32769}, "left 4.6e-05 0");
+        row("centre, signed", {-32768, 32767}, kX, {-1}, "");
+        row("even range", {-1000, 1000}, kX, {500}, "left 0.5 0");
+        row("range of one position", {5, 5}, kX, {5}, "");
+        row("hat", {}, kHat, {300, 4500, 4501, 13500, 13501, 22500, 22501, 31500, 31501, 0xFFFF},
+            "press 4, release 4, press 5, release 5, press 6, release 6, press 7, release 7, "
+            "press 4, release 4");
     }
 
-    void mapsPositionsToValues() {
-        QFETCH(AnalogRange, range);
-        QFETCH(int, position);
+    void mapsRecords() {
+        QFETCH(int, input);
+        QFETCH(QList<int>, positions);
+        QFETCH(const AnalogRange, range);
         pad_->range = range;
         start();
-        QTEST(feed({{kX, std::uint32_t(position)}}), "expected");
+        std::vector<ControllerRecord> records;
+        for (const int position : positions)
+            records.push_back({std::uint32_t(input), std::uint32_t(position)});
+        QTEST(feed(records), "expected");
     }
 
     void skipsBrokenControllers() {
@@ -93,14 +82,22 @@ private slots:
         QCOMPARE(feed({{51, kDown}}), "release 1, press 2, press 3, left 0 0, right 1 0");
     }
 
-    void findsPadAnnouncedAfterLoss() {
+    void readsPadAnnouncedAfterLossOnlyWithFocus() {
         start();
         messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.");
         pad_->results = {{"poll", InputLost}, {"acquire", Failed}};
         feed({});
         QVERIFY(!pad_->open && !connectsAfter("another message"));
+        system_->canBeEnumerated = false;
+        messages_->expect(QtWarningMsg, "Failed to find gamepad devices");
+        QVERIFY(!connectsAfter("change"));
+        system_->canBeEnumerated = true;
         pad_->state.hat = 9000;
+        manager_->onFocusLost();
         QVERIFY(connectsAfter("change"));
+        QTest::qWait(50); // three periods
+        QCOMPARE(log_->take(), "");
+        manager_->onFocusGained();
         QCOMPARE(feed({}), "press 5");
     }
 
@@ -122,21 +119,14 @@ private slots:
         QCOMPARE(feed({{49, kDown}}), "press 1, left 0 0");
     }
 
-    void readsNewPadOnlyWithFocus() {
-        system_->canBeEnumerated = false;
-        messages_->expect(QtWarningMsg, "Failed to find gamepad devices");
-        start();
-        manager_->onFocusLost();
-        system_->canBeEnumerated = true;
-        pad_->state.buttons[1] = true;
-        QVERIFY(connectsAfter("change"));
-        QTest::qWait(50); // three periods
-        QCOMPARE(log_->take(), "");
-        manager_->onFocusGained();
-        QCOMPARE(feed({}), "press 1");
-    }
-
 private:
+    void setUp() override {
+        created_ = std::make_unique<FakeSystem>();
+        system_ = created_.get();
+        pad_ = system_->plugIn();
+    }
+    void tearDown() override { manager_.reset(); }
+
     void start() {
         manager_ = std::make_unique<GamepadInputManager>(std::move(created_));
         log_ = std::make_unique<InputLog>(*manager_);

@@ -27,12 +27,6 @@ private slots:
             QSKIP("Unplug the controllers of this machine to test with virtual ones");
     }
 
-    void cleanup() {
-        manager_.reset();
-        pad_.reset();
-        GuardedTest::cleanup();
-    }
-
     void reportsButtonsAndHatInOrder() {
         start();
         for (const bool down : {true, false})
@@ -51,16 +45,15 @@ private slots:
         QTest::addColumn<int>("axes");
         QTest::addColumn<Triggers>("triggers");
         QTest::addColumn<QString>("others"); // the signals of the axes after the left stick's
-        const Triggers usual{2, 5}, last{5, 4}, inside{3, 4};
-        QTest::newRow("six") << 6 << usual << ", pressure 2, right 1 0, right 0 1, pressure -2";
-        QTest::newRow("one for both triggers")
-            << 5 << usual << ", pressure 1, right 1 0, right 0 1";
-        QTest::newRow("no triggers") << 4 << usual << ", right 1 0, right 0 1";
-        QTest::newRow("third alone") << 3 << usual << ", pressure 1";
-        QTest::newRow("triggers last")
-            << 6 << last << ", right 1 0, right 0 1, pressure -2, pressure 2";
-        QTest::newRow("triggers inside")
-            << 6 << inside << ", right 1 0, pressure 2, pressure -2, right 0 1";
+        const auto row = [](const char* name, int axes, Triggers triggers, const char* others) {
+            QTest::newRow(name) << axes << triggers << QString(others);
+        };
+        row("six", 6, {2, 5}, ", pressure 2, right 1 0, right 0 1, pressure -2");
+        row("one for both triggers", 5, {}, ", pressure 1, right 1 0, right 0 1");
+        row("no triggers", 4, {}, ", right 1 0, right 0 1");
+        row("third alone", 3, {}, ", pressure 1");
+        row("triggers last", 6, {5, 4}, ", right 1 0, right 0 1, pressure -2, pressure 2");
+        row("triggers inside", 6, {3, 4}, ", right 1 0, pressure 2, pressure -2, right 0 1");
     }
 
     void reportsEveryAxis() {
@@ -194,6 +187,11 @@ private slots:
     }
 
 private:
+    void tearDown() override {
+        manager_.reset();
+        pad_.reset();
+    }
+
     /// Replaces the pad by a new one and starts to read it.
     void start(auto... pad) {
         manager_.reset();
