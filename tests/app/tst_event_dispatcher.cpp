@@ -11,21 +11,21 @@
 #include <QTest>
 
 #include <functional>
+#include <initializer_list>
+#include <optional>
 
 using namespace NetworkCompanion;
 using Type = LV_NTC_EventType;
+using Types = std::initializer_list<Type>;
 
 namespace {
 
 /// Records its name and the type of every event, then calls `then`.
 class Recorder : public EventListener {
 public:
-    Recorder(QString name, QStringList& calls) : name_(std::move(name)), calls_(calls) {}
+    Recorder(QString name, QStringList& calls, Types types)
+        : name_(std::move(name)), calls_(calls), subscription_(this, std::span(types)) {}
 
-    void listenTo(Type type) {
-        subscriptions_.push_back(
-            std::make_unique<EventSubscription>(this, std::span<const Type>(&type, 1)));
-    }
     void receive(Event* event) override {
         calls_ << name_ + QString::number(static_cast<int>(event->type()));
         if (then)
@@ -37,7 +37,7 @@ public:
 private:
     QString name_;
     QStringList& calls_;
-    std::vector<std::unique_ptr<EventSubscription>> subscriptions_;
+    EventSubscription subscription_;
 };
 
 void dispatch(Event* event) {
@@ -51,20 +51,11 @@ class TestEventDispatcher : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
-    void init() {
-        GuardedTest::init();
-        calls_.clear();
-    }
-
     void callsListenersInOrderOfRegistration() {
-        Recorder a("a", calls_);
-        auto b = std::make_unique<Recorder>("b", calls_);
-        Recorder c("c", calls_);
-        b->listenTo(Type::Blind);
-        a.listenTo(Type::MediaBlind);
-        c.listenTo(Type::Blind);
-        a.listenTo(Type::Blind);
-        EventDispatcher::getInstance()->addListener(b.get(), Type::Blind); // is registered
+        std::optional<Recorder> b(std::in_place, "b", calls_, Types{Type::Blind});
+        Recorder c("c", calls_, {Type::Blind});
+        Recorder a("a", calls_, {Type::MediaBlind, Type::Blind});
+        EventDispatcher::getInstance()->addListener(&*b, Type::Blind); // is registered
         dispatch(new BlindEvent(0, 1, "", false));
         dispatch(new MediaBlindEvent);
         QCOMPARE(calls_, QStringList({"b3", "c3", "a3", "a4"}));
@@ -78,29 +69,23 @@ private slots:
 
     /// The address sanitizer reports an event that is not deleted, or deleted too early.
     void deletesEveryEvent() {
-        Recorder a("a", calls_);
-        Recorder c("c", calls_);
-        a.listenTo(Type::Msg);
-        c.listenTo(Type::Msg);
+        Recorder a("a", calls_, {Type::Msg});
+        Recorder c("c", calls_, {Type::Msg});
         dispatch(new MsgEvent("text"));
         dispatch(new UpdateSettingsEvent("", 0)); // without a listener
         dispatch(nullptr);                        // an undecodable frame
         QCOMPARE(calls_, QStringList({"a1", "c1"}));
     }
 
-    void listenersMayChangeDuringADispatch() {
-        Recorder a("a", calls_);
-        auto removed = std::make_unique<Recorder>("removed", calls_);
-        Recorder c("c", calls_);
-        Recorder added("added", calls_);
-        a.listenTo(Type::AddMedia);
-        a.listenTo(Type::Blind);
-        removed->listenTo(Type::AddMedia);
-        c.listenTo(Type::AddMedia);
+    void allowsChangesOfListenersDuringDispatch() {
+        Recorder a("a", calls_, {Type::AddMedia, Type::Blind});
+        std::optional<Recorder> removed(std::in_place, "removed", calls_, Types{Type::AddMedia});
+        Recorder c("c", calls_, {Type::AddMedia});
+        std::optional<Recorder> added;
         a.then = [&] {
             removed.reset();
-            added.listenTo(Type::AddMedia);
-            added.listenTo(Type::ItemData); // makes the table of types grow
+            // The second type makes the table of types grow.
+            added.emplace("added", calls_, Types{Type::AddMedia, Type::ItemData});
             dispatch(new BlindEvent(0, 1, "", false));
         };
         c.then = [&] { // moves itself to the end
@@ -117,6 +102,8 @@ private slots:
     }
 
 private:
+    void setUp() override { calls_.clear(); }
+
     QStringList calls_;
 };
 

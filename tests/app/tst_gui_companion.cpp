@@ -60,20 +60,6 @@ class TestGuiCompanion : public GuardedTest {
     Q_OBJECT
 
 private slots:
-    void init() {
-        GuardedTest::init();
-        rig_.emplace(kFast);
-        rig_->show();
-        handle_ = rig_->window->windowHandle();
-        startProducer();
-    }
-
-    void cleanup() {
-        rig_.reset();
-        discovery().serverHasDisconnected(kProducer);
-        GuardedTest::cleanup();
-    }
-
     void connectingRequestsTheShow() {
         QVERIFY(shows<ConnectPage>() && !showsMenu());
         auto* list = find<IPList>();
@@ -90,7 +76,7 @@ private slots:
         QVERIFY(rig_->getsNothing());
     }
 
-    void operatorCanReconnectAtOnce() {
+    void reconnectsAtOnceAfterDisconnect() {
         connectByHand();
         rig_->window->onDisconnectFromServer();
         rig_->window->onConnectToServer(kProducer);
@@ -150,7 +136,7 @@ private slots:
         QCOMPARE(listed(), QStringList({kSecond, kFirst}));
     }
 
-    void pressedAddressMayDisappear() {
+    void survivesLossOfPressedAddress() {
         emit discovery().serverDiscovered(kFirst);
         QTRY_VERIFY(button(find<IPList>(), kFirst));
         QCoreApplication::processEvents(); // lays the list out
@@ -165,12 +151,10 @@ private slots:
     void tabShowsPageThatPassesKeysOn_data() {
         QTest::addColumn<int>("position"); // cap, tabs, cap
         QTest::addColumn<QByteArray>("page");
-        QTest::newRow("left cap") << 0 << QByteArray("WarpPage");
-        QTest::newRow("first tab") << 1 << QByteArray("WarpPage");
-        QTest::newRow("second tab") << 2 << QByteArray("QuickKeysPage");
-        QTest::newRow("third tab") << 3 << QByteArray("TestPatternPage");
-        QTest::newRow("last tab") << 4 << QByteArray("SettingsPage");
-        QTest::newRow("right cap") << 5 << QByteArray("SettingsPage");
+        for (int position = 0;
+             const char* page : {"WarpPage", "WarpPage", "QuickKeysPage", "TestPatternPage",
+                                 "SettingsPage", "SettingsPage"})
+            QTest::addRow("%s at %d", page, position) << position << QByteArray(page), ++position;
     }
     void tabShowsPageThatPassesKeysOn() {
         QFETCH(int, position);
@@ -240,7 +224,7 @@ private slots:
         QVERIFY(find<WarpPage>()->findChild<QCheckBox*>()->hasFocus());
     }
 
-    void everyLossIsFollowedByAReconnection() {
+    void reconnectsAfterEveryLoss() {
         connectByHand();
         rig_->producer.send(AddMediaEvent(MediaType::Image, 1, 2, 3, 16, 9, 0, 0, "Media", false));
         find<SettingsPage>()->findChild<QCheckBox*>()->setChecked(true);
@@ -271,12 +255,16 @@ private slots:
 
     void disconnectEndsWatching() {
         QFETCH(bool, lost);
-        QPushButton* disconnecting = disconnectButton();
+        const QPushButton* disconnecting = disconnectButton();
         rig_->producer.send(AddMediaEvent(MediaType::Image, 1, 2, 3, 16, 9, 0, 0, "Media", false));
         QTRY_COMPARE(find<Item>() != nullptr, !lost);
-        QTest::mousePress(disconnecting, Qt::LeftButton);
-        QVERIFY(shows<WarpPage>()); // until the release
-        QTest::mouseRelease(disconnecting, Qt::LeftButton);
+        const QPoint on = inWindow(disconnecting).center();
+        const QPoint off = on - QPoint(disconnecting->width(), 0);
+        QTest::mousePress(handle_, Qt::LeftButton, {}, on);
+        QTest::mouseMove(handle_, off);
+        QTest::mouseRelease(handle_, Qt::LeftButton, {}, off);
+        QVERIFY(shows<WarpPage>() && client().isConnected() == !lost); // until a whole click
+        QTest::mouseClick(handle_, Qt::LeftButton, {}, on);
         QVERIFY(!overlay() && !client().isConnected());
         QVERIFY(shows<ConnectPage>() && !showsMenu() && !find<Item>());
 
@@ -295,21 +283,8 @@ private slots:
         QTRY_VERIFY(client().isConnected());
     }
 
-    void slidingOffCancelsDisconnect_data() { disconnectEndsWatching_data(); }
-    void slidingOffCancelsDisconnect() {
-        const QPushButton* disconnecting = disconnectButton();
-        const bool wasConnected = client().isConnected();
-        const QPoint on = inWindow(disconnecting).center();
-        const QPoint off = on - QPoint(disconnecting->width(), 0);
-        QTest::mousePress(handle_, Qt::LeftButton, {}, on);
-        QTest::mouseMove(handle_, off);
-        QTest::mouseRelease(handle_, Qt::LeftButton, {}, off);
-        QCOMPARE(client().isConnected(), wasConnected);
-        QVERIFY(shows<WarpPage>());
-    }
-
-    void windowMayCloseInAnyState_data() { disconnectEndsWatching_data(); }
-    void windowMayCloseInAnyState() {
+    void closesWindowInAnyState_data() { disconnectEndsWatching_data(); }
+    void closesWindowInAnyState() {
         QFETCH(bool, lost);
         static_cast<void>(disconnectButton());
         if (lost)
@@ -327,22 +302,29 @@ private slots:
         QPushButton button;
         QSignalSpy pressed(&button, &QPushButton::pressed);
         QLineEdit edit;
-        const auto send = [](QWidget& widget, QEvent::Type type, quint64 time) {
-            QKeyEvent event(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
-            event.setTimestamp(time);
-            QApplication::sendEvent(&widget, &event);
-        };
-        for (QWidget* widget : QWidgetList{&button, &edit}) {
-            for (const quint64 time : {1000, 1040, 1080, 1121}) { // the last one is a new press
-                send(*widget, QEvent::KeyPress, time);
-                send(*widget, QEvent::KeyRelease, time + 40);
-            }
-        }
+        for (QWidget* widget : QWidgetList{&button, &edit})
+            for (const quint64 time : {1000, 1040, 1080, 1121}) // the last one is a new press
+                for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+                    QKeyEvent event(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+                    event.setTimestamp(type == QEvent::KeyPress ? time : time + 40);
+                    QApplication::sendEvent(widget, &event);
+                }
         QCOMPARE(pressed.size(), 2);
         QCOMPARE(edit.text(), QString(4, ' ')); // repeats
     }
 
 private:
+    void setUp() override {
+        rig_.emplace(kFast);
+        rig_->show();
+        handle_ = rig_->window->windowHandle();
+        startProducer();
+    }
+    void tearDown() override {
+        rig_.reset();
+        discovery().serverHasDisconnected(kProducer);
+    }
+
     template <typename Widget>
     Widget* find() const {
         return rig_->find<Widget>();

@@ -50,7 +50,9 @@ private slots:
             QTRY_VERIFY(!w.find<Item>());
         } else if (by == "new show") {
             w.producer.send(MsgEvent("newShow"));
-            QTRY_VERIFY(!w.producer.eventsOf<MsgEvent>().empty()); // "getResources"
+            QTRY_VERIFY(!w.producer.eventsOf<MsgEvent>().empty());
+            QCOMPARE(w.producer.eventsOf<MsgEvent>().front()->message(), "getResources");
+            QVERIFY(!w.find<Item>());
         } else if (by == "connection loss") {
             w.producer.abortConnections();
             QTRY_VERIFY(w.find<DisconnectOverlay>());
