@@ -27,21 +27,19 @@ protected slots:
         scene.reset();
         finger_.reset();
     }
-    void init() {
-        GuardedTest::init();
+
+protected:
+    void setUp() override {
         if (!scene)
             scene = std::make_unique<SceneRig>();
         scene->canvas->onSelectedItem(nullptr);
         scene->evaluate("isCurrentGridXy = true; warpToolBar.mapButtonPushed = false;"
                         "rotationDialog.selectedView = 0; width = 1060; height = 610");
     }
-    void cleanup() {
+    void tearDown() override {
         if (!std::exchange(isReusable_, false) || QTest::currentTestFailed())
             scene.reset();
-        GuardedTest::cleanup();
     }
-
-protected:
     auto touch() const { return QTest::touchEvent(scene->view, finger_.get()); }
     /// Rows for check(), one a line: name | steps | text of the expression after them.
     static void rows(const QString& expression, const QString& table) {
@@ -98,10 +96,6 @@ protected:
             QVERIFY2(pressed && pressed->isVisible(), qPrintable(words.join(' ')));
             s.click(centreOf(pressed));
         };
-        const auto focus = [&](Qt::FocusReason reason) {
-            s.view->clearFocus();
-            s.view->setFocus(reason);
-        };
         const QHash<QString, std::function<void()>> verbs{
             {"forget", forget},
             {"show", [&] { s.canvas->onSelectedItem(items.value(words[1])), forget(); }},
@@ -126,12 +120,8 @@ protected:
             {"pan", [&] { s.canvas->onRightAxisMoved(real(1), real(2)); }},
             {"trigger", [&] { s.canvas->onPressure(real(1)); }},
             {"wheel", [&] { s.wheel(number(1)); }},
-            {"mode",
-             [&] {
-                 s.canvas->onScreenMode(SceneRig::kScreen,
-                                        NetworkCompanion::LV_NTC_ModeType(number(1)));
-             }},
-            {"focus", [&] { focus(Qt::FocusReason(number(1))); }},
+            {"mode", [&] { s.evaluate("cppCanvas.screenMode(3, " + words[1] + ')'); }},
+            {"focus", [&] { s.view->clearFocus(), s.view->setFocus(Qt::FocusReason(number(1))); }},
             {"wait",
              [] { QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval()); }},
             {"log", [&] { messages_->expect(QtDebugMsg, rest()); }},

