@@ -63,7 +63,7 @@ private slots:
         QTRY_VERIFY(companion.events.size() == 1 && !companion.events[0]);
     }
 
-    void secondConnectStopsReports() {
+    void stopsForwardingAfterSecondConnect() {
         Companion companion;
         QVERIFY(companion.connectTo(producer_->port()) && !companion.connectTo(producer_->port()));
         QVERIFY(companion.send(MsgEvent("still connected")));
@@ -125,12 +125,12 @@ private slots:
         QVERIFY(!ids.contains(connected[3][0].toInt()));
     }
 
-    void serverCloses_data() {
+    void serverDisconnectsCompanions_data() {
         QTest::addColumn<bool>("destroyed"); // by a slot
-        QTest::newRow("and listens again") << false;
-        QTest::newRow("and is destroyed") << true;
+        QTest::newRow("when closed") << false;
+        QTest::newRow("when destroyed") << true;
     }
-    void serverCloses() {
+    void serverDisconnectsCompanions() {
         QFETCH(bool, destroyed);
         int gone = 0;
         connect(server_.get(), &CompanionServer::companionDisconnected, this, [&] {
@@ -140,17 +140,18 @@ private slots:
         });
         const quint16 port = server_->port();
         Companion companion;
-        CompanionClient unheard(nullptr); // the leak checker reports an event that is not freed
+        // Its events have no receiver: the leak checker reports any that is not freed.
+        CompanionClient unobserved(nullptr);
         MsgEvent bye("bye");
-        QVERIFY(companion.connectTo(port) && unheard.connectToServer("127.0.0.1", port));
+        QVERIFY(companion.connectTo(port) && unobserved.connectToServer("127.0.0.1", port));
         QTRY_COMPARE(server_->companionIds().size(), 2);
-        QVERIFY(unheard.sendEvent(bye));
+        QVERIFY(unobserved.sendEvent(bye));
         QTest::qWait(50);
         server_->sendToAll(bye);
         server_->close();
         QCOMPARE(gone, destroyed ? 1 : 2);
         QTRY_VERIFY(companion.lost.size() == 1 && companion.events.size() == 1);
-        QTRY_VERIFY(!unheard.isConnected());
+        QTRY_VERIFY(!unobserved.isConnected());
         QVERIFY(!companion.connectTo(port));
         QVERIFY(destroyed || server_->listen(QHostAddress::LocalHost, port));
     }

@@ -16,7 +16,7 @@ constexpr QSize kFullHd{1920, 1080};
 /// Moves every point of a straight mesh by offset(x, y). Coordinates and offsets are in units of
 /// half the item's size, so that the item reaches from -1 to 1.
 template <typename Function>
-Warp bent(Kind kind, int rows, int columns, QSize size, Function offset) {
+Warp warpWithOffsets(Kind kind, int rows, int columns, QSize size, Function offset) {
     Warp warp = Warp::straight(kind, rows, columns, size);
     for (ControlPoint& point : warp.xy) {
         const double x = point.position.x() / (size.width() / 2.0);
@@ -31,14 +31,14 @@ Warp bent(Kind kind, int rows, int columns, QSize size, Function offset) {
 
 /// Four corners, each moved by its own offset in units of half the size.
 Warp keystone(QSize size, const std::array<QPointF, 4>& offsets) {
-    return bent(
+    return warpWithOffsets(
         Kind::Keystone, 2, 2, size,
         [&offsets](double x, double y) { return offsets[(y > 0 ? 2u : 0u) + (x > 0 ? 1u : 0u)]; });
 }
 
 /// For a round column or a bay: `depth` curves top and bottom edge, `taper` narrows the bottom.
 Warp column(Kind kind, int rows, int columns, QSize size, double depth, double taper) {
-    return bent(
+    return warpWithOffsets(
         kind, rows, columns, size,
         [depth, taper](double x, double y) {
             return QPointF(-taper * x * (1.0 + y) / 2.0 - 0.06 * x,
@@ -48,7 +48,7 @@ Warp column(Kind kind, int rows, int columns, QSize size, double depth, double t
 
 /// Sine waves of `amount` in both directions, and a margin of `inset` on all sides.
 Warp waves(Kind kind, int rows, int columns, QSize size, double amount, double inset) {
-    return bent(
+    return warpWithOffsets(
         kind, rows, columns, size,
         [amount, inset](double x, double y) {
             return QPointF(amount * 0.5 * std::sin(y * std::numbers::pi) - inset * x,

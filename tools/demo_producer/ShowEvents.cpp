@@ -53,7 +53,7 @@ void addPoints(ItemDataEvent& data, void (ItemDataEvent::*add)(const PointEvent&
 }
 
 template <typename EventClass>
-ShowEvents::EventPointer moved(EventClass&& event) {
+ShowEvents::EventPointer toPointer(EventClass&& event) {
     return std::make_unique<std::remove_cvref_t<EventClass>>(std::forward<EventClass>(event));
 }
 
@@ -98,11 +98,11 @@ ShowEvents::EventPointer ShowEvents::removed(const ShowItem& item) {
 ShowEvents::EventPointer ShowEvents::deformation(const ShowItem& item, bool reset) {
     switch (item.key.type) {
     case LV_NTC_ElementType::Screen:
-        return moved(screenDeformation(item, reset));
+        return toPointer(screenDeformation(item, reset));
     case LV_NTC_ElementType::ScreenPart:
-        return moved(partDeformation(item, reset));
+        return toPointer(partDeformation(item, reset));
     default:
-        return moved(mediaDeformation(item, reset));
+        return toPointer(mediaDeformation(item, reset));
     }
 }
 
@@ -128,13 +128,13 @@ ShowEvents::EventPointer ShowEvents::mode(const ShowItem& item) {
 ShowEvents::EventPointer ShowEvents::point(const ShowItem& item, bool xy, quint32 id) {
     switch (item.key.type) {
     case LV_NTC_ElementType::Media:
-        return moved(pointOf<MediaMovePointEvent>(item, xy, id));
+        return toPointer(pointOf<MediaMovePointEvent>(item, xy, id));
     case LV_NTC_ElementType::Texture:
-        return moved(pointOf<TextureMovePointEvent>(item, xy, id));
+        return toPointer(pointOf<TextureMovePointEvent>(item, xy, id));
     case LV_NTC_ElementType::Screen:
-        return moved(pointOf<ScreenMovePointEvent>(item, xy, id));
+        return toPointer(pointOf<ScreenMovePointEvent>(item, xy, id));
     default:
-        return moved(pointOf<ScreenPartMovePointEvent>(item, xy, id));
+        return toPointer(pointOf<ScreenPartMovePointEvent>(item, xy, id));
     }
 }
 
