@@ -6,7 +6,6 @@
 #include "tools/demo_producer/ProducerWindow.h"
 #include "tools/demo_producer/ShowCatalog.h"
 #include "tools/demo_producer/ShowFile.h"
-#include "tools/demo_producer/StateFile.h"
 
 #include <QJsonDocument>
 #include <QLineF>
@@ -58,29 +57,13 @@ class DemoProducerTest : public MeshpadTest::GuardedTest {
     Q_OBJECT
 
 private slots:
-    void sendsResourcesInOrder() {
-        World world;
-        world.a.send(MsgEvent("getResources"));
-        // Screen before part, mode after deformation.
-        const EventPointer expected[] = {
-            std::make_shared<AddScreenEvent>(2, 3, 1920, 1080, 0, 0., "Silos", false, false),
-            std::make_shared<AddScreenPartEvent>(2, 0, 4, 640, 1080, 0, 0., "Left silo", false),
-            std::make_shared<DeformationModeEvent>(Kind::None, 2, 3, "Silos", 2, 2, false),
-            std::make_shared<ScreenModeEvent>(LV_NTC_ModeType::Parts, 2, 3, "Silos"),
-            std::make_shared<AddQuickKeyEvent>(7, 0, 0, "Финал", "#b3364b"),
-            std::make_shared<MireEvent>(0, LV_NTC_PictureType::None)};
-        qsizetype last = -1;
-        for (const EventPointer& event : expected)
-            QVERIFY(std::exchange(last, world.a.indexOf(*event)) < last);
-    }
-
     void startsNewShowWithoutOldQuickKeys() {
         World world;
         world.session.startNewShow();
         QCOMPARE(world.b.indexOf(MsgEvent("newShow")), 6); // after six deletions
     }
 
-    void appliesEdit_data() {
+    void appliesAndEchoesEdit_data() {
         QTest::addColumn<EventPointer>("edit");
         const auto row = [](const char* name, const auto& event) {
             using Class = std::decay_t<decltype(event)>;
@@ -101,7 +84,7 @@ private slots:
         row("ignored: pattern", MireEvent(0, LV_NTC_PictureType(12)));
         row("ignored: event of a Producer", RemoveScreenEvent(0));
     }
-    void appliesEdit() {
+    void appliesAndEchoesEdit() {
         QFETCH(EventPointer, edit);
         const bool isValid = !QByteArray(QTest::currentDataTag()).startsWith("ignored");
         World world;
@@ -114,7 +97,7 @@ private slots:
         QCOMPARE(world.session.show().items() != before, isValid);
     }
 
-    void rebuildsMeshInItsShape() {
+    void keepsShapeInOtherGrid() {
         World world;
         const ShowItem& wall = *world.session.show().find(ItemKey::screen(1));
         const Surface before = wall.warp.xySurface();
@@ -164,16 +147,6 @@ private slots:
         for (const char* command : {"move part:2/1 uv 2 0.25 -3", "remove screen:2", "restore"})
             QVERIFY2(commands.execute(command), command);
         QCOMPARE(session.show().find(kPart)->warp.uv[2].position, QPointF(0.25, -3));
-    }
-
-    void stateFileFollowsEdits() {
-        ProducerSession session({ShowCatalog::harbour()}, nullptr);
-        auto file = std::make_unique<StateFile>(session, path_, nullptr);
-        QVERIFY(session.movePoint(kFront, true, 1, {0.1, 1.0 / 3}));
-        QTRY_COMPARE(read(), session.show());
-        QVERIFY(session.setPattern(LV_NTC_PictureType::Osd));
-        file.reset(); // writes pending changes
-        QCOMPARE(read(), session.show());
     }
 
     void windowShowsEdits() {
