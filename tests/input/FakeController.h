@@ -78,6 +78,7 @@ struct FakeSystem : ControllerSystem {
     OpenResult open() override { return openResult; }
     std::optional<std::vector<AttachedController>> attachedControllers() override {
         std::vector<AttachedController> controllers;
+        controllers.reserve(pads.size());
         for (const auto& pad : pads)
             controllers.push_back({pad->name, [pad] {
                                        return pad->answer("create") == ControllerResult::Ok

@@ -20,8 +20,8 @@ private slots:
         QTest::addColumn<int>("input");
         QTest::addColumn<QList<int>>("positions");
         QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, AnalogRange range, int input, QList<int> positions,
-                            const char* expected) {
+        const auto row = [](const char* name, AnalogRange range, int input,
+                            const QList<int>& positions, const char* expected) {
             QTest::newRow(name) << range << input << positions << QString(expected);
         };
         row("both centres", {}, kX, {32767, 32768}, "");

@@ -43,7 +43,8 @@ private slots:
 
     void allowsChangesOfListenersDuringKey() {
         int notified = 0;
-        std::unique_ptr<Listener> removed, added;
+        std::unique_ptr<Listener> removed;
+        std::unique_ptr<Listener> added;
         Listener changer([&](QKeyEvent*) {
             removed.reset();
             added = std::make_unique<Listener>([&](QKeyEvent*) { ++notified; });
