@@ -65,18 +65,13 @@ private slots:
     }
 
     void cleanupTestCase() {
-        const auto isEnded = [](QProcess& process) {
-            process.terminate();
-            return process.waitForFinished();
-        };
         QVERIFY(isEnded(meshpad_));
-        machine_.run(
-            [&] { QVERIFY(producer_ && isEnded(*producer_) && producer_->exitCode() == 0); });
+        machine_.run([&] { QVERIFY(producer_ && isEnded(*producer_)); });
         const QString log = QString::fromUtf8(meshpad_.readAll());
         QVERIFY2(log.isEmpty(), qPrintable(log));
     }
 
-    void init() {
+    void init() const {
         if (hasFailed_)
             QSKIP("continues a test that failed");
     }
@@ -89,13 +84,7 @@ private slots:
     }
 
     void findsProducerAndConnects() {
-        const auto isConnected = [this] { return !state_.companions().isEmpty(); };
-        for (int attempt = 0; attempt < 30 && !isConnected(); ++attempt) {
-            click(kAddress); // appears when the Producer has answered
-            saveScreenshot("1-connect-page");
-            click(kConnect);
-            static_cast<void>(QTest::qWaitFor(isConnected, 2'000));
-        }
+        connectUntil([this] { return !state_.companions().isEmpty(); });
         QCOMPARE(state_.companions().size(), 1);
         QCOMPARE(state_.companion()["address"].toString(), "10.77.0.1");
     }
@@ -232,7 +221,62 @@ private slots:
         saveScreenshot("10-connect-page-again");
     }
 
+    /// The Producer that was written from docs/protocol.md alone.
+    void operatesExampleProducer() {
+        machine_.run([&] {
+            QVERIFY(isEnded(*producer_) && producer_->exitCode() == 0);
+            producer_->start("python3", {QFINDTESTDATA("../../docs/example_producer.py")});
+        });
+        QString log;
+        const auto logs = [&](const QString& line, int times = 1) {
+            log += machine_.get([&] { return QString(producer_->readAllStandardOutput()); });
+            return log.count(line) >= times;
+        };
+        connectUntil([&] { return logs("getResources"); });
+        pressUntil(
+            "key m", [&] { return logs("selected Front wall"); });
+        pressUntil("key ctrl+a", [&] { return logs("Front wall xy 3: 960 540"); });
+        xdotool("key Escape");
+
+        fitView({-960, -540, 1920, 1080});
+        const QPoint start = onScreen({-960, -540});
+        const QPoint end = start + QPoint(60, 40);
+        xdotool(moveTo(start) + " mousedown 1 " + moveTo(start + QPoint(30, 20)) + ' ' +
+                moveTo(end) + " mouseup 1");
+        const auto isDragged = [&] {
+            static_cast<void>(logs({}));
+            const QStringList moved = log.section("Front wall xy 0: ", -1).split(' ');
+            const QPointF position(moved[0].toDouble(),
+                                   moved.value(1).section('\n', 0, 0).toDouble());
+            return (QPointF(onScreen(position)) - end).manhattanLength() < 3;
+        };
+        QTRY_VERIFY(isDragged());
+
+        click(kTabs[1]);
+        click(kFirstQuickKey);
+        QTRY_VERIFY(logs("getResources", 2));
+        click(kTabs[0]);
+        pressUntil("key m", [&] { return logs("selected Ceiling"); });
+        QVERIFY(logs("selected Ceiling"));
+        saveScreenshot("11-example-producer");
+    }
+
 private:
+    static bool isEnded(QProcess& process) {
+        process.terminate();
+        return process.waitForFinished();
+    }
+
+    template <typename Condition>
+    static void connectUntil(Condition isConnected) {
+        for (int attempt = 0; attempt < 30 && !isConnected(); ++attempt) {
+            click(kAddress); // appears when the Producer has answered
+            saveScreenshot("1-connect-page");
+            click(kConnect);
+            static_cast<void>(QTest::qWaitFor(isConnected, 2'000));
+        }
+    }
+
     /// Presses keys until the condition holds, because only the window shows when it is ready for
     /// them.
     template <typename Condition>
@@ -247,22 +291,25 @@ private:
         QCOMPARE(state_.editedItem(), kScreen);
     }
 
-    /// Clicks "Adjust view", which shows the mesh in the middle of the canvas.
     void adjustView() {
         pressUntil("key ctrl+a", [this] { return state_.selection(kScreen) == "0 1 2 3"; });
         xdotool("key Escape");
         QTRY_COMPARE(state_.selection(kScreen), QString());
-        click(kAdjustView);
         QPolygonF mesh;
         for (int id = 0; id < 4; ++id)
             mesh.append(state_.point(kScreen, id));
-        const QRectF box = mesh.boundingRect();
+        fitView(mesh.boundingRect());
+    }
+    /// Clicks "Adjust view", which shows the mesh, whose points span the box, in the middle.
+    void fitView(const QRectF& box) {
+        click(kAdjustView);
         centre_ = box.center();
         zoom_ = qMin(kCanvasSize.width() / box.width(), kCanvasSize.height() / box.height()) / 2.5;
     }
-    QPoint pointOnScreen(int id) const {
-        return (QPointF(kCanvasCentre) + (state_.point(kScreen, id) - centre_) * zoom_).toPoint();
+    QPoint onScreen(QPointF position) const {
+        return (QPointF(kCanvasCentre) + (position - centre_) * zoom_).toPoint();
     }
+    QPoint pointOnScreen(int id) const { return onScreen(state_.point(kScreen, id)); }
 
     QTemporaryDir folder_;
     const ProducerState state_{folder_.filePath("state.json")};
