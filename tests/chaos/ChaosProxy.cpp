@@ -30,7 +30,7 @@ bool ChaosProxy::listen(const QHostAddress& address, quint16 port) {
     return server_.isListening() || server_.listen(address, port);
 }
 
-void ChaosProxy::cutAfter(qint64 bytes, End end) {
+void ChaosProxy::cutAfter(qsizetype bytes, End end) {
     untilCut_ = bytes;
     cutEnd_ = end;
 }
@@ -68,16 +68,14 @@ void ChaosProxy::deliver(Pipe& to) {
         return;
     if (!to.waiting.isEmpty()) {
         auto [size, pause] = portion(to.waiting.size());
-        const bool last = &to == &companion_ && untilCut_ >= 0 && size >= untilCut_;
-        if (last)
-            size = qsizetype(untilCut_);
-        else if (&to == &companion_ && untilCut_ >= 0)
-            untilCut_ -= size;
+        const bool isCounted = &to == &companion_ && untilCut_ >= 0;
+        if (isCounted)
+            size = qMin(size, untilCut_);
         to.socket->write(to.waiting.constData(), size);
         to.socket->flush();
         sent_ += size;
         to.waiting.remove(0, size);
-        if (last)
+        if (isCounted && (untilCut_ -= size) == 0)
             return cut(cutEnd_);
         if (!to.waiting.isEmpty())
             return to.next.start(pause);
@@ -87,26 +85,19 @@ void ChaosProxy::deliver(Pipe& to) {
 }
 
 std::pair<qsizetype, int> ChaosProxy::portion(qsizetype waiting) {
-    const int scale = 1 + int(sent_ / kBytesPerScale);
-    const auto piece = [&](int largest) {
-        return qMin<qsizetype>(waiting, random_.bounded(1, largest * scale));
+    const auto piece = [&](int size) {
+        return qMin<qsizetype>(waiting, size * (1 + sent_ / kBytesPerScale));
     };
-    switch (condition_) {
-    case NetworkCondition::Bytewise:
-        if (sent_ < kMaxSingleBytes)
-            return {1, 0};
-        [[fallthrough]];
-    case NetworkCondition::Pieces:
-        return {piece(kMaxPiece), random_.bounded(kMaxPause)};
-    case NetworkCondition::Slow:
-        return {qMin<qsizetype>(waiting, kSlowPortion * scale), 1};
-    case NetworkCondition::Stalling:
-        return {piece(4 * kMaxPiece),
+    if (condition_ == NetworkCondition::Clear)
+        return {waiting, 0};
+    if (condition_ == NetworkCondition::Bytewise && sent_ < kMaxSingleBytes)
+        return {1, 0};
+    if (condition_ == NetworkCondition::Slow)
+        return {piece(kSlowPortion), 1};
+    if (condition_ == NetworkCondition::Stalling)
+        return {piece(random_.bounded(1, 4 * kMaxPiece)),
                 random_.bounded(kPortionsPerStall) == 0 ? random_.bounded(kMaxStall) : 0};
-    case NetworkCondition::Clear:
-        break;
-    }
-    return {waiting, 0};
+    return {piece(random_.bounded(1, kMaxPiece)), random_.bounded(kMaxPause)};
 }
 
 void ChaosProxy::cut(End end) {

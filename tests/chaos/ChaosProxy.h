@@ -26,7 +26,7 @@ public:
     void setNetworkCondition(NetworkCondition condition) { condition_ = condition; }
     /// Breaks the current or else the next connection after that many more bytes to the companion;
     /// a negative number cancels this.
-    void cutAfter(qint64 bytes, End end);
+    void cutAfter(qsizetype bytes, End end);
     void cut(End end);
     /// Refuses connections until listen() is called again.
     void refuse() { server_.close(); }
@@ -55,7 +55,7 @@ private:
     NetworkCondition condition_ = NetworkCondition::Clear;
     Pipe companion_, producer_;
     qint64 sent_ = 0; // on this connection
-    qint64 untilCut_ = -1;
+    qsizetype untilCut_ = -1;
     int cuts_ = 0;
     End cutEnd_ = End::Closed;
 };

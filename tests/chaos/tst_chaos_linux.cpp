@@ -31,7 +31,6 @@ namespace {
 
 const QHostAddress kHere(QStringLiteral("10.78.0.1"));
 const QHostAddress kThere(QStringLiteral("10.78.0.2"));
-constexpr int kUsualLosses = 60;
 constexpr int kTimeout = 60'000;      // ms, for every recovery
 constexpr int kBytesOfAShow = 12'000; // about as many as a Producer sends at first
 
@@ -47,12 +46,6 @@ bool waitUntil(Condition condition) {
         QThread::usleep(200);
     }
     return true;
-}
-
-int environmentNumber(const char* name, int otherwise) {
-    bool isNumber = false;
-    const int number = qEnvironmentVariableIntValue(name, &isNumber);
-    return isNumber ? number : otherwise;
 }
 
 } // namespace
@@ -74,13 +67,11 @@ private slots:
         QVERIFY(producer_->isUp);
 
         rig_.emplace(Timing{5ms, 5ms, 20ms});
-        window_ = rig_->window.get();
         rig_->show();
         lost_.emplace(EventDispatcher::getInstance(), &EventDispatcher::disconnected);
-        EventDispatcher::getInstance()
-            ->networkUtils()
-            .updateClientSockets(); // without waiting a second
-        window_->onConnectToServer(kThere.toString());
+        // Without waiting a second.
+        EventDispatcher::getInstance()->networkUtils().updateClientSockets();
+        rig_->window->onConnectToServer(kThere.toString());
     }
 
     void cleanup() {
@@ -94,7 +85,7 @@ private slots:
 
     void windowShowsProducerStateAfterEveryLoss() {
         QCOMPARE(lastingDifference(), QString());
-        const int wanted = environmentNumber("MESHPAD_CHAOS_LOSSES", kUsualLosses);
+        const int wanted = qEnvironmentVariable("MESHPAD_CHAOS_LOSSES", "60").toInt();
         int recoveries = 0, early = 0;
         QElapsedTimer timer;
         timer.start();
@@ -137,15 +128,14 @@ private slots:
                 QTest::qWait(random_.bounded(40));
                 machine_->run([&] { producer_->accept(); });
             }
-            if (breaksEarly && (waitForEarlyBreak(before + 1)))
+            if (breaksEarly && waitForEarlyBreak(before + 1))
                 ++early;
             const QString difference = lastingDifference();
             QVERIFY2(difference.isEmpty(), qPrintable(difference + where));
             ++recoveries;
         }
         qInfo("seed %u: %d connections lost, %d of them while the show was still arriving; %d "
-              "recoveries "
-              "with equal states; %.1f s",
+              "recoveries with equal states; %.1f s",
               seed_, losses(), early, recoveries, double(timer.elapsed()) / 1000);
     }
 
@@ -187,12 +177,8 @@ private slots:
     }
 
 private:
-    template <typename Widget>
-    Widget* find() const {
-        return window_->findChild<Widget*>();
-    }
     bool isVeiled() const {
-        const auto overlays = window_->findChildren<DisconnectOverlay*>();
+        const auto overlays = rig_->window->findChildren<DisconnectOverlay*>();
         return std::ranges::any_of(overlays, &DisconnectOverlay::isVisible);
     }
 
@@ -209,41 +195,42 @@ private:
 
     QMap<ItemKey, Item*> rows() const {
         QMap<ItemKey, Item*> rows;
-        for (int i = 0; Item* row = find<MediaList>()->getItemFromLayout(i); ++i)
+        for (int i = 0; Item* row = rig_->find<MediaList>()->getItemFromLayout(i); ++i)
             rows.insert(row->key(), row);
         return rows;
     }
 
+    template <typename... Values>
+    static QString describe(const Values&... values) {
+        QString line;
+        (QDebug(&line) << ... << values);
+        return line;
+    }
+
     QString listDifference() const {
-        if (!EventDispatcher::getInstance()->client().isConnected())
+        if (!EventDispatcher::getInstance()->client().isConnected() || isVeiled())
             return "not connected";
-        if (isVeiled())
-            return "veiled";
         const Show expected = show();
         const auto rows = this->rows();
         if (rows.size() != qsizetype(expected.items().size()))
-            return QString("%1 rows for %2 items").arg(rows.size()).arg(expected.items().size());
+            return describe(rows.size(), "rows instead of", expected.items().size());
         for (const ShowItem& item : expected.items()) {
-            const QString name = nameOf(item.key) + ": ";
             const Item* row = rows.value(item.key);
             if (!row)
-                return name + "has no row";
-            if (row->key().subId != item.key.subId || row->name() != item.name ||
-                quint32(row->dataIndex()) != item.dataIndex ||
-                QSize(row->sourceWidth(), row->sourceHeight()) != item.size)
-                return name + "is another item";
-            if (row->isBlinded() != item.blinded)
-                return name + "blind";
-            const Item::Deformation& seen = row->deformation();
-            if (seen.type != int(item.shownKind()))
-                return name +
-                       QString("deformation %1 for %2").arg(seen.type).arg(int(item.shownKind()));
-            if (item.shownKind() != Warp::Kind::None &&
-                (seen.rows != item.warp.rows || seen.columns != item.warp.columns))
-                return name + QString("grid of %1 x %2").arg(seen.rows).arg(seen.columns);
-            if (item.key.type == Element::Screen &&
-                static_cast<const ScreenItem*>(row)->mode() != item.mode)
-                return name + "mode";
+                return nameOf(item.key) + " has no row";
+            const auto& [kind, rowCount, columnCount, reset] = row->deformation();
+            const bool isWarped = item.shownKind() != Warp::Kind::None;
+            const auto* screen = dynamic_cast<const ScreenItem*>(row);
+            const QString seen = describe(
+                row->key().subId, row->name(), quint32(row->dataIndex()), row->isBlinded(),
+                QSize(row->sourceWidth(), row->sourceHeight()), kind, isWarped ? rowCount : 0,
+                isWarped ? columnCount : 0, screen ? int(screen->mode()) : 0);
+            const QString wanted =
+                describe(item.key.subId, item.name, item.dataIndex, item.blinded, item.size,
+                         int(item.shownKind()), isWarped ? item.warp.rows : 0,
+                         isWarped ? item.warp.columns : 0, int(item.mode));
+            if (seen != wanted)
+                return describe(nameOf(item.key), seen, "instead of", wanted);
         }
         return {};
     }
@@ -253,25 +240,22 @@ private:
         const ShowItem* item = now.find(key);
         if (!item)
             return "not in the show";
-        QString name = nameOf(key) + ": ";
+        const double width = item->size.width(), height = item->size.height();
         for (const bool xy : {true, false}) {
             MeshGridItem* grid = xy ? rig_->xyGrid() : rig_->uvGrid();
             const int shown = grid ? grid->pointCount() : 0;
             const auto& points = xy ? item->warp.xy : item->warp.uv;
             const int expected = item->shownKind() == Warp::Kind::None ? 0 : int(points.size());
             if (shown != expected)
-                return name + QString("%1 points for %2").arg(shown).arg(expected);
+                return describe(nameOf(key), shown, "points instead of", expected);
             for (int id = 0; id < expected; ++id) {
-                const QPointF wanted = points[std::size_t(id)].position;
-                const MeshPoint* point = grid->point(id);
-                const QPointF size(item->size.width(), item->size.height());
-                const QPointF seen = xy ? QPointF(point->x(), point->y()) - size / 2
-                                        : QPointF(point->x() / size.x(), point->y() / size.y());
+                const auto [x, y] = points[std::size_t(id)].position;
+                const QPointF wanted =
+                    xy ? QPointF(x + width / 2, y + height / 2) : QPointF(x * width, y * height);
+                const QPointF seen(grid->point(id)->x(), grid->point(id)->y());
                 // The selection is not compared because the operator determines it.
-                if ((seen - wanted).manhattanLength() > 1e-6) {
-                    QDebug(&name) << (xy ? "xy" : "uv") << "point" << id << seen << "for" << wanted;
-                    return name;
-                }
+                if ((seen - wanted).manhattanLength() > 1e-6) // pixel
+                    return describe(nameOf(key), xy, id, seen, "instead of", wanted);
             }
         }
         return {};
@@ -285,8 +269,8 @@ private:
         for (const ShowItem& item : expected.items()) {
             const auto isEqual = [&] {
                 // A show that has just restarted may still remove the selected item.
-                if (Item* row = rows().value(item.key); row != find<MediaList>()->selection())
-                    find<MediaList>()->onSelectedItem(row);
+                if (Item* row = rows().value(item.key); row != rig_->find<MediaList>()->selection())
+                    rig_->find<MediaList>()->onSelectedItem(row);
                 return pointsDifference(item.key).isEmpty();
             };
             if (!waitUntil(isEqual))
@@ -297,7 +281,7 @@ private:
 
     /// Performs a random action of an operator: a key press or a drag of a point.
     void operate() {
-        QWindow* target = window_->windowHandle();
+        QWindow* target = rig_->window->windowHandle();
         constexpr Qt::Key kArrows[] = {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down};
         const Qt::Key arrow = kArrows[random_.bounded(4)];
         const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
@@ -314,8 +298,8 @@ private:
         if (!grid || grid->pointCount() == 0 || isVeiled())
             return;
         const MeshPoint* point = grid->point(random_.bounded(grid->pointCount()));
-        const QPoint start =
-            rig_->view->mapTo(window_, grid->mapToScene({point->x(), point->y()}).toPoint());
+        const QPoint start = rig_->view->mapTo(
+            rig_->window.get(), grid->mapToScene({point->x(), point->y()}).toPoint());
         QTest::mousePress(target, Qt::LeftButton, {}, start);
         for (int step = 1; step <= 5; ++step) {
             QTest::mouseMove(target, start + step * QPoint(random_.bounded(-8, 8), 3));
@@ -337,11 +321,10 @@ private:
     }
 
     QRandomGenerator random_;
-    quint32 seed_ = quint32(environmentNumber("MESHPAD_CHAOS_SEED", 1));
+    quint32 seed_ = qEnvironmentVariable("MESHPAD_CHAOS_SEED", "1").toUInt();
     std::unique_ptr<MeshpadTest::PeerNamespace> machine_;
     std::shared_ptr<ProducerMachine> producer_;
     std::optional<MeshpadTest::WindowRig> rig_;
-    GuiCompanion* window_ = nullptr; // the rig's
     std::optional<QSignalSpy> lost_;
 };
 
