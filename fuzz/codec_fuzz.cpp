@@ -3,12 +3,9 @@
 
 #include "fuzz/Harness.h"
 #include "network/LVNtc.h"
-
-#include <QByteArray>
-#include <QtEndian>
+#include "tests/support/ProtocolBytes.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -16,7 +13,9 @@ using namespace NetworkCompanion;
 
 namespace {
 
-void decode(const std::vector<char>& bytes) {
+void decode(QByteArrayView input) {
+    // Exactly sized, so that the sanitizer reports every read behind the end.
+    const std::vector<char> bytes(input.begin(), input.end());
     const eventData decoded = LVNtc::read({bytes.data(), qsizetype(bytes.size())});
     const std::unique_ptr<Event> event(decoded.second);
     if (!event)
@@ -38,17 +37,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // Exactly sized vectors, so that the sanitizer reports every read behind the end.
-    const std::vector<char> bytes(data, data + size);
+    const QByteArray bytes(reinterpret_cast<const char*>(data), qsizetype(size));
     decode(bytes);
     // The same bytes behind a correct header.
-    if (size == 0)
-        return 0;
-    std::vector<char> frame(9 + size - 1);
-    qToBigEndian(qint32(9), frame.data());
-    qToBigEndian(qint32(size - 1), frame.data() + 4);
-    frame[8] = bytes[0];
-    std::memcpy(frame.data() + 9, bytes.data() + 1, size - 1);
-    decode(frame);
+    if (size > 0)
+        decode(MeshpadTest::frame(bytes[0], bytes.sliced(1)));
     return 0;
 }

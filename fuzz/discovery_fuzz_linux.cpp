@@ -10,10 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include <net/if.h>
 #include <sched.h>
-#include <sys/ioctl.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 using namespace NetworkCompanion;
@@ -24,17 +21,11 @@ constexpr quint16 kPort = 62330;
 
 /// Moves the process into a network namespace with nothing but loopback.
 void enterNamespace() {
-    ifreq request{};
-    std::snprintf(request.ifr_name, sizeof request.ifr_name, "lo");
-    request.ifr_flags = IFF_UP | IFF_RUNNING;
-    const int socket = unshare(CLONE_NEWNET) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0
-                           ? ::socket(AF_INET, SOCK_DGRAM, 0)
-                           : -1;
-    if (socket < 0 || ioctl(socket, SIOCSIFFLAGS, &request) != 0) {
+    if (unshare(geteuid() == 0 ? CLONE_NEWNET : CLONE_NEWUSER | CLONE_NEWNET) != 0 ||
+        std::system("ip link set lo up") != 0) {
         std::fprintf(stderr, "needs a network namespace of its own\n");
         std::exit(1);
     }
-    close(socket);
 }
 
 struct Ends {

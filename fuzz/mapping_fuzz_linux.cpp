@@ -7,15 +7,15 @@
 #include <QCoreApplication>
 #include <QSettings>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <stdlib.h>
 
 namespace {
 
@@ -24,39 +24,20 @@ constexpr std::string_view kGoodFile = "[ActionMappings]\nVertical Mirror=Start,
 constexpr int kGoodFileInterval = 64; // inputs between two checks of the good file
 std::string folder;                   // in shared memory
 
-/// The user's file. Each write advances its modification time.
-class MappingFile {
-public:
-    MappingFile()
-        : file_(open(path().c_str(), O_RDWR | O_TRUNC | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR)) {}
-    ~MappingFile() { close(file_); }
-    MappingFile(const MappingFile&) = delete;
-    MappingFile& operator=(const MappingFile&) = delete;
-
-    void write(std::string_view content) {
-        constexpr long kNanosecondsPerMillisecond = 1'000'000;
-        ++milliseconds_;
-        const timespec time{milliseconds_ / 1000,
-                            milliseconds_ % 1000 * kNanosecondsPerMillisecond};
-        const timespec times[] = {time, time};
-        if (pwrite(file_, content.data(), content.size(), 0) != ssize_t(content.size()) ||
-            ftruncate(file_, off_t(content.size())) != 0 || futimens(file_, times) != 0)
-            std::abort();
-    }
-
-private:
-    static std::string path() {
+/// Writes the user's file, with another modification time than before.
+void writeFile(std::string_view content) {
+    static const std::filesystem::path path = [] {
         const QSettings settings(QSettings::IniFormat, QSettings::UserScope, "Orvex", "Meshpad");
         const std::string name = settings.fileName().toStdString();
-        if (name.compare(0, folder.size(), folder) != 0)
+        if (!name.starts_with(folder))
             std::abort(); // never touch the real user's file
         std::filesystem::create_directories(std::filesystem::path(name).parent_path());
         return name;
-    }
-
-    int file_;
-    long milliseconds_ = 0;
-};
+    }();
+    static std::filesystem::file_time_type time;
+    std::ofstream(path, std::ios::binary) << content;
+    std::filesystem::last_write_time(path, time += std::chrono::milliseconds(1));
+}
 
 struct Pad {
     Pad() {
@@ -80,7 +61,6 @@ struct Pad {
             mapper.onButtonReleased(static_cast<GamepadButton>(button));
     }
 
-    MappingFile file;
     ActionMapper mapper;
     int actions = 0;
     Action last{};
@@ -109,7 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     static Pad pad;
     static int inputs = 0;
-    pad.file.write({reinterpret_cast<const char*>(data) + kChoice, size - kChoice});
+    writeFile({reinterpret_cast<const char*>(data) + kChoice, size - kChoice});
     pad.mapper.reloadMappings();
     const int first = data[0] % kButtons;
     const int second = (first + 1 + data[1] % (kButtons - 1)) % kButtons;
@@ -118,7 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     pad.releaseAll();
 
     if (++inputs % kGoodFileInterval == 0) {
-        pad.file.write(kGoodFile);
+        writeFile(kGoodFile);
         pad.mapper.reloadMappings();
         pad.press(static_cast<int>(GamepadButton::Back));
         if (pad.actions != 0)
