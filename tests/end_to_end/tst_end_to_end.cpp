@@ -106,28 +106,8 @@ private slots:
         QVERIFY(libraries.contains("libQt6Quick") && !libraries.contains("libLLVM"));
     }
 
-    void selectsPoints_data() {
-        adjustView();
-        QTest::addColumn<QString>("input");
-        QTest::addColumn<QString>("selection");
-        const QString last = moveTo(pointOnScreen(3)) + " click 1";
-        QTest::newRow("click") << moveTo(pointOnScreen(0)) + " click 1"
-                               << "0";
-        QTest::newRow("ctrl+click") << "keydown ctrl " + last + " keyup ctrl"
-                                    << "0 3";
-        QTest::newRow("all") << "key Escape key ctrl+a"
-                             << "0 1 2 3";
-        QTest::newRow("next") << "key Escape key alt+Right key alt+Right"
-                              << "1";
-    }
-    void selectsPoints() {
-        QFETCH(QString, input);
-        xdotool(input);
-        QFETCH(QString, selection);
-        QTRY_COMPARE(state_.selection(kScreen), selection);
-    }
-
     void nudgesPointByKey() {
+        adjustView();
         xdotool("key Escape key alt+Right key alt+Right");
         QTRY_COMPARE(state_.selection(kScreen), "1");
         const QPointF before = state_.point(kScreen, 1);

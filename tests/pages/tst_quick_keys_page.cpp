@@ -119,15 +119,15 @@ private slots:
         QVERIFY(rig.gets(ExecuteQuickKeyEvent(1))); // before the release
     }
 
-    void deletingTheHighestKeyRemovesEmptyPages_data() {
+    void removesEmptyPagesWhenHighestKeyIsDeleted_data() {
         QTest::addColumn<QList<int>>("deleted");
         QTest::addColumn<QString>("left");
         QTest::newRow("lower key") << QList{2} << "1 -|- -|- 6|- 8";
-        QTest::newRow("over a gap") << QList{8, 6} << "1 2";
+        QTest::newRow("keys above a gap") << QList{8, 6} << "1 2";
         QTest::newRow("all, highest last") << QList{1, 2, 6, 8} << "- -|- -|- -|- -";
         QTest::newRow("unknown keys") << QList{3, 9, 10000} << "1 2|- -|- 6|- 8";
     }
-    void deletingTheHighestKeyRemovesEmptyPages() {
+    void removesEmptyPagesWhenHighestKeyIsDeleted() {
         QFETCH(QList<int>, deleted);
         QFETCH(QString, left);
         const KeysRig rig;
@@ -142,7 +142,7 @@ private slots:
         QVERIFY(rig.layout().startsWith(left.left(3) + "|3 -"));
     }
 
-    void anotherGridKeepsTheKeysAndTheFirstOneShown_data() {
+    void keepsFirstShownKeyWhenGridChanges_data() {
         QTest::addColumn<QSize>("grid");
         QTest::addColumn<QString>("layout");
         QTest::addColumn<int>("shown");
@@ -150,7 +150,7 @@ private slots:
         QTest::newRow("column") << QSize(1, 2) << "1/2|3/-|5/6|7/-" << 3;
         QTest::newRow("one key a page") << QSize(1, 1) << "1|2|3|-|5|6|7|-" << 5;
     }
-    void anotherGridKeepsTheKeysAndTheFirstOneShown() {
+    void keepsFirstShownKeyWhenGridChanges() {
         QFETCH(QSize, grid);
         QFETCH(QString, layout);
         const KeysRig rig;
