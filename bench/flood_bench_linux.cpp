@@ -2,6 +2,7 @@
 #include "app/GuiCompanion.h"
 #include "app/IPList.h"
 #include "app/shell/ShellLook.h"
+#include "bench/ThreadTime.h"
 #include "input/key_event_listener.h"
 #include "input/key_event_manager.h"
 #include "network/LVNtc.h"
@@ -13,7 +14,6 @@
 #include "network/events/ProtocolLimits.h"
 #include "network/events/ScreenMovePointEvent.h"
 #include "resources/CompanionResources.h"
-#include "tests/support/ThreadTime.h"
 #include "warp/MediaItem.h"
 #include "warp/MediaList.h"
 
@@ -211,7 +211,7 @@ private:
     QWidget* window_;
     std::atomic<bool> stop_ = false, isWaiting_ = false;
     std::mutex mutex_;
-    MeshpadTest::ThreadTime work_{clockOfThisThread()}; ///< the other thread reads it, too
+    ThreadTime work_{clockOfThisThread()}; ///< the other thread reads it, too
     std::vector<milliseconds> times_;
     std::thread thread_;
 };

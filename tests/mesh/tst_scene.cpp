@@ -2,10 +2,10 @@
 
 #include "network/events/MediaMovePointEvent.h"
 #include "network/events/ScreenPartMovePointEvent.h"
-#include "tests/support/ThreadTime.h"
 
 #include <QRandomGenerator>
 
+#include <ctime>
 #include <limits>
 
 using namespace MeshpadTest;
@@ -143,7 +143,7 @@ private slots:
 
     void itemOfAnySizeIsDrawn() {
         QFETCH(QSize, size);
-        const ThreadTime work;
+        const std::clock_t start = std::clock(); // not the wall time of a busy machine
         MediaItem item(MediaType::Image, 100, 5, 1, size.width(), size.height(), false, "Turned",
                        scene->configuration, nullptr);
         scene->canvas->onMediaItemAdded(1, 100, 5, size.width(), size.height(), 30, "Turned");
@@ -159,7 +159,7 @@ private slots:
         play("key R; key Ctrl+A; key Left");
         scene->view->grabFramebuffer();
         scene->canvas->onSelectedItem(nullptr);
-        QVERIFY2(work.elapsed() < 2s, qPrintable(QString::number(work.elapsed().count())));
+        QVERIFY(std::clock() - start < 2 * CLOCKS_PER_SEC);
     }
 
     void randomGesturesLoseNothing_data() {

@@ -44,21 +44,15 @@ SceneRig::~SceneRig() {
 
 void SceneRig::deform(const Item& item, int deformation, int rows, int columns) {
     const auto type = LV_NTC_DeformationType(deformation - 1);
-    switch (item.elementType()) {
-    case LV_NTC_ElementType::Screen:
-        canvas->onScreenDeformationMode(type, kScreen, "Screen", rows, columns, false);
-        break;
-    case LV_NTC_ElementType::ScreenPart:
-        canvas->onScreenPartDeformationMode(type, kScreen, kPart, "Part", rows, columns, false);
-        break;
-    case LV_NTC_ElementType::Texture:
-        canvas->onTextureDeformationMode(item.elementType(), type, kTextureCue, 6, "Texture", rows,
-                                         columns, false);
-        break;
-    default:
-        canvas->onMediaDeformationMode(item.elementType(), type, kMediaCue, 5, "Media", rows,
-                                       columns, false);
-    }
+    const auto [kind, id, subId] = item.key();
+    if (&item == &screen)
+        canvas->onScreenDeformationMode(type, id, "", rows, columns, false);
+    else if (&item == &part)
+        canvas->onScreenPartDeformationMode(type, id, subId, "", rows, columns, false);
+    else if (&item == &texture)
+        canvas->onTextureDeformationMode(kind, type, id, subId, "", rows, columns, false);
+    else
+        canvas->onMediaDeformationMode(kind, type, id, subId, "", rows, columns, false);
 }
 
 void SceneRig::select(Item& item, int deformation, int rows, int columns) {

@@ -6,7 +6,7 @@
 #include <QTest>
 #include <QWheelEvent>
 
-#include <cstdlib>
+#include <tuple>
 
 namespace MeshpadTest {
 
@@ -32,26 +32,21 @@ QList<int> SceneView::selectedPoints() const {
 }
 
 QString SceneView::faultInPicture(int point) const {
-    struct Part {
-        const char* name;
-        QPoint offset;
-        QColor color;
-    };
     const bool isSelected = state(point) != "UNSELECTED";
     const QColor inside = isSelected ? "#b3dffe" : "#323232";
     const QColor border = state(point) == "SELECTED" ? "#004c99" : "#0096ff";
-    const Part parts[] = {{"inside", {0, 6}, inside},     {"inside", {0, -6}, inside},
-                          {"border", {0, 9}, border},     {"border", {-9, 0}, border},
-                          {"ground", {6, 13}, "#303030"}, {"line", {16, 0}, "#dddddd"}};
+    const std::tuple<QString, QPoint, QColor> parts[] = {
+        {"inside", {0, 6}, inside},  {"inside", {0, -6}, inside},    {"border", {0, 9}, border},
+        {"border", {-9, 0}, border}, {"ground", {6, 13}, "#303030"}, {"line", {16, 0}, "#dddddd"}};
     const QImage image = view->grabFramebuffer();
     const double ratio = double(image.width()) / view->width();
-    for (const Part& part : parts) {
-        const QColor seen =
-            image.pixelColor((QPointF(onScreen(point) + part.offset) * ratio).toPoint());
-        if (std::abs(seen.red() - part.color.red()) + std::abs(seen.green() - part.color.green()) +
-                std::abs(seen.blue() - part.color.blue()) >
+    for (const auto& [name, offset, wanted] : parts) {
+        const QPointF position = QPointF(onScreen(point) + offset) * ratio;
+        const QColor seen = image.pixelColor(position.toPoint());
+        if (qAbs(seen.red() - wanted.red()) + qAbs(seen.green() - wanted.green()) +
+                qAbs(seen.blue() - wanted.blue()) >
             60)
-            return part.name + (" is " + seen.name());
+            return name + " is " + seen.name();
     }
     return {};
 }

@@ -20,7 +20,7 @@ const QColor kInnerLine(0x9c, 0xb4, 0xc8);
 const QColor kPulledPoint(0x00, 0x96, 0xff);
 
 /// The position of the point (u, v) of the deformed mesh, 0 to 1.
-QPointF bent(double u, double v) {
+QPointF positionOnMesh(double u, double v) {
     const QPointF topLeft(0.17, 0.25);
     const QPointF topRight(0.81, 0.19);
     const QPointF bottomLeft(0.21, 0.83);
@@ -37,7 +37,8 @@ QPainterPath meshLine(bool horizontal, double position, int size) {
     QPainterPath path;
     for (int i = 0; i <= kPieces; ++i) {
         const double t = static_cast<double>(i) / kPieces;
-        const QPointF point = (horizontal ? bent(t, position) : bent(position, t)) * size;
+        const QPointF point =
+            (horizontal ? positionOnMesh(t, position) : positionOnMesh(position, t)) * size;
         i == 0 ? path.moveTo(point) : path.lineTo(point);
     }
     return path;
@@ -65,10 +66,10 @@ void drawBentMesh(QPainter& painter, int size) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);
     for (const QPointF corner : {QPointF(0, 0), QPointF(0, 1), QPointF(1, 1)})
-        painter.drawEllipse(bent(corner.x(), corner.y()) * size, edge * 1.1, edge * 1.1);
+        painter.drawEllipse(positionOnMesh(corner.x(), corner.y()) * size, edge * 1.1, edge * 1.1);
     painter.setPen(QPen(Qt::white, edge * 0.8));
     painter.setBrush(kPulledPoint);
-    painter.drawEllipse(bent(1, 0) * size, point, point);
+    painter.drawEllipse(positionOnMesh(1, 0) * size, point, point);
 }
 
 /// For sizes at which curves blur: straight lines on whole pixels, and the moved corner.

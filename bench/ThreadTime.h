@@ -6,9 +6,7 @@
 #include <pthread.h>
 #include <time.h>
 
-namespace MeshpadTest {
-
-/// Stopwatch of the processor time of one thread, because the wall time of a test also measures
+/// Stopwatch of the processor time of one thread, because the wall time also measures
 /// what else a busy machine does. Windows counts in steps of about 16 ms.
 class ThreadTime {
 public:
@@ -36,5 +34,3 @@ private:
     clockid_t clock_;
     std::chrono::nanoseconds start_;
 };
-
-} // namespace MeshpadTest
