@@ -135,9 +135,12 @@ void Canvas::onSelectedItem(Item* item) {
 
 void Canvas::notified(QKeyEvent* keyEvent) {
     switch (keyEvent->key()) {
+    case Qt::Key_R:
+        if (keyEvent->isAutoRepeat()) // the copy would not tell the scene
+            break;
+        [[fallthrough]];
     case Qt::Key_Escape:
     case Qt::Key_A:
-    case Qt::Key_R:
     case Qt::Key_Left:
     case Qt::Key_Up:
     case Qt::Key_Right:

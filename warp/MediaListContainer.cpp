@@ -84,7 +84,8 @@ void MediaListContainer::scheduleSearch() {
 
 void MediaListContainer::notified(QKeyEvent* keyEvent) {
     if (keyEvent->key() == Qt::Key_T) {
-        screenCheckBox_->toggle();
+        if (!keyEvent->isAutoRepeat()) // a held key would make the list flicker
+            screenCheckBox_->toggle();
         keyEvent->accept();
     }
 }

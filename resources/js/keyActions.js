@@ -62,7 +62,10 @@ STEPS[CONTROL] = 10;
 var KEYS = {};
 KEYS[Qt.Key_Control] = scene => { scene.ctrlPressed = true; };
 KEYS[Qt.Key_Space] = KEYS[Qt.Key_P] = KEYS[Qt.Key_M] = forwardKey;
-KEYS[Qt.Key_R] = (scene, event) => View.rotateView(scene, event.modifiers & CONTROL ? -90 : 90);
+KEYS[Qt.Key_R] = (scene, event) => {
+    if (!event.isAutoRepeat) // a held key would make the view spin
+        View.rotateView(scene, event.modifiers & CONTROL ? -90 : 90);
+};
 KEYS[Qt.Key_A] = (scene, event) => event.modifiers & CONTROL && withDeformer(scene, it => it.selectAllPoints());
 KEYS[Qt.Key_Escape] = scene => withDeformer(scene, it => it.unselectAllPoints());
 for (const arrow in ARROWS)

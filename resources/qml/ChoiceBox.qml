@@ -38,7 +38,10 @@ Rectangle {
     onVisibleChanged: close()
     Keys.onUpPressed: step(-1)
     Keys.onDownPressed: step(1)
-    Keys.onSpacePressed: list.visible = !list.visible
+    Keys.onSpacePressed: event => {
+        if (!event.isAutoRepeat)
+            list.visible = !list.visible;
+    }
     Keys.onPressed: event => {
         const leaves = event.key === Qt.Key_Escape || event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
         if (isOpen && leaves) {

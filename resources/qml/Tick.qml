@@ -17,7 +17,10 @@ Item {
     Accessible.checkable: true
     Accessible.checked: checked
     Accessible.onToggleAction: checked = !checked
-    Keys.onSpacePressed: checked = !checked
+    Keys.onSpacePressed: event => {
+        if (!event.isAutoRepeat)
+            checked = !checked;
+    }
 
     Rectangle {
         id: square
