@@ -164,6 +164,11 @@ void Canvas::notifyKeyEventFromQml(int type, int key, int modifiers, const QStri
     emit keyEvent(&event);
 }
 
+bool Canvas::isDialogOpen() const {
+    const QQuickItem* scene = quickWidget_->rootObject(); // null if the document has errors
+    return scene != nullptr && scene->property("isDialogOpen").toBool();
+}
+
 // From the Producer to the scene
 
 void Canvas::receive(Event* event) {

@@ -92,6 +92,9 @@ public:
     Q_INVOKABLE void notifyKeyEventFromQml(int type, int key, int modifiers, const QString& text,
                                            bool autorep, int count);
 
+    /// Whether a dialog of the scene covers the mesh.
+    bool isDialogOpen() const;
+
 signals:
     void currentItemChanged(int itemType, int itemId, int subItemId);
     void screenMode(int screenId, int modeType);

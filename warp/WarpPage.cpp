@@ -21,7 +21,10 @@ WarpPage::WarpPage(const Configuration& configuration, QWidget* parent, const Ti
     connect(this, &WarpPage::rightAxisMoved, canvas_, &Canvas::onRightAxisMoved);
     connect(this, &WarpPage::pressure, canvas_, &Canvas::onPressure);
     connect(this, &WarpPage::action, canvas_, &Canvas::onAction);
-    connect(this, &WarpPage::action, mediaListContainer_, &MediaListContainer::onAction);
+    connect(this, &WarpPage::action, this, [this](Action value) {
+        if (!canvas_->isDialogOpen()) // a dialog is about the item that the list would leave
+            mediaListContainer_->onAction(value);
+    });
 }
 
 void WarpPage::initMediaList() {

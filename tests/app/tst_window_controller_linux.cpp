@@ -67,6 +67,16 @@ private slots:
         QCOMPARE(requests().back()->callerId(), kDataIndex);
     }
 
+    void listIgnoresActionsUnderDialog() {
+        QSignalSpy actions(rig_->find<WarpPage>(), &WarpPage::action);
+        rig_->evaluate("rotationDialog.open()");
+        rig_->producer.forget();
+        press(kBottom);
+        QTRY_COMPARE(actions.size(), 1);
+        rig_->settle();
+        QVERIFY(rig_->producer.eventsOf<ItemDataEvent>().empty());
+    }
+
     void controllerPauses_data() {
         QTest::addColumn<bool>("lost");
         QTest::newRow("inactive window") << false;
