@@ -63,6 +63,9 @@ public:
 
     virtual ControllerResult setDataFormat() = 0;
 
+    /// Whether Rx and Ry are known to be a stick. Some devices report their triggers there.
+    virtual bool isRightStickCertain() const { return false; }
+
     /// Returns NoSuchInput if the device lacks the axis; so does setDeadZone().
     virtual ControllerResult range(std::uint32_t axisOffset, AnalogRange& range) = 0;
 

@@ -1,3 +1,4 @@
+#include "input/controller_layout.h"
 #include "input/controller_system.h"
 
 #include <QDebug>
@@ -15,59 +16,11 @@ namespace {
 
 constexpr AnalogRange kAxisRange{0, 65535};
 constexpr std::uint32_t kFullDeadZone = 10000;
-constexpr std::size_t kSixAxes = 6;
-constexpr Sint16 kLowEnd = -32000; // positions up to here count as the low end
-constexpr std::uint32_t kFirstUnmappedAxis = 24;
-constexpr std::uint32_t kNoAxis = 0xFFFFFFFF;
-// The capacity of the standard joystick state; further inputs of a device are ignored.
-constexpr int kMaxAxes = 8;
-constexpr int kMaxHats = 4;
-constexpr int kMaxButtons = 32;
 constexpr int kRetries = 5;
 constexpr std::chrono::milliseconds kCheckPeriod{1000};
 constexpr int kEventsPerCall = 64;
 
-/// The offsets of SDL's axes, guessed from their number. Linux numbers the axes of a pad in the
-/// order of their codes: left stick, left trigger, right stick, right trigger. A pad with four axes
-/// has two sticks and no analog trigger; with three or five axes, one axis combines both triggers.
-///
-/// Some drivers order six axes differently. Released triggers are at their low end and released
-/// sticks in the middle, so `resting`, the axes that are at their low end now, shows the order.
-std::vector<std::uint32_t> standardAxes(int count, const std::array<bool, kSixAxes>& resting) {
-    using namespace ControllerOffset;
-    if (count >= static_cast<int>(kSixAxes) &&
-        std::count(resting.begin() + 2, resting.end(), true) == 2) {
-        std::vector<std::uint32_t> axes{kX, kY};
-        // Drivers that put both triggers at the end put the right one first.
-        const bool rightFirst = resting[4] && resting[5];
-        std::vector<std::uint32_t> triggers{rightFirst ? kRz : kZ, rightFirst ? kZ : kRz};
-        std::vector<std::uint32_t> stick{kRx, kRy};
-        for (std::size_t i = 2; i < resting.size(); ++i) {
-            std::vector<std::uint32_t>& next = resting[i] ? triggers : stick;
-            axes.push_back(next.front());
-            next.erase(next.begin());
-        }
-        return axes;
-    }
-    switch (count) {
-    case 0:
-        return {};
-    case 1:
-        return {kX};
-    case 2:
-        return {kX, kY};
-    case 3:
-        return {kX, kY, kZ};
-    case 4:
-        return {kX, kY, kRx, kRy};
-    case 5:
-        return {kX, kY, kZ, kRx, kRy};
-    default:
-        return {kX, kY, kZ, kRx, kRy, kRz};
-    }
-}
-
-std::uint32_t hundredthsOfDegree(Uint8 hat) {
+std::uint32_t hundredthsOfDegree(int hat) {
     switch (hat) {
     case SDL_HAT_UP:
         return 0;
@@ -92,10 +45,10 @@ std::uint32_t hundredthsOfDegree(Uint8 hat) {
 
 /// The position as DirectInput reports it: the centre inside the dead zone. The rest of the way is
 /// stretched over the whole range, so that positions do not jump at the edge of the zone.
-std::uint32_t positionOf(Sint16 value, std::uint32_t deadZone) {
+std::uint32_t positionOf(int value, std::uint32_t deadZone) {
     // Twice the distance from the centre, because the centre lies between two positions.
     constexpr int kFull = 65535;
-    const int distance = 2 * int{value} + 1;
+    const int distance = 2 * value + 1;
     const int zone = static_cast<int>(std::int64_t{kFull} * deadZone / kFullDeadZone);
     const int beyond = std::abs(distance) - zone;
     if (beyond <= 0 || zone >= kFull)
@@ -109,30 +62,47 @@ struct JoystickCloser {
 };
 using JoystickPointer = std::unique_ptr<SDL_Joystick, JoystickCloser>;
 
+ControllerLayout::Inputs inputsOf(SDL_Joystick* joystick) {
+    ControllerLayout::Inputs inputs;
+    for (int i = 0; i < SDL_JoystickNumAxes(joystick); ++i)
+        inputs.axes.push_back(SDL_JoystickGetAxis(joystick, i));
+    for (int i = 0; i < SDL_JoystickNumHats(joystick); ++i)
+        inputs.hats.push_back(SDL_JoystickGetHat(joystick, i));
+    for (int i = 0; i < SDL_JoystickNumButtons(joystick); ++i)
+        inputs.buttons.push_back(SDL_JoystickGetButton(joystick, i));
+    return inputs;
+}
+
+/// The layout that SDL's table knows for the device, or one by the order of its inputs.
+ControllerLayout layoutOf(SDL_Joystick* joystick, bool& isKnown) {
+    char* mapping = SDL_GameControllerMappingForGUID(SDL_JoystickGetGUID(joystick));
+    const auto known = mapping ? ControllerLayout::ofMapping(mapping) : std::nullopt;
+    SDL_free(mapping);
+    isKnown = known.has_value();
+    if (known)
+        return *known;
+    SDL_JoystickUpdate();
+    return ControllerLayout::ofUnknown(SDL_JoystickNumButtons(joystick),
+                                       SDL_JoystickNumHats(joystick), inputsOf(joystick).axes);
+}
+
 class SdlControllerDevice : public ControllerDevice {
 public:
     explicit SdlControllerDevice(JoystickPointer joystick)
         : joystick_(std::move(joystick)), id_(SDL_JoystickInstanceID(joystick_.get())) {}
 
     ControllerResult setDataFormat() override {
-        const int count = SDL_JoystickNumAxes(joystick_.get());
-        SDL_JoystickUpdate();
-        std::array<bool, kSixAxes> resting{};
-        for (std::size_t i = 0; i < resting.size(); ++i)
-            resting[i] = SDL_JoystickGetAxis(joystick_.get(), static_cast<int>(i)) <= kLowEnd;
-        const std::vector<std::uint32_t> standard = standardAxes(count, resting);
-        axes_.clear();
-        for (int i = 0; i < std::min(count, kMaxAxes); ++i) {
-            const auto index = static_cast<std::size_t>(i);
-            const std::uint32_t extra =
-                kFirstUnmappedAxis + 4 * static_cast<std::uint32_t>(i - static_cast<int>(kSixAxes));
-            axes_.push_back({index < standard.size() ? standard[index] : extra, 0, 0});
-        }
+        layout_ = layoutOf(joystick_.get(), isLayoutKnown_);
+        outputs_.clear();
+        for (const std::uint32_t offset : layout_.offsets())
+            outputs_.push_back({offset, 0, 0});
         return ControllerResult::Ok;
     }
 
+    bool isRightStickCertain() const override { return isLayoutKnown_; }
+
     ControllerResult range(std::uint32_t axisOffset, AnalogRange& range) override {
-        if (!findAxis(axisOffset))
+        if (!findOutput(axisOffset))
             return ControllerResult::NoSuchInput;
         range = kAxisRange;
         return ControllerResult::Ok;
@@ -144,7 +114,7 @@ public:
     }
 
     ControllerResult setDeadZone(std::uint32_t axisOffset, std::uint32_t size) override {
-        Axis* axis = findAxis(axisOffset);
+        Output* axis = findOutput(axisOffset);
         if (!axis)
             return ControllerResult::NoSuchInput;
         axis->deadZone = size;
@@ -155,8 +125,9 @@ public:
         if (!SDL_JoystickGetAttached(joystick_.get()))
             return ControllerResult::Failed;
         SDL_JoystickUpdate();
-        for (std::size_t i = 0; i < axes_.size(); ++i)
-            axes_[i].position = currentPosition(i);
+        inputs_ = inputsOf(joystick_.get());
+        for (Output& output : outputs_)
+            output.data = dataOf(output, inputs_);
         records_.clear();
         overflowed_ = false;
         acquired_ = true;
@@ -183,15 +154,16 @@ public:
         if (!acquired_)
             return ControllerResult::NotAcquired;
         state = {};
-        for (std::size_t i = 0; i < axes_.size(); ++i) {
-            const std::size_t place = axes_[i].offset / 4;
-            if (place < state.axes.size())
-                state.axes[place] = static_cast<std::int32_t>(currentPosition(i));
+        const ControllerLayout::Inputs inputs = inputsOf(joystick_.get());
+        for (const Output& output : outputs_) {
+            const std::uint32_t data = dataOf(output, inputs);
+            if (output.offset / 4 < state.axes.size())
+                state.axes[output.offset / 4] = static_cast<std::int32_t>(data);
+            else if (output.offset == ControllerOffset::kHat)
+                state.hat = data;
+            else if (output.offset >= ControllerOffset::kButton0)
+                state.buttons[output.offset - ControllerOffset::kButton0] = data != 0;
         }
-        if (SDL_JoystickNumHats(joystick_.get()) > 0)
-            state.hat = hundredthsOfDegree(SDL_JoystickGetHat(joystick_.get(), 0));
-        for (std::size_t i = 0; i < state.buttons.size(); ++i)
-            state.buttons[i] = SDL_JoystickGetButton(joystick_.get(), static_cast<int>(i)) != 0;
         return ControllerResult::Ok;
     }
 
@@ -206,21 +178,29 @@ public:
     }
 
 private:
-    struct Axis {
-        std::uint32_t offset = kNoAxis;
+    using InputKind = ControllerLayout::InputKind;
+
+    /// An input of the standard state.
+    struct Output {
+        std::uint32_t offset = 0;
         std::uint32_t deadZone = 0;
-        std::uint32_t position = 0; ///< last recorded
+        std::uint32_t data = 0; ///< last recorded
     };
 
-    Axis* findAxis(std::uint32_t offset) {
-        const auto found = std::find_if(axes_.begin(), axes_.end(),
-                                        [&](const Axis& axis) { return axis.offset == offset; });
-        return found == axes_.end() ? nullptr : &*found;
+    Output* findOutput(std::uint32_t offset) {
+        const auto found =
+            std::find_if(outputs_.begin(), outputs_.end(),
+                         [&](const Output& output) { return output.offset == offset; });
+        return found == outputs_.end() ? nullptr : &*found;
     }
 
-    std::uint32_t currentPosition(std::size_t axis) const {
-        return positionOf(SDL_JoystickGetAxis(joystick_.get(), static_cast<int>(axis)),
-                          axes_[axis].deadZone);
+    std::uint32_t dataOf(const Output& output, const ControllerLayout::Inputs& inputs) const {
+        const int position = layout_.position(output.offset, inputs);
+        if (output.offset < ControllerOffset::kHat)
+            return positionOf(position, output.deadZone);
+        if (output.offset < ControllerOffset::kButton0)
+            return hundredthsOfDegree(position);
+        return position != 0 ? kButtonDown : 0;
     }
 
     void recordPendingEvents() {
@@ -237,50 +217,57 @@ private:
     void recordEvent(const SDL_Event& event) {
         switch (event.type) {
         case SDL_JOYAXISMOTION:
-            if (event.jaxis.which == id_ && event.jaxis.axis < axes_.size())
-                recordAxis(axes_[event.jaxis.axis], event.jaxis.value);
+            if (event.jaxis.which == id_)
+                recordInput(InputKind::Axis, inputs_.axes, event.jaxis.axis, event.jaxis.value);
             break;
         case SDL_JOYHATMOTION:
-            if (event.jhat.which == id_ && event.jhat.hat < kMaxHats)
-                record({ControllerOffset::kHat + 4U * event.jhat.hat,
-                        hundredthsOfDegree(event.jhat.value)});
+            if (event.jhat.which == id_)
+                recordInput(InputKind::Hat, inputs_.hats, event.jhat.hat, event.jhat.value);
             break;
         case SDL_JOYBUTTONDOWN:
         case SDL_JOYBUTTONUP:
-            if (event.jbutton.which == id_ && event.jbutton.button < kMaxButtons)
-                record({ControllerOffset::button(event.jbutton.button),
-                        event.jbutton.state == SDL_PRESSED ? kButtonDown : 0});
+            if (event.jbutton.which == id_)
+                recordInput(InputKind::Button, inputs_.buttons, event.jbutton.button,
+                            event.jbutton.state);
             break;
         default:
             break;
         }
     }
 
-    void recordAxis(Axis& axis, Sint16 value) {
-        const std::uint32_t position = positionOf(value, axis.deadZone);
-        if (std::exchange(axis.position, position) == position)
+    void recordInput(InputKind kind, std::vector<int>& positions, std::size_t index, int position) {
+        if (index >= positions.size())
+            return;
+        positions[index] = position;
+        for (const ControllerLayout::Binding& binding : layout_.bindings())
+            if (binding.kind == kind && binding.index == static_cast<int>(index))
+                recordOutput(*findOutput(binding.offset));
+    }
+
+    void recordOutput(Output& output) {
+        const std::uint32_t data = dataOf(output, inputs_);
+        if (std::exchange(output.data, data) == data)
             return;
         // Keeps one record per axis, because a pad that reports 1,000 times a second would fill
         // the buffer.
         const auto same =
-            std::find_if(records_.begin(), records_.end(),
-                         [&](const ControllerRecord& old) { return old.offset == axis.offset; });
+            std::find_if(records_.begin(), records_.end(), [&](const ControllerRecord& old) {
+                return old.offset == output.offset && output.offset < ControllerOffset::kHat;
+            });
         if (same != records_.end())
-            same->data = position;
-        else
-            record({axis.offset, position});
-    }
-
-    void record(const ControllerRecord& change) {
-        if (records_.size() < bufferSize_)
-            records_.push_back(change);
+            same->data = data;
+        else if (records_.size() < bufferSize_)
+            records_.push_back({output.offset, data});
         else
             overflowed_ = true;
     }
 
     JoystickPointer joystick_;
     SDL_JoystickID id_;
-    std::vector<Axis> axes_; ///< in SDL's order
+    ControllerLayout layout_;
+    bool isLayoutKnown_ = false;
+    std::vector<Output> outputs_;
+    ControllerLayout::Inputs inputs_; ///< after the events that have been recorded
     std::size_t bufferSize_ = 0;
     std::vector<ControllerRecord> records_;
     bool overflowed_ = false;
@@ -300,6 +287,8 @@ public:
         SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
         // SDL's own drivers number the inputs of some pads differently from the system's drivers.
         SDL_SetHint(SDL_HINT_JOYSTICK_HIDAPI, "0");
+        // SDL's table then names buttons by their positions, not by the letters printed on them.
+        SDL_SetHint(SDL_HINT_GAMECONTROLLER_USE_BUTTON_LABELS, "0");
         opened_ = SDL_InitSubSystem(SDL_INIT_JOYSTICK) == 0;
         return opened_ ? OpenResult::Ok : OpenResult::NoInterface;
     }

@@ -73,6 +73,16 @@ std::optional<GamepadButton> getButtonFromDirectInputPOV(std::uint32_t value) {
     return std::nullopt;
 }
 
+bool isInMiddleThird(std::uint32_t position, const AnalogRange& range) {
+    const std::int64_t width = std::int64_t{range.max} - range.min;
+    const std::int64_t fromMin = std::int64_t{static_cast<std::int32_t>(position)} - range.min;
+    return 3 * fromMin > width && 3 * fromMin < 2 * width;
+}
+
+std::uint32_t endOf(const AnalogRange& range, bool atMax) {
+    return static_cast<std::uint32_t>(atMax ? range.max : range.min);
+}
+
 unsigned long printable(std::uint32_t value) {
     return value;
 }
@@ -82,8 +92,9 @@ unsigned long printable(std::uint32_t value) {
 GamepadInputManager::GamepadInputManager(QObject* parent)
     : GamepadInputManager(ControllerSystem::create(), parent) {}
 
-GamepadInputManager::GamepadInputManager(std::unique_ptr<ControllerSystem> system, QObject* parent)
-    : QObject(parent), system_(std::move(system)) {
+GamepadInputManager::GamepadInputManager(std::unique_ptr<ControllerSystem> system, QObject* parent,
+                                         RightStickTimes times)
+    : QObject(parent), system_(std::move(system)), times_(times) {
     switch (system_->open()) {
     case ControllerSystem::OpenResult::Ok:
         break;
@@ -254,6 +265,7 @@ void GamepadInputManager::readDeviceDataAndUpdate() {
     }
     if (state_ == State::OutOfSync)
         initGamepadState();
+    recogniseRightAxes();
     if (isInSync() && processRecords() && isInSync())
         reportMovement();
 }
@@ -312,9 +324,14 @@ void GamepadInputManager::initGamepadState() {
     setState(State::InSync);
     if (!succeeded(result))
         return;
-    for (std::size_t i = 0; i < kAxisCount; ++i)
+    for (std::size_t i = 0; i < kAxisCount; ++i) {
+        const auto position = static_cast<std::uint32_t>(state.axes[i]);
+        if (!hasReported_)
+            axes_[i].releasedAtMax = position == endOf(axes_[i].range, true);
+        setPosition(axes_[i], position);
         if (axes_[i].present && axes_[i].reported)
-            updateAxis(static_cast<AxisIndex>(i), static_cast<std::uint32_t>(state.axes[i]));
+            updateAxis(static_cast<AxisIndex>(i));
+    }
     for (std::size_t i = 0; i < kMappedButtons && isInSync(); ++i)
         updateButton(i, state.buttons[i]);
     if (isInSync())
@@ -323,12 +340,15 @@ void GamepadInputManager::initGamepadState() {
 
 void GamepadInputManager::processRecord(const ControllerRecord& record) {
     using namespace ControllerOffset;
+    if (!std::exchange(hasReported_, true))
+        readAxes(Rx, Ry);
     if (const auto axis = axisAt(record.offset)) {
         const bool triggersReported = axes_[Z].reported;
         markReported(*axis);
         if (axes_[Z].reported != triggersReported)
-            readTriggers();
-        updateAxis(*axis, record.data);
+            readAxes(Z, Rz);
+        setPosition(axes_[*axis], record.data);
+        updateAxis(*axis);
     } else if (record.offset == kHat) {
         updateHat(record.data);
     } else if (record.offset >= kButton0 && record.offset < button(kMappedButtons)) {
@@ -358,26 +378,81 @@ void GamepadInputManager::markReported(AxisIndex axis) {
         axes_[Z].reported = axes_[Rz].reported = true;
 }
 
-void GamepadInputManager::readTriggers() {
+/// Takes the positions of two axes from the device's state if it has both.
+void GamepadInputManager::readAxes(AxisIndex first, AxisIndex second) {
     ControllerState state;
-    if (!axes_[Z].present || !axes_[Rz].present ||
+    if (!axes_[first].present || !axes_[second].present ||
         !succeeded(recordInputLost(device_->state(state))))
         return;
-    for (const AxisIndex trigger : {Z, Rz})
-        updateAxis(trigger, static_cast<std::uint32_t>(state.axes[trigger]));
+    for (const AxisIndex axis : {first, second}) {
+        setPosition(axes_[axis], static_cast<std::uint32_t>(state.axes[axis]));
+        if (axes_[axis].reported)
+            updateAxis(axis);
+    }
 }
 
-void GamepadInputManager::updateAxis(AxisIndex axis, std::uint32_t data) {
+void GamepadInputManager::setPosition(Axis& axis, std::uint32_t position) {
+    axis.position = position;
+    axis.restingSince = std::chrono::steady_clock::now();
+}
+
+/// Decides by its rest whether a new device reports its right stick or its triggers as Rx and Ry.
+/// A device that has not sent anything may not know its positions, and a trigger that is held at
+/// its other end is not released there.
+void GamepadInputManager::recogniseRightAxes() {
+    for (const AxisIndex index : {Rx, Ry}) {
+        Axis& axis = axes_[index];
+        if (!axis.present || axis.use != Use::Unknown)
+            continue;
+        const auto rested = std::chrono::steady_clock::now() - axis.restingSince;
+        if (isInMiddleThird(axis.position, axis.range) && rested >= times_.stick)
+            axis.use = Use::Stick;
+        else if (axis.position == endOf(axis.range, axis.releasedAtMax) &&
+                 rested >= times_.trigger && hasReported_ && !device_->isRightStickCertain())
+            axis.use = Use::Trigger;
+        if (axis.reported)
+            updateAxis(index);
+    }
+}
+
+/// Computes the value of an axis from its position.
+void GamepadInputManager::updateAxis(AxisIndex axis) {
     const AxisTraits& traits = kAxisTraits[axis];
     Axis& current = axes_[axis];
-    const float before = current.value;
-    current.value = remapAnalogValue(data, current.range, traits.outMin, traits.outMax);
-    if (before == 0 || current.value != 0)
+    const float before = stickValue(axis);
+    if ((axis != Rx && axis != Ry) || current.use == Use::Stick)
+        current.value =
+            remapAnalogValue(current.position, current.range, traits.outMin, traits.outMax);
+    else if (current.use == Use::Trigger)
+        current.value = axis == Rx ? pull(current) : -pull(current);
+    if (before == 0 || stickValue(axis) != 0)
         return;
     if (axis == X || axis == Y)
         leftStickCentred_ = true;
     else if (axis == Rx || axis == Ry)
         rightStickCentred_ = true;
+}
+
+/// 0 for a released trigger to 1.
+float GamepadInputManager::pull(const Axis& trigger) {
+    const float position = remapAnalogValue(trigger.position, trigger.range, 0, 1);
+    return trigger.releasedAtMax ? 1 - position : position;
+}
+
+float GamepadInputManager::stickValue(AxisIndex axis) const {
+    const bool isStick = (axis != Rx && axis != Ry) || axes_[axis].use == Use::Stick;
+    return isStick ? axes_[axis].value : 0;
+}
+
+/// Z and Rz are one axis each for the two triggers, or Z alone is one axis for both.
+float GamepadInputManager::triggerPressure() const {
+    float sum = axes_[Z].value + axes_[Rz].value;
+    if (axes_[Z].present && axes_[Rz].present)
+        sum /= 2;
+    for (const AxisIndex axis : {Rx, Ry})
+        if (axes_[axis].use == Use::Trigger)
+            sum += axes_[axis].value;
+    return std::clamp(sum, -1.0F, 1.0F);
 }
 
 void GamepadInputManager::updateHat(std::uint32_t data) {
@@ -410,10 +485,11 @@ void GamepadInputManager::reportMovement() {
     const bool rightCentred = std::exchange(rightStickCentred_, false);
     if (axes_[X].value != 0 || axes_[Y].value != 0 || leftCentred)
         emit leftAxisMoved(axes_[X].value, axes_[Y].value);
-    if (axes_[Rx].value != 0 || axes_[Ry].value != 0 || rightCentred)
-        emit rightAxisMoved(axes_[Rx].value, axes_[Ry].value);
-    const float triggers = axes_[Z].value + axes_[Rz].value;
-    if (triggers != 0)
+    const float rightX = stickValue(Rx);
+    const float rightY = stickValue(Ry);
+    if (rightX != 0 || rightY != 0 || rightCentred)
+        emit rightAxisMoved(rightX, rightY);
+    if (const float triggers = triggerPressure(); triggers != 0)
         emit pressure(triggers);
 }
 
@@ -424,13 +500,13 @@ void GamepadInputManager::releaseAll() {
         updateButton(i, false);
     updateHat(ControllerDevice::kHatCentred);
     centreSticks();
-    for (Axis& axis : axes_)
-        axis.reported = false;
+    axes_ = {};
+    hasReported_ = false;
 }
 
 void GamepadInputManager::centreSticks() {
     leftStickCentred_ = axes_[X].value != 0 || axes_[Y].value != 0;
-    rightStickCentred_ = axes_[Rx].value != 0 || axes_[Ry].value != 0;
+    rightStickCentred_ = stickValue(Rx) != 0 || stickValue(Ry) != 0;
     for (Axis& axis : axes_)
         axis.value = 0;
     reportMovement();

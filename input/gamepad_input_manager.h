@@ -8,8 +8,15 @@
 #include <QObject>
 
 #include <array>
+#include <chrono>
 #include <memory>
 #include <optional>
+
+/// How long the axis Rx or Ry of a new device must rest before its use is known.
+struct RightStickTimes {
+    std::chrono::milliseconds stick{100};    ///< in the middle third of its range
+    std::chrono::milliseconds trigger{2000}; ///< exactly at its end
+};
 
 /// Finds one controller, reads it every 16 ms while the application has the focus and emits signals
 /// for its buttons, sticks and triggers. GUI thread only.
@@ -21,9 +28,9 @@ public:
     /// that the application has the focus until onFocusLost().
     explicit GamepadInputManager(QObject* parent = nullptr);
 
-    /// The same with another source of controllers, for tests.
+    /// The same with another source of controllers and other times, for tests.
     explicit GamepadInputManager(std::unique_ptr<ControllerSystem> system,
-                                 QObject* parent = nullptr);
+                                 QObject* parent = nullptr, RightStickTimes times = {});
     ~GamepadInputManager() override;
 
     bool isGamepadConnected() const { return device_ != nullptr; } // API
@@ -40,12 +47,13 @@ public slots:
 
 signals:
     /// Stick positions, -1..1 to the right and downwards. Emitted on every poll while the stick is
-    /// off its centre, and once with zeros when it has returned.
+    /// off its centre, and once with zeros when it has returned. Some devices report triggers as Rx
+    /// and Ry, so these axes count as centred until they have rested in the middle.
     void leftAxisMoved(float x, float y);
     void rightAxisMoved(float x, float y);
 
-    /// The sum of both triggers; the left one counts up, the right one down. Emitted on every poll
-    /// while the sum is not 0.
+    /// Both triggers together, -1..1; the left one counts up, the right one down. Emitted on every
+    /// poll while it is not 0.
     void pressure(float value);
 
     void buttonPressed(GamepadButton button);
@@ -69,12 +77,21 @@ private:
         InputLost  ///< acquires the device again
     };
 
+    /// What Rx or Ry is used for. Unknown ones count as centred.
+    enum class Use { Unknown, Stick, Trigger };
+
     /// One axis of the device in use.
     struct Axis {
         bool present = false;
         bool reported = false; ///< the device has sent a record of it
         AnalogRange range;
-        float value = 0; ///< after remapping
+        float value = 0; ///< after remapping; of a trigger, its part of the pressure
+        // Rx and Ry only:
+        Use use = Use::Unknown;
+        std::uint32_t position = 0;
+        std::chrono::steady_clock::time_point restingSince = // never, while the position is unknown
+            std::chrono::steady_clock::time_point::max();
+        bool releasedAtMax = false; ///< where it rests if it is a trigger
     };
 
     void discoverAvailableDevices();
@@ -95,8 +112,13 @@ private:
     void processRecord(const ControllerRecord& record);
     static std::optional<AxisIndex> axisAt(std::uint32_t offset);
     void markReported(AxisIndex axis);
-    void readTriggers();
-    void updateAxis(AxisIndex axis, std::uint32_t data);
+    void readAxes(AxisIndex first, AxisIndex second);
+    void recogniseRightAxes();
+    static float pull(const Axis& trigger);
+    float stickValue(AxisIndex axis) const;
+    float triggerPressure() const;
+    static void setPosition(Axis& axis, std::uint32_t position);
+    void updateAxis(AxisIndex axis);
     void updateHat(std::uint32_t data);
     void updateButton(std::size_t index, bool down);
     void reportMovement();
@@ -110,7 +132,9 @@ private:
     int timerId_ = kNoTimer; ///< polls the device
     QBasicTimer checkTimer_; ///< checks for a new controller
 
+    RightStickTimes times_;
     std::array<Axis, kAxisCount> axes_;
+    bool hasReported_ = false;       ///< the device has sent a record, so its positions are known
     bool leftStickCentred_ = false;  ///< returned to 0 since the last reportMovement()
     bool rightStickCentred_ = false; ///< returned to 0 since the last reportMovement()
     std::array<bool, kMappedButtons> heldButtons_{};

@@ -54,8 +54,8 @@ private slots:
             "press 4, release 4, press 5, release 5, press 6, release 6, press 7");
         row("left stick", "axis 0 32767\naxis 1 32767\n", "left 1 0, left 1 1");
         row("right stick", "axis 3 32767\naxis 4 -32768\n", "right 1 0, right 1 -1");
-        row("left trigger", "axis 2 32767\n", "pressure 2");
-        row("right trigger", "axis 5 32767\n", "pressure -2");
+        row("left trigger", "axis 2 32767\n", "pressure 1");
+        row("right trigger", "axis 5 32767\n", "pressure -1");
         row("inside the dead zones", "axis 0 5600\naxis 4 -5600\nbutton 0 1\n", "press 0");
         row("outside the dead zone", "axis 0 19251\n", "left 0.5 0");
     }
@@ -99,7 +99,8 @@ private:
         if (!commands_.isOpen())
             QSKIP("No virtual controller");
         if (!manager_) {
-            manager_ = std::make_unique<GamepadInputManager>();
+            manager_ = std::make_unique<GamepadInputManager>(
+                ControllerSystem::create(), nullptr, RightStickTimes{std::chrono::milliseconds(0)});
             log_ = std::make_unique<InputLog>(*manager_, true);
         }
         command("plug\n");

@@ -46,6 +46,23 @@ private slots:
         QTEST(feed(records), "expected");
     }
 
+    void takesRightAxisThatRestsAtItsEndForTrigger_data() {
+        QTest::addColumn<int>("restTime"); // ms
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("at rest") << 0 << "; ; right 1 0, pressure -1; right 0 0";
+        QTest::newRow("not yet") << 3'600'000 << "; ; ; ";
+    }
+
+    void takesRightAxisThatRestsAtItsEndForTrigger() {
+        QFETCH(const int, restTime);
+        pad_->state.axes[4] = 0;
+        start(restTime);
+        QStringList events{feed({{kRy, 65535}})}; // a trigger that is held
+        events << feed({{kRy, 0}}) << feed({{kRy, 65535}, {kRx, 65535}})
+               << feed({{kRy, 0}, {kRx, 32768}});
+        QTEST(events.join("; "), "expected");
+    }
+
     void skipsBrokenControllers() {
         pad_->results = {{"create", Failed}};
         const auto busy = system_->plugIn("Busy");
@@ -127,8 +144,10 @@ private:
     }
     void tearDown() override { manager_.reset(); }
 
-    void start() {
-        manager_ = std::make_unique<GamepadInputManager>(std::move(created_));
+    void start(int restTime = 0) {
+        const std::chrono::milliseconds time(restTime);
+        manager_ = std::make_unique<GamepadInputManager>(std::move(created_), nullptr,
+                                                         RightStickTimes{time, time});
         log_ = std::make_unique<InputLog>(*manager_);
     }
     /// The signals of the next poll, which reads these records.

@@ -1,15 +1,21 @@
+#include "input/controller_layout.h"
 #include "tests/input/InputLog.h"
 #include "tests/support/GuardedTest.h"
 #include "tests/support/VirtualPad.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
+#include <cstring>
 #include <optional>
+#include <set>
 
 using namespace MeshpadTest;
 using Triggers = VirtualPad::Triggers;
 
+static const QRegularExpression kPressOrMove("press|right (1|0 1)");
 static constexpr int kLow = SDL_JOYSTICK_AXIS_MIN;
 static constexpr int kHigh = SDL_JOYSTICK_AXIS_MAX;
 
@@ -48,12 +54,12 @@ private slots:
         const auto row = [](const char* name, int axes, Triggers triggers, const char* others) {
             QTest::newRow(name) << axes << triggers << QString(others);
         };
-        row("six", 6, {2, 5}, ", pressure 2, right 1 0, right 0 1, pressure -2");
+        row("six", 6, {2, 5}, ", pressure 1, right 1 0, right 0 1, pressure -1");
         row("one for both triggers", 5, {}, ", pressure 1, right 1 0, right 0 1");
         row("no triggers", 4, {}, ", right 1 0, right 0 1");
         row("third alone", 3, {}, ", pressure 1");
-        row("triggers last", 6, {5, 4}, ", right 1 0, right 0 1, pressure -2, pressure 2");
-        row("triggers inside", 6, {3, 4}, ", right 1 0, pressure 2, pressure -2, right 0 1");
+        row("triggers last", 6, {5, 4}, ", right 1 0, right 0 1, pressure -1, pressure 1");
+        row("triggers inside", 6, {3, 4}, ", right 1 0, pressure 1, pressure -1, right 0 1");
     }
 
     void reportsEveryAxis() {
@@ -68,6 +74,100 @@ private slots:
             QCOMPARE(nextEvents(), events.last()); // every poll
         }
         QCOMPARE(events.join(", "), "left 1 0, left 0 1" + others);
+    }
+
+    void knowsLayoutsOfPads_data() {
+        QTest::addColumn<QByteArray>("identifier"); // of the real pad in SDL's table
+        // Bottom, right, left, top; shoulders, back, start; pad up, right, down, left; triggers;
+        // right stick right, down.
+        QTest::addColumn<QString>("controls");
+        QTest::addColumn<Triggers>("triggers");
+        const auto row = [](const char* name, const char* identifier, const char* controls,
+                            Triggers triggers) {
+            QTest::newRow(name) << QByteArray(identifier) << QString(controls) << triggers;
+        };
+        row("Xbox by cable", "030000005e040000d102000001010000",
+            "b0 b1 b2 b3 b4 b5 b6 b7 h1 h2 h4 h8 a2 a5 a3 a4", {2, 5});
+        row("Xbox by Bluetooth", "050000005e040000130b000011050000",
+            "b0 b1 b3 b4 b6 b7 b10 b11 h1 h2 h4 h8 a5 a4 a2 a3", {5, 4});
+        row("PS4", "030000004c050000c405000011010000",
+            "b1 b2 b0 b3 b4 b5 b8 b9 h1 h2 h4 h8 a3 a4 a2 a5", {3, 4});
+        row("PS5", "050000004c050000e60c000000810000",
+            "b0 b1 b3 b2 b4 b5 b8 b9 h1 h2 h4 h8 a2 a5 a3 a4", {2, 5});
+        row("PS3, only buttons", "030000004c0500006802000010010000",
+            "b14 b13 b15 b12 b10 b11 b0 b3 b4 b5 b6 b7 b8 b9 a2 a3", {});
+        row("Switch Pro", "050000007e0500000920000001800000",
+            "b0 b1 b3 b2 b5 b6 b9 b10 h1 h2 h4 h8 b7 b8 a2 a3", {});
+        row("unknown", "", "b0 b1 b2 b3 b4 b5 b6 b7 h1 h2 h4 h8 a2 a5 a3 a4", {2, 5});
+    }
+
+    void knowsLayoutsOfPads() {
+        QFETCH(QByteArray, identifier);
+        QFETCH(QString, controls);
+        QFETCH(Triggers, triggers);
+        const bool hasTriggers = triggers != Triggers();
+        static Uint16 product = 1; // SDL keeps the layouts by product
+        pad_.emplace(hasTriggers ? 6 : 4, 20, QTest::currentDataTag(), 1, triggers, ++product);
+        if (!identifier.isEmpty())
+            addMapping(identifier);
+        startReading();
+        QStringList events;
+        for (const QString& control : controls.split(' ')) {
+            const int number = control.mid(1).toInt();
+            const bool isTrigger = triggers.first == number || triggers.second == number;
+            const auto move = [&](bool on) {
+                if (control.startsWith('b'))
+                    pad_->button(number, on);
+                else if (control.startsWith('h'))
+                    pad_->hat(Uint8(on ? number : 0));
+                else
+                    pad_->axis(number, on ? kHigh : hasTriggers && isTrigger ? kLow : 0);
+                SDL_JoystickUpdate();
+            };
+            move(true);
+            events << nextEvents().split(", ").filter(kPressOrMove);
+            move(false);
+        }
+        QCOMPARE(events.join(", "),
+                 "press 0, press 1, press 2, press 3, press 8, press 9, press 10, press 11, "
+                 "press 4, press 5, press 6, press 7, pressure 1, pressure -1, right 1 0, "
+                 "right 0 1");
+    }
+
+    /// On every pad of SDL's table each control has one use and each use one control.
+    void findsOneUseOfEveryControl() {
+        QVERIFY(SDL_GameControllerNumMappings() > 300);
+        for (int i = 0; i < SDL_GameControllerNumMappings(); ++i) {
+            const std::unique_ptr<char, decltype(&SDL_free)> line(
+                SDL_GameControllerMappingForIndex(i), &SDL_free);
+            // The names are those of positions, not of the letters printed on the buttons.
+            QVERIFY2(!strstr(line.get(), "hint:SDL_GAMECONTROLLER_USE_BUTTON_LABELS"), line.get());
+            const auto layout = ControllerLayout::ofMapping(line.get());
+            QVERIFY2(layout, line.get());
+            const auto offsets = layout->offsets();
+            QVERIFY2(std::ranges::count(offsets, ControllerOffset::button(0)) == 1, line.get());
+
+            std::vector released(3, std::vector(256, 0)); // buttons, axes, hats
+            for (const auto& binding : layout->bindings())
+                if (binding.index >= 0 && !isStick(binding.offset))
+                    released[size_t(binding.kind)][size_t(binding.index)] = binding.rest;
+            const auto position = [&](std::uint32_t offset, const auto& inputs) {
+                return layout->position(offset, {inputs[1], inputs[2], inputs[0]});
+            };
+            std::set<std::pair<std::uint32_t, int>> uses;
+            for (const auto& binding : layout->bindings()) {
+                QVERIFY2(uses.emplace(binding.offset, binding.offsetFull).second, line.get());
+                auto moved = released;
+                if (binding.index < 0)
+                    continue;
+                moved[size_t(binding.kind)][size_t(binding.index)] = binding.full;
+                for (const auto offset : offsets)
+                    QVERIFY2(offset == binding.offset
+                                 ? position(offset, moved) == binding.offsetFull
+                                 : position(offset, moved) == position(offset, released),
+                             line.get());
+            }
+        }
     }
 
     /// The zones are 17.5 % of the way for a stick and 0.25 % for a trigger; the rest of the way
@@ -196,8 +296,30 @@ private:
     void start(auto... pad) {
         manager_.reset();
         pad_.emplace(pad...);
-        manager_ = std::make_unique<GamepadInputManager>();
+        startReading();
+    }
+    /// Waits until the positions of the resting pad have been read.
+    void startReading() {
+        manager_ = std::make_unique<GamepadInputManager>(
+            ControllerSystem::create(), nullptr, RightStickTimes{std::chrono::milliseconds(0)});
         log_ = std::make_unique<InputLog>(*manager_);
+        for (const bool down : {true, false}) {
+            pad_->button(0, down);
+            QVERIFY(!nextEvents().isEmpty());
+        }
+    }
+    /// Gives the pad the layout that SDL's table has for another one.
+    static void addMapping(const QByteArray& identifier) {
+        const std::unique_ptr<char, decltype(&SDL_free)> line(
+            SDL_GameControllerMappingForGUID(SDL_JoystickGetGUIDFromString(identifier)), &SDL_free);
+        QByteArray mapping(line.get());
+        SDL_JoystickGetGUIDString(SDL_JoystickGetDeviceGUID(0), mapping.data(), 33);
+        mapping[32] = ',';
+        QCOMPARE(SDL_GameControllerAddMapping(mapping), 1);
+    }
+    static bool isStick(std::uint32_t offset) {
+        using namespace ControllerOffset;
+        return offset == kX || offset == kY || offset == kRx || offset == kRy;
     }
     /// The signals of the next poll that emits any.
     QString nextEvents() {

@@ -13,14 +13,14 @@ public:
 
     /// The triggers of a pad with six axes rest at the low end, as real ones do.
     explicit VirtualPad(int axes = 6, int buttons = 11, const char* name = "Virtual Pad",
-                        int hats = 1, Triggers triggers = {2, 5}) {
+                        int hats = 1, Triggers triggers = {2, 5}, Uint16 product = 1) {
         SDL_VirtualJoystickDesc description{};
         description.version = SDL_VIRTUAL_JOYSTICK_DESC_VERSION;
         description.naxes = static_cast<Uint16>(axes);
         description.nbuttons = static_cast<Uint16>(buttons);
         description.nhats = static_cast<Uint16>(hats);
         description.vendor_id = 0x1209; // shared by projects without an own vendor id
-        description.product_id = 0x0001;
+        description.product_id = product;
         description.name = name;
         joystick_ = SDL_JoystickOpen(SDL_JoystickAttachVirtualEx(&description));
         if (axes == 6) {
