@@ -37,12 +37,12 @@ function(meshpad_executable target)
 endfunction()
 
 # meshpad_test(<name> SOURCES <file>... [LINK <target>...] [INTERFACE] [DISPLAY] [TIMEOUT <s>]
-#              [DEPENDS <target>...] [ENVIRONMENT <name=value>...] [LABELS <label>...]):
+#              [DEPENDS <target>...] [ENVIRONMENT <name=value>...]):
 # a Qt Test program that CTest runs in a network namespace of its own, never on the machine's network.
 # INTERFACE gives that namespace a virtual interface with broadcast, DISPLAY an X server.
 function(meshpad_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "INTERFACE;DISPLAY" "TIMEOUT"
-                          "SOURCES;LINK;DEPENDS;ENVIRONMENT;LABELS")
+                          "SOURCES;LINK;DEPENDS;ENVIRONMENT")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE meshpad_options ${arg_LINK} Qt6::Test)
     if(TARGET meshpad_test_support)
@@ -80,8 +80,7 @@ function(meshpad_test name)
     if(MESHPAD_SANITIZERS MATCHES thread)
         list(APPEND arg_ENVIRONMENT QT_NO_GLIB=1) # GLib is not instrumented
     endif()
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}"
-                                            LABELS "${arg_LABELS}")
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}")
 endfunction()
 
 # meshpad_benchmark(<name> SOURCES <file>... [LINK <target>...]): a Google Benchmark program.

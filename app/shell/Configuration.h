@@ -54,14 +54,14 @@ struct Configuration {
     QStringList deformButtonsPath; ///< a label where the entry is no picture
     QStringList deformButtonsToolTips;
 
-    QString currentPointText;
+    QString currentPointText; // API
     QString adjustViewButtonPath;
     QString adjustViewButtonToolTip;
     QStringList rotationButtonPath; ///< front, left, back, right
     QString rotationButtonToolTip;
     QString closeWindowButtonPath;
-    QVariantMap
-        sceneTexts; ///< the other texts of the mesh editor, by the names that its documents use
+    /// The other texts of the mesh editor, by the names that its documents use.
+    QVariantMap sceneTexts;
 
     QString usePointsText;
     QString pointsColorText;

@@ -16,7 +16,6 @@ class SceneView {
 public:
     /// A JavaScript expression in the root's scope; fails the test when it throws.
     QVariant evaluate(const QString& expression) const;
-    int integer(const QString& expression) const { return evaluate(expression).toInt(); }
     double number(const QString& expression) const { return evaluate(expression).toDouble(); }
     bool isTrue(const QString& expression) const { return evaluate(expression).toBool(); }
     QString string(const QString& expression) const { return evaluate(expression).toString(); }
@@ -32,9 +31,6 @@ public:
     QString state(int point) const { return grid()->point(point)->state(); }
     /// The point's position in the widget.
     QPoint onScreen(int point) const { return grid()->mapToScene(position(point)).toPoint(); }
-    int currentPoint() const {
-        return integer("getCurrentItem().deformerGrids[getCurrentGridId()].currentSelectedPointId");
-    }
     QList<int> selectedPoints() const;
     /// Which part of a point on its own, with a line to its right, the widget does not draw in its
     /// colour; empty when all are.
