@@ -35,8 +35,9 @@ public:
             std::memcpy(bytes_.data(), text ? text : "", length);
     }
 
-    /// Ends at the first zero byte or at the end of the field.
-    QString toString() const { return QString::fromUtf8(text()); }
+    /// Ends at the first zero byte or at the end of the field. A letter that is cut there is left
+    /// out, because its replacement would be longer and the text could not be sent back.
+    QString toString() const { return QString::fromUtf8(text().chopped(cutBytes())); }
     QByteArrayView text() const {
         return QByteArrayView(bytes_.data(), qsizetype(qstrnlen(bytes_.data(), Size)));
     }
@@ -47,6 +48,19 @@ public:
     friend bool operator==(const FixedText&, const FixedText&) = default;
 
 private:
+    /// The number of bytes of an incomplete letter at the end of the text.
+    qsizetype cutBytes() const {
+        const QByteArrayView utf8 = text();
+        for (qsizetype count = 1; count <= std::min<qsizetype>(utf8.size(), 3); ++count) {
+            const auto byte = static_cast<unsigned char>(utf8[utf8.size() - count]);
+            if (byte < 0x80)
+                break;
+            if (byte >= 0xC0) // the first byte of a letter says how many it has
+                return count < (byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2) ? count : 0;
+        }
+        return 0;
+    }
+
     std::array<char, Size> bytes_{};
 };
 

@@ -204,6 +204,9 @@ private slots:
     void readsUnterminatedTexts() {
         const EventPointer message = decode(frame(1, QByteArray(254, 'm') + "\xc3\xb6"));
         QCOMPARE(dynamic_cast<MsgEvent&>(*message).message(), QString(254, 'm') + QChar(0xf6));
+        // The letter that the field's end cuts is left out, so that the text can be sent back.
+        const EventPointer cut = decode(frame(1, QByteArray(254, 'm') + "\xe2\x82"));
+        QCOMPARE(dynamic_cast<MsgEvent&>(*cut).message(), QString(254, 'm'));
         const EventPointer settings = decode(frame(27, "#1234567" + int32(0)));
         QCOMPARE(dynamic_cast<UpdateSettingsEvent&>(*settings).color(), "#1234567");
     }
