@@ -3,6 +3,7 @@
 #include "app/shell/Configuration.h"
 #include "app/shell/EventDispatcher.h"
 #include "mesh/MeshTypes.h"
+#include "network/events/DeformationBounds.h"
 #include "network/events/DeformationModeEvent.h"
 #include "network/events/ItemDataEvent.h"
 #include "network/events/MediaDeformationModeEvent.h"
@@ -188,6 +189,8 @@ void Canvas::receive(Event* event) {
         break;
     case LV_NTC_EventType::ItemData: {
         const auto& mesh = static_cast<ItemDataEvent&>(*event);
+        if (!isInBounds(mesh)) // the list warns
+            break;
         bool allGood = true;
         for (const ScreenMovePointEvent& point : mesh.screenPoints())
             allGood &= updateScreenMovePoint(point);

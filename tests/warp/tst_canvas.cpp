@@ -164,8 +164,10 @@ private slots:
         mesh.addScreenPartMovePointEvent({5, 6, 0, "", 2, 3, 0, 0, true, false});
         mesh.addScreenMovePointEvent({7, 0, "", 1, qQNaN(), 0, 0, true, false});
         mesh.addScreenMovePointEvent({7, 0, "", 1, 5, 0, 0, true, false});
+        ItemDataEvent unbuildable = mesh;
+        unbuildable.setDeformationModeEvent({LV_NTC_DeformationType::Curve, 7, 0, "", 65, 3, true});
         messages_->expect(QtWarningMsg, "Canvas: Point position that is not a number ignored", 2);
-        rig_->deliver(ItemDataEvent(), mesh,
+        rig_->deliver(ItemDataEvent(), unbuildable, mesh,
                       TextureMovePointEvent(8, 9, 0, "", 0, 0, -qInf(), 0, true, false),
                       MediaMovePointEvent(1, 2, 0, "", 0, 0, 6, 0, true, true),
                       ScreenMovePointEvent(7, 0, "", 0, 0, 7, 0, true, false),
