@@ -3,8 +3,10 @@
 #include "app/IPList.h"
 #include "app/shell/EventDispatcher.h"
 #include "app/shell/ShellLook.h"
+#include "warp/TouchScroller.h"
 
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QScrollArea>
 
@@ -30,15 +32,30 @@ ConnectPage::~ConnectPage() = default;
 
 void ConnectPage::initIpList() {
     ipList_ = new IPList(this);
-    // Keeps its own size, centred, and scrolls when there are more Producers than room.
+    // Keeps its own size and scrolls when there are more Producers than room. At the top, because
+    // a centred list moves with every address.
     ipList_->layout()->setSizeConstraint(QLayout::SetFixedSize);
     auto* scrollArea = new QScrollArea(this);
     scrollArea->setWidget(ipList_);
-    scrollArea->setAlignment(Qt::AlignCenter);
+    scrollArea->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     scrollArea->setFrameShape(QFrame::NoFrame);
     scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scrollArea->setFocusPolicy(Qt::NoFocus);
     layout_.addWidget(scrollArea, kIpListStretch);
+    connect(ipList_, &IPList::walkedTo, scrollArea,
+            [scrollArea](QWidget* button) { scrollArea->ensureWidgetVisible(button); });
+
+    const auto* touch = new TouchScroller(scrollArea);
+    connect(
+        touch, &TouchScroller::pressed, this,
+        [](QWidget* target, bool isPressed) {
+            if (auto* button = qobject_cast<QPushButton*>(target))
+                button->setDown(isPressed);
+        });
+    connect(touch, &TouchScroller::tapped, this, [](QWidget* target) {
+        if (auto* button = qobject_cast<QPushButton*>(target))
+            button->click();
+    });
 }
 
 void ConnectPage::initConnectButton() {
@@ -51,6 +68,28 @@ void ConnectPage::initConnectButton() {
     connectButton_->setAccessibleName(QLatin1StringView(kConnectButtonName));
     connect(connectButton_, &QPushButton::released, this, &ConnectPage::onConnectToProducer);
     layout_.addWidget(connectButton_, kConnectButtonStretch, Qt::AlignCenter);
+}
+
+void ConnectPage::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        ipList_->selectNext(event->key() == Qt::Key_Up ? -1 : 1);
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (event->isAutoRepeat())
+            break;
+        if (const auto* address = qobject_cast<QPushButton*>(focusWidget());
+            address != nullptr && ipList_->isAncestorOf(address))
+            ipList_->onIpClicked(address->text());
+        onConnectToProducer();
+        break;
+    default:
+        ControlPage::keyPressEvent(event);
+        return;
+    }
+    event->accept();
 }
 
 void ConnectPage::purgeIp() {
@@ -79,8 +118,8 @@ void ConnectPage::onSelectedIpChanged(const QString& ip) {
         QLatin1StringView(selected ? kConnectButtonOn : kConnectButtonOff));
     connectButton_->setCursor(selected ? Qt::PointingHandCursor : Qt::ArrowCursor);
     connectButton_->setFocusPolicy(selected ? Qt::StrongFocus : Qt::NoFocus);
-    if (!selected)
-        connectButton_->clearFocus();
+    if (!selected && connectButton_->hasFocus())
+        setFocus(Qt::OtherFocusReason); // the page's keys still work
     connectButton_->setToolTip(selected ? QString(QLatin1StringView(kConnectButtonName))
                                         : QString());
 }

@@ -35,6 +35,10 @@ signals:
     /// The operator asked to connect to `ip`.
     void connection(QString ip);
 
+protected:
+    /// Up and Down select an address, Enter connects to it.
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void initIpList();
     void initConnectButton();

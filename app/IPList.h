@@ -4,12 +4,13 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
-#include <list>
 #include <memory>
+#include <vector>
 
 class QPushButton;
 
-/// A title and one button for each Producer's address; at most one is selected.
+/// A title and one button for each Producer's address; at most one is selected. An address keeps
+/// its place: it stays empty while the address is gone and others stand below it.
 class IPList final : public QWidget {
     Q_OBJECT
 
@@ -25,6 +26,9 @@ public:
 
     /// Empty when nothing is selected.
     [[nodiscard]] const QString& selectedIp() const { return selectedIp_; }
+    /// Selects the next listed address in that direction, 1 or -1, and moves the focus to it;
+    /// without a selection the first or last one. Does nothing at the ends.
+    void selectNext(int step);
 
 public slots:
     /// Selects `ip`; an empty one clears the selection.
@@ -32,13 +36,27 @@ public slots:
 
 signals:
     void selectedIpChanged(const QString& ip);
+    /// The address of `button` was selected by key, so it should be scrolled into view.
+    void walkedTo(QWidget* button);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    using Buttons = std::list<std::unique_ptr<QPushButton>>;
-    [[nodiscard]] Buttons::iterator find(const QString& ip);
+    struct Place {
+        QString ip;
+        std::unique_ptr<QPushButton> button; ///< null while the address is gone
+    };
+    using Places = std::vector<Place>;
+
+    [[nodiscard]] Places::iterator find(const QString& ip);
+    [[nodiscard]] std::unique_ptr<QPushButton> makeButton(const QString& ip);
+    /// Forgets the oldest address that is gone when there are too many.
+    void limitPlaces();
+    void layOut();
 
     QVBoxLayout layout_;
     QSignalMapper mapper_;
-    Buttons buttons_; // the text of a button is its address
+    Places places_; // in order of discovery
     QString selectedIp_;
 };

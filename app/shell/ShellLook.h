@@ -2,6 +2,8 @@
 
 #include <QSize>
 
+#include <cstddef>
+
 /// The program's names, and the texts, sizes and style sheets of window, banner, connect page and
 /// overlay that are needed without a Configuration. Sizes in device-independent pixels, fonts in
 /// points; each style sheet is for one widget.
@@ -45,6 +47,7 @@ inline constexpr char kProducersTitle[] = "Producers on network";
 inline constexpr int kProducersTitlePoints = 14;
 inline constexpr int kProducersTitleMargin = 80;
 inline constexpr QSize kAddressButtonSize{250, 50};
+inline constexpr std::size_t kMostAddresses = 512; // whose places are remembered
 inline constexpr char kAddressButtonOff[] = "font-weight: bold; font-size: 16px; color: #fff; "
                                             "background-color: transparent;outline: none;";
 inline constexpr char kAddressButtonOn[] = "font-weight: bold; font-size: 16px; color: #fff; "

@@ -128,12 +128,50 @@ private slots:
         QCOMPARE(listed(), QStringList({kFirst + " selected", kSecond}));
         emit discovery().serverTimeouted(kFirst); // stays selected without its button
         emit discovery().serverDiscovered(kFirst);
-        QCOMPARE(listed(), QStringList({kSecond, kFirst + " selected"}));
+        QCOMPARE(listed(), QStringList({kFirst + " selected", kSecond})); // its old place
         QTest::mouseClick(connect, Qt::LeftButton);
         QTest::mouseClick(connect, Qt::LeftButton);
         QCOMPARE(connections.size(), 1);
         QCOMPARE(connections.first(), QVariantList{kFirst});
-        QCOMPARE(listed(), QStringList({kSecond, kFirst}));
+        QCOMPARE(listed(), QStringList({kFirst, kSecond}));
+
+        QTest::keyClick(handle_, Qt::Key_Down);
+        for (const QString& selected : {kFirst, kSecond})
+            if (find<IPList>()->selectedIp() != selected) // a real one may stand above
+                QTest::keyClick(handle_, Qt::Key_Down);
+        QTest::keyClick(handle_, Qt::Key_Up);
+        QTest::keyClick(handle_, Qt::Key_Return);
+        QCOMPARE(connections.size(), 2);
+        QCOMPARE(connections.last(), QVariantList{kFirst});
+    }
+
+    void addressesStayUnderTheFinger() {
+        for (const QString& ip : {kFirst, kSecond})
+            emit discovery().serverDiscovered(ip);
+        QTRY_VERIFY(button(find<IPList>(), kProducer));
+        QCoreApplication::processEvents(); // lays the list out
+        const QRect second = inWindow(button(find<IPList>(), kSecond));
+        const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+        const auto finger = [&] { return QTest::touchEvent(handle_, screen.get()); };
+        finger().press(0, second.center());
+        emit discovery().serverTimeouted(kFirst);
+        for (int i = 0; i < 30; ++i)
+            emit discovery().serverDiscovered(QString("10.0.1.%1").arg(i));
+        QCoreApplication::processEvents();
+        QCOMPARE(inWindow(button(find<IPList>(), kSecond)).y(), second.y());
+        QVERIFY(button(find<IPList>(), kSecond)->isDown());
+        finger().release(0, second.center());
+        QCOMPARE(find<IPList>()->selectedIp(), kSecond);
+
+        const QPoint start = inWindow(button(find<IPList>(), kProducer)).center();
+        finger().press(0, start);
+        for (int y = 10; y <= 150; y += 10) {
+            QTest::qWait(1); // QScroller computes a velocity from the time between events
+            finger().move(0, start - QPoint(0, y));
+        }
+        QTRY_VERIFY(inWindow(button(find<IPList>(), kProducer)).center().y() < start.y() - 100);
+        finger().release(0, start - QPoint(0, 150));
+        QCOMPARE(find<IPList>()->selectedIp(), kSecond);
     }
 
     void survivesLossOfPressedAddress() {
@@ -360,10 +398,12 @@ private:
     /// The addresses without a Producer; the selected one is marked.
     QStringList listed() const {
         QStringList texts;
-        for (const auto* address : find<IPList>()->findChildren<QPushButton*>()) {
+        const QLayout* layout = find<IPList>()->layout();
+        for (int i = 0; i < layout->count(); ++i) {
+            const auto* address = qobject_cast<QPushButton*>(layout->itemAt(i)->widget());
             const bool isOn =
-                address->styleSheet() == QLatin1StringView(ShellLook::kAddressButtonOn);
-            if (address->text().startsWith("10.0."))
+                address && address->styleSheet() == QLatin1StringView(ShellLook::kAddressButtonOn);
+            if (address && address->text().startsWith("10.0."))
                 texts << address->text() + (isOn ? " selected" : "");
         }
         return texts;
