@@ -69,6 +69,24 @@ void turnPage(benchmark::State& state) {
 }
 BENCHMARK(turnPage)->Unit(benchmark::kMillisecond);
 
+/// 64 x 64 keys: the next page and back, a moment after the first was shown.
+void turnLargestPage(benchmark::State& state) {
+    Page page(64, 64);
+    for (int id = 1; id <= 8'192; ++id)
+        page.add(id);
+    page.showKey(1);
+    for (int i = 0; i < 200; ++i) // creates the next page
+        page.showKey(1);
+    for (auto _ : state) {
+        page.turnTo(2);
+        page.showKey(8'192);
+        page.turnTo(1);
+        page.showKey(4'096);
+    }
+    report(state, page);
+}
+BENCHMARK(turnLargestPage)->Unit(benchmark::kMillisecond)->Iterations(5);
+
 /// The largest number of pages: 10,000.
 void showLastOfMostPages(benchmark::State& state) {
     for (auto _ : state) {

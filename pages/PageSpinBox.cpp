@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPointingDevice>
 
 PageSpinBox::PageSpinBox(QWidget* parent) : QSpinBox(parent) {
     setFocusPolicy(Qt::TabFocus);
@@ -16,8 +17,11 @@ void PageSpinBox::stepBy(int steps) {
 
 bool PageSpinBox::eventFilter(QObject* watched, QEvent* event) {
     if (watched == lineEdit() && event->type() == QEvent::MouseButtonPress && !hasFocus()) {
-        setFocus(Qt::MouseFocusReason);
-        selectAll(); // typing replaces the number
+        const QPointingDevice* device = static_cast<QMouseEvent*>(event)->pointingDevice();
+        if (device->type() != QInputDevice::DeviceType::TouchScreen) {
+            setFocus(Qt::MouseFocusReason);
+            selectAll(); // typing replaces the number
+        }
         return true;
     }
     return QSpinBox::eventFilter(watched, event);

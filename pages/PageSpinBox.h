@@ -2,8 +2,8 @@
 
 #include <QSpinBox>
 
-/// Spin box for the page number. It has the focus only while the operator types a number; a press
-/// on an arrow leaves the focus where it is, because other widgets act on single keys.
+/// Spin box for the page number. It has the focus only while the operator types a number; a finger,
+/// and a press on an arrow, leave the focus where it is, because other widgets act on single keys.
 class PageSpinBox final : public QSpinBox {
     Q_OBJECT
 

@@ -35,6 +35,15 @@ inline constexpr char kQuickKeyStyleEnd[] =
 
 inline constexpr QSize kPageSpinBoxSize{120, 35};
 inline constexpr char kPageSpinBoxName[] = "Page of quick keys";
+inline constexpr QSize kTurnButtonSize{44, 44};
+inline constexpr QSize kTurnIconSize{26, 26};
+inline constexpr char kPreviousPageName[] = "Previous page";
+inline constexpr char kNextPageName[] = "Next page";
+inline constexpr char kPreviousPageIcon[] = ":/img/arrow-left";
+inline constexpr char kNextPageIcon[] = ":/img/arrow-right";
+inline constexpr char kIconOffSuffix[] = "-off";
+inline constexpr char kPageCountText[] = "%1 / %2";
+inline constexpr int kPageCountWidth = 140; ///< for "10000 / 10000"
 inline constexpr char kPageSpinBox[] =
     "QSpinBox {color : white;border-radius: 10px;background-color: #323232;}QSpinBox::up-button "
     "{subcontrol-position: right; border-image: url(:/img/arrow-right) 1;width: 26px;height: "

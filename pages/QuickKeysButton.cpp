@@ -84,6 +84,11 @@ bool QuickKeysButton::event(QEvent* event) {
     return QPushButton::event(event);
 }
 
+void QuickKeysButton::hideEvent(QHideEvent* event) {
+    setDown(false);
+    QPushButton::hideEvent(event);
+}
+
 void QuickKeysButton::paintEvent(QPaintEvent* event) {
     Q_UNUSED(event)
     QStylePainter painter(this);

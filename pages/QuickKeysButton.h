@@ -33,6 +33,8 @@ protected:
     /// A pressed button stays pressed while the finger slides, so that it is not pressed twice.
     bool hitButton(const QPoint& position) const override;
     bool event(QEvent* event) override;
+    /// Ends a press, because no release follows.
+    void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

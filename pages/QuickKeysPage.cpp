@@ -14,9 +14,15 @@
 
 #include <QDebug>
 #include <QGridLayout>
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QPushButton>
 #include <QScrollArea>
 
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 using namespace NetworkCompanion;
 using namespace PagesLook;
@@ -31,6 +37,10 @@ constexpr int kMaxGrid = static_cast<int>(Limits::kMaxQuickKeyGrid);
 /// Buttons created in one event-loop iteration: a usual grid page, but not so many that the window
 /// stops responding.
 constexpr int kButtonsPerIteration = 128;
+
+/// Buttons that are kept: at least those of the three largest pages, because creating one of these
+/// takes longer than an operator should wait.
+constexpr int kMostButtons = 3 * kMaxGrid * kMaxGrid;
 
 constexpr LV_NTC_EventType kEventTypes[] = {
     LV_NTC_EventType::AddQuickKey, LV_NTC_EventType::DeleteQuickKey,
@@ -57,8 +67,9 @@ bool isGridInBounds(int rows, int columns) {
 
 QuickKeysPage::QuickKeysPage(const Configuration& configuration, QWidget* parent)
     : ControlPage(parent), configuration_(configuration), layout_(new QVBoxLayout(this)),
-      spinBox_(new PageSpinBox(this)), stack_(new QStackedWidget), mapper_(new QSignalMapper(this)),
-      events_(this, kEventTypes) {
+      previous_(new QPushButton(this)), spinBox_(new PageSpinBox(this)),
+      next_(new QPushButton(this)), pageCountLabel_(new QLabel(this)), stack_(new QStackedWidget),
+      mapper_(new QSignalMapper(this)), events_(this, kEventTypes) {
     initNavSpinBox();
 
     // A grid that is larger than the window scrolls instead of stretching the window.
@@ -87,9 +98,51 @@ void QuickKeysPage::initNavSpinBox() {
     spinBox_->setAlignment(Qt::AlignCenter);
     spinBox_->setAccessibleName(QLatin1StringView(kPageSpinBoxName));
     spinBox_->setStyleSheet(QLatin1StringView(kPageSpinBox));
-    layout_->addWidget(spinBox_, 0, Qt::AlignCenter);
     connect(spinBox_, &QSpinBox::valueChanged, this, &QuickKeysPage::navigateToPage);
-    spinBox_->hide();
+
+    pageCountLabel_->setFont(bold);
+    pageCountLabel_->setFixedWidth(kPageCountWidth);
+    pageCountLabel_->setAlignment(Qt::AlignCenter);
+    initTurnButton(previous_, kPreviousPageName, kPreviousPageIcon, -1);
+    initTurnButton(next_, kNextPageName, kNextPageIcon, 1);
+
+    auto* row = new QHBoxLayout;
+    layout_->addLayout(row);
+    row->setSpacing(kSpacing);
+    row->addStretch();
+    row->addSpacing(kPageCountWidth); // so that the spin box stands in the middle
+    for (QWidget* widget : navigation())
+        row->addWidget(widget);
+    row->addStretch();
+    showNavigation(false);
+}
+
+void QuickKeysPage::initTurnButton(QPushButton* button, const char* name, const char* icon,
+                                   int step) {
+    button->setFixedSize(kTurnButtonSize);
+    QIcon pictures(QString::fromLatin1(icon));
+    pictures.addFile(QString::fromLatin1(icon) + QLatin1StringView(kIconOffSuffix), {},
+                     QIcon::Disabled);
+    button->setIcon(pictures);
+    button->setIconSize(kTurnIconSize);
+    button->setAccessibleName(QLatin1StringView(name));
+    button->setToolTip(QLatin1StringView(name));
+    button->setCursor(Qt::PointingHandCursor);
+    button->setFocusPolicy(Qt::TabFocus);
+    connect(button, &QPushButton::clicked, this,
+            [this, step] { navigateToPage(spinBox_->value() + step); });
+}
+
+std::array<QWidget*, 4> QuickKeysPage::navigation() const {
+    return {previous_, spinBox_, next_, pageCountLabel_};
+}
+
+void QuickKeysPage::showNavigation(bool isShown) {
+    for (QWidget* widget : navigation()) {
+        if (!isShown)
+            releaseFocus(widget);
+        widget->setVisible(isShown);
+    }
 }
 
 void QuickKeysPage::receive(Event* event) {
@@ -157,26 +210,24 @@ void QuickKeysPage::deleteQuickKey(int id) {
 void QuickKeysPage::configQuickKey(int rows, int columns) {
     if (!isGridInBounds(rows, columns))
         return;
-    // The first key shown stays in view.
-    const int firstShown = (spinBox_->value() - 1) * keysPerPage() + 1;
+    if (rows != rows_ || columns != columns_) {
+        for (auto& [number, page] : std::exchange(pages_, {}))
+            formerPages_.push_back(std::move(page));
+        shownPage_ = kNoPage;
+    }
     rows_ = rows;
     columns_ = columns;
     if (pageCount_ == 0)
         return;
-    shownPage_ = kNoPage;
     keys_.resize(static_cast<std::size_t>(highestId_));
-    // One page more than needed when the highest key fills a page; deleteQuickKey() removes it.
-    setPageCount(highestId_ / keysPerPage() + 1);
-    showSpinBoxPage(pageOf(firstShown) + 1);
+    setPageCount(pageOf(highestId_) + 1);
 }
 
 void QuickKeysPage::setPageCount(int count) {
     pageCount_ = count;
     keys_.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(keysPerPage()));
     showSpinBoxPage(std::min(spinBox_->value(), count));
-    if (count < 2)
-        releaseFocus(spinBox_);
-    spinBox_->setVisible(count > 1);
+    showNavigation(count > 1);
     scheduleUpdate();
 }
 
@@ -184,6 +235,12 @@ void QuickKeysPage::showSpinBoxPage(int page) {
     const QSignalBlocker blocker(spinBox_); // updateStack() shows the page
     spinBox_->setMaximum(pageCount_);
     spinBox_->setValue(page);
+    pageCountLabel_->setText(QString::fromLatin1(kPageCountText).arg(page).arg(pageCount_));
+    for (const auto& [button, last] : {std::pair{previous_, 1}, {next_, pageCount_}}) {
+        if (page == last)
+            releaseFocus(button);
+        button->setEnabled(page != last);
+    }
 }
 
 void QuickKeysPage::scheduleUpdate() {
@@ -201,35 +258,52 @@ void QuickKeysPage::updateStack() {
         return;
     if (const int page = spinBox_->value() - 1; page != shownPage_) {
         releaseFocus(stack_);
-        deleteQuickKeysPage();
         shownPage_ = page;
-        addQuickKeysPage();
+        stack_->setCurrentWidget(addQuickKeysPage(page));
+        deleteQuickKeysPages();
     }
     createButtons();
 }
 
-void QuickKeysPage::addQuickKeysPage() {
-    auto* page = new QWidget(stack_);
-    auto* layout = new QGridLayout(page);
-    layout->setAlignment(Qt::AlignCenter);
-    layout->setSpacing(kSpacing);
-    stack_->addWidget(page);
+QWidget* QuickKeysPage::addQuickKeysPage(int number) {
+    std::unique_ptr<QWidget>& page = pages_[number];
+    if (page == nullptr) {
+        page = std::make_unique<QWidget>();
+        auto* layout = new QGridLayout(page.get());
+        layout->setAlignment(Qt::AlignCenter);
+        layout->setSpacing(kSpacing);
+        stack_->addWidget(page.get());
+    }
+    return page.get();
 }
 
-void QuickKeysPage::deleteQuickKeysPage() {
-    delete stack_->currentWidget();
+void QuickKeysPage::deleteQuickKeysPages() {
+    formerPages_.clear();
+    const int distance = std::max(1, kMostButtons / keysPerPage() / 2);
+    std::erase_if(pages_, [&](const auto& page) {
+        return page.first >= pageCount_ || std::abs(page.first - shownPage_) > distance;
+    });
 }
 
 void QuickKeysPage::createButtons() {
-    QWidget* page = stack_->currentWidget();
+    for (const int number : {shownPage_, shownPage_ + 1, shownPage_ - 1}) {
+        if (number >= 0 && number < pageCount_ && createButtons(number)) {
+            scheduleUpdate();
+            break;
+        }
+    }
+}
+
+bool QuickKeysPage::createButtons(int number) {
+    QWidget* page = addQuickKeysPage(number);
     auto* layout = static_cast<QGridLayout*>(page->layout());
     const int first = layout->count();
     if (first == keysPerPage())
-        return;
+        return false;
     const int end = std::min(first + kButtonsPerIteration, keysPerPage());
     page->hide(); // a visible page is laid out again for each new button
     for (int i = first; i < end; ++i) {
-        const int id = shownPage_ * keysPerPage() + i + 1;
+        const int id = number * keysPerPage() + i + 1;
         auto* button = new QuickKeysButton(configuration_.patternButtonSize, page);
         button->setEnabled(false);
         connect(button, &QuickKeysButton::pressed, mapper_, qOverload<>(&QSignalMapper::map));
@@ -238,10 +312,9 @@ void QuickKeysPage::createButtons() {
         showKey(button, id);
         button->ensurePolished(); // slow, so not left to show(), which would polish all at once
     }
-    if (end == keysPerPage())
+    if (end == keysPerPage() && number == shownPage_)
         page->show();
-    else
-        scheduleUpdate();
+    return true;
 }
 
 void QuickKeysPage::showKey(QuickKeysButton* button, int id) {
@@ -272,10 +345,11 @@ bool QuickKeysPage::isKnown(int id) const {
 }
 
 QuickKeysButton* QuickKeysPage::button(int id) const {
-    if (shownPage_ != pageOf(id))
+    const auto page = pages_.find(pageOf(id));
+    if (page == pages_.end())
         return nullptr;
-    const QLayoutItem* item = stack_->currentWidget()->layout()->itemAt((id - 1) % keysPerPage());
-    return item == nullptr ? nullptr : static_cast<QuickKeysButton*>(item->widget());
+    const QLayoutItem* item = page->second->layout()->itemAt((id - 1) % keysPerPage());
+    return item != nullptr ? static_cast<QuickKeysButton*>(item->widget()) : nullptr;
 }
 
 void QuickKeysPage::navigateToPage(int page) {

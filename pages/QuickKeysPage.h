@@ -10,8 +10,13 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <array>
+#include <map>
+#include <memory>
 #include <vector>
 
+class QLabel;
+class QPushButton;
 struct Configuration;
 class QuickKeysButton;
 
@@ -21,8 +26,8 @@ class QuickKeysButton;
 /// application itself.
 ///
 /// Events change the stored keys and the spin box at once; the buttons follow in the next
-/// event-loop iteration, while the page is visible. Buttons exist only for the grid page that is
-/// shown.
+/// event-loop iteration, while the page is visible. Buttons exist for the grid page that is shown
+/// and for those around it.
 class QuickKeysPage final : public ControlPage, public EventListener {
     Q_OBJECT
 
@@ -37,7 +42,7 @@ public:
     void addQuickKey(int id, const char* name, const char* color);
     void updateQuickKey(int id, const char* name, const char* color);
     void deleteQuickKey(int id);
-    /// Keeps the keys, and shows the grid page that holds the first key shown before.
+    /// Keeps the keys, and the number of the grid page shown unless there are fewer pages now.
     void configQuickKey(int rows, int columns);
 
     /// Removes the focus from the spin box.
@@ -66,15 +71,24 @@ private:
     };
 
     void initNavSpinBox();
+    void initTurnButton(QPushButton* button, const char* name, const char* icon, int step);
+    /// The widgets that turn pages, from left to right.
+    [[nodiscard]] std::array<QWidget*, 4> navigation() const;
+    void showNavigation(bool isShown);
     void setPageCount(int count);
     void showSpinBoxPage(int page);
 
     void scheduleUpdate();
     void updateStack();
-    void addQuickKeysPage();
-    void deleteQuickKeysPage();
-    /// Adds a limited number of buttons to the grid page and shows it when it has all of them.
+    /// The grid page, created empty if there is none.
+    QWidget* addQuickKeysPage(int number);
+    /// Deletes pages that are not shown: those that went, and those far from the shown one.
+    void deleteQuickKeysPages();
+    /// Adds buttons to the shown page, then to its neighbours, so that turning to them is quick.
     void createButtons();
+    /// Adds a limited number of buttons to a page, and shows it when it has all of them. Returns
+    /// false when it has them already.
+    bool createButtons(int number);
     void showKey(QuickKeysButton* button, int id);
     /// Moves the focus to this page if `leaving` has it, so that Qt does not move it to the next
     /// key.
@@ -91,12 +105,17 @@ private:
     const Configuration& configuration_;
     // Children of the page.
     QVBoxLayout* layout_;
+    QPushButton* previous_;
     QSpinBox* spinBox_;
-    QStackedWidget* stack_; ///< contains the grid page that is shown
+    QPushButton* next_;
+    QLabel* pageCountLabel_;
+    QStackedWidget* stack_; ///< contains the grid pages
     QSignalMapper* mapper_;
     std::vector<Key> keys_; ///< of all grid pages; key `id` at position `id - 1`
     int pageCount_ = 0;
-    int shownPage_ = kNoPage; ///< the grid page in the stack, counted from 0
+    std::map<int, std::unique_ptr<QWidget>> pages_;     ///< grid pages by number, counted from 0
+    std::vector<std::unique_ptr<QWidget>> formerPages_; ///< of another grid; deleted when one shows
+    int shownPage_ = kNoPage;
     int rows_ = 0;
     int columns_ = 0;
     int highestId_ = 0;

@@ -9,6 +9,7 @@
 #include "tests/support/WidgetRig.h"
 
 #include <QGridLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QSpinBox>
@@ -142,15 +143,16 @@ private slots:
         QVERIFY(rig.layout().startsWith(left.left(3) + "|3 -"));
     }
 
-    void keepsFirstShownKeyWhenGridChanges_data() {
+    void keepsPageNumberWhenGridChanges_data() {
         QTest::addColumn<QSize>("grid");
         QTest::addColumn<QString>("layout");
         QTest::addColumn<int>("shown");
         QTest::newRow("one page") << QSize(9, 1) << "1 2 3 - 5 6 7 - -" << 1;
-        QTest::newRow("column") << QSize(1, 2) << "1/2|3/-|5/6|7/-" << 3;
-        QTest::newRow("one key a page") << QSize(1, 1) << "1|2|3|-|5|6|7|-" << 5;
+        QTest::newRow("filled page") << QSize(7, 1) << "1 2 3 - 5 6 7" << 1;
+        QTest::newRow("column") << QSize(1, 2) << "1/2|3/-|5/6|7/-" << 2;
+        QTest::newRow("one key a page") << QSize(1, 1) << "1|2|3|-|5|6|7" << 2;
     }
-    void keepsFirstShownKeyWhenGridChanges() {
+    void keepsPageNumberWhenGridChanges() {
         QFETCH(QSize, grid);
         QFETCH(QString, layout);
         const KeysRig rig;
@@ -257,9 +259,18 @@ private slots:
         QTest::mouseClick(rig.spinBox(), Qt::LeftButton, {}, {110, 17}); // an arrow
         QCOMPARE(rig.spinBox()->value(), 2);
         QVERIFY(rig.widget->hasFocus());
+        const auto buttons = rig.widget->findChildren<QPushButton*>();
+        const auto next = std::ranges::find(buttons, "Next page", &QWidget::accessibleName);
+        QTest::mouseClick(*next, Qt::LeftButton);
+        const auto labels = rig.widget->findChildren<QLabel*>();
+        QVERIFY(std::ranges::any_of(labels, [](auto* label) { return label->text() == "3 / 12"; }));
 
         auto* number = rig.spinBox()->findChild<QLineEdit*>();
         QVERIFY(!number->hasSelectedText());
+        const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+        QTest::touchEvent(number, screen.get()).press(0, number->rect().center());
+        QTest::touchEvent(number, screen.get()).release(0, number->rect().center());
+        QVERIFY(rig.widget->hasFocus());
         QTest::mouseClick(number, Qt::LeftButton);
         QTest::keyClicks(QApplication::focusWidget(), "11");
         QCOMPARE(rig.spinBox()->value(), 11);
