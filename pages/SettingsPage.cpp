@@ -39,6 +39,7 @@ SettingsPage::SettingsPage(const Configuration& configuration, QWidget* parent)
 
 void SettingsPage::initPointsElements() {
     points_->setMaximumSize(kSettingsLargest);
+    pointsLayout_->setContentsMargins({});
     pointsLayout_->setHorizontalSpacing(kSettingsHorizontalSpacing);
     pointsLayout_->setVerticalSpacing(kSettingsVerticalSpacing);
     layout_->addWidget(points_, 0, Qt::AlignHCenter);
@@ -69,6 +70,11 @@ void SettingsPage::initPointsElements() {
                              static_cast<QWidget*>(shapeLabel_), static_cast<QWidget*>(shape_)})
         control->hide();
 
+    for (QComboBox* box : {color_, shape_}) {
+        box->setFocusPolicy(Qt::StrongFocus);
+        box->installEventFilter(this);
+    }
+
     // Connected last, so that filling the boxes sends nothing.
     connect(usePoints_, &QCheckBox::stateChanged, this,
             &SettingsPage::onUsePointsCheckBoxStateChanged);
@@ -80,6 +86,15 @@ bool SettingsPage::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show)
         fitPointsToContents();
     return ControlPage::event(event);
+}
+
+bool SettingsPage::eventFilter(QObject* watched, QEvent* event) {
+    // A wheel that turns over a box by chance must not change what the outputs show.
+    if (event->type() == QEvent::Wheel && !static_cast<const QWidget*>(watched)->hasFocus()) {
+        event->ignore();
+        return true;
+    }
+    return ControlPage::eventFilter(watched, event);
 }
 
 void SettingsPage::fitPointsToContents() {

@@ -36,6 +36,13 @@ private slots:
         QVERIFY(!rig.color->isVisible() && !rig.shape->isVisible());
         QTest::mouseClick(rig.box, Qt::LeftButton);
         QVERIFY(rig.gets(UpdateSettingsEvent("#0000ff", 1)));
+        const QSize size = rig.box->parentWidget()->size();
+        QVERIFY(size.width() <= 300 && size.height() <= 250);
+        const QPointF centre = rig.shape->rect().center();
+        QWheelEvent wheel(centre, rig.shape->mapToGlobal(centre), {}, {0, -120}, Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(rig.shape, &wheel); // without the focus
+        QVERIFY(rig.getsNothing());
         QTest::keyClick(rig.shape, Qt::Key_End);
         QVERIFY(rig.gets(UpdateSettingsEvent("#0000ff", 4)));
         rig.color->setFocus();
