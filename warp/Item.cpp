@@ -1,15 +1,18 @@
 #include "warp/Item.h"
 
 #include "app/shell/Configuration.h"
+#include "app/shell/EventDispatcher.h"
 #include "warp/OutOfView.h"
 #include "warp/WarpLook.h"
 
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QImageReader>
 #include <QPainter>
 #include <QPixmapCache>
+#include <QPointer>
 #include <QStyleOption>
+#include <QTimerEvent>
+#include <QToolTip>
 
 using namespace NetworkCompanion;
 
@@ -52,27 +55,23 @@ void Item::createWidgets() {
     if (label_ != nullptr)
         return;
     label_ = new NameLabel(this);
-    label_->setFixedWidth(WarpLook::kRowLabelWidth);
-    blindButton_ = new BlindButton(this);
-    blindButton_->setFixedSize(WarpLook::kRowWidth - WarpLook::kRowLabelWidth -
-                                   WarpLook::kRowLeftMargin,
-                               WarpLook::kRowHeight);
-    blindButton_->setToolTip(QLatin1StringView(WarpLook::kBlindToolTip));
+    QFont larger = label_->font();
+    larger.setPixelSize(WarpLook::kNameFontSize);
+    label_->setFont(larger);
+    label_->setGeometry(WarpLook::kRowLeftMargin, 0, WarpLook::kRowLabelWidth,
+                        WarpLook::kRowHeight);
+    blindButton_ = new BlindButton(this); // above the end of the label
+    blindButton_->setGeometry(WarpLook::kRowWidth - WarpLook::kEyeWidth, 0, WarpLook::kEyeWidth,
+                              WarpLook::kRowHeight);
     connect(blindButton_, &BlindButton::blindPressed, this, &Item::onBlindPressed);
-
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(WarpLook::kRowLeftMargin, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(label_);
-    layout->addWidget(blindButton_, 0, Qt::AlignRight);
 
     showLabelText();
     showBlindPicture();
+    blindButton_->setState(blindState_);
     showActive();
     // Shown at once because the row may be painted before the next event-loop iteration.
     label_->show();
     blindButton_->show();
-    layout->activate();
 }
 
 void Item::setLabelText(const QString& text) {
@@ -85,13 +84,51 @@ void Item::setLabelText(const QString& text) {
 void Item::showLabelText() {
     if (label_ == nullptr)
         return;
-    label_->setName(labelText_);
+    label_->setName(labelText_, common_);
     blindButton_->setAccessibleName(QLatin1StringView(WarpLook::kBlindName) + QLatin1Char(' ') +
                                     labelText_);
 }
 
+void Item::showDifference(qsizetype common) {
+    common_ = common;
+    if (label_ != nullptr)
+        label_->setName(labelText_, common_);
+}
+
+void Item::showWholeName() const {
+    QToolTip::showText(mapToGlobal(rect().topRight()), NameLabel::toolTipOf(labelText_), window());
+}
+
+void Item::sendBlind(Event& request) {
+    const QPointer<Item> row = this; // a connection lost while sending may remove it
+    requestedBlind_ = !blinded_;
+    const bool isSent = EventDispatcher::getInstance()->client().sendEvent(request);
+    if (row != nullptr)
+        setBlindState(isSent ? BlindButton::State::Waiting : BlindButton::State::Refused);
+}
+
+void Item::setBlindState(BlindButton::State state) {
+    blindState_ = state;
+    if (state == BlindButton::State::Reported)
+        blindTimer_.stop();
+    else
+        blindTimer_.start(state == BlindButton::State::Waiting ? WarpLook::kConfirmMs
+                                                               : WarpLook::kRefusedMs,
+                          this);
+    if (blindButton_ != nullptr)
+        blindButton_->setState(state);
+}
+
+void Item::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == blindTimer_.timerId())
+        setBlindState(blindState_ == BlindButton::State::Waiting ? BlindButton::State::Refused
+                                                                 : BlindButton::State::Reported);
+}
+
 void Item::setBlinded(bool blinded) {
     blinded_ = blinded;
+    if (blindState_ == BlindButton::State::Waiting && blinded == requestedBlind_)
+        setBlindState(BlindButton::State::Reported);
     showBlindPicture();
 }
 
@@ -127,6 +164,14 @@ void Item::paintEvent(QPaintEvent* event) {
     option.initFrom(this);
     QPainter painter(this);
     style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+}
+
+void Item::hideEvent(QHideEvent* event) {
+    // The layout positions only visible rows, so one that is shown again must not stand between
+    // them until then.
+    if (isHidden())
+        move(0, -height());
+    QWidget::hideEvent(event);
 }
 
 void Item::mousePressEvent(QMouseEvent* event) {

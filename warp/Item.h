@@ -4,12 +4,17 @@
 #include "warp/BlindButton.h"
 #include "warp/NameLabel.h"
 
+#include <QBasicTimer>
 #include <QByteArray>
 #include <QColor>
 #include <QString>
 #include <QWidget>
 
 struct Configuration;
+
+namespace NetworkCompanion {
+class Event;
+}
 
 /// One row of the media list: shows an element of the Producer's show and requests its blind.
 /// A click never changes the row itself; the Producer reports the new state.
@@ -56,6 +61,7 @@ public:
     const QByteArray& sortKey() const { return sortKey_; }
 
     bool isBlinded() const { return blinded_; }
+    /// The state that the Producer reports; confirms a request for it.
     void setBlinded(bool blinded);
 
     /// The label's colour while the row is not selected; applied by the next setActive().
@@ -67,6 +73,11 @@ public:
     /// Creates label and eye on the first call; does nothing later. The list calls it when the row
     /// scrolls into view, because most rows of a long list never do.
     void createWidgets();
+    /// The number of leading characters that the label has in common with a neighbour's. What
+    /// follows them stays visible when the label is too long for the row.
+    void showDifference(qsizetype common);
+    /// Shows the whole label beside the row until the tool tip is hidden.
+    void showWholeName() const;
 
 public slots:
     void onBlindPressed();
@@ -77,6 +88,11 @@ signals:
     void selected(Item* item);
 
 protected:
+    /// Sends the request for the opposite blind. The eye shows the wait for the Producer's report,
+    /// and for a moment that none came.
+    void sendBlind(NetworkCompanion::Event& request);
+    void hideEvent(QHideEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     bool event(QEvent* event) override;
@@ -84,6 +100,7 @@ protected:
 private:
     void showLabelText();
     void showBlindPicture();
+    void setBlindState(BlindButton::State state);
     void showActive();
 
     NetworkCompanion::LV_NTC_ElementType elementType_;
@@ -94,11 +111,15 @@ private:
     int sourceWidth_;
     int sourceHeight_;
     bool blinded_ = false;
+    bool requestedBlind_ = false;
+    BlindButton::State blindState_ = BlindButton::State::Reported;
+    QBasicTimer blindTimer_; ///< runs in every other state
     bool active_ = false;
     QColor labelColor_;
     const Configuration* configuration_;
     QString labelText_;
     QByteArray sortKey_;
+    qsizetype common_ = 0;
     NameLabel* label_ = nullptr; ///< null, like the eye, until createWidgets()
     BlindButton* blindButton_ = nullptr;
 };

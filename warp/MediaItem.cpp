@@ -1,6 +1,5 @@
 #include "warp/MediaItem.h"
 
-#include "app/shell/EventDispatcher.h"
 #include "network/events/MediaBlindEvent.h"
 #include "warp/WarpLook.h"
 
@@ -19,5 +18,5 @@ MediaItem::MediaItem(MediaType::Enum mediaType, unsigned int cueId, int mediaId,
 void MediaItem::onBlind() {
     MediaBlindEvent event(LV_NTC_ElementType::Media, cueId(), static_cast<unsigned int>(mediaId_),
                           0, name().toUtf8().constData(), !isBlinded());
-    EventDispatcher::getInstance()->client().sendEvent(event);
+    sendBlind(event);
 }

@@ -7,6 +7,7 @@
 #include "network/events/AddScreenPartEvent.h"
 #include "network/events/AddTextureEvent.h"
 #include "network/events/BlindEvent.h"
+#include "network/events/DeformationBounds.h"
 #include "network/events/DeformationModeEvent.h"
 #include "network/events/ItemDataEvent.h"
 #include "network/events/MediaBlindEvent.h"
@@ -31,6 +32,7 @@
 #include <QKeyEvent>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <array>
@@ -94,22 +96,18 @@ QString partLabel(const ScreenItem& screen, const QString& partName) {
            (partName.isEmpty() ? QString(QLatin1StringView(WarpLook::kUnnamedPart)) : partName);
 }
 
+/// The row that contains the widget, or null.
+Item* rowOf(QWidget* widget) {
+    while (widget != nullptr && qobject_cast<Item*>(widget) == nullptr)
+        widget = widget->parentWidget();
+    return static_cast<Item*>(widget);
+}
+
 /// Whether the scene can build the deformation; warns otherwise.
 template <class DeformationEvent>
 bool isBuildable(const DeformationEvent& event) {
-    const auto isGridSize = [](std::uint32_t size) {
-        return size >= Limits::kMinGridSize && size <= Limits::kMaxGridSize;
-    };
-    switch (event.deformationType()) {
-    case LV_NTC_DeformationType::None:
-    case LV_NTC_DeformationType::Keystone: // always 2 x 2
+    if (isInBounds(event))
         return true;
-    case LV_NTC_DeformationType::Bezier:
-    case LV_NTC_DeformationType::Curve:
-        if (isGridSize(event.rows()) && isGridSize(event.columns()))
-            return true;
-        break;
-    }
     qWarning("MediaList: Deformation of type %d with %u x %u points ignored",
              static_cast<int>(event.deformationType()), event.rows(), event.columns());
     return false;
@@ -132,12 +130,36 @@ void MediaList::initMediaList() {
     scrollArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scrollArea_->setAccessibleName(QLatin1StringView(WarpLook::kListName));
     scrollArea_->installEventFilter(this);
-    new TouchScroller(scrollArea_);
     setFocusProxy(scrollArea_);
+    initTouch();
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(scrollArea_);
+}
+
+void MediaList::initTouch() {
+    const auto* touch = new TouchScroller(scrollArea_);
+    connect(touch, &TouchScroller::held, this, [this](bool isHeld) { rows_->hold(isHeld); });
+    connect(
+        touch, &TouchScroller::pressed, this,
+        [](QWidget* target, bool isPressed) {
+            if (auto* eye = qobject_cast<BlindButton*>(target))
+                eye->setDown(isPressed);
+            if (!isPressed)
+                QToolTip::hideText();
+        });
+    connect(touch, &TouchScroller::longPressed, this, [](QWidget* target) {
+        if (const Item* row = rowOf(target))
+            row->showWholeName();
+    });
+    connect(touch, &TouchScroller::tapped, this, [this](QWidget* target) {
+        scrollArea_->setFocus(Qt::MouseFocusReason);
+        if (auto* eye = qobject_cast<BlindButton*>(target))
+            emit eye->blindPressed();
+        else if (Item* row = rowOf(target))
+            emit row->selected(row);
+    });
 }
 
 // Events
@@ -225,6 +247,8 @@ void MediaList::receive(Event* event) {
     }
     case LV_NTC_EventType::ItemData: {
         const auto& mesh = static_cast<ItemDataEvent&>(*event);
+        if (!acceptsDeformations(mesh, [](const auto& mode) { return isBuildable(mode); }))
+            break;
         receiveAndUpdateDeformationMode(mesh.deformationMode());
         receiveAndUpdateScreenPartDeformationMode(mesh.screenPartDeformationMode());
         receiveAndUpdateMediaDeformationMode(mesh.mediaDeformationMode());
@@ -306,6 +330,7 @@ void MediaList::relabel(Item* row, const QString& text) {
     if (row->labelText() == text)
         return;
     rows_->sortIfRequested(); // a new label moves no row before updateMediaList()
+    rows_->forgetPlace(row);
     row->setLabelText(text);
     needsUpdate_ = true;
 }
@@ -496,6 +521,7 @@ void MediaList::unselectIfHidden() {
 int MediaList::filterByText(const QString& text) {
     filterText_ = text;
     const int visible = filterByText();
+    rows_->applyAnew();
     scrollToSelection();
     return visible;
 }
@@ -517,6 +543,7 @@ void MediaList::filterScreens() {
         hideScreensAndScreenParts();
     else
         showScreensAndScreenParts();
+    rows_->applyAnew();
     scrollToSelection();
 }
 
@@ -549,8 +576,10 @@ void MediaList::onSelectedItem(Item* item) {
     if (selectedItem_ != nullptr)
         selectedItem_->setActive(false);
     selectedItem_ = item;
-    if (item != nullptr)
+    if (item != nullptr) {
         item->setActive(true);
+        rows_->endFilling();
+    }
     ItemDataEvent request(item != nullptr ? item->dataIndex() : -1);
     EventDispatcher::getInstance()->client().sendEvent(request);
     if (item == selectedItem_) // a connection lost in sendEvent() clears the selection

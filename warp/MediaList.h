@@ -28,9 +28,9 @@ class ScreenPartDeformationModeEvent;
 /// textures. Holds the rows, the selection and the filters; emits a signal for every change.
 ///
 /// Order and visibility of the rows are up to date when an operation returns; their geometry
-/// follows once in the next event-loop iteration. A row is visible unless it is hidden explicitly,
-/// whether or not the list itself is on screen. Members marked API are not used by the application
-/// itself.
+/// follows once in the next event-loop iteration, or when the finger on the list is lifted. A row
+/// is visible unless it is hidden explicitly, whether or not the list itself is on screen. Members
+/// marked API are not used by the application itself.
 class MediaList final : public QWidget, public EventListener, public KeyEventListener {
     Q_OBJECT
 
@@ -180,6 +180,7 @@ private:
     }
 
     void initMediaList();
+    void initTouch();
 
     /// Registers and shows a new row.
     void initRow(Item* row);

@@ -77,7 +77,7 @@ void MediaListContainer::scheduleSearch() {
     isSearchScheduled_ = true;
     const auto search = [this] {
         isSearchScheduled_ = false;
-        onSearchTextChanged(searchBox_->text());
+        showResult(mediaList_->filterByText()); // does not scroll
     };
     QMetaObject::invokeMethod(this, search, Qt::QueuedConnection);
 }
@@ -97,9 +97,14 @@ void MediaListContainer::onScreenCheckBoxStateChanged(int state) {
 }
 
 void MediaListContainer::onSearchTextChanged(const QString& text) {
-    const int visible = mediaList_->filterByText(text);
+    showResult(mediaList_->filterByText(text));
+}
+
+void MediaListContainer::showResult(int visible) {
+    // Without a text the list is empty because nothing has arrived, which is no failed search.
+    const bool isFound = visible > 0 || searchBox_->text().isEmpty();
     const QString style =
-        QLatin1StringView(visible > 0 ? WarpLook::kSearchBox : WarpLook::kSearchBoxNothingFound);
+        QLatin1StringView(isFound ? WarpLook::kSearchBox : WarpLook::kSearchBoxNothingFound);
     if (style != searchBox_->styleSheet())
         searchBox_->setStyleSheet(style);
 }

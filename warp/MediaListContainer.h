@@ -131,6 +131,7 @@ private:
     /// Repeats the search once after all changes of this event-loop iteration, because the search
     /// box shows whether there is a hit.
     void scheduleSearch();
+    void showResult(int visible);
 
     const Configuration& configuration_;
     SearchBox* searchBox_;

@@ -1,16 +1,24 @@
 #pragma once
 
 #include <QLabel>
+#include <QStringList>
 
-/// A label for a name from the network: one line of plain text, elided in the middle to the label's
-/// width. The tool tip shows an elided name in full; text() is always the full name.
+/// A label for a name from the network: two lines of plain text. Of a name that is too long the
+/// beginning is shown, and the part in which it differs from others. The tool tip shows it whole;
+/// text() is always the full name.
 class NameLabel final : public QLabel {
     Q_OBJECT
 
 public:
     explicit NameLabel(QWidget* parent = nullptr);
 
-    void setName(const QString& name);
+    /// `common` is the number of leading characters that other names have, too.
+    void setName(const QString& name, qsizetype common);
+    /// Both lines with a line break between them.
+    [[nodiscard]] QString shownText() const { return lines_.join(QLatin1Char('\n')); }
+
+    /// The name as the plain text of a tool tip.
+    [[nodiscard]] static QString toolTipOf(const QString& name);
 
 protected:
     bool event(QEvent* event) override;
@@ -19,6 +27,10 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    QString shownText() const;
-    void updateToolTip();
+    void layOut();
+    /// The second line of a name that does not fit, of which the first has `first` characters.
+    [[nodiscard]] QString elidedLine(const QString& name, qsizetype first) const;
+
+    qsizetype common_ = 0;
+    QStringList lines_;
 };

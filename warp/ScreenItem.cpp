@@ -1,6 +1,5 @@
 #include "warp/ScreenItem.h"
 
-#include "app/shell/EventDispatcher.h"
 #include "network/events/BlindEvent.h"
 #include "warp/ScreenPartItem.h"
 #include "warp/WarpLook.h"
@@ -54,5 +53,5 @@ void ScreenItem::showParts() {
 
 void ScreenItem::onBlind() {
     BlindEvent event(0, static_cast<unsigned int>(id()), name().toUtf8().constData(), !isBlinded());
-    EventDispatcher::getInstance()->client().sendEvent(event);
+    sendBlind(event);
 }

@@ -1,6 +1,5 @@
 #include "warp/ScreenPartItem.h"
 
-#include "app/shell/EventDispatcher.h"
 #include "network/events/ScreenPartBlindEvent.h"
 #include "warp/ScreenItem.h"
 #include "warp/WarpLook.h"
@@ -30,5 +29,5 @@ void ScreenPartItem::onBlind() {
     ScreenPartBlindEvent event(static_cast<unsigned int>(screenItem_->id()),
                                static_cast<unsigned int>(id()), 0, name().toUtf8().constData(),
                                !isBlinded());
-    EventDispatcher::getInstance()->client().sendEvent(event);
+    sendBlind(event);
 }

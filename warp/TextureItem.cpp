@@ -1,6 +1,5 @@
 #include "warp/TextureItem.h"
 
-#include "app/shell/EventDispatcher.h"
 #include "network/events/MediaBlindEvent.h"
 #include "warp/WarpLook.h"
 
@@ -20,5 +19,5 @@ void TextureItem::onBlind() {
     MediaBlindEvent event(LV_NTC_ElementType::Texture, cueId(),
                           static_cast<unsigned int>(textureId_), 0, name().toUtf8().constData(),
                           !isBlinded());
-    EventDispatcher::getInstance()->client().sendEvent(event);
+    sendBlind(event);
 }

@@ -2,11 +2,12 @@
 
 #include "warp/WarpLook.h"
 
-#include <QCoreApplication>
-#include <QMouseEvent>
 #include <QScrollArea>
 #include <QScroller>
+#include <QTimerEvent>
 #include <QTouchEvent>
+
+#include <utility>
 
 TouchScroller::TouchScroller(QScrollArea* area) : QObject(area), area_(area) {
     QScroller* scroller = QScroller::scroller(area);
@@ -15,6 +16,7 @@ TouchScroller::TouchScroller(QScrollArea* area) : QObject(area), area_(area) {
                                QScrollerProperties::OvershootAlwaysOff);
     properties.setScrollMetric(QScrollerProperties::DragStartDistance, 0.0);
     scroller->setScrollerProperties(properties);
+    connect(scroller, &QScroller::stateChanged, this, &TouchScroller::updateHeld);
     area->widget()->setAttribute(Qt::WA_AcceptTouchEvents);
     area->widget()->installEventFilter(this);
 }
@@ -28,9 +30,12 @@ bool TouchScroller::eventFilter(QObject* watched, QEvent* event) {
         event->accept(); // so that Qt synthesizes no mouse events
         return true;
     case QEvent::TouchCancel:
-        isTap_ = false;
+    case QEvent::Hide: // no end of the touch follows
+        endPress();
+        isDown_ = false;
         QScroller::scroller(area_)->stop();
-        return true;
+        updateHeld();
+        return event->type() == QEvent::TouchCancel;
     default:
         return QObject::eventFilter(watched, event);
     }
@@ -43,31 +48,63 @@ void TouchScroller::handleTouch(const QTouchEvent& event) {
     const auto time = static_cast<qint64>(event.timestamp());
     switch (event.type()) {
     case QEvent::TouchBegin:
-        start_ = finger.globalPosition();
-        isTap_ = scroller->state() != QScroller::Scrolling; // a touch that stops a flick is no tap
+        begin(finger.globalPosition());
         scroller->handleInput(QScroller::InputPress, position, time);
         break;
     case QEvent::TouchUpdate:
         if ((finger.globalPosition() - start_).manhattanLength() > WarpLook::kTapSlack)
-            isTap_ = false;
+            endPress();
         if (!isTap_)
             scroller->handleInput(QScroller::InputMove, position, time);
         break;
     default:
         scroller->handleInput(QScroller::InputRelease, position, time);
-        if (isTap_)
-            press(finger.globalPosition());
+        isDown_ = false;
+        if (isTap_) {
+            const QPointer<QWidget> target = target_;
+            endPress();
+            if (target != nullptr && target->isVisible())
+                emit tapped(target, target->mapFromGlobal(finger.globalPosition()));
+        }
+        updateHeld();
         break;
     }
 }
 
-void TouchScroller::press(QPointF position) {
-    area_->setFocus(Qt::MouseFocusReason);
+void TouchScroller::begin(QPointF position) {
+    start_ = position;
+    // A touch that stops a flick is no tap.
+    isTap_ = QScroller::scroller(area_)->state() != QScroller::Scrolling;
+    isDown_ = true;
+    updateHeld();
     QWidget* content = area_->widget();
-    QWidget* target = content->childAt(content->mapFromGlobal(position).toPoint());
-    if (target == nullptr)
+    // Chosen now, because the content may change until the finger is lifted.
+    target_ = isTap_ ? content->childAt(content->mapFromGlobal(position).toPoint()) : nullptr;
+    if (target_ != nullptr) {
+        longPress_.start(WarpLook::kLongPressMs, this);
+        emit pressed(target_, true);
+    }
+}
+
+void TouchScroller::endPress() {
+    isTap_ = false;
+    longPress_.stop();
+    QWidget* target = target_;
+    target_ = nullptr;
+    if (target != nullptr)
+        emit pressed(target, false);
+}
+
+void TouchScroller::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != longPress_.timerId())
         return;
-    QMouseEvent press(QEvent::MouseButtonPress, target->mapFromGlobal(position), position,
-                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(target, &press);
+    longPress_.stop();
+    if (target_ != nullptr)
+        emit longPressed(target_);
+}
+
+void TouchScroller::updateHeld() {
+    const bool isHeld = isDown_ || QScroller::scroller(area_)->state() == QScroller::Scrolling;
+    if (std::exchange(isHeld_, isHeld) != isHeld)
+        emit held(isHeld);
 }

@@ -130,13 +130,14 @@ private slots:
         mesh.setMediaDeformationModeEvent(
             {Kind::Media, Deformation::Curve, 3, 31, 30, "", 64, 3, true});
         mesh.setScreenPartDeformationModeEvent({Deformation::Bezier, 1, 5, 15, "", 4, 1, false});
-        mesh.setDeformationModeEvent({Deformation::Curve, 1, 10, "", 65, 3, true});
+        mesh.setDeformationModeEvent({Deformation::Curve, 0xFFFFFFFF, 10, "", 65, 3, true});
         const char* ignored = "MediaList: Deformation of type %d with %u x %u points ignored";
-        messages_->expect(QtWarningMsg, QString::asprintf(ignored, 2, 65U, 3U));
         messages_->expect(QtWarningMsg, QString::asprintf(ignored, 1, 4U, 1U));
         rig_->deliver(mesh);
+        QCOMPARE(row("Clip")->deformation().type, -1); // the whole event is dropped
+        mesh.setScreenPartDeformationModeEvent({Deformation::Bezier, 1, 5, 15, "", 4, 4, false});
+        rig_->deliver(mesh);
         QCOMPARE(row("Clip")->deformation().rows, 64);
-        QCOMPARE(row("Wall")->deformation().type, -1);
     }
 
     void outOfBoundsElementsAreDroppedWithAWarning() {
@@ -170,6 +171,10 @@ private slots:
         QTRY_VERIFY(search()->styleSheet() != normal);
         QTest::mouseClick(search()->findChild<QToolButton*>(), Qt::LeftButton);
         QVERIFY(search()->hasFocus() && !row("Clip")->isHidden());
+        list_->removeMedia(1);
+        search()->setText("x");
+        search()->clear();
+        QCOMPARE(search()->styleSheet(), normal); // an empty list is no failed search
     }
 
     void searchBoxReturnsTheFocusToTheList() {
@@ -208,7 +213,9 @@ private slots:
         bar()->setValue(0);
         const QString name = "0<b>A name that is far too long for the row it stands in</b>";
         addMedia(300, name);
-        QTRY_COMPARE(firstRowInView(), name);
+        QTRY_COMPARE(bar()->value(), 52); // the first row in view keeps its place
+        bar()->setValue(0);
+        QCOMPARE(firstRowInView(), name);
         QCOMPARE(row(name)->findChild<NameLabel*>()->toolTip(), name.toHtmlEscaped());
     }
 
@@ -240,6 +247,77 @@ private slots:
         QTRY_VERIFY(bar()->value() > 100);
         finger().release(0, down - QPoint(0, 150)).commit();
         QVERIFY(rig_->getsNothing());
+    }
+
+    /// The edits of another companion arrive while a finger is down, and in between.
+    void fingerPressesTheRowUnderIt() {
+        QRandomGenerator random(12);
+        for (int id = 0; id < 20; ++id) {
+            list_->addScreen(id, 0, 1, 1, 0.0, false, false, QString("Screen %1").arg(100 + id));
+            for (const int part : {0, 1})
+                list_->addScreenPart(id, part, 0, 1, 1, 0.0, false, QString::number(part));
+        }
+        search()->setText("s");
+        bar()->setValue(300);
+        const auto rowsInView = [&] {
+            QCoreApplication::processEvents();
+            QList<Item*> rows;
+            for (int i = 0; Item* item = list_->getItemFromLayout(i); ++i)
+                if (!item->visibleRegion().isEmpty())
+                    rows << item;
+            return rows;
+        };
+        const auto placeOf = [&](Item* item) { return item->mapTo(&rig_->window, QPoint(80, 25)); };
+        const auto edit = [&](const Item* spared) {
+            const int id = random.bounded(20);
+            if (!spared->labelText().startsWith(QString("Screen %1").arg(100 + id)))
+                rig_->deliver(ScreenModeEvent(Mode(2 + random.bounded(2)), unsigned(id), 0, ""),
+                              BlindEvent(0, unsigned(id), "", random.bounded(2) == 0));
+        };
+        for (int press = 0; press < 50; ++press) {
+            Item* first = rowsInView().constFirst();
+            const QPoint firstPlace = placeOf(first);
+            edit(first);
+            const QList<Item*> rows = rowsInView();
+            QCOMPARE(placeOf(first), firstPlace);
+            Item* pressed = rows[1 + random.bounded(rows.size() - 2)]; // not cut by the edge
+            const QPoint place = placeOf(pressed);
+            finger().press(0, place).commit();
+            for (int i = 0; i < 3; ++i)
+                edit(pressed);
+            QCOMPARE(placeOf(pressed), place);
+            finger().release(0, place).commit();
+            QCOMPARE(list_->selection(), pressed);
+        }
+    }
+
+    void eyeShowsTheWaitForTheProducer() {
+        addMedia(1, "Clip");
+        QCoreApplication::processEvents();
+        const auto* eye = row("Clip")->findChild<BlindButton*>();
+        const QPoint edge = row("Clip")->mapTo(&rig_->window, QPoint(175 - 43, 25));
+        QTest::mouseClick(rig_->window.windowHandle(), Qt::LeftButton, {}, edge);
+        QCOMPARE(eye->state(), BlindButton::State::Waiting);
+        rig_->deliver(MediaBlindEvent(Kind::Media, 1, 0, 0, "Clip", true));
+        QCOMPARE(eye->state(), BlindButton::State::Reported);
+        row("Clip")->onBlind();
+        rig_->deliver(MediaBlindEvent(Kind::Media, 1, 0, 0, "Clip", true)); // refused
+        QTRY_COMPARE(eye->state(), BlindButton::State::Refused);
+    }
+
+    void namesShowInWhatTheyDiffer() {
+        const QStringList parts{"Left half of the wall", "Right half of the wall",
+                                "Lower half of the wall behind the stage, upper row",
+                                "Upper half of the wall behind the stage, upper row"};
+        list_->addScreen(1, 0, 1, 1, 0.0, false, false, "Screen 001");
+        list_->updateScreenMode(1, Mode::Parts);
+        for (int id = 0; id < parts.size(); ++id)
+            list_->addScreenPart(1, id, 0, 1, 1, 0.0, false, parts[id]);
+        QCoreApplication::processEvents();
+        for (const QString& part : parts) {
+            const auto* label = row("Screen 001, " + part)->findChild<NameLabel*>();
+            QVERIFY2(label->shownText().contains(part.first(4)), qPrintable(label->shownText()));
+        }
     }
 
 private:
