@@ -64,12 +64,13 @@ using JoystickPointer = std::unique_ptr<SDL_Joystick, JoystickCloser>;
 
 ControllerLayout::Inputs inputsOf(SDL_Joystick* joystick) {
     ControllerLayout::Inputs inputs;
-    for (int i = 0; i < SDL_JoystickNumAxes(joystick); ++i)
-        inputs.axes.push_back(SDL_JoystickGetAxis(joystick, i));
-    for (int i = 0; i < SDL_JoystickNumHats(joystick); ++i)
-        inputs.hats.push_back(SDL_JoystickGetHat(joystick, i));
+    auto& [buttons, axes, hats] = inputs;
     for (int i = 0; i < SDL_JoystickNumButtons(joystick); ++i)
-        inputs.buttons.push_back(SDL_JoystickGetButton(joystick, i));
+        buttons.push_back(SDL_JoystickGetButton(joystick, i));
+    for (int i = 0; i < SDL_JoystickNumAxes(joystick); ++i)
+        axes.push_back(SDL_JoystickGetAxis(joystick, i));
+    for (int i = 0; i < SDL_JoystickNumHats(joystick); ++i)
+        hats.push_back(SDL_JoystickGetHat(joystick, i));
     return inputs;
 }
 
@@ -82,8 +83,7 @@ ControllerLayout layoutOf(SDL_Joystick* joystick, bool& isKnown) {
     if (known)
         return *known;
     SDL_JoystickUpdate();
-    return ControllerLayout::ofUnknown(SDL_JoystickNumButtons(joystick),
-                                       SDL_JoystickNumHats(joystick), inputsOf(joystick).axes);
+    return ControllerLayout::ofUnknown(inputsOf(joystick));
 }
 
 class SdlControllerDevice : public ControllerDevice {
@@ -218,24 +218,24 @@ private:
         switch (event.type) {
         case SDL_JOYAXISMOTION:
             if (event.jaxis.which == id_)
-                recordInput(InputKind::Axis, inputs_.axes, event.jaxis.axis, event.jaxis.value);
+                recordInput(InputKind::Axis, event.jaxis.axis, event.jaxis.value);
             break;
         case SDL_JOYHATMOTION:
             if (event.jhat.which == id_)
-                recordInput(InputKind::Hat, inputs_.hats, event.jhat.hat, event.jhat.value);
+                recordInput(InputKind::Hat, event.jhat.hat, event.jhat.value);
             break;
         case SDL_JOYBUTTONDOWN:
         case SDL_JOYBUTTONUP:
             if (event.jbutton.which == id_)
-                recordInput(InputKind::Button, inputs_.buttons, event.jbutton.button,
-                            event.jbutton.state);
+                recordInput(InputKind::Button, event.jbutton.button, event.jbutton.state);
             break;
         default:
             break;
         }
     }
 
-    void recordInput(InputKind kind, std::vector<int>& positions, std::size_t index, int position) {
+    void recordInput(InputKind kind, std::size_t index, int position) {
+        std::vector<int>& positions = inputs_.at(static_cast<std::size_t>(kind));
         if (index >= positions.size())
             return;
         positions[index] = position;

@@ -19,8 +19,8 @@ constexpr double kPressed = 0.5; // part of its way from which an input counts a
 constexpr int kReleasedTrigger = -32000; // positions up to here count as the low end
 // The capacity of the standard joystick state; further inputs of a device are ignored.
 constexpr std::size_t kMaxAxes = 8;
-constexpr int kMaxHats = 4;
-constexpr int kMaxButtons = 32;
+constexpr std::size_t kMaxHats = 4;
+constexpr std::size_t kMaxButtons = 32;
 constexpr std::size_t kStandardAxes = 6;
 constexpr std::uint32_t kFirstExtraAxis = 24;
 
@@ -141,9 +141,7 @@ std::vector<std::uint32_t> guessedAxes(const std::vector<int>& positions) {
 
 /// How far the part of the input is moved, 0 to 1.
 double movedPart(const Layout::Binding& binding, const Layout::Inputs& inputs) {
-    const auto& positions = binding.kind == Kind::Button ? inputs.buttons
-                            : binding.kind == Kind::Hat  ? inputs.hats
-                                                         : inputs.axes;
+    const std::vector<int>& positions = inputs.at(static_cast<std::size_t>(binding.kind));
     const auto index = static_cast<std::size_t>(binding.index); // huge for kMissing
     if (index >= positions.size())
         return 0;
@@ -197,22 +195,22 @@ void ControllerLayout::bind(std::string_view target, std::string_view source) {
     bindings_.push_back(binding);
 }
 
-ControllerLayout ControllerLayout::ofUnknown(int buttons, int hats,
-                                             const std::vector<int>& releasedAxes) {
+ControllerLayout ControllerLayout::ofUnknown(const Inputs& released) {
+    const auto& [buttons, axes, hats] = released;
     ControllerLayout layout;
-    const std::vector<std::uint32_t> axes = guessedAxes(releasedAxes);
-    for (std::size_t i = 0; i < std::min(releasedAxes.size(), kMaxAxes); ++i) {
-        const auto extra = static_cast<std::uint32_t>(kFirstExtraAxis + 4 * (i - axes.size()));
+    const std::vector<std::uint32_t> guessed = guessedAxes(axes);
+    for (std::size_t i = 0; i < std::min(axes.size(), kMaxAxes); ++i) {
+        const auto extra = static_cast<std::uint32_t>(kFirstExtraAxis + 4 * (i - guessed.size()));
         layout.bindings_.push_back({Kind::Axis, static_cast<int>(i), kLow, kHigh,
-                                    i < axes.size() ? axes[i] : extra, kLow, kHigh});
+                                    i < guessed.size() ? guessed[i] : extra, kLow, kHigh});
     }
-    for (int i = 0; i < std::min(hats, kMaxHats); ++i)
-        for (const int bit : {1, 2, 4, 8})
-            layout.bindings_.push_back(
-                {Kind::Hat, i, 0, bit, kHat + 4 * static_cast<std::uint32_t>(i), 0, bit});
-    for (int i = 0; i < std::min(buttons, kMaxButtons); ++i)
+    for (std::size_t i = 0; i < std::min(hats.size(), kMaxHats); ++i)
+        for (const int bit : {kUp, kRight, kDown, kLeft})
+            layout.bindings_.push_back({Kind::Hat, static_cast<int>(i), 0, bit,
+                                        kHat + 4 * static_cast<std::uint32_t>(i), 0, bit});
+    for (std::size_t i = 0; i < std::min(buttons.size(), kMaxButtons); ++i)
         layout.bindings_.push_back(
-            {Kind::Button, i, 0, 1, button(static_cast<std::uint32_t>(i)), 0, 1});
+            {Kind::Button, static_cast<int>(i), 0, 1, button(static_cast<std::uint32_t>(i)), 0, 1});
     return layout;
 }
 

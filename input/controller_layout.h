@@ -3,6 +3,7 @@
 #include "input/controller_device.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -12,7 +13,7 @@
 /// and hats in its own order.
 class ControllerLayout {
 public:
-    enum class InputKind { Button, Axis, Hat };
+    enum class InputKind : std::size_t { Button, Axis, Hat };
 
     /// A part of an input of the device: a button, one direction of a hat, or the way of an axis
     /// from `rest` to `full`. Several parts may lead to one input of the state.
@@ -27,12 +28,9 @@ public:
         int offsetFull = 1;       ///< position of an axis of the state, or the bit of a hat
     };
 
-    /// The positions of a device's inputs. Missing ones count as released.
-    struct Inputs {
-        std::vector<int> axes;    ///< kLow to kHigh
-        std::vector<int> hats;    ///< bits
-        std::vector<int> buttons; ///< 0 or 1
-    };
+    /// The positions of a device's inputs by InputKind and index: kLow to kHigh for an axis, bits
+    /// for a hat, 0 or 1 for a button. Missing ones count as released.
+    using Inputs = std::array<std::vector<int>, 3>;
 
     static constexpr int kLow = -32768;
     static constexpr int kHigh = 32767;
@@ -46,8 +44,8 @@ public:
     static std::optional<ControllerLayout> ofMapping(std::string_view line);
 
     /// A device that SDL's table does not contain: buttons and hats keep their numbers, axes their
-    /// order. `releasedAxes` are the positions of the device's axes while nothing is touched.
-    static ControllerLayout ofUnknown(int buttons, int hats, const std::vector<int>& releasedAxes);
+    /// order. `released` has all inputs of the device, while nothing is touched.
+    static ControllerLayout ofUnknown(const Inputs& released);
 
     const std::vector<Binding>& bindings() const { return bindings_; }
 

@@ -147,13 +147,11 @@ private slots:
             const auto offsets = layout->offsets();
             QVERIFY2(std::ranges::count(offsets, ControllerOffset::button(0)) == 1, line.get());
 
-            std::vector released(3, std::vector(256, 0)); // buttons, axes, hats
+            ControllerLayout::Inputs released;
+            released.fill(std::vector(256, 0));
             for (const auto& binding : layout->bindings())
                 if (binding.index >= 0 && !isStick(binding.offset))
                     released[size_t(binding.kind)][size_t(binding.index)] = binding.rest;
-            const auto position = [&](std::uint32_t offset, const auto& inputs) {
-                return layout->position(offset, {inputs[1], inputs[2], inputs[0]});
-            };
             std::set<std::pair<std::uint32_t, int>> uses;
             for (const auto& binding : layout->bindings()) {
                 QVERIFY2(uses.emplace(binding.offset, binding.offsetFull).second, line.get());
@@ -163,8 +161,9 @@ private slots:
                 moved[size_t(binding.kind)][size_t(binding.index)] = binding.full;
                 for (const auto offset : offsets)
                     QVERIFY2(offset == binding.offset
-                                 ? position(offset, moved) == binding.offsetFull
-                                 : position(offset, moved) == position(offset, released),
+                                 ? layout->position(offset, moved) == binding.offsetFull
+                                 : layout->position(offset, moved) ==
+                                       layout->position(offset, released),
                              line.get());
             }
         }
