@@ -28,6 +28,7 @@ private slots:
         row("beside the centre", {}, kX, {32769}, "left 4.6e-05 0");
         row("centre, signed", {-32768, 32767}, kX, {-1}, "");
         row("even range", {-1000, 1000}, kX, {500}, "left 0.5 0");
+        row("one of two triggers", {}, kZ, {49151}, "pressure 0.25");
         row("range of one position", {5, 5}, kX, {5}, "");
         row("hat", {}, kHat, {300, 4500, 4501, 13500, 13501, 22500, 22501, 31500, 31501, 0xFFFF},
             "press 4, release 4, press 5, release 5, press 6, release 6, press 7, release 7, "
@@ -49,8 +50,8 @@ private slots:
     void takesRightAxisThatRestsAtItsEndForTrigger_data() {
         QTest::addColumn<int>("restTime"); // ms
         QTest::addColumn<QString>("expected");
-        QTest::newRow("at rest") << 0 << "; ; right 1 0, pressure -1; right 0 0";
-        QTest::newRow("not yet") << 3'600'000 << "; ; ; ";
+        QTest::newRow("at rest") << 0 << "; ; ; right 1 0, pressure -1; right 0 0";
+        QTest::newRow("not yet") << 3'600'000 << "; ; ; ; ";
     }
 
     void takesRightAxisThatRestsAtItsEndForTrigger() {
@@ -58,7 +59,7 @@ private slots:
         pad_->state.axes[4] = 0;
         start(restTime);
         QStringList events{feed({{kRy, 65535}})}; // a trigger that is held
-        events << feed({{kRy, 0}}) << feed({{kRy, 65535}, {kRx, 65535}})
+        events << feed({}) << feed({{kRy, 0}}) << feed({{kRy, 65535}, {kRx, 65535}})
                << feed({{kRy, 0}, {kRx, 32768}});
         QTEST(events.join("; "), "expected");
     }
