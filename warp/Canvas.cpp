@@ -21,6 +21,7 @@
 #include <QQuickItem>
 #include <QQuickWidget>
 #include <QQuickWindow>
+#include <QTouchEvent>
 #include <QTransform>
 #include <QUrl>
 
@@ -36,6 +37,24 @@ constexpr std::array kEventTypes{LV_NTC_EventType::MediaMovePoint,
                                  LV_NTC_EventType::ScreenMovePoint,
                                  LV_NTC_EventType::ScreenPartMovePoint,
                                  LV_NTC_EventType::TextureMovePoint, LV_NTC_EventType::ItemData};
+
+/// Shows the scene. Where the scene takes the press of a finger as one of a mouse, it accepts the
+/// event but not its points, and the application would not send the rest of the touch.
+class SceneWidget final : public QQuickWidget {
+public:
+    using QQuickWidget::QQuickWidget;
+
+protected:
+    bool event(QEvent* event) override {
+        const bool isHandled = QQuickWidget::event(event);
+        if (event->type() == QEvent::TouchBegin && event->isAccepted()) {
+            auto& touch = static_cast<QTouchEvent&>(*event);
+            for (qsizetype point = 0; point < touch.pointCount(); ++point)
+                touch.point(point).setAccepted(true);
+        }
+        return isHandled;
+    }
+};
 
 void sendToProducer(Event&& event) {
     EventDispatcher::getInstance()->client().sendEvent(event);
@@ -68,7 +87,7 @@ Canvas::~Canvas() {
 
 void Canvas::initCanvas() {
     QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
-    quickWidget_ = new QQuickWidget(this);
+    quickWidget_ = new SceneWidget(this);
     layout_->addWidget(quickWidget_);
     quickWidget_->setResizeMode(QQuickWidget::SizeRootObjectToView);
     quickWidget_->setClearColor(Qt::black); // white would flash before the first frame
