@@ -10,6 +10,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+
+namespace {
+constexpr double kReachShare = 0.4; // of the way from a point to its nearest neighbour
+}
 
 MeshGridItem::MeshGridItem(QQuickItem* parent) : QQuickItem(parent) {
     setFlag(ItemHasContents);
@@ -160,27 +165,35 @@ void MeshGridItem::setNumberRotation(double degrees) {
         point->setViewingRotation(degrees);
 }
 
-int MeshGridItem::pointAt(const QPointF& position, double reach) {
-    ensureBuilt();
-    const double circle = pointDiameter_ / 2 / zoom_;
-    const double far = std::max(reach, 0.0) / zoom_;
-    int covered = -1;
+MeshGridItem::Neighbour MeshGridItem::nearestPoint(const QPointF& position, int except) const {
     int nearest = -1;
-    double nearestDistance = std::max(far, circle);
+    double nearestSquare = std::numeric_limits<double>::infinity();
     for (int number = static_cast<int>(points_.size()) - 1; number >= 0; --number) {
         const MeshPoint& point = *points_[static_cast<std::size_t>(number)];
-        const double distance = std::hypot(point.x() - position.x(), point.y() - position.y());
-        if (distance <= circle) {
-            if (point.selection() == MeshPoint::State::Current)
-                return number;
-            if (covered < 0)
-                covered = number;
-        } else if (distance < nearestDistance) {
-            nearestDistance = distance;
+        const double dx = point.x() - position.x();
+        const double dy = point.y() - position.y();
+        const double square = dx * dx + dy * dy;
+        const bool isOnTop =
+            square == nearestSquare && point.selection() == MeshPoint::State::Current;
+        if (number != except && (square < nearestSquare || isOnTop)) {
+            nearestSquare = square;
             nearest = number;
         }
     }
-    return covered >= 0 ? covered : nearest;
+    return {nearest, std::sqrt(nearestSquare)};
+}
+
+int MeshGridItem::pointAt(const QPointF& position, double reach) {
+    ensureBuilt();
+    const Neighbour nearest = nearestPoint(position);
+    if (nearest.distance <= pointDiameter_ / 2 / zoom_)
+        return nearest.number;
+    if (!(nearest.distance <= reach / zoom_))
+        return -1;
+    // The room between the points of a fine mesh stays free for panning.
+    const MeshPoint& point = *points_[static_cast<std::size_t>(nearest.number)];
+    const double gap = nearestPoint(QPointF(point.x(), point.y()), nearest.number).distance;
+    return nearest.distance <= kReachShare * gap ? nearest.number : -1;
 }
 
 int MeshGridItem::pointCount() const {

@@ -75,8 +75,9 @@ public:
     /// Rotates the numbers of all points.
     Q_INVOKABLE void setNumberRotation(double degrees);
 
-    /// Number of the point at the position, -1 for none: the topmost point whose circle covers the
-    /// position, otherwise the nearest point within `reach` screen pixels.
+    /// Number of the point nearest to the position, -1 if it is too far away: further than its
+    /// circle, and further than `reach` screen pixels or 0.4 of the way to the next point. Of
+    /// points at the same place it is the topmost.
     Q_INVOKABLE int pointAt(const QPointF& position, double reach);
 
     int pointCount() const;
@@ -116,7 +117,13 @@ private:
         QPointF evenPosition(int number) const;
     };
 
+    struct Neighbour {
+        int number; // -1 for none
+        double distance;
+    };
+
     void ensureBuilt();
+    Neighbour nearestPoint(const QPointF& position, int except = -1) const;
     void destroyPointsAndLines();
     void removePoint(MeshPoint* point);
     void removeLine(MeshLine* line);

@@ -14,7 +14,10 @@ namespace {
 constexpr int kGrabDelay = 100; // ms until a resting finger grabs its point
 constexpr int kSecondFingerTime =
     250; // ms within which a second finger undoes the first finger's drag
-constexpr double kTouchThreshold = 6; // pixels that a resting finger may move
+constexpr double kTouchThreshold = 6;  // pixels that a finger moves before its point does
+constexpr double kRestThreshold = 1.5; // the same after a rest
+constexpr int kRestTime = 250;         // ms
+constexpr double kMouseTapSlack = 4;   // pixels between the two taps of a double tap
 constexpr int kNotch = 120;
 } // namespace
 
@@ -33,14 +36,10 @@ void MeshPointerArea::setGrid(MeshGridItem* grid) {
 }
 
 void MeshPointerArea::endGesture() {
-    restTimer_.stop();
+    grabTimer_.stop();
     candidate_ = -1;
     gesture_ = Gesture::None;
     releasePoint();
-}
-
-void MeshPointerArea::ignoreSecondTap() {
-    firstTapTime_.start();
 }
 
 void MeshPointerArea::setPointerIgnored(bool rests) {
@@ -55,6 +54,8 @@ void MeshPointerArea::setTabFocus(bool reached) {
 
 bool MeshPointerArea::eventFilter(QObject* watched, QEvent* event) {
     const bool isWindow = watched == window();
+    if (isWindow)
+        trackDialogPress(*event);
     if (isWindow && (event->type() == QEvent::MouseMove || event->type() == QEvent::Enter)) {
         setPointerIgnored(false);
     } else if (!isWindow && event->type() == QEvent::FocusIn) {
@@ -80,13 +81,27 @@ int MeshPointerArea::movablePointAt(const QPointF& position, double reach) const
     return grid_->pointAt(mapToItem(grid_, position), reach);
 }
 
-bool MeshPointerArea::isSecondTap() const {
-    return firstTapTime_.isValid() &&
-           firstTapTime_.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval();
+void MeshPointerArea::trackDialogPress(const QEvent& event) {
+    const bool isPress =
+        event.type() == QEvent::MouseButtonPress || event.type() == QEvent::TouchBegin;
+    const bool isRelease =
+        event.type() == QEvent::MouseButtonRelease || event.type() == QEvent::TouchEnd;
+    if (isEnabled() || !(isPress || isRelease))
+        return;
+    dialogPressTime_.start();
+    if (isPress)
+        dialogPress_ =
+            mapFromScene(static_cast<const QPointerEvent&>(event).points().first().position());
+}
+
+bool MeshPointerArea::isSecondTap(const QPointF& position, double slack) const {
+    return dialogPressTime_.isValid() &&
+           dialogPressTime_.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval() &&
+           QLineF(dialogPress_, position).length() <= slack;
 }
 
 void MeshPointerArea::updateGrabOffset() {
-    const MeshPoint* point = grid_->point(draggedPoint_);
+    const MeshPoint* point = grid_ ? grid_->point(draggedPoint_) : nullptr;
     if (!point)
         return;
     grabOffset_ = QPointF(point->x(), point->y()) - mapToItem(grid_, lastPosition_);
@@ -137,7 +152,7 @@ void MeshPointerArea::finish() {
 void MeshPointerArea::mousePressEvent(QMouseEvent* event) {
     finish();
     event->accept();
-    if (isSecondTap())
+    if (isSecondTap(event->position(), kMouseTapSlack))
         return;
     lastPosition_ = event->position();
     const int point = movablePointAt(event->position(), 0);
@@ -206,30 +221,27 @@ void MeshPointerArea::touchEvent(QTouchEvent* event) {
 
 void MeshPointerArea::beginTouch(const QPointF& position, bool control) {
     finish();
-    if (isSecondTap())
+    if (isSecondTap(position, touchReach_))
         return;
     touchTime_.start();
-    touchStart_ = lastPosition_ = position;
+    restTime_.start();
+    touchStart_ = restStart_ = lastPosition_ = position;
     moved_ = false;
     candidate_ = movablePointAt(position, touchReach_);
     candidateControl_ = control;
     gesture_ = candidate_ >= 0 ? Gesture::Undecided : Gesture::Pan;
     if (candidate_ >= 0)
-        restTimer_.start(kGrabDelay, this);
+        grabTimer_.start(kGrabDelay, this);
 }
 
 void MeshPointerArea::continueTouch(const QPointF& position) {
     switch (gesture_) {
     case Gesture::Undecided:
     case Gesture::Drag:
-        moved_ = moved_ || QLineF(touchStart_, position).length() > kTouchThreshold;
         if (!moved_)
-            break;
-        if (gesture_ == Gesture::Undecided) {
-            restTimer_.stop();
-            grabPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
-        }
-        dragPointTo(position);
+            leaveThreshold(position);
+        if (moved_)
+            dragPointTo(position);
         break;
     case Gesture::Pinch: // one of the two fingers was lifted
         gesture_ = Gesture::Pan;
@@ -240,6 +252,29 @@ void MeshPointerArea::continueTouch(const QPointF& position) {
         break;
     case Gesture::None:
         break;
+    }
+}
+
+// Begins the drag where the finger leaves its threshold, so that the point does not jump.
+void MeshPointerArea::leaveThreshold(const QPointF& position) {
+    const auto leave = [&](const QPointF& from, double threshold) {
+        QLineF way(from, position);
+        if (moved_ || way.length() <= threshold)
+            return;
+        grabTimer_.stop();
+        if (gesture_ == Gesture::Undecided)
+            grabPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
+        way.setLength(threshold);
+        moved_ = true;
+        lastPosition_ = way.p2();
+        updateGrabOffset();
+    };
+    if (restTime_.elapsed() >= kRestTime)
+        leave(restStart_, kRestThreshold);
+    leave(touchStart_, kTouchThreshold);
+    if (QLineF(restStart_, position).length() > kRestThreshold) {
+        restStart_ = position;
+        restTime_.start();
     }
 }
 
@@ -281,11 +316,11 @@ void MeshPointerArea::hoverMoveEvent(QHoverEvent* event) {
 }
 
 void MeshPointerArea::timerEvent(QTimerEvent* event) {
-    if (event->timerId() != restTimer_.timerId()) {
+    if (event->timerId() != grabTimer_.timerId()) {
         QQuickItem::timerEvent(event);
         return;
     }
-    restTimer_.stop();
+    grabTimer_.stop();
     if (gesture_ == Gesture::Undecided && candidate_ >= 0)
         grabPoint(std::exchange(candidate_, -1), touchStart_, candidateControl_);
 }

@@ -17,7 +17,11 @@
 ///
 /// A mouse grabs a point when it presses. A finger grabs a point when it lifts, rests for a moment
 /// or moves on, because before that it may be the first of two fingers. Two fingers never grab a
-/// point, and end a drag.
+/// point, and end a drag. The first pixels of a finger's way do not move its point, because a
+/// finger that taps rolls: six, or one and a half after it has rested.
+///
+/// A press at the place where a dialog was pressed just before has no effect, because it is the
+/// second tap on a control that has closed.
 ///
 /// It also tracks whether the pointer has moved since ignorePointerUntilMoved() and whether its
 /// parent has the keyboard focus by Tab.
@@ -26,7 +30,8 @@ class MeshPointerArea : public QQuickItem {
     QML_ELEMENT
     /// The mesh whose points a pointer grabs; null for none.
     Q_PROPERTY(MeshGridItem* grid READ grid WRITE setGrid NOTIFY gridChanged)
-    /// Distance within which a finger grabs a point, in screen pixels from the point's centre.
+    /// Distance within which a finger grabs a point, in screen pixels from the point's centre. It
+    /// is less where another point is near.
     Q_PROPERTY(double touchReach MEMBER touchReach_ NOTIFY touchReachChanged)
     Q_PROPERTY(bool dragging READ isDragging NOTIFY draggingChanged)
     /// True from ignorePointerUntilMoved() until the pointer moves.
@@ -45,9 +50,6 @@ public:
 
     /// Releases a grabbed point; pointers that are down do nothing until they are lifted.
     Q_INVOKABLE void endGesture();
-    /// Ignores presses for the double-click interval, because the second tap on a control that has
-    /// closed would hit what is behind it.
-    Q_INVOKABLE void ignoreSecondTap();
     /// Call when a dialog closes: the pointer did not choose the control that it is on now.
     Q_INVOKABLE void ignorePointerUntilMoved() { setPointerIgnored(true); }
 
@@ -89,7 +91,8 @@ private:
     enum class Gesture { None, Undecided, Drag, Pan, Pinch };
 
     int movablePointAt(const QPointF& position, double reach) const;
-    bool isSecondTap() const;
+    void trackDialogPress(const QEvent& event);
+    bool isSecondTap(const QPointF& position, double slack) const;
     void updateGrabOffset();
     void grabPoint(int pointId, const QPointF& position, bool control);
     void dragPointTo(const QPointF& position);
@@ -97,6 +100,7 @@ private:
     void panTo(const QPointF& position);
     void beginTouch(const QPointF& position, bool control);
     void continueTouch(const QPointF& position);
+    void leaveThreshold(const QPointF& position);
     void beginPinch(const QPointF& first, const QPointF& second);
     void continuePinch(const QPointF& first, const QPointF& second);
     void finish();
@@ -116,15 +120,18 @@ private:
     bool hasTabFocus_ = false;
     int notchRemainder_ = 0; // of the wheel, in eighths of a degree
 
-    QMap<int, QPointF> fingers_; // that are down, by id
-    QElapsedTimer firstTapTime_;
+    QMap<int, QPointF> fingers_;    // that are down, by id
+    QPointF dialogPress_;           // where a pointer pressed while the area was disabled
+    QElapsedTimer dialogPressTime_; // since it pressed or was lifted
 
     // Gesture::Undecided: one finger is down on a point.
     int candidate_ = -1;
     bool candidateControl_ = false;
-    bool moved_ = false; // further than kTouchThreshold
+    bool moved_ = false; // further than its threshold
     QPointF touchStart_;
+    QPointF restStart_; // the finger has been near it for restTime_
+    QElapsedTimer restTime_;
     QPointF pointStart_;
     QElapsedTimer touchTime_;
-    QBasicTimer restTimer_;
+    QBasicTimer grabTimer_;
 };

@@ -36,9 +36,7 @@ function connectButton(scene, button) {
         break;
     default:
         console.log("Dialog button connect error!");
-        return;
     }
-    button.clicked.connect(() => scene.pointerArea.ignoreSecondTap());
 }
 
 // Sends the chosen deformation to the Producer.

@@ -72,15 +72,9 @@ function handlerOf(type) {
     case "warpToolBarButton":
         return warpToolBarButtonClicked;
     case "rotationButton":
-        return (scene, buttonId) => {
-            scene.rotationDialog.selectView(buttonId);
-            scene.pointerArea.ignoreSecondTap();
-        };
+        return (scene, buttonId) => scene.rotationDialog.selectView(buttonId);
     case "closeButton":
-        return scene => {
-            scene.rotationDialog.close();
-            scene.pointerArea.ignoreSecondTap();
-        };
+        return scene => scene.rotationDialog.close();
     default:
         return null;
     }

@@ -25,9 +25,6 @@ private slots:
         rows("[selected, at(4), canvasMedia.x, mediaScaleFactor.toFixed(3)]", R"(
         no mesh for keys, sticks and wheel | media; click 4; bar 2; key Ctrl+A; action 3; stick 1 1; pan 1 1; trigger 1; wheel 1; key Esc | 4,500,300,30,0.407
         the mesh for keys after Esc | media; bar 2; key Esc; key Ctrl+A | 0 1 2 3 4 5 6 7 8,500,300,30,0.407)");
-        rows("selected", R"(
-        no point for a second tap | media; bar 2; cancel; click 3 |
-        a point for a later tap | media; bar 2; cancel; wait; click 3 | 3)");
         rows("[rotationDialog.visible, rotationDialog.selectedView, item ? item.viewingRotation : "
              "'-']",
              R"(
@@ -39,6 +36,40 @@ private slots:
     }
 
     void showsDialog() { check(); }
+    void swallowsSecondTapAtItsPlace_data() {
+        QTest::addColumn<bool>("isFinger");
+        QTest::addColumn<int>("distance");
+        QTest::addColumn<QString>("between");
+        QTest::addColumn<QList<int>>("selected");
+        const QList<int> none;
+        QTest::newRow("of a mouse") << false << 4 << "1" << none;
+        QTest::newRow("not beside a mouse") << false << 5 << "1" << QList{3};
+        QTest::newRow("not later") << false << 0 << "wait" << QList{3};
+        QTest::newRow("of a finger") << true << 22 << "1" << none;
+        QTest::newRow("not beside a finger") << true << 23 << "1" << QList{3};
+    }
+
+    void swallowsSecondTapAtItsPlace() {
+        QFETCH(bool, isFinger);
+        QFETCH(int, distance);
+        QFETCH(QString, between);
+        play("media; bar 2");
+        const QPoint first = centreOf(itemWith(button("cancel", 0)));
+        const QPoint second = first + QPoint(distance, 0);
+        const QPointF behind = scene->grid()->mapFromScene(second);
+        play(QString("updatePoint(0, 3, %1, %2)").arg(behind.x()).arg(behind.y()));
+        const auto tap = [&](QPoint at) {
+            if (!isFinger)
+                return scene->click(at);
+            touch().press(0, at);
+            touch().release(0, at);
+        };
+        tap(first);
+        play(between);
+        tap(second);
+        QTEST(scene->selectedPoints(), "selected");
+    }
+
     void marksFocus_data() {
         rows("ring ? ring.parent.accessibleName || ring.parent.type || 'canvas' : activeFocus", R"(
         the first control | media; bar 2 | Type of curves
