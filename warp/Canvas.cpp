@@ -128,6 +128,7 @@ void Canvas::initCanvas() {
     context->setContextProperty("curveMaxRows", 16);
     context->setContextProperty("curveMinCols", 3);
     context->setContextProperty("curveMaxCols", 16);
+    context->setContextProperty("deformButtonsPictures", configuration_.deformButtonsPictures);
     context->setContextProperty("sceneTexts", configuration_.sceneTexts);
 
     registerMeshTypes();

@@ -79,6 +79,13 @@ Configuration makeConfiguration() {
                            "V-Flip",
                            "uv2xy",
                            "xy2uv"};
+    c.deformButtonsPictures = {"",
+                               "",
+                               "",
+                               "qrc:///img/horizontal-flip.svg",
+                               "qrc:///img/vertical-flip.svg",
+                               "qrc:///img/uv-to-xy.svg",
+                               "qrc:///img/xy-to-uv.svg"};
     c.deformButtonsToolTips = {"Edit",
                                "Horizontal mirror",
                                "Vertical mirror",

@@ -51,7 +51,8 @@ struct Configuration {
     // One entry a button, in the order of the button ids; "%1" and "%2" stand for arrow-key names.
     QStringList selectButtonsPath;
     QStringList selectButtonsToolTips;
-    QStringList deformButtonsPath; ///< a label where the entry is no picture
+    QStringList deformButtonsPath;     ///< a label where the entry is no picture
+    QStringList deformButtonsPictures; ///< above the labels
     QStringList deformButtonsToolTips;
 
     QString currentPointText; // API

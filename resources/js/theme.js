@@ -12,6 +12,7 @@ var quietText = "#a0a0a0";
 var accent = "#0096ff"; // only for selected and pressable elements
 var chosen = "#0b3a5e"; // ground of a chosen element
 var selection = "#b3dffe";
+var selectedText = "#000000"; // on the ground of a selection
 var selectionOutline = "#004c99";
 var shadow = "#c0000000"; // behind white on a light ground
 var disabledOpacity = 0.35;

@@ -179,14 +179,19 @@ function openDeformationDialog(scene) {
 
 // Switches between the positions of the points and their texture coordinates.
 function mapClicked(scene) {
+    editGrid(scene, scene.isCurrentGridXy ? Rules.UV_GRID : Rules.XY_GRID);
+}
+
+// Edits the positions of the points or their texture coordinates.
+function editGrid(scene, gridId) {
     const type = scene.canvasCurrentItemType;
     const entry = CurrentItem.getCurrentEntry(scene);
-    if (!entry || (type !== Rules.MEDIA && type !== Rules.TEXTURE))
+    if (!entry || (type !== Rules.MEDIA && type !== Rules.TEXTURE) || gridId === CurrentItem.getCurrentGridId(scene))
         return;
     Gestures.endAll(scene);
     releaseLockers(scene);
     MeshBuilder.hideGrid(CurrentItem.currentGrid(scene, entry.item));
-    scene.isCurrentGridXy = !scene.isCurrentGridXy;
+    scene.isCurrentGridXy = gridId === Rules.XY_GRID;
     const grid = CurrentItem.currentGrid(scene, entry.item);
     MeshBuilder.showGrid(grid);
     MeshBuilder.refreshPoints(scene, entry.item);

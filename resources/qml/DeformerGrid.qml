@@ -20,7 +20,7 @@ MeshGridItem {
     lineColor: "#dddddd"
     unselectedColors: [Theme.control, Theme.accent, Theme.text]
     selectedColors: [Theme.selection, Theme.selectionOutline, Theme.selectionOutline]
-    currentColors: [Theme.selection, Theme.accent, "#000000"]
+    currentColors: [Theme.selection, Theme.accent, Theme.selectedText]
 
     onMeshRequested: (rows, columns, skipPatchCenter) => MeshBuilder.buildMesh(grid, rows, columns, skipPatchCenter)
 }

@@ -1,6 +1,5 @@
 import QtQuick
 import "../js/theme.js" as Theme
-import "../js/warpToolButtonsActions.js" as WarpToolButtonsActions
 
 // The panel with the tools for selecting and for deforming, one tab each.
 Rectangle {
@@ -34,7 +33,7 @@ Rectangle {
                 readonly property string label: sceneTexts.toolTabs[index]
 
                 width: toolTabImagesSize.width
-                height: toolTabImagesSize.height + 14
+                height: toolTabImagesSize.height
 
                 Accessible.role: Accessible.PageTab
                 Accessible.name: label
@@ -48,7 +47,7 @@ Rectangle {
                 }
 
                 Rectangle {
-                    anchors { bottom: parent.bottom; left: parent.left; right: parent.right; margins: 4 }
+                    anchors { bottom: parent.bottom; left: parent.left; right: parent.right; leftMargin: 4; rightMargin: 4 }
                     height: 3
                     radius: 1.5
                     color: Theme.accent
@@ -58,9 +57,9 @@ Rectangle {
                 Image {
                     id: picture
 
-                    anchors { top: parent.top; topMargin: 6; horizontalCenter: parent.horizontalCenter }
-                    width: 34
-                    height: 34
+                    anchors { top: parent.top; topMargin: 2; horizontalCenter: parent.horizontalCenter }
+                    width: 30
+                    height: 30
                     source: tab.modelData
                     sourceSize { width: picture.width; height: picture.height }
                     opacity: tab.current ? 1 : 0.6
@@ -81,60 +80,90 @@ Rectangle {
         }
     }
 
-    Grid {
+    Column {
         id: selectTab
 
-        anchors { top: header.bottom; topMargin: Theme.spacing; horizontalCenter: parent.horizontalCenter }
-        columns: 2
-        columnSpacing: 12
-        rowSpacing: 4
+        // In a small window the crosses are closer, so that the groups stay apart.
+        readonly property real room: height - 8 * Theme.touchTarget
+        readonly property real opening: bounded(room / 3 - 4 * Theme.spacing, 20, Theme.touchTarget + 2 * Theme.spacing)
+
+        anchors { top: header.bottom; bottom: parent.bottom; margins: Theme.spacing; horizontalCenter: parent.horizontalCenter }
+        spacing: bounded((room - 3 * opening) / 4, Theme.spacing, 3 * Theme.spacing)
         enabled: tabs.scene.buttonsEnabled
         visible: tabs.currentTab === 0
 
-        Repeater {
-            model: selectButtonsPath
+        function bounded(value, least, most) {
+            return Math.max(least, Math.min(value, most));
+        }
 
-            WarpToolButton {
-                required property int index
-                required property url modelData
+        component SelectGroup: ToolGroup {
+            anchors.horizontalCenter: parent.horizontalCenter
+            gap: isCross ? selectTab.opening : 2 * Theme.spacing
+            scene: tabs.scene
+            buttonType: "selectWarpToolButton"
+        }
 
-                buttonId: index
-                idle: !tabs.scene.hasPoints
-                scene: tabs.scene
-                source: modelData
-                toolTip: WarpToolButtonsActions.selectToolTip(selectButtonsToolTips[index], index)
-                type: "selectWarpToolButton"
-            }
+        SelectGroup {
+            buttonIds: [0, 1] // all, none
+        }
+
+        SelectGroup {
+            buttonIds: [3, 2, 5, 4] // the neighbour on that side
+        }
+
+        SelectGroup {
+            buttonIds: [6, 9, 7, 8] // adds it
+        }
+
+        SelectGroup {
+            buttonIds: [12, 15, 13, 14] // adds the line on that side
+        }
+
+        SelectGroup {
+            buttonIds: [10, 11] // adds the current column, row
         }
     }
 
-    Flow {
+    Column {
         anchors { top: header.bottom; topMargin: Theme.spacing; horizontalCenter: parent.horizontalCenter }
-        width: 112
-        spacing: 12
+        spacing: 3 * Theme.spacing
         enabled: tabs.scene.buttonsEnabled
         visible: tabs.currentTab === 1
 
-        Repeater {
-            model: deformButtonsPath
+        component DeformGroup: ToolGroup {
+            buttonSize: 60
+            gap: Theme.spacing
+            scene: tabs.scene
+            buttonType: "deformWarpToolButton"
+        }
 
-            WarpToolButton {
-                required property int index
-                required property string modelData
-                readonly property bool isPicture: modelData.startsWith("qrc:")
+        WarpToolButton {
+            anchors.horizontalCenter: parent.horizontalCenter
+            height: 24
+            buttonId: 0
+            heading: true
+            scene: tabs.scene
+            text: deformButtonsPath[0]
+            toolTip: deformButtonsToolTips[0]
+            type: "deformWarpToolButton"
+        }
 
-                buttonId: index
-                heading: index === 0
-                idle: !tabs.scene.hasPoints
-                      || WarpToolButtonsActions.needsUv(index) && !tabs.scene.warpToolBar.mapButtonEnabled
-                scene: tabs.scene
-                source: isPicture ? modelData : ""
-                text: isPicture ? "" : modelData
-                toolTip: deformButtonsToolTips[index]
-                type: "deformWarpToolButton"
-                width: heading ? 112 : implicitWidth
-                height: heading ? 24 : implicitHeight
-            }
+        DeformGroup {
+            buttonIds: [1, 2] // mirrors
+        }
+
+        DeformGroup {
+            buttonIds: [3, 4] // flips
+        }
+
+        Rectangle {
+            width: parent.width
+            height: 1
+            color: Theme.outline
+        }
+
+        DeformGroup {
+            buttonIds: [5, 6] // copies between XY and UV
         }
     }
 }

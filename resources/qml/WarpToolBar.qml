@@ -1,5 +1,6 @@
 import QtQuick
 import "../js/theme.js" as Theme
+import "../js/warpToolButtonsActions.js" as WarpToolButtonsActions
 
 // The bar under the canvas: lockers, configuration, XY/UV, and the view.
 Rectangle {
@@ -67,6 +68,7 @@ Rectangle {
             toolTip: warpToolBarButtonsToolTips[1]
             type: "warpToolBarButton"
             width: 110
+            onChosen: index => WarpToolButtonsActions.editGrid(bar.scene, index)
         }
     }
 

@@ -9,9 +9,9 @@ Item {
     required property var scene
     required property string type
     property int buttonId: 0
-    property url source // a picture, or
-    property string text // a label, or
-    property var choices: [] // two labels; the chosen one is marked
+    property url source // a picture
+    property string text // a label, below the picture if there is one
+    property var choices: [] // labels of the button's parts instead; the chosen one is marked
     property bool heading: false // a title without function
     property bool pushed: false
     property bool checkable: false
@@ -20,6 +20,7 @@ Item {
     readonly property bool pressed: mouseArea.pressed && mouseArea.containsMouse
 
     signal clicked
+    signal chosen(int index) // a pointer is on a part of the button
 
     implicitWidth: warpToolButtonsSize.width
     implicitHeight: warpToolButtonsSize.height
@@ -52,24 +53,30 @@ Item {
         opacity: button.heading || button.idle ? 0 : button.pressed ? 0.25 : mouseArea.containsMouse ? 0.08 : 0
     }
 
-    Image {
-        id: picture
-
+    Column {
         anchors.centerIn: parent
-        width: Math.min(button.width, button.height) - 12
-        height: width
-        source: button.source
-        sourceSize { width: picture.width; height: picture.height }
-    }
-
-    Text {
-        anchors.centerIn: parent
-        color: Theme.text
-        font.pixelSize: button.width > 60 ? Theme.fontSize : Theme.fontSize - 2
-        font.weight: Font.Medium
-        text: button.text
-        textFormat: Text.PlainText
         visible: button.choices.length === 0
+
+        Image {
+            id: picture
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.min(button.width, button.height) - (button.text === "" ? 12 : 24)
+            height: width
+            source: button.source
+            sourceSize { width: picture.width; height: picture.height }
+            visible: status !== Image.Null
+        }
+
+        Text {
+            anchors.horizontalCenter: parent.horizontalCenter
+            color: Theme.text
+            font.pixelSize: button.width > 60 ? Theme.fontSize : Theme.fontSize - 2
+            font.weight: Font.Medium
+            text: button.text
+            textFormat: Text.PlainText
+            visible: text !== ""
+        }
     }
 
     Row {
@@ -87,14 +94,18 @@ Item {
 
                 width: parent.width / button.choices.length
                 height: parent.height
-                color: chosen ? Theme.chosen : "transparent"
-                border { width: chosen ? 2 : 0; color: Theme.accent }
+                color: chosen ? Theme.selection : "transparent"
                 radius: Theme.radius - 2
+
+                Accessible.role: Accessible.RadioButton
+                Accessible.name: modelData
+                Accessible.checked: chosen
+                Accessible.onPressAction: button.chosen(index)
 
                 Text {
                     anchors.centerIn: parent
-                    color: choice.chosen ? Theme.text : Theme.quietText
-                    font { pixelSize: Theme.fontSize; weight: choice.chosen ? Font.DemiBold : Font.Normal }
+                    color: choice.chosen ? Theme.selectedText : Theme.quietText
+                    font { pixelSize: choice.chosen ? Theme.titleSize : Theme.fontSize; weight: choice.chosen ? Font.Bold : Font.Normal }
                     text: choice.modelData
                     textFormat: Text.PlainText
                 }
@@ -111,8 +122,15 @@ Item {
 
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: button.clicked()
-        onPressed: hideToolTip()
+        onClicked: {
+            if (button.choices.length === 0)
+                button.clicked();
+        }
+        onPressed: mouse => {
+            hideToolTip();
+            choose(mouse.x);
+        }
+        onPositionChanged: mouse => choose(mouse.x)
         onPressAndHold: mouse => {
             button.scene.toolTip.showFor(button, button.toolTip, 0);
             mouse.accepted = mouse.source !== Qt.MouseEventNotSynthesized; // a long press of a finger only shows the tool tip
@@ -122,6 +140,12 @@ Item {
                 button.scene.toolTip.showFor(button, button.toolTip, Theme.toolTipDelay);
             else
                 hideToolTip();
+        }
+
+        function choose(x) {
+            const index = Math.floor(x / width * button.choices.length);
+            if (pressed && index in button.choices)
+                button.chosen(index);
         }
 
         function hideToolTip() {

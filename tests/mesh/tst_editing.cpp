@@ -16,6 +16,7 @@ private slots:
         a selected point once more | screen; click 5; add 6; add 8; add 6 | UUUUUSCUS6,8
         the current point once more | screen; click 5; add 6; add 6 | UUUUUSCUU6,5
         one of several | screen; click 5; add 6; add 8; click 5 | UUUUUCSUS5,8
+        the nearest of covering circles | screen; click 0; updatePoint(0, 1, 20, 0); click 1 | UCUUUUUUU1,-1
         the current point below another | screen; click 0; updatePoint(0, 1, 0, 0); click 0 | CUUUUUUUU0,-1
         a tapped point within reach | screen; tap 4 14 8 | UUUUCUUUU4,-1
         nothing by finger behind a dialog | screen; bar 2; tap 0 0 0; tap 8 0 0 | UUUUUUUUU-1,-1)");
@@ -78,7 +79,8 @@ private slots:
         by mouse twice | screen; drag 4 9 9; drag 4 20 10 | 29,19,0,0,0,0,false
         in a view that turns | screen; press 4; move 20 0; key R; move 20 0; move 20 30; lift | 50,0,0,0,0,0,false
         not when unselected | screen; press 4; key Esc; move 60 60; lift | 0,0,0,0,0,0,false
-        by finger | screen; swipe 4 50 20 | 50,20,0,0,0,0,false)");
+        by finger beyond the first six pixels | screen; swipe 4 36 48 | 32,43,0,0,0,0,false
+        not by a finger that rolls | screen; swipe 4 3 4 | 0,0,0,0,0,0,false)");
     }
 
     void movesPoints() { check(); }
@@ -95,7 +97,8 @@ private slots:
             const int tool = cells[2].toInt();
             // Point n of the source stands at (10 n, n) before.
             const QString steps = "media 3 3 4; [...Array(12).keys()].forEach(n => updatePoint(" +
-                                  cells[1] + ", n, 10 * n, n)); " + (tool == 6 ? "bar 3; " : "");
+                                  cells[1] + ", n, 10 * n, n)); " +
+                                  (tool == 6 ? "entry 'UV'; " : "");
             for (const QString& way :
                  {QString("tool %1").arg(tool), QString("action %1").arg(tool + 18)})
                 rows("grid.pointsArray.map(p => Math.round(p.x) + ':' + Math.round(p.y)).join(' ')",
@@ -118,15 +121,15 @@ private slots:
         in no zone when released | screen; bar 0; bar 0; drag 0 -30 -30 | true
         in no zone of another item | screen; bar 0; media; screen; drag 0 -30 -30 | true)");
         rows("[at(0)[0] > 0, at(0)[1], warpToolBar.zoneLockerButtonPushed]", R"(
-        in the zone as UV of a texture | texture; bar 3; bar 0; drag 0 80 -80 | true,0,true
-        in no zone as XY of a texture | texture; bar 3; bar 3 | false,0,false)");
+        in the zone as UV of a texture | texture; entry 'UV'; bar 0; drag 0 80 -80 | true,0,true
+        in no zone as XY of a texture | texture; entry 'UV'; entry 'XY' | false,0,false)");
         rows("[moved(4), selected, Math.round((canvasMedia.x + 430) * mediaScaleFactor), "
              "warpToolBar.moveLockerButtonPushed]",
              R"(
         in place while the canvas moves | screen; bar 1; drag 4 40 0 | 0,0,,40,true
         in place until released | screen; bar 1; bar 1; click 4 | 0,0,4,0,false
         not in place on another item | screen; bar 1; media; screen; click 4 | 0,0,4,0,false
-        not in place on another mesh | media; bar 1; bar 3; bar 3; click 4 | 0,0,4,187,false)");
+        not in place on another mesh | media; bar 1; entry 'UV'; entry 'XY'; click 4 | 0,0,4,187,false)");
     }
 
     void keepsLockedPoints() { check(); }
@@ -143,6 +146,7 @@ private slots:
              R"(
         the canvas by stick | screen; pan 0.5 -0.5 | -10,10
         the canvas by finger | screen; finger 600 30 40 0 | 800,0
+        the canvas by finger between close points | screen 3 12 21; finger 541 305 40 0 | 800,0
         the centre in another size | screen; width += 200; height += 100 | 442,221)");
         rows("[mediaScaleFactor, canvasMedia.x, canvasMedia.y].map(v => v.toFixed(3))",
              "a mesh beyond the item | screen; updatePoint(0, 0, -1920, 0); canvas 0 | "
@@ -162,7 +166,7 @@ private slots:
         a keystone | screen; click 4; deform screen 1 5 5 | 4,4,4,-1,--     X: -- px     Y: -- px
         two bezier patches | screen; click 4; deform screen 2 4 7 | 28,21,21,-1,--     X: -- px     Y: -- px
         no selection after another item | media; click 4; show texture; show media | 9,12,12,-1,--     X: -- px     Y: -- px
-        no selection of UV either | media; bar 3; click 4; show texture; show media | 9,12,12,-1,--     X: -- px     Y: -- px)");
+        no selection of UV either | media; entry 'UV'; click 4; show texture; show media | 9,12,12,-1,--     X: -- px     Y: -- px)");
         rows("[at(0), at(6), at(11)]", R"(
         points as they were left | screen 3 3 4; updatePoint(0, 6, 7, 8); media; show screen | 0,0,7,8,1920,1080)");
         rows("[isMovingPoint, selected]", "no drag of a new mesh | screen; press 4; deform screen "
@@ -174,8 +178,10 @@ private slots:
         only XY of a screen | screen; action 25 | true,false falsefalse
         only XY of a part | part; action 25 | true,false falsefalse
         UV of a texture | texture; action 25 | false,true truetrue
-        UV of the next media | texture; bar 3; media | false,true truefalse
-        XY of the next screen | media; bar 3; screen | true,false falsefalse
+        UV pressed twice | texture; entry 'UV'; entry 'UV' | false,true truetrue
+        UV under a sliding finger | texture; finger 300 580 50 0 | false,true truetrue
+        UV of the next media | texture; entry 'UV'; media | false,true truefalse
+        XY of the next screen | media; entry 'UV'; screen | true,false falsefalse
         nothing in simple mode | screen; mode 1 | false,false falsefalse
         the mesh after simple mode | screen; mode 1; mode 2 | true,false falsefalse)");
         rows("tools", R"(
@@ -209,7 +215,7 @@ private slots:
         nothing without an item | show nothing; action 3; stick 1 1; stick 0 0 |
         nothing for the current point | media; click 4; forget; click 4 |)");
         rows("sent.match(/xy=[a-z]+, selected=false/g)", R"(
-        unselecting in both meshes | media; click 4; bar 3; click 8; forget; cppCanvas.currentItemChanged(2, 12, 0); cppCanvas.currentItemChanged(1, -1294967285, 0) | xy=true, selected=false,xy=false, selected=false)");
+        unselecting in both meshes | media; click 4; entry 'UV'; click 8; forget; cppCanvas.currentItemChanged(2, 12, 0); cppCanvas.currentItemChanged(1, -1294967285, 0) | xy=true, selected=false,xy=false, selected=false)");
         // From a curve of 4 rows and 5 columns; "None" resets nothing.
         rows("sent.replace(/.*::/, '').replace(/[a-zA-Z]+=/g, '') + deformationDialog.visible", R"(
         a curve | screen 3 4 5; bar 2; deformationDialog.resetXY = true; key Return | Curve, 3, 100, "Screen", 4, 5, true)false
