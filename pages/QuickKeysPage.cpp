@@ -102,7 +102,7 @@ void QuickKeysPage::initNavSpinBox() {
 
     pageCountLabel_->setFont(bold);
     pageCountLabel_->setFixedWidth(kPageCountWidth);
-    pageCountLabel_->setAlignment(Qt::AlignCenter);
+    pageCountLabel_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     initTurnButton(previous_, kPreviousPageName, kPreviousPageIcon, -1);
     initTurnButton(next_, kNextPageName, kNextPageIcon, 1);
 

@@ -23,9 +23,9 @@ void drawWaiting(QPainter& painter, const QRectF& picture) {
     }
 }
 
-/// An exclamation mark at the corner of the picture.
-void drawRefused(QPainter& painter, const QRectF& picture) {
-    const QRectF sign(picture.right() - kEyeSignSize, picture.top(), kEyeSignSize, kEyeSignSize);
+/// An exclamation mark in the upper right corner, so that the picture stays visible.
+void drawRefused(QPainter& painter, const QRectF& target) {
+    const QRectF sign(target.right() - kEyeSignSize, target.top() + 1, kEyeSignSize, kEyeSignSize);
     painter.setBrush(color(kEyeSignColor));
     painter.drawEllipse(sign);
     QFont font = painter.font();
@@ -88,7 +88,7 @@ void BlindButton::paintEvent(QPaintEvent* event) {
     if (state_ == State::Waiting)
         drawWaiting(painter, picture);
     else if (state_ == State::Refused)
-        drawRefused(painter, picture);
+        drawRefused(painter, rect());
 }
 
 bool BlindButton::event(QEvent* event) {
