@@ -23,6 +23,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QToolButton>
+#include <QToolTip>
 
 #include <functional>
 #include <memory>
@@ -318,6 +319,11 @@ private slots:
             const auto* label = row("Screen 001, " + part)->findChild<NameLabel*>();
             QVERIFY2(label->shownText().contains(part.first(4)), qPrintable(label->shownText()));
         }
+        Item* last = row("Screen 001, " + parts.last());
+        finger().press(0, last->rect().center(), last).commit();
+        QTRY_COMPARE(QToolTip::text(), last->labelText()); // a long press shows the whole name
+        finger().release(0, last->rect().center(), last).commit();
+        QCOMPARE(list_->selection(), last);
     }
 
 private:
