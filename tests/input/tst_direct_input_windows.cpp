@@ -52,8 +52,10 @@ private slots:
             "press 8, press 9, press 10, press 11");
         row("hat", "hat 1\nhat 2\nhat 4\nhat 8\n",
             "press 4, release 4, press 5, release 5, press 6, release 6, press 7");
-        row("left stick", "axis 0 32767\naxis 1 32767\n", "left 1 0, left 1 1");
-        row("right stick", "axis 3 32767\naxis 4 -32768\n", "right 1 0, right 1 -1");
+        row("left stick right", "axis 0 32767\n", "left 1 0");
+        row("left stick down", "axis 1 32767\n", "left 0 1");
+        row("right stick right", "axis 3 32767\n", "right 1 0");
+        row("right stick up", "axis 4 -32768\n", "right 0 -1");
         row("left trigger", "axis 2 32767\n", "pressure 1");
         row("right trigger", "axis 5 32767\n", "pressure -1");
         row("inside the dead zones", "axis 0 5600\naxis 4 -5600\nbutton 0 1\n", "press 0");
