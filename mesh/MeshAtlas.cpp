@@ -13,6 +13,8 @@ namespace {
 constexpr double kMargin = 1;           // transparent pixels around each part
 constexpr double kShareOfNumber = 0.9;  // of the circle's inside that a number may fill
 constexpr double kLargestDigits = 0.55; // height of the digits against the circle
+constexpr double kMarkSize = 1.7;       // diameter of the ring against the circle
+constexpr double kMarkWidth = 0.15;     // of the ring
 constexpr std::array kStates = {MeshPoint::State::Unselected, MeshPoint::State::Selected,
                                 MeshPoint::State::Current};
 
@@ -36,7 +38,9 @@ MeshAtlas::MeshAtlas(const MeshStyle& style, double devicePixelRatio) {
     const double cell = std::ceil(style.pointDiameter) + 2 * kMargin;
     const double rowHeight = std::ceil(style.pointDiameter * kLargestDigits * 1.5) + 2 * kMargin;
     const double width = std::max(4 * cell, 10 * rowHeight);
-    const double height = cell + rowHeight * 3 * kDigitSizes;
+    const double markCell = std::ceil(style.pointDiameter * kMarkSize) + 2 * kMargin;
+    const double digitsEnd = cell + rowHeight * 3 * kDigitSizes;
+    const double height = digitsEnd + markCell;
     image_ = QImage(static_cast<int>(std::ceil(width * devicePixelRatio)),
                     static_cast<int>(std::ceil(height * devicePixelRatio)),
                     QImage::Format_ARGB32_Premultiplied);
@@ -71,6 +75,19 @@ MeshAtlas::MeshAtlas(const MeshStyle& style, double devicePixelRatio) {
     line_ = part(section);
     line_.texture =
         QRectF(line_.texture.center().x(), line_.texture.y(), 0, line_.texture.height());
+
+    markColor_ = style.markColor;
+    const QRectF ring(0, digitsEnd, markCell, markCell);
+    const double ringWidth = style.pointDiameter * kMarkWidth;
+    const double ringInset = kMargin + ringWidth / 2;
+    painter.setPen(QPen(markColor_, ringWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(ring.adjusted(ringInset, ringInset, -ringInset, -ringInset));
+    mark_ = part(ring);
+    const QRectF dot(markCell + kMargin, digitsEnd + kMargin, 3, 3);
+    painter.fillRect(dot, markColor_);
+    trail_ = part(dot);
+    trail_.texture = QRectF(trail_.texture.center(), QSizeF());
 
     double top = cell;
     for (int digits = 2; digits < 2 + kDigitSizes; ++digits) {

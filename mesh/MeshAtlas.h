@@ -24,6 +24,7 @@ struct MeshStyle {
     double pointBorderWidth = 2;
     double lineThickness = 2;
     QColor lineColor;
+    QColor markColor;
     QFont font;
 
     friend bool operator==(const MeshStyle&, const MeshStyle&) = default;
@@ -52,6 +53,11 @@ public:
     /// The cross section of a line: as high as the line, with a fading pixel on either side.
     const Part& line() const { return line_; }
     QColor lineColor() const { return lineColor_; }
+    /// The ring around a point that has gone back, wider than its circle.
+    const Part& mark() const { return mark_; }
+    /// One pixel of the colour of the marks.
+    const Part& trail() const { return trail_; }
+    QColor markColor() const { return markColor_; }
     /// A digit (0 to 9) as drawn in a number of `digits` digits; longer numbers are smaller.
     const Part& digit(MeshPoint::State state, int digits, int value) const;
 
@@ -63,6 +69,9 @@ private:
     QImage image_;
     std::array<Part, 3> circles_;
     Part line_;
+    Part mark_;
+    Part trail_;
     QColor lineColor_;
+    QColor markColor_;
     std::array<std::array<std::array<Part, 10>, kDigitSizes>, 3> digits_;
 };

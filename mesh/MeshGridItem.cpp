@@ -19,6 +19,8 @@ constexpr double kReachShare = 0.4; // of the way from a point to its nearest ne
 MeshGridItem::MeshGridItem(QQuickItem* parent) : QQuickItem(parent) {
     setFlag(ItemHasContents);
     connect(this, &MeshGridItem::styleChanged, this, &MeshGridItem::onStyleChanged);
+    markTimer_.setSingleShot(true);
+    connect(&markTimer_, &QTimer::timeout, this, &MeshGridItem::removeOldMarks);
 }
 
 MeshGridItem::~MeshGridItem() {
@@ -129,6 +131,26 @@ void MeshGridItem::setPointPosition(int number, double x, double y) {
     positions[static_cast<std::size_t>(number)] = {x, y};
 }
 
+void MeshGridItem::markReturn(int number, double fromX, double fromY) {
+    if (isOutline() || number < 0 || number >= pointCount())
+        return;
+    marks_.insert_or_assign(number, ReturnMark{QPointF(fromX, fromY), QDeadlineTimer(markTime_)});
+    if (!markTimer_.isActive())
+        markTimer_.start(markTime_);
+    scheduleRedraw();
+}
+
+void MeshGridItem::removeOldMarks() {
+    qint64 left = 0;
+    std::erase_if(marks_, [&left](const auto& mark) {
+        left = std::max(left, mark.second.end.remainingTime());
+        return mark.second.end.hasExpired();
+    });
+    if (!marks_.empty())
+        markTimer_.start(static_cast<int>(left));
+    scheduleRedraw();
+}
+
 QList<int> MeshGridItem::selectedNumbers() const {
     QList<int> numbers;
     for (std::size_t number = 0; number < points_.size(); ++number)
@@ -144,6 +166,8 @@ void MeshGridItem::erase() {
 
 void MeshGridItem::destroyPointsAndLines() {
     isBuilt_ = false;
+    marks_.clear();
+    markTimer_.stop();
     pointsArray_ = linesArray_ = QJSValue();
     // Points before lines: QObject then finds each child at the front of its list.
     const std::vector<MeshLine*> lines = std::exchange(lines_, {});
@@ -214,6 +238,7 @@ void MeshGridItem::scheduleRedraw() {
 
 void MeshGridItem::removePoint(MeshPoint* point) {
     std::erase(points_, point);
+    marks_.clear(); // the numbers change
     scheduleRedraw();
 }
 
@@ -237,6 +262,7 @@ MeshStyle MeshGridItem::style() const {
     result.pointBorderWidth = pointBorderWidth_;
     result.lineThickness = lineThickness_;
     result.lineColor = lineColor_;
+    result.markColor = markColor_;
     result.font = QGuiApplication::font();
     return result;
 }
@@ -265,6 +291,11 @@ MeshPicture MeshGridItem::picture() const {
             add(*point);
     if (current)
         add(*current);
+
+    for (const auto& [number, mark] : marks_) {
+        const MeshPoint& point = *points_[static_cast<std::size_t>(number)];
+        result.marks.push_back({QPointF(point.x(), point.y()), mark.from, point.viewingRotation()});
+    }
 
     const QTransform toScreen = itemTransform(nullptr, nullptr);
     const double turn = qRadiansToDegrees(std::atan2(toScreen.m12(), toScreen.m11()));

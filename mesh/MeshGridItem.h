@@ -5,10 +5,13 @@
 #include "mesh/MeshNodes.h"
 #include "mesh/MeshPoint.h"
 
+#include <QDeadlineTimer>
 #include <QJSValue>
 #include <QQuickItem>
+#include <QTimer>
 #include <QtQmlIntegration>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -33,6 +36,11 @@ class MeshGridItem : public QQuickItem {
     Q_PROPERTY(QList<QColor> unselectedColors MEMBER unselectedColors_ NOTIFY styleChanged)
     Q_PROPERTY(QList<QColor> selectedColors MEMBER selectedColors_ NOTIFY styleChanged)
     Q_PROPERTY(QList<QColor> currentColors MEMBER currentColors_ NOTIFY styleChanged)
+
+    /// A point that went back has a ring and a trail from the refused position, for that many
+    /// milliseconds.
+    Q_PROPERTY(QColor markColor MEMBER markColor_ NOTIFY styleChanged)
+    Q_PROPERTY(int markTime MEMBER markTime_ NOTIFY styleChanged)
 
     /// Whether a pointer can grab points.
     Q_PROPERTY(bool pointsMovable MEMBER pointsMovable_ NOTIFY pointsMovableChanged)
@@ -68,6 +76,9 @@ public:
     Q_INVOKABLE void reduceToOutline();
     /// Sets the position and last written position of a point; ignores unknown numbers.
     Q_INVOKABLE void setPointPosition(int number, double x, double y);
+    /// Marks a point that has gone back from the position (fromX, fromY); ignores unknown numbers
+    /// and outlines.
+    Q_INVOKABLE void markReturn(int number, double fromX, double fromY);
     /// Numbers of the selected points, ascending.
     Q_INVOKABLE QList<int> selectedNumbers() const;
     /// Removes the mesh and destroys its points and lines.
@@ -105,6 +116,10 @@ private:
     friend class MeshPoint;
     friend class MeshLine;
 
+    struct ReturnMark {
+        QPointF from;
+        QDeadlineTimer end;
+    };
     struct Outline {
         int rows;
         int columns;
@@ -128,6 +143,7 @@ private:
     void removePoint(MeshPoint* point);
     void removeLine(MeshLine* line);
     void onStyleChanged();
+    void removeOldMarks();
     MeshStyle style() const;
     MeshPicture picture() const;
 
@@ -147,7 +163,11 @@ private:
     QList<QColor> unselectedColors_;
     QList<QColor> selectedColors_;
     QList<QColor> currentColors_;
+    QColor markColor_ = Qt::yellow;
+    int markTime_ = 0;
     bool pointsMovable_ = true;
+    std::map<int, ReturnMark> marks_; // by point number
+    QTimer markTimer_;                // runs while there are marks
 
     bool styleDirty_ = true;
     std::shared_ptr<const MeshAtlas> atlas_; // shared with the nodes

@@ -28,6 +28,13 @@ void forEachDigit(const MeshAtlas& atlas, MeshPoint::State state, int number, Dr
         draw(atlas.digit(state, digits, values[static_cast<std::size_t>(i)]), QPointF(x, 0));
 }
 
+/// Half a band of that width across a line; null for a line without length.
+QPointF halfAcross(const QLineF& line, double width) {
+    const double length = std::hypot(line.dx(), line.dy());
+    const double half = length > 0 ? width / 2 / length : 0;
+    return {-line.dy() * half, line.dx() * half};
+}
+
 int digitCount(int number) {
     int digits = 1;
     while (number >= 10) {
@@ -119,18 +126,22 @@ public:
 private:
     void drawLines(const MeshPicture& picture) {
         const MeshAtlas::Part& section = atlas_->line();
-        lines_->begin(picture.lines.size());
+        lines_->begin(picture.lines.size() + picture.marks.size());
         for (const QLineF& line : picture.lines) {
-            const double length = std::hypot(line.dx(), line.dy());
-            const double half = length > 0 ? section.size.height() / picture.zoom / 2 / length : 0;
-            const QPointF across(-line.dy() * half, line.dx() * half);
+            const QPointF across = halfAcross(line, section.size.height() / picture.zoom);
             lines_->quad(line.p1() - across, line.p2() - across, line.p1() + across,
                          line.p2() + across, section.texture);
+        }
+        const double width = atlas_->circle(MeshPoint::State::Current).size.width() / picture.zoom;
+        for (const MeshPicture::Mark& mark : picture.marks) {
+            const QPointF across = halfAcross(QLineF(mark.from, mark.position), width);
+            lines_->quad(mark.from, mark.from, mark.position - across, mark.position + across,
+                         atlas_->trail().texture);
         }
     }
 
     void drawSprites(const MeshPicture& picture) {
-        std::size_t quads = picture.points.size();
+        std::size_t quads = picture.points.size() + picture.marks.size();
         for (const MeshPicture::Point& point : picture.points)
             quads += point.isNumberVisible ? static_cast<std::size_t>(digitCount(point.number)) : 0;
         sprites_->begin(quads);
@@ -151,6 +162,12 @@ private:
             drawCircle(atlas_->circle(point.state), position, right, down, point.visible);
             if (point.isNumberVisible)
                 forEachDigit(*atlas_, point.state, point.number, sprite);
+        }
+        for (const MeshPicture::Mark& mark : picture.marks) {
+            const double angle = qDegreesToRadians(mark.rotation);
+            const QPointF right = QPointF(std::cos(angle), std::sin(angle)) * pixel;
+            drawCircle(atlas_->mark(), mark.position, right, {-right.y(), right.x()},
+                       MeshPicture::kAll);
         }
     }
 
@@ -194,8 +211,9 @@ public:
         QRectF bounds;
         for (const MeshPicture::Point& point : picture_.points)
             bounds |= QRectF(point.position, QSizeF(1e-6, 1e-6));
-        const double margin =
-            picture_.atlas->circle(MeshPoint::State::Current).size.width() / picture_.zoom;
+        for (const MeshPicture::Mark& mark : picture_.marks)
+            bounds |= QRectF(mark.from, QSizeF(1e-6, 1e-6));
+        const double margin = picture_.atlas->mark().size.width() / picture_.zoom;
         bounds_ = bounds.adjusted(-margin, -margin, margin, margin);
         markDirty(DirtyMaterial | DirtyGeometry);
     }
@@ -223,6 +241,14 @@ public:
         pen.setCapStyle(Qt::FlatCap);
         painter->setPen(pen);
         painter->drawLines(picture_.lines.data(), static_cast<int>(picture_.lines.size()));
+        const double trail = atlas.circle(MeshPoint::State::Current).size.width() / picture_.zoom;
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(atlas.markColor());
+        for (const MeshPicture::Mark& mark : picture_.marks) {
+            const QPointF across = halfAcross(QLineF(mark.from, mark.position), trail);
+            painter->drawConvexPolygon(
+                QPolygonF{mark.from, mark.position - across, mark.position + across});
+        }
 
         // Circles and digits are not scaled, so that their pixels stay sharp.
         const double turn = qRadiansToDegrees(std::atan2(toWindow.m12(), toWindow.m11()));
@@ -251,6 +277,10 @@ public:
             if (!upright)
                 painter->setTransform(QTransform());
         }
+        const QRectF ring(QPointF(), atlas.mark().size);
+        for (const MeshPicture::Mark& mark : picture_.marks)
+            painter->drawPixmap(ring.translated(toWindow.map(mark.position) - ring.center()),
+                                pixmap_, atlas.mark().pixels);
     }
 
 private:

@@ -24,8 +24,15 @@ struct MeshPicture {
         /// rotation; other points cover the rest.
         QRectF visible = kAll;
     };
+    /// A point that has gone back.
+    struct Mark {
+        QPointF position;
+        QPointF from;        ///< the tip of the trail
+        double rotation = 0; ///< of the number in degrees
+    };
     std::vector<QLineF> lines;
     std::vector<Point> points; ///< later points are drawn above earlier ones
+    std::vector<Mark> marks;
     double zoom = 1;
     bool upright = true; ///< whether the numbers align with the screen's pixels
     std::shared_ptr<const MeshAtlas> atlas;

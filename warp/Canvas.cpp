@@ -21,12 +21,14 @@
 #include <QQuickItem>
 #include <QQuickWidget>
 #include <QQuickWindow>
+#include <QScopedValueRollback>
 #include <QTouchEvent>
 #include <QTransform>
 #include <QUrl>
 
 #include <array>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 using namespace NetworkCompanion;
@@ -56,12 +58,25 @@ protected:
     }
 };
 
-void sendToProducer(Event&& event) {
-    EventDispatcher::getInstance()->client().sendEvent(event);
+bool sendToProducer(Event&& event) {
+    return EventDispatcher::getInstance()->client().sendEvent(event);
 }
 
 bool isPosition(double x, double y, double z) {
     return std::isfinite(x) && std::isfinite(y) && std::isfinite(z);
+}
+
+ItemKey keyOf(const MediaMovePointEvent& event) {
+    return ItemKey::media(event.cueId(), event.mediaId());
+}
+ItemKey keyOf(const TextureMovePointEvent& event) {
+    return ItemKey::texture(event.cueId(), event.textureId());
+}
+ItemKey keyOf(const ScreenMovePointEvent& event) {
+    return ItemKey::screen(event.screenId());
+}
+ItemKey keyOf(const ScreenPartMovePointEvent& event) {
+    return ItemKey::screenPart(event.screenId(), event.screenPartId());
 }
 
 void warnOfBadPositions(bool allGood) {
@@ -72,12 +87,22 @@ void warnOfBadPositions(bool allGood) {
 } // namespace
 
 Canvas::Canvas(const Configuration& configuration, QWidget* parent, const Timing& timing)
-    : QWidget(parent), configuration_(configuration), layout_(new QVBoxLayout(this)), keys_(this),
-      events_(this, kEventTypes) {
+    : QWidget(parent), configuration_(configuration), pending_(timing.echoWait, this),
+      layout_(new QVBoxLayout(this)), keys_(this), events_(this, kEventTypes) {
     layout_->setContentsMargins(0, 0, 0, 0);
     updateProducer_ = std::make_unique<UpdateProducer>(nullptr, timing);
     initCanvas();
     connect(updateProducer_.get(), SIGNAL(updateProducer()), this, SLOT(updateProducer()));
+    connect(&pending_, &PendingPoints::placeChanged, this,
+            [this](const PendingPoints::Point& point, QPointF place,
+                   const std::optional<QPointF>& from, bool isLost) {
+                emitMove({point, place, from, isLost});
+            });
+    connect(&pending_, &PendingPoints::pointWritten, this, &Canvas::pointWritten);
+    connect(&pending_, &PendingPoints::pointConfirmed, this, &Canvas::pointConfirmed);
+    connect(&pending_, &PendingPoints::pointsSettled, this, &Canvas::pointsSettled);
+    connect(EventDispatcher::getInstance(), &EventDispatcher::disconnected, this,
+            &Canvas::onDisconnected);
 }
 
 Canvas::~Canvas() {
@@ -143,7 +168,7 @@ void Canvas::onSelectedItem(Item* item) {
         if (currentItem_ != nullptr)
             updateProducer();
         else
-            dropPendingMoves();
+            dropQueuedMoves();
     }
     const ItemKey key = item != nullptr ? item->key() : ItemKey{};
     const bool isPart = key.type == LV_NTC_ElementType::ScreenPart;
@@ -194,32 +219,39 @@ bool Canvas::isDialogOpen() const {
 
 void Canvas::receive(Event* event) {
     switch (event->type()) {
-    case LV_NTC_EventType::MediaMovePoint:
-        warnOfBadPositions(updateMediaMovePoint(static_cast<MediaMovePointEvent&>(*event)));
+    case LV_NTC_EventType::MediaMovePoint: {
+        const auto& move = static_cast<MediaMovePointEvent&>(*event);
+        warnOfBadPositions(receivePoint(keyOf(move), move));
         break;
-    case LV_NTC_EventType::TextureMovePoint:
-        warnOfBadPositions(updateTextureMovePoint(static_cast<TextureMovePointEvent&>(*event)));
+    }
+    case LV_NTC_EventType::TextureMovePoint: {
+        const auto& move = static_cast<TextureMovePointEvent&>(*event);
+        warnOfBadPositions(receivePoint(keyOf(move), move));
         break;
-    case LV_NTC_EventType::ScreenMovePoint:
-        warnOfBadPositions(updateScreenMovePoint(static_cast<ScreenMovePointEvent&>(*event)));
+    }
+    case LV_NTC_EventType::ScreenMovePoint: {
+        const auto& move = static_cast<ScreenMovePointEvent&>(*event);
+        warnOfBadPositions(receivePoint(keyOf(move), move));
         break;
-    case LV_NTC_EventType::ScreenPartMovePoint:
-        warnOfBadPositions(
-            updateScreenPartMovePoint(static_cast<ScreenPartMovePointEvent&>(*event)));
+    }
+    case LV_NTC_EventType::ScreenPartMovePoint: {
+        const auto& move = static_cast<ScreenPartMovePointEvent&>(*event);
+        warnOfBadPositions(receivePoint(keyOf(move), move));
         break;
+    }
     case LV_NTC_EventType::ItemData: {
         const auto& mesh = static_cast<ItemDataEvent&>(*event);
         if (!isInBounds(mesh)) // the list warns
             break;
         bool allGood = true;
-        for (const ScreenMovePointEvent& point : mesh.screenPoints())
-            allGood &= updateScreenMovePoint(point);
-        for (const ScreenPartMovePointEvent& point : mesh.screenPartPoints())
-            allGood &= updateScreenPartMovePoint(point);
-        for (const TextureMovePointEvent& point : mesh.texturePoints())
-            allGood &= updateTextureMovePoint(point);
-        for (const MediaMovePointEvent& point : mesh.mediaPoints())
-            allGood &= updateMediaMovePoint(point);
+        const auto receiveAll = [&](const auto& points) {
+            for (const auto& point : points)
+                allGood &= receivePoint(keyOf(point), point);
+        };
+        receiveAll(mesh.screenPoints());
+        receiveAll(mesh.screenPartPoints());
+        receiveAll(mesh.texturePoints());
+        receiveAll(mesh.mediaPoints());
         warnOfBadPositions(allGood);
         break;
     }
@@ -229,41 +261,59 @@ void Canvas::receive(Event* event) {
     }
 }
 
-bool Canvas::updateMediaMovePoint(const MediaMovePointEvent& event) {
+template <class MoveEvent>
+bool Canvas::receivePoint(const ItemKey& item, const MoveEvent& event) {
     if (!isPosition(event.x(), event.y(), event.z()))
         return false;
-    emit mediaMovePoint(event.cueId(), static_cast<int>(event.mediaId()), event.name(),
-                        static_cast<int>(event.pointId()), event.x(), event.y(), event.z(),
-                        event.xy(), event.selected());
+    const PendingPoints::Point point{item, event.pointId(), event.xy()};
+    const QPointF place(event.x(), event.y());
+    if (pending_.report(point, place))
+        emitMove({point, place}, event.name(), event.z(), event.selected());
     return true;
 }
 
-bool Canvas::updateScreenMovePoint(const ScreenMovePointEvent& event) {
-    if (!isPosition(event.x(), event.y(), event.z()))
+void Canvas::emitMove(ShownReport report, const QString& name, double z, bool selected) {
+    const auto [item, pointNumber, xy] = report.point;
+    if (!isPosition(report.place.x(), report.place.y(), z))
+        return; // the place before a write that the scene did not know
+    const auto id = static_cast<int>(item.id);
+    const auto subId = static_cast<int>(item.subId);
+    const auto pointId = static_cast<int>(pointNumber);
+    const auto [x, y] = report.place;
+    const QScopedValueRollback shown(shownReport_, &report);
+    switch (item.type) {
+    case LV_NTC_ElementType::Media:
+        emit mediaMovePoint(item.id, subId, name, pointId, x, y, z, xy, selected);
+        break;
+    case LV_NTC_ElementType::Texture:
+        emit textureMovePoint(item.id, subId, name, pointId, x, y, z, xy, selected);
+        break;
+    case LV_NTC_ElementType::Screen:
+        emit screenMovePoint(id, name, pointId, x, y, z, xy, selected);
+        break;
+    case LV_NTC_ElementType::ScreenPart:
+        emit screenPartMovePoint(id, subId, name, pointId, x, y, z, xy, selected);
+        break;
+    case LV_NTC_ElementType::None:
+        return;
+    }
+    if (report.from && !report.isKept)
+        emit pointWentBack(static_cast<int>(item.type), id, subId, pointId, report.from->x(),
+                           report.from->y(), xy);
+}
+
+bool Canvas::keepReport() {
+    if (shownReport_ == nullptr || shownReport_->isLost)
         return false;
-    emit screenMovePoint(static_cast<int>(event.screenId()), event.name(),
-                         static_cast<int>(event.pointId()), event.x(), event.y(), event.z(),
-                         event.xy(), event.selected());
+    pending_.hold(shownReport_->point, shownReport_->place, shownReport_->from);
+    shownReport_->isKept = true;
     return true;
 }
 
-bool Canvas::updateScreenPartMovePoint(const ScreenPartMovePointEvent& event) {
-    if (!isPosition(event.x(), event.y(), event.z()))
-        return false;
-    emit screenPartMovePoint(static_cast<int>(event.screenId()),
-                             static_cast<int>(event.screenPartId()), event.name(),
-                             static_cast<int>(event.pointId()), event.x(), event.y(), event.z(),
-                             event.xy(), event.selected());
-    return true;
-}
-
-bool Canvas::updateTextureMovePoint(const TextureMovePointEvent& event) {
-    if (!isPosition(event.x(), event.y(), event.z()))
-        return false;
-    emit textureMovePoint(event.cueId(), static_cast<int>(event.textureId()), event.name(),
-                          static_cast<int>(event.pointId()), event.x(), event.y(), event.z(),
-                          event.xy(), event.selected());
-    return true;
+void Canvas::onDisconnected() {
+    updateProducer(); // the queued moves go back
+    dropQueuedMoves();
+    pending_.reset();
 }
 
 // From the scene to the Producer
@@ -280,6 +330,7 @@ void Canvas::startMovePointTimer() {
 void Canvas::stopMovePointTimer() {
     if (updateProducer_->isRunning())
         updateProducer_->stop();
+    pending_.releaseHeld();
 }
 
 void Canvas::newNoneDeformation() {
@@ -311,6 +362,7 @@ void Canvas::initializeDeformation(LV_NTC_DeformationType type, int rows, int co
     const ItemKey item = currentItem_->key();
     const QByteArray name = currentItem_->name().toUtf8();
     const unsigned int dataIndex = number(currentItem_->dataIndex());
+    pending_.request(item, {type, rows, cols});
     switch (item.type) {
     case LV_NTC_ElementType::Media:
     case LV_NTC_ElementType::Texture:
@@ -338,19 +390,25 @@ bool Canvas::isCurrent(const ItemKey& item) const {
 
 void Canvas::releaseItem(const ItemKey& item) {
     if (isCurrent(item)) {
-        dropPendingMoves();
+        dropQueuedMoves();
         currentItem_ = nullptr;
     }
+    pending_.drop(item);
 }
 
-void Canvas::dropPendingMoves() {
-    const std::lock_guard lock(pendingLock_);
-    pendingMoves_.clear();
+void Canvas::dropQueuedMoves() {
+    const std::lock_guard lock(queueLock_);
+    queuedMoves_.clear();
 }
 
-void Canvas::dropPendingMovesOf(const ItemKey& item) {
-    if (isCurrent(item))
-        dropPendingMoves();
+void Canvas::replaceMesh(const ItemKey& item, const PendingPoints::Mesh& mesh) {
+    if (!pending_.replace(item, mesh) && isCurrent(item))
+        dropQueuedMoves();
+}
+
+void Canvas::showPendingPlaces(const ItemKey& item) {
+    for (const auto& [point, place] : pending_.placesOf(item))
+        emitMove({point, place});
 }
 
 void Canvas::updateProducer() {
@@ -364,8 +422,8 @@ void Canvas::updateProducer() {
     std::vector<PointMove> moves;
     {
         // Released before sending because a connection lost in sendEvent() reenters here.
-        const std::lock_guard lock(pendingLock_);
-        std::erase_if(pendingMoves_, [&](const auto& pending) {
+        const std::lock_guard lock(queueLock_);
+        std::erase_if(queuedMoves_, [&](const auto& pending) {
             const bool isDue = pending.second.item.type == type;
             if (isDue)
                 moves.push_back(pending.second);
@@ -373,47 +431,62 @@ void Canvas::updateProducer() {
         });
     }
     for (const PointMove& move : moves)
-        sendMove(move);
+        sendMove(move) ? pending_.sent(move.point()) : pending_.unsent(move.point());
 }
 
-void Canvas::movePoint(const ItemKey& item, const QString& name, int pointId, double x, double y,
-                       double z, bool xy, bool selected) {
-    if (!isCurrent(item) || !isPosition(x, y, z))
-        return;
-    const PointMove move{
-        item, number(currentItem_->dataIndex()), name, number(pointId), x, y, z, xy, selected};
-    if (updateProducer_->isRunning()) {
-        const std::lock_guard lock(pendingLock_);
-        pendingMoves_.insert_or_assign({move.pointId, xy, item}, move);
-        return;
+bool Canvas::writePoint(int type, int id, int subId, const QString& name, int pointId, double x,
+                        double y, bool xy, bool selected, double shownX, double shownY) {
+    const ItemKey item{static_cast<LV_NTC_ElementType>(type), number(id), number(subId)};
+    return movePoint({item, name, number(pointId), x, y, 0, xy, selected}, {shownX, shownY});
+}
+
+bool Canvas::movePoint(PointMove move, QPointF shown) {
+    if (!isCurrent(move.item) || !isPosition(move.x, move.y, move.z))
+        return false;
+    const PendingPoints::Point point = move.point();
+    const bool isMove = move.x != shown.x() || move.y != shown.y();
+    if (isMove) {
+        pending_.write(point, {move.x, move.y}, shown);
+    } else {
+        const QPointF place = pending_.placeOf(point, shown);
+        move.x = place.x();
+        move.y = place.y();
     }
-    if (!pendingMoves_.empty())
+    move.dataIndex = number(currentItem_->dataIndex());
+    if (updateProducer_->isRunning() && EventDispatcher::getInstance()->client().isConnected()) {
+        const std::lock_guard lock(queueLock_);
+        queuedMoves_.insert_or_assign({move.pointId, move.xy, move.item}, std::move(move));
+        return true;
+    }
+    if (!queuedMoves_.empty())
         updateProducer(); // the queued moves of the last drag come first
-    sendMove(move);
+    if (sendMove(move)) {
+        pending_.sent(point);
+        return true;
+    }
+    pending_.unsent(point);
+    return !isMove;
 }
 
 template <class MoveEvent, class... Ids>
-void Canvas::send(const PointMove& move, Ids... ids) {
-    sendToProducer(MoveEvent(ids..., move.dataIndex, move.name.toUtf8().constData(), move.pointId,
-                             move.x, move.y, move.z, move.xy, move.selected));
+bool Canvas::send(const PointMove& move, Ids... ids) {
+    return sendToProducer(MoveEvent(ids..., move.dataIndex, move.name.toUtf8().constData(),
+                                    move.pointId, move.x, move.y, move.z, move.xy, move.selected));
 }
 
-void Canvas::sendMove(const PointMove& move) {
+bool Canvas::sendMove(const PointMove& move) {
     const auto [type, id, subId] = move.item;
     switch (type) {
     case LV_NTC_ElementType::Media:
-        send<MediaMovePointEvent>(move, id, subId);
-        break;
+        return send<MediaMovePointEvent>(move, id, subId);
     case LV_NTC_ElementType::Texture:
-        send<TextureMovePointEvent>(move, id, subId);
-        break;
+        return send<TextureMovePointEvent>(move, id, subId);
     case LV_NTC_ElementType::Screen:
-        send<ScreenMovePointEvent>(move, id);
-        break;
+        return send<ScreenMovePointEvent>(move, id);
     case LV_NTC_ElementType::ScreenPart:
-        send<ScreenPartMovePointEvent>(move, id, subId);
-        break;
+        return send<ScreenPartMovePointEvent>(move, id, subId);
     case LV_NTC_ElementType::None:
         break;
     }
+    return false;
 }

@@ -8,28 +8,24 @@
 #include "input/key_event_listener.h"
 #include "input/key_subscription.h"
 #include "network/ItemKey.h"
+#include "warp/PendingPoints.h"
 
 #include <QPointF>
 #include <QPointer>
 #include <QString>
 #include <QVBoxLayout>
 #include <QWidget>
+#include <QtNumeric>
 
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 class Item;
 class QKeyEvent;
 class QQuickWidget;
 struct Configuration;
-
-namespace NetworkCompanion {
-class MediaMovePointEvent;
-class ScreenMovePointEvent;
-class ScreenPartMovePointEvent;
-class TextureMovePointEvent;
-} // namespace NetworkCompanion
 
 /// Hosts the mesh editor's scene and is its only bridge to the program: emits as signals what the
 /// list and the Producer report, and sends the scene's requests as events to the Producer. The
@@ -52,7 +48,7 @@ public:
     Q_INVOKABLE QPointF rotate(QPointF point, double angle) const;
 
     // Between these two calls, moves are queued by point and sent with the tick of UpdateProducer;
-    // otherwise each is sent at once.
+    // otherwise each is sent at once. The end also shows the reports that the scene has kept.
     Q_INVOKABLE void startMovePointTimer();
     Q_INVOKABLE void stopMovePointTimer();
 
@@ -69,24 +65,35 @@ public:
     // any other item, because the scene may still move an item that was just removed.
     Q_INVOKABLE void moveMediaPoint(int tag, int id, const QString& name, int pointId, double x,
                                     double y, double z, bool xy, bool selected) {
-        movePoint(NetworkCompanion::ItemKey::media(number(tag), number(id)), name, pointId, x, y, z,
-                  xy, selected);
+        movePoint({NetworkCompanion::ItemKey::media(number(tag), number(id)), name, number(pointId),
+                   x, y, z, xy, selected});
     }
     Q_INVOKABLE void moveScreenPoint(int id, const QString& name, int pointId, double x, double y,
                                      double z, bool xy, bool selected) {
-        movePoint(NetworkCompanion::ItemKey::screen(number(id)), name, pointId, x, y, z, xy,
-                  selected);
+        movePoint({NetworkCompanion::ItemKey::screen(number(id)), name, number(pointId), x, y, z,
+                   xy, selected});
     }
     Q_INVOKABLE void moveScreenPartPoint(int screenId, int partId, const QString& name, int pointId,
                                          double x, double y, double z, bool xy, bool selected) {
-        movePoint(NetworkCompanion::ItemKey::screenPart(number(screenId), number(partId)), name,
-                  pointId, x, y, z, xy, selected);
+        movePoint({NetworkCompanion::ItemKey::screenPart(number(screenId), number(partId)), name,
+                   number(pointId), x, y, z, xy, selected});
     }
     Q_INVOKABLE void moveTexturePoint(int tag, int id, const QString& name, int pointId, double x,
                                       double y, double z, bool xy, bool selected) {
-        movePoint(NetworkCompanion::ItemKey::texture(number(tag), number(id)), name, pointId, x, y,
-                  z, xy, selected);
+        movePoint({NetworkCompanion::ItemKey::texture(number(tag), number(id)), name,
+                   number(pointId), x, y, z, xy, selected});
     }
+
+    /// Sends the point of the current item, with its identifiers, as the functions above do.
+    /// `shownX` and `shownY` are the place that the point has until now; with the same place only
+    /// the selection changes. False if the operator's place cannot be sent: then the point must
+    /// stay, and pointWentBack() was emitted.
+    Q_INVOKABLE bool writePoint(int type, int id, int subId, const QString& name, int pointId,
+                                double x, double y, bool xy, bool selected, double shownX,
+                                double shownY);
+    /// For a receiver of a move signal that must not show that report during a gesture: emits it
+    /// again after the gesture. False if it must be shown.
+    Q_INVOKABLE bool keepReport();
 
     /// Emits keyEvent() for a key that the scene does not use.
     Q_INVOKABLE void notifyKeyEventFromQml(int type, int key, int modifiers, const QString& text,
@@ -126,6 +133,14 @@ signals:
                              double y, double z, bool xy, bool selected);
     void textureMovePoint(unsigned int cueId, int textureId, QString name, int pointId, double x,
                           double y, double z, bool xy, bool selected);
+    /// The point has the Producer's place again, not the place (fromX, fromY) that the operator
+    /// set. Follows the move signal.
+    void pointWentBack(int itemType, int itemId, int subItemId, int pointId, double fromX,
+                       double fromY, bool xy);
+    // As the signals of PendingPoints.
+    void pointWritten();
+    void pointConfirmed(int milliseconds);
+    void pointsSettled();
     /// The event is valid only during the signal.
     void keyEvent(QKeyEvent* keyEvent);
     void leftAxisMoved(float x, float y);
@@ -139,37 +154,46 @@ public slots:
     /// Sends the queued moves of the previous item first.
     void onSelectedItem(Item* item);
 
-    // Relays: each emits the signal of its name. A removed item or a new mesh ends queued moves.
+    // Relays: each emits the signal of its name. A removed item or another mesh ends queued moves
+    // and pending places; places of a mesh that the operator has requested stay.
     void onScreenMode(int screenId, NetworkCompanion::LV_NTC_ModeType modeType) {
         emit screenMode(screenId, static_cast<int>(modeType));
     }
     void onMediaDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
                                 NetworkCompanion::LV_NTC_DeformationType type, unsigned int cueId,
                                 int mediaId, const QString& name, int row, int col, bool reset) {
-        dropPendingMovesOf(NetworkCompanion::ItemKey::media(cueId));
+        const auto item = NetworkCompanion::ItemKey::media(cueId, number(mediaId));
+        replaceMesh(item, {type, row, col});
         emit mediaDeformationMode(static_cast<int>(elementType), sceneType(type), cueId, mediaId,
                                   name, row, col, reset);
+        showPendingPlaces(item);
     }
     void onScreenDeformationMode(NetworkCompanion::LV_NTC_DeformationType type, int id,
                                  const QString& name, int row, int col, bool reset) {
-        dropPendingMovesOf(NetworkCompanion::ItemKey::screen(number(id)));
+        const auto item = NetworkCompanion::ItemKey::screen(number(id));
+        replaceMesh(item, {type, row, col});
         emit screenDeformationMode(sceneType(type), id, name, row, col, reset);
+        showPendingPlaces(item);
     }
     void onScreenPartDeformationMode(NetworkCompanion::LV_NTC_DeformationType type, int screenId,
                                      int screenPartId, const QString& name, int row, int col,
                                      bool reset) {
-        dropPendingMovesOf(
-            NetworkCompanion::ItemKey::screenPart(number(screenId), number(screenPartId)));
+        const auto item =
+            NetworkCompanion::ItemKey::screenPart(number(screenId), number(screenPartId));
+        replaceMesh(item, {type, row, col});
         emit screenPartDeformationMode(sceneType(type), screenId, screenPartId, name, row, col,
                                        reset);
+        showPendingPlaces(item);
     }
     void onTextureDeformationMode(NetworkCompanion::LV_NTC_ElementType elementType,
                                   NetworkCompanion::LV_NTC_DeformationType type, unsigned int cueId,
                                   int textureId, const QString& name, int row, int col,
                                   bool reset) {
-        dropPendingMovesOf(NetworkCompanion::ItemKey::texture(cueId));
+        const auto item = NetworkCompanion::ItemKey::texture(cueId, number(textureId));
+        replaceMesh(item, {type, row, col});
         emit textureDeformationMode(static_cast<int>(elementType), sceneType(type), cueId,
                                     textureId, name, row, col, reset);
+        showPendingPlaces(item);
     }
     void onMediaItemAdded(int type, unsigned int cueId, int mediaId, int sourceWidth,
                           int sourceHeight, double sourceRotation, const QString& name) {
@@ -217,11 +241,21 @@ private:
     /// current when the move is sent.
     struct PointMove {
         NetworkCompanion::ItemKey item;
-        unsigned int dataIndex;
         QString name;
         unsigned int pointId;
         double x, y, z;
         bool xy, selected;
+        unsigned int dataIndex = 0;
+
+        PendingPoints::Point point() const { return {item, pointId, xy}; }
+    };
+    /// A report while its move signal is emitted.
+    struct ShownReport {
+        PendingPoints::Point point;
+        QPointF place;
+        std::optional<QPointF> from = std::nullopt; ///< the operator's place that it replaces
+        bool isLost = false;                        ///< because that could not be sent
+        bool isKept = false;                        ///< by keepReport()
     };
     /// Ordered by points first, because a flush sends in that order.
     struct PointKey {
@@ -241,30 +275,36 @@ private:
                                bool reset);
 
     bool isCurrent(const NetworkCompanion::ItemKey& item) const;
-    void dropPendingMoves();
-    /// Drops the queued moves if the item is the current one, because its mesh is replaced.
-    void dropPendingMovesOf(const NetworkCompanion::ItemKey& item);
-    /// If the item is the current one, drops its moves and leaves no current item.
+    void dropQueuedMoves();
+    /// Drops queued moves and pending places of an item whose mesh is replaced, unless the operator
+    /// has requested that mesh.
+    void replaceMesh(const NetworkCompanion::ItemKey& item, const PendingPoints::Mesh& mesh);
+    void showPendingPlaces(const NetworkCompanion::ItemKey& item);
+    /// Drops what waits of the item; if it is the current one, leaves no current item.
     void releaseItem(const NetworkCompanion::ItemKey& item);
 
-    /// Queues the move during a drag, otherwise sends it.
-    void movePoint(const NetworkCompanion::ItemKey& item, const QString& name, int pointId,
-                   double x, double y, double z, bool xy, bool selected);
-    static void sendMove(const PointMove& move);
+    /// Queues the move during a gesture, otherwise sends it. `shown` as in writePoint(); unknown
+    /// when not a number. False if the move cannot be sent.
+    bool movePoint(PointMove move, QPointF shown = {qQNaN(), qQNaN()});
+    static bool sendMove(const PointMove& move);
     template <class MoveEvent, class... Ids>
-    static void send(const PointMove& move, Ids... ids);
+    static bool send(const PointMove& move, Ids... ids);
 
-    // Each emits the signal; false, without a signal, if the position is not finite.
-    bool updateMediaMovePoint(const NetworkCompanion::MediaMovePointEvent& event);
-    bool updateScreenMovePoint(const NetworkCompanion::ScreenMovePointEvent& event);
-    bool updateScreenPartMovePoint(const NetworkCompanion::ScreenPartMovePointEvent& event);
-    bool updateTextureMovePoint(const NetworkCompanion::TextureMovePointEvent& event);
+    /// Shows the point unless a pending place stands against it. False, without effect, if the
+    /// position is not finite.
+    template <class MoveEvent>
+    bool receivePoint(const NetworkCompanion::ItemKey& item, const MoveEvent& event);
+    void emitMove(ShownReport report, const QString& name = {}, double z = 0,
+                  bool selected = false);
+    void onDisconnected();
 
     const Configuration& configuration_;
     QPointer<Item> currentItem_;
     std::unique_ptr<UpdateProducer> updateProducer_;
-    std::map<PointKey, PointMove> pendingMoves_;
-    std::mutex pendingLock_;
+    std::map<PointKey, PointMove> queuedMoves_;
+    std::mutex queueLock_;
+    PendingPoints pending_;
+    ShownReport* shownReport_ = nullptr; // of the move signal being emitted
     QVBoxLayout* layout_;
     QQuickWidget* quickWidget_ = nullptr;
     KeySubscription keys_;

@@ -1,7 +1,7 @@
 .pragma library
 
-// The gestures that move points. While one is active, echoes of selected points are ignored; while a pointer or a
-// repeated key is, the bridge collects moves and sends them with its tick.
+// The gestures that move points. While one is active, reports of selected points wait, and the bridge collects moves and
+// sends them with its tick.
 
 // Bits of scene.activeGestures.
 var POINTER = 1;
@@ -13,12 +13,11 @@ function setActive(scene, gesture, active) {
     const after = active ? before | gesture : before & ~gesture;
     if (after === before)
         return;
-    const ticking = POINTER | KEY;
     scene.activeGestures = after;
     scene.isMovingPoint = after !== 0;
-    if ((after & ticking) !== 0 && (before & ticking) === 0)
+    if (before === 0)
         scene.bridge.startMovePointTimer();
-    else if ((after & ticking) === 0 && (before & ticking) !== 0)
+    else if (after === 0)
         scene.bridge.stopMovePointTimer();
 }
 

@@ -97,6 +97,11 @@ function movePoint(scene, item, pointId, x, y, isXy) {
         PointWriter.applyIncomingMove(scene, item, pointId, x, y, isXy);
 }
 
+function markReturn(item, pointId, x, y, isXy) {
+    if (item)
+        PointWriter.markReturn(item, pointId, x, y, isXy);
+}
+
 function updateDeformationMode(scene, item, deformationType, row, col, reset) {
     return item && MeshBuilder.updateDeformationMode(scene, item, deformationType, row, col, reset);
 }

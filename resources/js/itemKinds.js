@@ -4,7 +4,8 @@
 // The kinds of items: component and properties of an entry, where the scene keeps it, how a point of it is sent.
 
 // `properties` are those of an entry, in the order of the bridge's "added" signal; when the item is added again, only
-// `updated` change. `key` and `array` find an entry by the identifiers of its item.
+// `updated` change. `key` and `array` find an entry by the identifiers of its item. `sentIds` and `sentName` are the
+// properties that identify it to the Producer.
 var KINDS = {};
 
 KINDS[Rules.MEDIA] = {
@@ -15,10 +16,8 @@ KINDS[Rules.MEDIA] = {
     id: "mediaCueId",
     array: scene => scene.canvasMediaItemArray,
     key: id => id >>> 0, // cue ids are unsigned
-    moveSender: (bridge, entry) => {
-        const move = bridge.moveMediaPoint, cueId = entry.mediaCueId, id = entry.mediaId, name = entry.mediaName;
-        return (pointId, x, y, isXy, selected) => move(cueId, id, name, pointId, x, y, 0, isXy, selected);
-    }
+    sentIds: ["mediaCueId", "mediaId"],
+    sentName: "mediaName"
 };
 
 KINDS[Rules.TEXTURE] = {
@@ -29,10 +28,8 @@ KINDS[Rules.TEXTURE] = {
     id: "textureCueId",
     array: scene => scene.canvasTextureItemArray,
     key: id => id >>> 0,
-    moveSender: (bridge, entry) => {
-        const move = bridge.moveTexturePoint, cueId = entry.textureCueId, id = entry.textureId, name = entry.textureName;
-        return (pointId, x, y, isXy, selected) => move(cueId, id, name, pointId, x, y, 0, isXy, selected);
-    }
+    sentIds: ["textureCueId", "textureId"],
+    sentName: "textureName"
 };
 
 KINDS[Rules.SCREEN] = {
@@ -43,10 +40,8 @@ KINDS[Rules.SCREEN] = {
     id: "screenId",
     array: scene => scene.canvasScreenItemArray,
     key: id => id,
-    moveSender: (bridge, entry) => {
-        const move = bridge.moveScreenPoint, id = entry.screenId, name = entry.screenName;
-        return (pointId, x, y, isXy, selected) => move(id, name, pointId, x, y, 0, isXy, selected);
-    }
+    sentIds: ["screenId"],
+    sentName: "screenName"
 };
 
 KINDS[Rules.SCREEN_PART] = {
@@ -59,12 +54,17 @@ KINDS[Rules.SCREEN_PART] = {
     subId: "screenPartId",
     array: (scene, id) => scene.canvasScreenPartItemArray[id], // undefined before the screen's first part
     key: (id, subId) => subId,
-    moveSender: (bridge, entry) => {
-        const move = bridge.moveScreenPartPoint, screenId = entry.screenId, id = entry.screenPartId;
-        let screenName; // never set: moves of a screen part carry no name
-        return (pointId, x, y, isXy, selected) => move(screenId, id, screenName, pointId, x, y, 0, isXy, selected);
-    }
+    sentIds: ["screenId", "screenPartId"] // moves of a screen part carry no name
 };
+
+// The function that sends a point of an entry, as the bridge's writePoint() from `pointId` on.
+function pointSender(bridge, type, entry) {
+    const kind = KINDS[type];
+    const write = bridge.writePoint, name = entry[kind.sentName];
+    const [id, subId = 0] = kind.sentIds.map(property => entry[property]);
+    return (pointId, x, y, isXy, selected, shownX, shownY) =>
+        write(type, id, subId, name, pointId, x, y, isXy, selected, shownX, shownY);
+}
 
 // The entry of an item, null for an unknown one. Only screen parts have a sub id.
 function entryAt(scene, type, id, subId) {

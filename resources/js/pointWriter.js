@@ -19,7 +19,7 @@ function pointWriter(scene, gridId) {
         isXy: gridId === Rules.XY_GRID,
         width: item.sourceWidth,
         height: item.sourceHeight,
-        send: Kinds.KINDS[scene.canvasCurrentItemType].moveSender(scene.bridge, entry)
+        send: Kinds.pointSender(scene.bridge, scene.canvasCurrentItemType, entry)
     };
 }
 
@@ -27,7 +27,8 @@ function currentGridWriter(scene) {
     return pointWriter(scene, CurrentItem.getCurrentGridId(scene));
 }
 
-// Every edit of a point of the current item ends here: it sets the position in the scene and sends it to the Producer.
+// Every edit of a point of the current item ends here: it sends the position to the Producer and sets it in the scene.
+// A point whose position cannot be sent stays where it is.
 function writePoint(writer, pointId, x, y) {
     const isXy = writer.isXy;
     const width = writer.width;
@@ -38,8 +39,11 @@ function writePoint(writer, pointId, x, y) {
         writer.setPosition(pointId, x, y);
         return;
     }
-    writer.setPosition(pointId, Rules.fromProducer(producerX, width, isXy), Rules.fromProducer(producerY, height, isXy));
-    writer.send(pointId, producerX, producerY, isXy, writer.points[pointId].selected);
+    const point = writer.points[pointId];
+    if (writer.send(pointId, producerX, producerY, isXy, point.selected, Rules.toProducer(point.x, width, isXy),
+                    Rules.toProducer(point.y, height, isXy)))
+        writer.setPosition(pointId, Rules.fromProducer(producerX, width, isXy),
+                           Rules.fromProducer(producerY, height, isXy));
 }
 
 // Sends the new state to the Producer with the point's position.
@@ -61,7 +65,7 @@ function applyIncomingMove(scene, item, pointId, x, y, isXy) {
     const grid = item.deformerGrids[isXy ? Rules.XY_GRID : Rules.UV_GRID];
     if (scene.isMovingPoint && !grid.isOutline) {
         const point = grid.pointsArray[pointId];
-        if (point && point.selected)
+        if (point && point.selected && scene.bridge.keepReport())
             return;
     }
     const sceneX = Rules.fromProducer(x, item.sourceWidth, isXy);
@@ -72,4 +76,10 @@ function applyIncomingMove(scene, item, pointId, x, y, isXy) {
     if (grid.currentSelectedPointId === pointId && isXy === scene.isCurrentGridXy
             && item === CurrentItem.getCurrentItem(scene))
         CurrentItem.updateCurrentPointText(scene);
+}
+
+// The point stands where the Producer has it, not at (x, y), where the operator has put it.
+function markReturn(item, pointId, x, y, isXy) {
+    item.deformerGrids[isXy ? Rules.XY_GRID : Rules.UV_GRID].markReturn(
+        pointId, Rules.fromProducer(x, item.sourceWidth, isXy), Rules.fromProducer(y, item.sourceHeight, isXy));
 }

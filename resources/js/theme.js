@@ -14,6 +14,7 @@ var chosen = "#0b3a5e"; // ground of a chosen element
 var selection = "#b3dffe";
 var selectedText = "#000000"; // on the ground of a selection
 var selectionOutline = "#004c99";
+var warning = "#ffb000"; // something is not as the operator has set it
 var shadow = "#c0000000"; // behind white on a light ground
 var disabledOpacity = 0.35;
 
@@ -25,3 +26,4 @@ var fontSize = 14;
 var titleSize = 18;
 
 var toolTipDelay = 600; // ms
+var returnMarkTime = 600; // ms

@@ -180,6 +180,10 @@ Rectangle {
             ItemActions.movePoint(canvas, Kinds.itemAt(canvas, Rules.TEXTURE, cueId), pointId, x, y, xy);
         }
 
+        function onPointWentBack(itemType, itemId, subItemId, pointId, fromX, fromY, xy) {
+            ItemActions.markReturn(Kinds.itemAt(canvas, itemType, itemId, subItemId), pointId, fromX, fromY, xy);
+        }
+
         function onLeftAxisMoved(x, y) {
             Controller.leftStickMoved(canvas, x, y);
         }

@@ -21,6 +21,8 @@ MeshGridItem {
     unselectedColors: [Theme.control, Theme.accent, Theme.text]
     selectedColors: [Theme.selection, Theme.selectionOutline, Theme.selectionOutline]
     currentColors: [Theme.selection, Theme.accent, Theme.selectedText]
+    markColor: Theme.warning
+    markTime: Theme.returnMarkTime
 
     onMeshRequested: (rows, columns, skipPatchCenter) => MeshBuilder.buildMesh(grid, rows, columns, skipPatchCenter)
 }

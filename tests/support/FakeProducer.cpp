@@ -123,6 +123,7 @@ void FakeProducer::onReadyRead(QTcpSocket* socket) {
         QByteArray frame = unparsed.mid(4, length);
         unparsed.remove(0, 4 + length);
         events_.emplace_back(LVNtc::deserialize(frame).second);
+        emit received(events_.back().get());
     }
 }
 

@@ -82,6 +82,8 @@ public:
 
 signals:
     void connected();
+    /// Null for an undecodable frame; as events() holds it.
+    void received(const NetworkCompanion::Event* event);
 
 private:
     void onNewConnection();
