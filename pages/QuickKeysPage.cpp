@@ -69,7 +69,7 @@ QuickKeysPage::QuickKeysPage(const Configuration& configuration, QWidget* parent
     : ControlPage(parent), configuration_(configuration), layout_(new QVBoxLayout(this)),
       previous_(new QPushButton(this)), spinBox_(new PageSpinBox(this)),
       next_(new QPushButton(this)), pageCountLabel_(new QLabel(this)), stack_(new QStackedWidget),
-      mapper_(new QSignalMapper(this)), events_(this, kEventTypes) {
+      events_(this, kEventTypes) {
     initNavSpinBox();
 
     // A grid that is larger than the window scrolls instead of stretching the window.
@@ -80,7 +80,6 @@ QuickKeysPage::QuickKeysPage(const Configuration& configuration, QWidget* parent
     area->setWidget(stack_);
     layout_->addWidget(area);
 
-    connect(mapper_, &QSignalMapper::mappedInt, this, &QuickKeysPage::onButtonPressed);
     update_.setSingleShot(true);
     connect(&update_, &QTimer::timeout, this, &QuickKeysPage::updateStack);
 }
@@ -306,8 +305,8 @@ bool QuickKeysPage::createButtons(int number) {
         const int id = number * keysPerPage() + i + 1;
         auto* button = new QuickKeysButton(configuration_.patternButtonSize, page);
         button->setEnabled(false);
-        connect(button, &QuickKeysButton::pressed, mapper_, qOverload<>(&QSignalMapper::map));
-        mapper_->setMapping(button, id);
+        // No QSignalMapper, because it searches all its buttons for each one that is deleted.
+        connect(button, &QuickKeysButton::pressed, this, [this, id] { onButtonPressed(id); });
         layout->addWidget(button, i / columns_, i % columns_);
         showKey(button, id);
         button->ensurePolished(); // slow, so not left to show(), which would polish all at once

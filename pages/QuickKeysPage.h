@@ -4,7 +4,6 @@
 #include "app/shell/EventSubscription.h"
 #include "pages/ControlPage.h"
 
-#include <QSignalMapper>
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QTimer>
@@ -110,7 +109,6 @@ private:
     QPushButton* next_;
     QLabel* pageCountLabel_;
     QStackedWidget* stack_; ///< contains the grid pages
-    QSignalMapper* mapper_;
     std::vector<Key> keys_; ///< of all grid pages; key `id` at position `id - 1`
     int pageCount_ = 0;
     std::map<int, std::unique_ptr<QWidget>> pages_;     ///< grid pages by number, counted from 0
