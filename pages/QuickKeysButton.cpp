@@ -74,6 +74,11 @@ bool QuickKeysButton::hitButton(const QPoint& position) const {
 }
 
 bool QuickKeysButton::event(QEvent* event) {
+    // Each request for a repaint searches all keys of the page, so keys out of view drop theirs;
+    // they are painted when they scroll into view.
+    if (event->type() == QEvent::UpdateLater &&
+        !window()->rect().intersects({mapTo(window(), QPoint()), size()}))
+        return true;
     if (event->type() == QEvent::ToolTip) {
         if (name_.isElided()) {
             const QPoint position = static_cast<QHelpEvent*>(event)->globalPos();
