@@ -26,6 +26,12 @@ constexpr qint64 kLongestWord =
 // Each datagram may add a button to the window, so the rest wait for the next event-loop iteration.
 constexpr int kDatagramsPerRead = 16;
 
+constexpr int kLongestWaitToBind = 32; // periods; each attempt costs a socket of the system
+
+bool isBound(const QUdpSocket* socket) {
+    return socket->state() == QAbstractSocket::BoundState;
+}
+
 bool isUsable(const QHostAddress& address) {
     static const QPair<QHostAddress, int> linkLocal = QHostAddress::parseSubnet("169.254.0.0/16");
     return address.protocol() == QAbstractSocket::IPv4Protocol && !address.isInSubnet(linkLocal);
@@ -52,11 +58,12 @@ NetworkUtils::NetworkUtils(unsigned int localPort, unsigned int targetPort, bool
                            {QString::fromLatin1(kPingReceived), &NetworkUtils::serverAnswered},
                            {QString::fromLatin1(kGetClients), &NetworkUtils::getClients},
                            {QString::fromLatin1(kGiveClient), &NetworkUtils::giveClient}} {
+    pruneTimer_.setSingleShot(true);
+    connect(&pruneTimer_, &QTimer::timeout, this, &NetworkUtils::checkAnswers);
     if (isServer_) {
-        QUdpSocket* socket = newSocket();
-        if (!bindSocket(socket, QHostAddress::AnyIPv4))
+        sockets_.push_back({QHostAddress::AnyIPv4, newSocket()});
+        if (!bindServerSocket())
             qCritical("NetworkCompanion: Socket not bound when constructing NetworkUtils!");
-        sockets_.push_back({QHostAddress::AnyIPv4, socket});
     } else {
         updateClientSockets();
         discoveryThread_ = std::thread(&NetworkUtils::serversDiscoveryThreadFunction, this);
@@ -97,13 +104,13 @@ void NetworkUtils::pingServers() {
 void NetworkUtils::getClientsOnNetwork() {
     clients_.clear();
     if (!sockets_.empty())
-        send(sockets_.front().socket, kGetClients, QHostAddress::Broadcast);
+        send(sockets_.front(), kGetClients, QHostAddress::Broadcast);
 }
 
 void NetworkUtils::broadcastDatagramOnAllSockets(const char* data, qint64 size, quint16 port) {
     // A socket bound to an interface's address broadcasts on that interface.
     for (const BoundSocket& bound : sockets_)
-        if (bound.socket->state() == QAbstractSocket::BoundState)
+        if (isBound(bound.socket))
             bound.socket->writeDatagram(data, size, QHostAddress::Broadcast, port);
 }
 
@@ -144,32 +151,33 @@ void NetworkUtils::addClientNewSockets(const QList<QHostAddress>& addresses) {
         const auto known = std::find_if(sockets_.begin(), sockets_.end(), [&](const auto& bound) {
             return bound.address == address;
         });
-        if (known == sockets_.end()) {
-            QUdpSocket* socket = newSocket();
-            if (!bindSocket(socket, address))
-                qCritical("NetworkCompanion: Socket not bound when constructing NetworkUtils!");
-            sockets_.push_back({address, socket});
-        } else if (known->socket->state() != QAbstractSocket::BoundState) {
-            bindSocket(known->socket, address); // the port may be free now; logged once only
-        }
+        if (known != sockets_.end())
+            bindSocket(*known); // the port may be free now; logged once only
+        else if (!bindSocket(sockets_.emplace_back(BoundSocket{address, newSocket()})))
+            qCritical("NetworkCompanion: Socket not bound when constructing NetworkUtils!");
     }
 }
 
 /// On Linux a socket bound to an interface's address does not receive broadcasts, so another one is
 /// bound to the broadcast address. On Windows that bind fails and is not needed.
 void NetworkUtils::updateBroadcastSocket() {
-    if (sockets_.empty()) {
-        if (broadcastSocket_) {
-            broadcastSocket_->close();
-            broadcastSocket_->deleteLater();
-            broadcastSocket_ = nullptr;
-        }
-        return;
+    if (!sockets_.empty()) {
+        if (!broadcastSocket_)
+            broadcastSocket_ = BoundSocket{QHostAddress::Broadcast, newSocket()};
+        bindSocket(*broadcastSocket_);
+    } else if (broadcastSocket_) {
+        broadcastSocket_->socket->close();
+        broadcastSocket_->socket->deleteLater();
+        broadcastSocket_.reset();
     }
-    if (!broadcastSocket_)
-        broadcastSocket_ = newSocket();
-    if (broadcastSocket_->state() != QAbstractSocket::BoundState)
-        bindSocket(broadcastSocket_, QHostAddress::Broadcast);
+}
+
+/// Tries each period until the port is free.
+bool NetworkUtils::bindServerSocket() {
+    const bool bound = bindSocket(sockets_.front());
+    if (!bound)
+        QTimer::singleShot(timing_.pingPeriod, this, &NetworkUtils::bindServerSocket);
+    return bound;
 }
 
 QUdpSocket* NetworkUtils::newSocket() {
@@ -179,13 +187,21 @@ QUdpSocket* NetworkUtils::newSocket() {
     return socket;
 }
 
-bool NetworkUtils::bindSocket(QUdpSocket* socket, const QHostAddress& address) const {
-    return socket->bind(address, localPort_, QAbstractSocket::ReuseAddressHint);
+bool NetworkUtils::bindSocket(BoundSocket& bound) const {
+    if (isBound(bound.socket))
+        return true;
+    if (bound.periodsToWait-- > 0)
+        return false;
+    bound.periodsToWait = bound.nextWait - 1;
+    bound.nextWait = std::min(2 * bound.nextWait, kLongestWaitToBind);
+    return bound.socket->bind(bound.address, localPort_, QAbstractSocket::ReuseAddressHint);
 }
 
-void NetworkUtils::send(QUdpSocket* socket, QByteArrayView word,
+/// Writing to a socket that is not bound would bind it to a random port.
+void NetworkUtils::send(const BoundSocket& bound, QByteArrayView word,
                         const QHostAddress& receiver) const {
-    socket->writeDatagram(word.data(), word.size(), receiver, targetPort_);
+    if (isBound(bound.socket))
+        bound.socket->writeDatagram(word.data(), word.size(), receiver, targetPort_);
 }
 
 void NetworkUtils::onReadyRead() {
@@ -197,7 +213,7 @@ void NetworkUtils::onReadyRead() {
     // Reads first and handles afterwards, because a slot may change the sockets or delete this.
     std::vector<Datagram> datagrams;
     const auto read = [&](QUdpSocket* socket) {
-        if (socket->state() != QAbstractSocket::BoundState)
+        if (!isBound(socket))
             return;
         for (int i = 0; i < kDatagramsPerRead && socket->hasPendingDatagrams(); ++i) {
             Datagram datagram;
@@ -211,7 +227,7 @@ void NetworkUtils::onReadyRead() {
     for (const BoundSocket& bound : sockets_)
         read(bound.socket);
     if (broadcastSocket_)
-        read(broadcastSocket_);
+        read(broadcastSocket_->socket);
 
     const QPointer<NetworkUtils> alive(this);
     for (const Datagram& datagram : datagrams) {
@@ -229,7 +245,7 @@ void NetworkUtils::processDatagram(QByteArrayView data, const QHostAddress& send
 
 void NetworkUtils::pingReceived(const QString& sender) {
     if (isServer_)
-        send(sockets_.front().socket, kPingReceived, QHostAddress(sender));
+        send(sockets_.front(), kPingReceived, QHostAddress(sender));
 }
 
 void NetworkUtils::serverAnswered(const QString& sender) {
@@ -252,12 +268,11 @@ void NetworkUtils::serverAnswered(const QString& sender) {
 void NetworkUtils::getClients(const QString&) {
     if (isServer_)
         return;
-    // Writing to an unbound socket would bind it to a random port.
     const auto bound = std::find_if(sockets_.begin(), sockets_.end(), [](const auto& candidate) {
-        return candidate.socket->state() == QAbstractSocket::BoundState;
+        return isBound(candidate.socket);
     });
     if (bound != sockets_.end())
-        send(bound->socket, kGiveClient, QHostAddress::Broadcast);
+        send(*bound, kGiveClient, QHostAddress::Broadcast);
 }
 
 void NetworkUtils::giveClient(const QString& sender) {
@@ -297,14 +312,26 @@ void NetworkUtils::customEvent(QEvent*) {
     updateSockets(addresses);
     excludeUnpingedTime(Clock::now());
     pingServers();
+    // Between two pings, because at a ping the age of an answer is a whole number of periods, and
+    // chance would decide whether it is old enough.
+    if (!pruneTimer_.isActive())
+        pruneTimer_.start(timing_.pingPeriod / 2);
+}
+
+void NetworkUtils::checkAnswers() {
+    const QPointer<NetworkUtils> alive(this);
+    onReadyRead();
+    if (!alive)
+        return;
+    excludeUnpingedTime(Clock::now());
     pruneTimeoutedServers();
 }
 
 /// Time without a ping does not count as a Producer's silence, because it was not asked.
 void NetworkUtils::excludeUnpingedTime(Clock::time_point now) {
-    const auto late = lastPing_ == Clock::time_point() ? Clock::duration::zero()
-                                                       : now - lastPing_ - timing_.pingPeriod;
-    lastPing_ = now;
+    const auto late = lastCheck_ == Clock::time_point() ? Clock::duration::zero()
+                                                        : now - lastCheck_ - timing_.pingPeriod;
+    lastCheck_ = now;
     if (late <= timing_.pingPeriod / 2)
         return;
     const std::scoped_lock lock(mutex_);
@@ -318,7 +345,7 @@ void NetworkUtils::pruneTimeoutedServers() {
         const std::scoped_lock lock(mutex_);
         const auto now = Clock::now();
         std::erase_if(servers_, [&](const auto& server) {
-            if (now - server.second <= timing_.serverTimeout)
+            if (now - server.second < timing_.serverTimeout)
                 return false;
             silent.append(server.first);
             return true;

@@ -6,12 +6,14 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
 #include <chrono>
 #include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -22,7 +24,8 @@ namespace NetworkCompanion {
 /// The periods of discovery, which tests shorten.
 struct DiscoveryTiming {
     std::chrono::milliseconds pingPeriod{1000};
-    std::chrono::milliseconds serverTimeout{3000}; ///< longer silence removes a Producer
+    /// Silence of this length removes a Producer: its age in whole seconds is more than 3.
+    std::chrono::milliseconds serverTimeout{4000};
 };
 
 /// Finds Producers by UDP broadcast and lists those that answer; in server mode it is the end that
@@ -36,6 +39,7 @@ class NetworkUtils : public QObject {
 
 public:
     /// Binds to localPort and sends to targetPort. Client mode pings at once and then every period.
+    /// A port or address that is taken is tried again, ever more rarely, and meanwhile not used.
     NetworkUtils(unsigned int localPort, unsigned int targetPort, bool isServer,
                  QObject* parent = nullptr, DiscoveryTiming timing = DiscoveryTiming());
     ~NetworkUtils() override;
@@ -74,9 +78,12 @@ protected:
 private:
     using Clock = std::chrono::steady_clock;
     using Handler = void (NetworkUtils::*)(const QString& sender);
+    /// A socket and its next attempts to bind it, which become rarer.
     struct BoundSocket {
         QHostAddress address;
         QUdpSocket* socket; // a child
+        int periodsToWait = 0;
+        int nextWait = 1; // periods
     };
 
     void pingReceived(const QString& sender);
@@ -86,24 +93,28 @@ private:
 
     void serversDiscoveryThreadFunction();
     void excludeUnpingedTime(Clock::time_point now);
+    void checkAnswers();
     void pruneTimeoutedServers();
     void updateSockets(const QList<QHostAddress>& addresses);
     void removeClientUnusedSockets(const QList<QHostAddress>& addresses);
     void addClientNewSockets(const QList<QHostAddress>& addresses);
     void updateBroadcastSocket();
+    bool bindServerSocket();
     QUdpSocket* newSocket();
-    bool bindSocket(QUdpSocket* socket, const QHostAddress& address) const;
-    void send(QUdpSocket* socket, QByteArrayView word, const QHostAddress& receiver) const;
+    /// False when the address is taken, or when it is too early to try again.
+    bool bindSocket(BoundSocket& bound) const;
+    void send(const BoundSocket& bound, QByteArrayView word, const QHostAddress& receiver) const;
 
     const quint16 localPort_;
     const quint16 targetPort_;
     const bool isServer_;
     const DiscoveryTiming timing_;
     std::vector<BoundSocket> sockets_;
-    QUdpSocket* broadcastSocket_ = nullptr; // a child; receives only
+    std::optional<BoundSocket> broadcastSocket_; // receives only
     const std::map<QString, Handler> commands_;
     QStringList clients_;
-    Clock::time_point lastPing_;
+    Clock::time_point lastCheck_;
+    QTimer pruneTimer_;
 
     mutable std::mutex mutex_; // guards the members below
     std::map<QString, Clock::time_point> servers_;

@@ -19,6 +19,8 @@ namespace {
 constexpr unsigned long kKeepAliveInterval = 200; // ms
 constexpr unsigned long kKeepAliveTime = 1000;    // ms
 
+constexpr int kPeerCheckPeriod = 250; // ms
+
 // Events are emitted in slices of this many milliseconds, so that a flood of them does not block
 // the event loop. The socket's read buffer is bounded meanwhile, which slows the sender down.
 constexpr int kReceiveSlice = 8;
@@ -50,9 +52,11 @@ TCPTransportSocket::TCPTransportSocket(int socketId, QTcpSocket* socket, QObject
 }
 
 TCPTransportSocket::TCPTransportSocket(QObject* parent, int socketId, QTcpSocket* socket)
-    : QObject(parent), url_(urlOf("127.0.0.1", 0)), socketId_(socketId), resumeTimer_(this) {
+    : QObject(parent), url_(urlOf("127.0.0.1", 0)), socketId_(socketId), resumeTimer_(this),
+      peerTimer_(this) {
     resumeTimer_.setSingleShot(true);
     connect(&resumeTimer_, &QTimer::timeout, this, &TCPTransportSocket::onReadyRead);
+    connect(&peerTimer_, &QTimer::timeout, this, &TCPTransportSocket::checkPeer);
     setSocket(socket);
 }
 
@@ -72,6 +76,7 @@ void TCPTransportSocket::setSocket(QTcpSocket* socket) {
     connect(socket_, &QTcpSocket::connected, this, &TCPTransportSocket::onConnected);
     connect(socket_, &QTcpSocket::disconnected, this, &TCPTransportSocket::onDisconnected);
     connect(socket_, &QTcpSocket::bytesWritten, this, &TCPTransportSocket::onBytesWritten);
+    connect(socket_, &QTcpSocket::errorOccurred, this, &TCPTransportSocket::onSocketError);
 }
 
 /// Closes the socket without a report and deletes it later, because this may run within its signal.
@@ -80,11 +85,19 @@ void TCPTransportSocket::releaseSocket() {
     socket_->setParent(nullptr);
     socket_->abort();
     socket_->deleteLater();
+    peerTimer_.stop();
 }
 
 void TCPTransportSocket::onConnected() {
     socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     activeKeepAlive(kKeepAliveInterval, kKeepAliveTime);
+    if (std::exchange(connecting_, false))
+        emit connectingFinished(true);
+}
+
+void TCPTransportSocket::onSocketError() {
+    if (std::exchange(connecting_, false))
+        emit connectingFinished(false);
 }
 
 bool TCPTransportSocket::tryToConnect(const QUrl& url) {
@@ -97,6 +110,7 @@ bool TCPTransportSocket::tryToConnect(const QUrl& url) {
     closing_ = false;
     overflowing_ = false;
     ended_ = false;
+    connecting_ = true;
     // QTcpSocket cannot reconnect from within its own signal.
     releaseSocket();
     setSocket(newSocket());
@@ -120,6 +134,10 @@ void TCPTransportSocket::disconnect() {
     reader_.clear();
     resumeTimer_.stop();
     closing_ = true;
+    if (std::exchange(connecting_, false)) {
+        socket_->abort();
+        return;
+    }
     const QTcpSocket* const closing = socket_; // a slot may reconnect while it is flushed
     const QPointer<TCPTransportSocket> alive(this);
     sendWaiting();
@@ -156,6 +174,10 @@ bool TCPTransportSocket::write(Event& event) {
     }
     const LV_NTC_Header header{static_cast<std::uint32_t>(event.getSize()), event.type()};
     const QByteArray message = LVNtc::serializeWithLength(header, event);
+    if (!peerTimer_.isActive()) {
+        peerWatch_ = PeerWatch(PeerWatch::Clock::now());
+        peerTimer_.start(kPeerCheckPeriod);
+    }
     // QTcpSocket passes its writes to the system one by one, one in each event-loop iteration, so
     // they are joined first.
     if (socket_->bytesToWrite() > 0) {
@@ -171,6 +193,16 @@ void TCPTransportSocket::disconnectSlowReader() {
     overflowing_ = true;
     waiting_.clear();
     QMetaObject::invokeMethod(socket_, &QTcpSocket::abort, Qt::QueuedConnection);
+}
+
+void TCPTransportSocket::checkPeer() {
+    const auto progress = KeepAlive::progress(socket_->socketDescriptor());
+    if (!progress || !(progress->waiting || unsentBytes() > 0)) {
+        peerTimer_.stop();
+    } else if (peerWatch_.hasVanished(*progress, PeerWatch::Clock::now())) {
+        peerTimer_.stop();
+        socket_->abort();
+    }
 }
 
 void TCPTransportSocket::sendWaiting() {

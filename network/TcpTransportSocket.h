@@ -1,6 +1,7 @@
 #pragma once
 
 #include "network/FrameReader.h"
+#include "network/PeerWatch.h"
 
 #include <QByteArray>
 #include <QHostAddress>
@@ -15,7 +16,8 @@ namespace NetworkCompanion {
 ///
 /// Needs no mutex, because the object's thread owns everything: all functions are called there and
 /// all signals are emitted there. A slot of its signals may write, disconnect, reconnect or delete
-/// it.
+/// it. A vanished peer is disconnected after about 3 s; one that acknowledges but does not read
+/// keeps the connection.
 ///
 /// "API" marks functions that nothing here calls; they are kept for callers outside this tree.
 class TCPTransportSocket : public QObject {
@@ -39,7 +41,7 @@ public:
     /// Waits at most msecs milliseconds (-1: no limit). True when disconnected or closing.
     bool waitForDisconnected(int msecs);
     /// Drops received bytes, emits no further events and closes the connection after everything
-    /// written has been sent.
+    /// written has been sent. Ends an attempt to connect at once.
     void disconnect();
     /// Events are emitted between these two only. Bytes that arrive earlier wait for
     /// startReading().
@@ -66,6 +68,9 @@ public:
     qint64 unsentBytes() const { return socket_->bytesToWrite() + waiting_.size(); }
 
 signals:
+    /// The attempt that tryToConnect() started has succeeded or failed. An attempt that
+    /// disconnect() ends is not reported.
+    void connectingFinished(bool connected);
     /// A frame has arrived. The receiver owns the event, which is null when the frame could not be
     /// decoded. An event without a receiver is freed.
     void receivedEvent(NetworkCompanion::eventData event);
@@ -82,7 +87,9 @@ private:
     void setSocket(QTcpSocket* socket);
     void releaseSocket();
     void onConnected();
+    void onSocketError();
     void disconnectSlowReader();
+    void checkPeer();
     void sendWaiting();
     void receive();
     void readSocket();
@@ -96,10 +103,13 @@ private:
     FrameReader reader_;
     QByteArray waiting_; // frames to write after the socket has sent the previous ones
     QTimer resumeTimer_; // continues a long read in the next event-loop iteration
+    QTimer peerTimer_;   // runs while bytes are not acknowledged
+    PeerWatch peerWatch_{PeerWatch::Clock::time_point()};
 
     bool reading_ = false;     // between startReading() and stopReading()
     bool receiving_ = false;   // within receive()
     bool closing_ = false;     // disconnect() was called: arriving bytes are dropped
+    bool connecting_ = false;  // connectingFinished() follows
     bool overflowing_ = false; // the peer has left too much unread
     bool ended_ = false;       // the connection has ended; disconnected() follows its last event
 };

@@ -1,7 +1,7 @@
 #include "network/KeepAlive.h"
 
+#include <linux/tcp.h>
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -11,15 +11,12 @@ namespace NetworkCompanion {
 namespace {
 
 constexpr int kProbes = 2;
-// Ends a connection with unacknowledged bytes, for which the system sends no probes.
-constexpr unsigned int kUserTimeoutMs = 3000;
 
 int wholeSeconds(std::chrono::milliseconds time) {
     return std::max(1, static_cast<int>(std::chrono::ceil<std::chrono::seconds>(time).count()));
 }
 
-template <typename Value>
-bool setOption(qintptr socket, int option, Value value) {
+bool setOption(qintptr socket, int option, int value) {
     return setsockopt(static_cast<int>(socket), IPPROTO_TCP, option, &value, sizeof value) == 0;
 }
 
@@ -29,8 +26,17 @@ bool KeepAlive::enable(qintptr socketDescriptor, std::chrono::milliseconds idle,
                        std::chrono::milliseconds interval) {
     return setOption(socketDescriptor, TCP_KEEPIDLE, wholeSeconds(idle)) &&
            setOption(socketDescriptor, TCP_KEEPINTVL, wholeSeconds(interval)) &&
-           setOption(socketDescriptor, TCP_KEEPCNT, kProbes) &&
-           setOption(socketDescriptor, TCP_USER_TIMEOUT, kUserTimeoutMs);
+           setOption(socketDescriptor, TCP_KEEPCNT, kProbes);
+}
+
+/// TCP_USER_TIMEOUT would end the connection of a peer that acknowledges but does not read, too.
+std::optional<KeepAlive::Progress> KeepAlive::progress(qintptr socketDescriptor) {
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    if (getsockopt(static_cast<int>(socketDescriptor), IPPROTO_TCP, TCP_INFO, &info, &size) != 0)
+        return std::nullopt;
+    return Progress{info.tcpi_unacked > 0 || info.tcpi_notsent_bytes > 0, info.tcpi_segs_out,
+                    std::chrono::milliseconds(info.tcpi_last_ack_recv)};
 }
 
 } // namespace NetworkCompanion

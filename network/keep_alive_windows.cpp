@@ -9,7 +9,8 @@ namespace NetworkCompanion {
 
 namespace {
 
-// Ends a connection with unacknowledged bytes, for which the system sends no probes.
+// Ends a connection whose bytes stay unacknowledged. A peer that acknowledges but does not read
+// keeps it, because its answers to the probes of its full buffer are acknowledgements.
 constexpr DWORD kRetransmissionSeconds = 3;
 
 } // namespace
@@ -31,6 +32,11 @@ bool KeepAlive::enable(qintptr socketDescriptor, std::chrono::milliseconds idle,
                sizeof kRetransmissionSeconds);
 #endif
     return ok;
+}
+
+std::optional<KeepAlive::Progress> KeepAlive::progress(qintptr socketDescriptor) {
+    Q_UNUSED(socketDescriptor)
+    return std::nullopt;
 }
 
 } // namespace NetworkCompanion
