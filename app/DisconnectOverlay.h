@@ -1,36 +1,31 @@
 #pragma once
 
-#include <QVBoxLayout>
-#include <QWidget>
+#include "app/LinkBadge.h"
+#include "app/Veil.h"
 
-struct Configuration;
-class QPushButton;
-
-/// Covers the whole window while the connection is lost, so that mouse and keyboard do not reach
-/// the page; its button disconnects from the Producer.
-class DisconnectOverlay final : public QWidget {
+/// The veil over a lost connection: says that Meshpad keeps trying; its button disconnects from the
+/// Producer.
+class DisconnectOverlay final : public Veil {
     Q_OBJECT
 
 public:
-    /// Takes the size of `parent`, the main window, which resizes it from then on.
     DisconnectOverlay(const Configuration& configuration, QWidget* parent);
     ~DisconnectOverlay() override;
 
+    void setLink(const Link& link) { badge_->setLink(link); }
+
 public slots:
-    void onDisconnect();
+    void onDisconnect() { emit disconnection(); }
 
 signals:
     /// The operator asked to disconnect.
     void disconnection();
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override;
-    bool focusNextPrevChild(bool next) override;
+    void onButton() override { onDisconnect(); }
 
 private:
     void initOverlay();
 
-    QVBoxLayout layout_;
-    QPushButton* button_ = nullptr; // child of the overlay
-    const Configuration& configuration_;
+    LinkBadge* badge_ = nullptr; // child of the overlay
 };

@@ -1,6 +1,7 @@
 #include "app/GuiCompanion.h"
 
 #include "app/ConnectPage.h"
+#include "app/ConnectingOverlay.h"
 #include "app/Content.h"
 #include "app/DisconnectOverlay.h"
 #include "app/HeadBanner.h"
@@ -8,6 +9,7 @@
 #include "app/shell/ShellLook.h"
 #include "input/key_event_manager.h"
 #include "network/events/MsgEvent.h"
+#include "warp/Canvas.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -16,8 +18,10 @@
 #include <QResizeEvent>
 
 #include <array>
+#include <utility>
 
 using Companion::Page;
+using NetworkCompanion::CompanionClient;
 using namespace ShellLook;
 
 namespace {
@@ -31,7 +35,7 @@ constexpr std::array kPageOfTab{Page::Warp, Page::QuickKeys, Page::TestPatterns,
 
 GuiCompanion::GuiCompanion(QWidget* parent, const Timing& timing)
     : QWidget(parent), dispatcher_(EventDispatcher::getInstance()), gamepad_(this),
-      actionMapper_(this) {
+      actionMapper_(this), inputGate_(this, timing.inputDelay) {
     setWindowIcon(QIcon(QLatin1StringView(kWindowIcon)));
     initConfig();
     initWindow(timing);
@@ -45,13 +49,22 @@ GuiCompanion::GuiCompanion(QWidget* parent, const Timing& timing)
     connect(banner_.get(), SIGNAL(menuTabPressed(int)), this, SLOT(goToPageFromMenu(int)));
     setWindowTitle(configuration_.applicationName + QLatin1Char(' ') + configuration_.version);
     connect(this, SIGNAL(meshpadConnected()), content_.get(), SLOT(onMeshpadConnected()));
+    connect(&dispatcher_->client(), &CompanionClient::connectingFinished, this,
+            &GuiCompanion::onConnectingFinished);
+    connect(&linkMonitor_, &LinkMonitor::changed, this, &GuiCompanion::updateLink);
+    const auto* canvas = content_->findChild<Canvas*>();
+    EchoTimes* echoTimes = &linkMonitor_.echoTimes();
+    connect(canvas, &Canvas::pointWritten, echoTimes, &EchoTimes::writeSent);
+    connect(canvas, &Canvas::pointConfirmed, echoTimes, &EchoTimes::echoArrived);
+    connect(canvas, &Canvas::pointsSettled, echoTimes, &EchoTimes::allConfirmed);
     initInput();
 }
 
 GuiCompanion::~GuiCompanion() {
+    dispatcher_->client().cancelConnecting();
     banner_.reset();
     content_.reset();
-    overlay_.reset();
+    veil_.reset();
     checkConnection_.reset();
 }
 
@@ -71,21 +84,25 @@ void GuiCompanion::initWindow(const Timing& timing) {
 }
 
 void GuiCompanion::initInput() {
-    connect(&gamepad_, &GamepadInputManager::leftAxisMoved, content_.get(),
-            &Content::onLeftAxisMoved);
-    connect(&gamepad_, &GamepadInputManager::rightAxisMoved, content_.get(),
-            &Content::onRightAxisMoved);
-    connect(&gamepad_, &GamepadInputManager::pressure, content_.get(), &Content::onPressure);
+    connectStick(&GamepadInputManager::leftAxisMoved, &Content::onLeftAxisMoved);
+    connectStick(&GamepadInputManager::rightAxisMoved, &Content::onRightAxisMoved);
+    connect(&gamepad_, &GamepadInputManager::pressure, content_.get(), [this](float value) {
+        if (inputGate_.isOpen())
+            content_->onPressure(value);
+    });
     connect(&gamepad_, &GamepadInputManager::buttonPressed, &actionMapper_,
             &ActionMapper::onButtonPressed);
     connect(&gamepad_, &GamepadInputManager::buttonReleased, &actionMapper_,
             &ActionMapper::onButtonReleased);
-    connect(&actionMapper_, &ActionMapper::action, content_.get(), &Content::onAction);
+    connect(&actionMapper_, &ActionMapper::action, content_.get(), [this](Action action) {
+        if (inputGate_.isOpen())
+            content_->onAction(action);
+    });
 
     // The controller is read only while the application is active; a window that opens behind
     // another one is not.
     const auto follow = [this](Qt::ApplicationState state) {
-        if (state == Qt::ApplicationActive && !overlay_) {
+        if (state == Qt::ApplicationActive && !veil_) {
             gamepad_.onFocusGained();
         } else {
             gamepad_.onFocusLost();
@@ -95,30 +112,66 @@ void GuiCompanion::initInput() {
     follow(QGuiApplication::applicationState());
 }
 
+void GuiCompanion::connectStick(void (GamepadInputManager::*moved)(float, float),
+                                void (Content::*onMoved)(float, float)) {
+    connect(
+        &gamepad_, moved, content_.get(),
+        [this, onMoved](float x, float y) {
+            if (inputGate_.isOpen())
+                (content_.get()->*onMoved)(x, y);
+        });
+}
+
 void GuiCompanion::onConnectToServer(const QString& ip) {
-    auto& client = dispatcher_->client();
-    if (!client.connectToServer(ip, kProducerPort))
+    if (!dispatcher_->client().startConnecting(ip, kProducerPort))
         return;
+    attemptedIp_ = ip;
+    if (std::exchange(triedAgain_, lost_))
+        return; // the overlay stays
+    auto notice = std::make_unique<ConnectingOverlay>(configuration_, ip, this);
+    connect(notice.get(), &ConnectingOverlay::cancelled, this, &GuiCompanion::cancelConnecting);
+    raiseVeil(std::move(notice));
+}
+
+void GuiCompanion::cancelConnecting() {
+    dispatcher_->client().cancelConnecting();
+    onConnectingFinished(false);
+}
+
+void GuiCompanion::onConnectingFinished(bool connected) {
+    if (!connected) {
+        if (lost_)
+            showOverlay();
+        else
+            lowerVeil();
+        return;
+    }
+    lost_ = false;
+    triedAgain_ = false;
+    lowerVeil();
+    linkMonitor_.onConnected(attemptedIp_);
     content_->setPage(Page::Warp);
     banner_->updateBanner();
 
-    checkConnection_->setWatchedAddress(ip);
+    checkConnection_->setWatchedAddress(attemptedIp_);
     if (!checkConnection_->isRunning())
         checkConnection_->start();
-    serverIp_ = ip;
+    serverIp_ = attemptedIp_;
 
     content_->purgeMedia();
     // Unique: this signal connection survives a lost link, and one loss must be handled once.
     connect(dispatcher_, SIGNAL(disconnected()), this, SLOT(onDisconnectError()),
             Qt::UniqueConnection);
     NetworkCompanion::MsgEvent getResources(kGetResources);
-    client.sendEvent(getResources);
+    dispatcher_->client().sendEvent(getResources);
     emit meshpadConnected();
     banner_->onMenuTabPressed(kFirstTab);
 }
 
 void GuiCompanion::onDisconnectFromServer() {
-    removeOverlay();
+    lost_ = false;
+    triedAgain_ = false;
+    lowerVeil();
     checkConnection_->stop();
     disconnect(dispatcher_, SIGNAL(disconnected()), this, SLOT(onDisconnectError()));
     dispatcher_->client().disconnectFromServer();
@@ -128,43 +181,67 @@ void GuiCompanion::onDisconnectFromServer() {
 }
 
 void GuiCompanion::onDisconnectError() {
-    if (!overlay_)
+    lost_ = true;
+    linkMonitor_.onLost();
+    if (!veil_)
         showOverlay();
     dispatcher_->networkUtils().serverHasDisconnected(serverIp_);
 }
 
 void GuiCompanion::onServerAvailableAgain() {
-    if (overlay_)
-        removeOverlay();
-    else if (dispatcher_->client().isConnected())
-        return;
     onConnectToServer(serverIp_);
 }
 
 void GuiCompanion::showOverlay() {
-    overlay_ = std::make_unique<DisconnectOverlay>(configuration_, this);
-    connect(overlay_.get(), SIGNAL(disconnection()), this, SLOT(onDisconnectFromServer()));
-    content_->lockCurrentPage();
-    gamepad_.onFocusLost(); // the controller must not reach the locked page
-    while (QWidget* popup = QApplication::activePopupWidget())
-        popup->close(); // a popup would stay above the overlay
-    focusBeforeOverlay_ = focusWidget();
-    overlay_->show();
-    overlay_->setFocus();
+    if (qobject_cast<DisconnectOverlay*>(veil_.get()) != nullptr)
+        return;
+    auto overlay = std::make_unique<DisconnectOverlay>(configuration_, this);
+    connect(overlay.get(), SIGNAL(disconnection()), this, SLOT(onDisconnectFromServer()));
+    overlay->setLink(linkMonitor_.link());
+    raiseVeil(std::move(overlay));
 }
 
-void GuiCompanion::removeOverlay() {
-    if (!overlay_)
+/// Replaces the present veil, if any.
+void GuiCompanion::raiseVeil(std::unique_ptr<Veil> veil) {
+    std::swap(veil_, veil);
+    if (!veil) {
+        content_->lockCurrentPage();
+        gamepad_.onFocusLost(); // the controller must not reach the locked page
+        while (QWidget* popup = QApplication::activePopupWidget())
+            popup->close(); // a popup would stay above the veil
+        focusBeforeVeil_ = focusWidget();
+        inputGate_.close();
+    }
+    veil_->show();
+    veil_->setFocus();
+    discard(std::move(veil));
+}
+
+void GuiCompanion::lowerVeil() {
+    if (!veil_)
         return;
-    disconnect(overlay_.get(), SIGNAL(disconnection()), this, nullptr);
     // Before hide(), which would give the focus to the next widget in the tab order.
-    QWidget* focusTarget = focusBeforeOverlay_ ? focusBeforeOverlay_.data() : this;
-    focusTarget->setFocus();
-    overlay_->hide();
-    // Not deleted at once, because its own signal may be the caller.
-    overlay_.release()->deleteLater();
+    const bool takesFocus = focusBeforeVeil_ && focusBeforeVeil_->focusPolicy() != Qt::NoFocus;
+    (takesFocus ? focusBeforeVeil_.data() : this)->setFocus();
+    discard(std::move(veil_));
+    inputGate_.open();
     if (QGuiApplication::applicationState() == Qt::ApplicationActive)
         gamepad_.onFocusGained();
+}
+
+/// Not deleted at once, because its own signal may be the caller.
+void GuiCompanion::discard(std::unique_ptr<Veil> veil) {
+    if (!veil)
+        return;
+    veil->disconnect();
+    veil->hide();
+    veil.release()->deleteLater();
+}
+
+void GuiCompanion::updateLink() {
+    banner_->setLink(linkMonitor_.link());
+    if (auto* overlay = qobject_cast<DisconnectOverlay*>(veil_.get()))
+        overlay->setLink(linkMonitor_.link());
 }
 
 void GuiCompanion::goToPageFromMenu(int tab) {
@@ -181,6 +258,6 @@ void GuiCompanion::keyPressEvent(QKeyEvent* event) {
 
 void GuiCompanion::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (overlay_)
-        overlay_->resize(size());
+    if (veil_)
+        veil_->resize(size());
 }

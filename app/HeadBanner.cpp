@@ -43,7 +43,8 @@ protected:
 } // namespace
 
 HeadBanner::HeadBanner(const Configuration& configuration, QWidget* parent)
-    : QWidget(parent), configuration_(configuration), logoArea_(this), tabs_(this) {
+    : QWidget(parent), configuration_(configuration), logoArea_(this),
+      linkBadge_(configuration, nullptr), tabs_(this) {
     setLayout(&layout_);
     layout_.setContentsMargins(kBannerMargin, kBannerMargin, kBannerMargin, kBannerMargin);
     initLogoWidget();
@@ -147,11 +148,13 @@ void HeadBanner::updateBanner() {
 
 void HeadBanner::displayConnectedBanner() {
     detach(titleLabel_);
+    attach(linkBadge_, {});
     attach(menu_, {});
     attach(disconnectButton_, {});
 }
 
 void HeadBanner::displayNotConnectedBanner() {
+    detach(linkBadge_);
     detach(menu_);
     detach(disconnectButton_);
     attach(titleLabel_, Qt::AlignCenter);

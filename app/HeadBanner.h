@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/LinkBadge.h"
+
 #include <QButtonGroup>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -9,8 +11,8 @@
 
 struct Configuration;
 
-/// The strip above the pages: logo and version, then either a title (not connected) or the menu
-/// tabs and the "Disconnect" button (connected).
+/// The strip above the pages: logo and version, then either a title (not connected) or the link
+/// badge, the menu tabs and the "Disconnect" button (connected).
 class HeadBanner final : public QWidget {
     Q_OBJECT
 
@@ -21,6 +23,7 @@ public:
 
     /// Shows the connected or the not-connected layout, after CompanionClient::isConnected().
     void updateBanner();
+    void setLink(const Link& link) { linkBadge_.setLink(link); }
 
 public slots:
     /// Marks tab `id`, counted from 1, and emits menuTabPressed(id - 1). An `id` that no tab has
@@ -50,8 +53,9 @@ private:
     const Configuration& configuration_;
     QHBoxLayout layout_;
     QWidget logoArea_;
-    // Values, because title, menu and button have no parent while they are not shown.
+    // Values, because title, badge, menu and button have no parent while they are not shown.
     QLabel titleLabel_;
+    LinkBadge linkBadge_;
     QWidget menu_;
     QButtonGroup tabs_;
     QPushButton disconnectButton_;

@@ -1,6 +1,7 @@
 #include "app/Content.h"
 #include "app/GuiCompanion.h"
 #include "app/IPList.h"
+#include "app/InputGate.h"
 #include "app/shell/ShellLook.h"
 #include "bench/ThreadTime.h"
 #include "input/key_event_listener.h"
@@ -253,8 +254,10 @@ bool floodWithEvents(GuiCompanion& window, Flood flood, const char* name) {
     producer.accept();
     producer.send(show());
     auto* list = window.findChild<MediaList*>();
-    if (!producer.isListening ||
-        !waitUntil([&] { return list->getItemFromLayout(kScreens + kMedias - 1) != nullptr; }))
+    if (!producer.isListening || !waitUntil([&] {
+            return list->getItemFromLayout(kScreens + kMedias - 1) != nullptr &&
+                   window.findChild<InputGate*>()->isOpen();
+        }))
         return false;
     list->selectFirstVisibleItem();
 

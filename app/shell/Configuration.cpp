@@ -15,6 +15,27 @@ Configuration makeConfiguration() {
     c.disconnectButtonText = QStringLiteral("Disconnect");
     c.disconnectButtonSize = {100, 50};
 
+    c.connectingText = QStringLiteral("Connecting to %1");
+    c.cancelButtonText = QStringLiteral("Cancel");
+    c.cancelButtonSize = {120, 50};
+    c.cancelButtonGap = 12;
+    c.keepsTryingText = QStringLiteral("Meshpad keeps trying to connect again.");
+
+    const QColor green(0x3c, 0xc8, 0x78), amber(0xff, 0xb0, 0x00), red(0xff, 0x50, 0x50);
+    c.linkConnected = {"connected", "%1: connected", green};
+    c.linkEchoes = {"connected, %1 ms", "%1: connected, confirms a change after %2 ms", green};
+    c.linkNotAnswering = {"not answering", "%1: connected, but not answering", amber};
+    c.linkTrying = {"not connected, trying", "%1: not connected, trying to connect again", red};
+    c.linkBadgeSize = {240, 54};
+    c.linkBackground = QColor(0x14, 0x14, 0x14);
+    c.linkTextColor = QColor(0xff, 0xff, 0xff);
+    c.linkAddressPixels = 16;
+    c.linkStatePixels = 15;
+    c.linkPadding = 7;
+    c.linkShapeRadius = 11;
+    c.linkRadius = 7;
+    c.linkBorderWidth = 2;
+
     const auto pattern = [&c](LV_NTC_PictureType type, const char* name, const char* file) {
         c.testPatterns.insert(
             type, {QString::fromLatin1(name), QStringLiteral(":/patterns/") + QLatin1String(file)});

@@ -17,6 +17,14 @@ struct Pattern {
     QString imagePath;
 };
 
+/// How the link badge shows one state of the connection: "%1" stands for milliseconds in its text,
+/// "%1" and "%2" for the address and for milliseconds in its words for tool tip and screen reader.
+struct LinkLook {
+    QString text;
+    QString toolTip;
+    QColor color;
+};
+
 /// The texts, picture paths, sizes and colours of the interface; filled once at start-up, read-only
 /// afterwards. Sizes in device-independent pixels. Members marked API are not used by the
 /// application itself.
@@ -30,6 +38,26 @@ struct Configuration {
     QSize menuTabSize;
     QString disconnectButtonText;
     QSize disconnectButtonSize;
+
+    QString connectingText; ///< "%1" stands for the Producer's address
+    QString cancelButtonText;
+    QSize cancelButtonSize;
+    int cancelButtonGap = 0; ///< above it
+    QString keepsTryingText; ///< on the veil over a lost connection
+
+    LinkLook linkConnected; ///< without any echo
+    LinkLook linkEchoes;    ///< connected
+    LinkLook linkNotAnswering;
+    LinkLook linkTrying;
+    QSize linkBadgeSize;
+    QColor linkBackground;
+    QColor linkTextColor;
+    int linkAddressPixels = 0; ///< sizes of the fonts
+    int linkStatePixels = 0;
+    int linkPadding = 0;
+    int linkShapeRadius = 0;
+    int linkRadius = 0; ///< of the corners
+    int linkBorderWidth = 0;
 
     QMap<NetworkCompanion::LV_NTC_PictureType, Pattern> testPatterns;
     QSize patternButtonSize; ///< of test pattern and quick key buttons

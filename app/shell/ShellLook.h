@@ -68,7 +68,7 @@ inline constexpr char kDisconnectedText[] = "Disconnected";
 inline constexpr int kDisconnectedPoints = 12;
 inline constexpr char kDisconnectedLabel[] = "color: red;";
 inline constexpr int kOverlaySideMargin = 9;
-inline constexpr char kOverlayDisconnectButton[] =
+inline constexpr char kOverlayButton[] =
     "color: #fff; border-radius: 7px; background-color: #343434; margin: 0px;";
 
 } // namespace ShellLook

@@ -1,9 +1,12 @@
 #include "app/ConnectPage.h"
+#include "app/ConnectingOverlay.h"
 #include "app/Content.h"
 #include "app/DisconnectOverlay.h"
 #include "app/HeadBanner.h"
 #include "app/IPList.h"
 #include "app/KeyRepeatFilter.h"
+#include "app/LinkBadge.h"
+#include "app/shell/EchoTimes.h"
 #include "app/shell/EventDispatcher.h"
 #include "app/shell/ShellLook.h"
 #include "input/key_event_listener.h"
@@ -41,7 +44,9 @@ const QString kProducer = QStringLiteral("10.77.0.1"); // the virtual interface 
 const QString kDisconnect = QStringLiteral("Disconnect");
 const QString kFirst = QStringLiteral("10.0.0.1"); // addresses without a Producer
 const QString kSecond = QStringLiteral("10.0.0.10");
-constexpr Timing kFast{10ms, 10ms, 5ms};
+const QString kSilent = QStringLiteral("10.77.0.99"); // no machine has it
+constexpr Timing kFast{
+    .firstCheckDelay = 10ms, .checkPeriod = 10ms, .tickPeriod = 5ms, .inputDelay = 30ms};
 
 class KeyRecorder : public KeyEventListener {
 public:
@@ -73,7 +78,86 @@ private slots:
         QVERIFY(shows<WarpPage>() && showsMenu());
         QVERIFY(rig_->view->hasFocus());
         rig_->window->onServerAvailableAgain(); // does nothing while connected
-        QVERIFY(rig_->getsNothing());
+        QVERIFY(rig_->getsNothing() && !client().isConnecting());
+    }
+
+    void cancelsAttempt_data() {
+        QTest::addColumn<bool>("byKey");
+        QTest::newRow("Escape") << true;
+        QTest::newRow("button") << false;
+    }
+    void cancelsAttempt() {
+        QFETCH(bool, byKey);
+        emit discovery().serverDiscovered(kSilent);
+        connectTo(kSilent);
+        auto* notice = find<ConnectingOverlay>();
+        QVERIFY(notice && notice->geometry() == rig_->window->rect());
+        QCOMPARE(notice->findChild<QLabel*>()->text(), "Connecting to " + kSilent);
+        rig_->window->onServerAvailableAgain(); // does nothing meanwhile
+        QTest::qWait(50);
+        QVERIFY(client().isConnecting());
+        if (byKey)
+            QTest::keyClick(handle_, Qt::Key_Escape);
+        else
+            clickAt(inWindow(button(notice, "Cancel")).center());
+        QTRY_VERIFY(!find<ConnectingOverlay>());
+        QVERIFY(!client().isConnecting() && shows<ConnectPage>());
+        emit discovery().serverTimeouted(kSilent);
+        connectByHand();
+    }
+
+    /// Input that is delivered after the veil has gone but was made before that could be seen.
+    void dropsInputMeantForTheVeil() {
+        connectByHand();
+        loseConnection();
+        const KeyRecorder recorder;
+        const QPoint settings = inWindow(button(find<HeadBanner>(), "Settings")).center();
+        const auto operate = [&] {
+            clickAt(settings);
+            QTest::keyClick(handle_, Qt::Key_M);
+            QTest::touchEvent(rig_->window.get(), touchscreen_.get()).press(0, settings);
+            QTest::touchEvent(rig_->window.get(), touchscreen_.get()).release(0, settings);
+        };
+        connect(rig_->window.get(), &GuiCompanion::meshpadConnected, this, operate);
+        operate();
+        QTest::keyPress(handle_, Qt::Key_Right);
+        startProducer();
+        QTRY_VERIFY(rig_->isReady());
+        QKeyEvent repetition(QEvent::KeyPress, Qt::Key_Right, {}, QString(), true);
+        QApplication::sendEvent(handle_, &repetition);
+        QVERIFY(recorder.keys.isEmpty() && shows<WarpPage>());
+        find<Content>()->setPage(Page::QuickKeys);
+        operate();
+        QVERIFY(shows<SettingsPage>() && recorder.keys == QList<int>{Qt::Key_M});
+    }
+
+    void badgeShowsStateOfLink() {
+        QVERIFY(!find<LinkBadge>());
+        connectByHand();
+        QTRY_COMPARE(words(), "10.77.0.1: connected");
+        rig_->producer.stopAnswering();
+        emit discovery().serverTimeouted(kProducer);
+        QCOMPARE(words(), "10.77.0.1: connected, but not answering");
+        QCOMPARE(find<LinkBadge>()->toolTip(), words());
+        emit discovery().serverDiscovered(kProducer);
+        QCOMPARE(words(), "10.77.0.1: connected");
+        auto* echoes = find<EchoTimes>();
+        echoes->writeSent(); // this Producer may not echo at all
+        QTest::qWait(1500);
+        QCOMPARE(words(), "10.77.0.1: connected");
+        for (const int time : {9000, 50, 50, 30, 30, 10, 10, 90, 90, 70, 70})
+            echoes->echoArrived(time);
+        echoes->allConfirmed();
+        QTRY_COMPARE(words(), "10.77.0.1: connected, confirms a change after 50 ms");
+        echoes->writeSent();
+        QTRY_COMPARE(words(), "10.77.0.1: connected, but not answering");
+        echoes->echoArrived(1200);
+        echoes->allConfirmed();
+        QTRY_COMPARE(words(), "10.77.0.1: connected, confirms a change after 60 ms");
+        loseConnection();
+        QCOMPARE(overlay()->findChild<LinkBadge*>()->accessibleName(),
+                 "10.77.0.1: not connected, trying to connect again");
+        QCOMPARE(words(), overlay()->findChild<LinkBadge*>()->accessibleName());
     }
 
     void reconnectsAtOnceAfterDisconnect() {
@@ -89,6 +173,7 @@ private slots:
         QTRY_VERIFY(button(find<IPList>(), kProducer));
         rig_->producer.stopListening();
         pressConnect();
+        QTRY_VERIFY(find<InputGate>()->isOpen());
         QVERIFY(!client().isConnected());
         QVERIFY(shows<ConnectPage>() && !showsMenu() && !overlay());
         QVERIFY(find<IPList>()->selectedIp().isEmpty());
@@ -258,7 +343,7 @@ private slots:
         QCOMPARE(recorder.keys, QList<int>{Qt::Key_M}); // of before the loss
         QVERIFY(overlay());
         startProducer();
-        QTRY_VERIFY(!overlay());
+        QTRY_VERIFY(rig_->isReady());
         QVERIFY(find<WarpPage>()->findChild<QCheckBox*>()->hasFocus());
     }
 
@@ -273,9 +358,10 @@ private slots:
             find<Content>()->setPage(Page::QuickKeys);
             loseConnection();
             QVERIFY(shows<QuickKeysPage>());
+            const QSignalSpy attempts(&client(), &CompanionClient::connectingFinished);
             QVERIFY(rig_->producer.answerDiscovery(QHostAddress(kProducer))); // but refuses
-            QTRY_VERIFY(!overlay());
-            QVERIFY(!client().isConnected());
+            QTRY_VERIFY(attempts.size() >= 3);
+            QVERIFY(overlay() && !client().isConnected());
             startProducer();
             QTRY_VERIFY(client().isConnected() && !overlay());
             QVERIFY(rig_->gets(MsgEvent("getResources"), UpdateSettingsEvent("#ffff00", 4)));
@@ -422,15 +508,19 @@ private:
         discovery().pingServers();
     }
 
-    void pressConnect() {
-        QTRY_VERIFY(button(find<IPList>(), kProducer));
-        QTest::mouseClick(button(find<IPList>(), kProducer), Qt::LeftButton);
+    void pressConnect() { connectTo(kProducer); }
+    void connectTo(const QString& ip) {
+        QTRY_VERIFY(button(find<IPList>(), ip));
+        QTest::mouseClick(button(find<IPList>(), ip), Qt::LeftButton);
         QTest::mouseClick(button(page(), QString()), Qt::LeftButton);
     }
+    void clickAt(QPoint position) { QTest::mouseClick(handle_, Qt::LeftButton, {}, position); }
+    /// What the badge of the banner says.
+    QString words() const { return find<HeadBanner>()->findChild<LinkBadge*>()->accessibleName(); }
 
     void connectByHand() {
         pressConnect();
-        QVERIFY(client().isConnected());
+        QTRY_VERIFY(rig_->isReady());
         QTRY_COMPARE(rig_->producer.eventsOf<UpdateSettingsEvent>().size(), 1U);
     }
 
@@ -457,6 +547,7 @@ private:
 
     std::optional<WindowRig> rig_;
     QWindow* handle_ = nullptr;
+    const std::unique_ptr<QPointingDevice> touchscreen_{QTest::createTouchDevice()};
 };
 
 QTEST_MAIN(TestGuiCompanion)

@@ -1,6 +1,8 @@
 #include "tests/support/WindowRig.h"
 
 #include "app/Content.h"
+#include "app/InputGate.h"
+#include "app/shell/EventDispatcher.h"
 #include "network/events/AddMediaEvent.h"
 #include "network/events/MediaDeformationModeEvent.h"
 #include "warp/Item.h"
@@ -34,7 +36,12 @@ void WindowRig::open() {
     QVERIFY(producer.listen(QHostAddress::LocalHost, kProducerPort));
     show();
     window->onConnectToServer(producer.host());
+    QTRY_VERIFY(isReady());
     QTRY_COMPARE(producer.connectionCount(), 1);
+}
+
+bool WindowRig::isReady() const {
+    return EventDispatcher::getInstance()->client().isConnected() && find<InputGate>()->isOpen();
 }
 
 void WindowRig::close() {

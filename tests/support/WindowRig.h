@@ -17,7 +17,8 @@ public:
     static constexpr int kMediaId = 5;
 
     /// Creates the window without showing it.
-    explicit WindowRig(const Timing& timing = {.tickPeriod = std::chrono::milliseconds(5)});
+    explicit WindowRig(const Timing& timing = {.tickPeriod = std::chrono::milliseconds(5),
+                                               .inputDelay = std::chrono::milliseconds(30)});
     /// Disconnects and destroys the window, if it still exists.
     ~WindowRig();
 
@@ -25,6 +26,8 @@ public:
     void show();
     /// Shows the window and connects it to the fake Producer.
     void open();
+    /// Whether the window is connected and takes input.
+    bool isReady() const;
     /// Destroys the window without disconnecting it.
     void close();
     template <typename Widget>

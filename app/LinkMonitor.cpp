@@ -1,0 +1,70 @@
+#include "app/LinkMonitor.h"
+
+#include "app/shell/EventDispatcher.h"
+
+#include <utility>
+
+using namespace std::chrono_literals;
+using NetworkCompanion::NetworkUtils;
+
+namespace {
+
+constexpr auto kUpdatePeriod = 250ms; // changing more often, the number could not be read
+constexpr auto kLongestWait = 1s;     // of a write for its echo
+
+} // namespace
+
+LinkMonitor::LinkMonitor(QObject* parent) : QObject(parent) {
+    const NetworkUtils* discovery = &EventDispatcher::getInstance()->networkUtils();
+    connect(
+        discovery, &NetworkUtils::serverDiscovered, this,
+        [this](const QString& address) { setListed(address, true); });
+    connect(discovery, &NetworkUtils::serverTimeouted, this,
+            [this](const QString& address) { setListed(address, false); });
+    updateTimer_.setSingleShot(true);
+    connect(&updateTimer_, &QTimer::timeout, this, &LinkMonitor::update);
+    connect(&echoTimes_, &EchoTimes::changed, this, [this] {
+        if (!updateTimer_.isActive())
+            updateTimer_.start(kUpdatePeriod);
+    });
+}
+
+void LinkMonitor::onConnected(const QString& address) {
+    connected_ = true;
+    link_.address = address;
+    listed_ =
+        EventDispatcher::getInstance()->networkUtils().getAvailableServers().contains(address);
+    wasListed_ = listed_;
+    echoTimes_.reset();
+    update();
+}
+
+void LinkMonitor::onLost() {
+    connected_ = false;
+    update();
+}
+
+void LinkMonitor::setListed(const QString& address, bool listed) {
+    if (address != link_.address)
+        return;
+    listed_ = listed;
+    wasListed_ = wasListed_ || listed;
+    update();
+}
+
+void LinkMonitor::update() {
+    bool answers = listed_ || !wasListed_;
+    const auto since = echoTimes_.unconfirmedSince();
+    if (since && echoTimes_.hasEchoed()) {
+        const auto wait = EchoTimes::Clock::now() - *since;
+        answers = answers && wait <= kLongestWait;
+        if (connected_)
+            updateTimer_.start(kUpdatePeriod);
+    }
+    const Link before = std::exchange(link_, Link{!connected_ ? Link::State::Trying
+                                                  : answers   ? Link::State::Connected
+                                                              : Link::State::NotAnswering,
+                                                  link_.address, echoTimes_.medianMs()});
+    if (link_ != before)
+        emit changed();
+}
