@@ -164,8 +164,9 @@ private slots:
         connectByHand();
         rig_->window->onDisconnectFromServer();
         rig_->window->onConnectToServer(kProducer);
+        QTRY_VERIFY(client().isConnected());
         rig_->window->onDisconnectFromServer();
-        QTest::qWait(1);
+        QCoreApplication::processEvents();
         QVERIFY(shows<ConnectPage>() && !showsMenu());
     }
 

@@ -4,6 +4,7 @@
 #include "tests/support/FakeProducer.h"
 #include "tests/support/GuardedTest.h"
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
@@ -96,8 +97,10 @@ private slots:
             &watch.thread, &CheckConnection::seen, this, [&] { seen = true; },
             Qt::DirectConnection);
         watch.thread.start();
-        while (!seen)
-            QThread::msleep(1);
+        QDeadlineTimer deadline(5s);
+        while (!seen && !deadline.hasExpired())
+            QThread::msleep(1); // without events: the signal must stay queued
+        QVERIFY(seen);
         QThread::msleep(1'200); // as long as a failing attempt to connect
         watch.thread.requestInterruption();
         watch.thread.wait();
