@@ -14,6 +14,18 @@ QColor color(const char* name) {
     return {QLatin1StringView(name)};
 }
 
+QLatin1StringView textOf(BlindButton::State state) {
+    switch (state) {
+    case BlindButton::State::Waiting:
+        return QLatin1StringView(kBlindWaiting);
+    case BlindButton::State::Refused:
+        return QLatin1StringView(kBlindRefused);
+    case BlindButton::State::Reported:
+        break;
+    }
+    return QLatin1StringView(kBlindToolTip);
+}
+
 /// Three dots: the answer is on its way.
 void drawWaiting(QPainter& painter, const QRectF& picture) {
     painter.setBrush(color(kEyeDotColor));
@@ -45,11 +57,9 @@ BlindButton::BlindButton(QWidget* parent) : QLabel(parent) {
 
 void BlindButton::setState(State state) {
     state_ = state;
-    const char* text = state == State::Waiting   ? kBlindWaiting
-                       : state == State::Refused ? kBlindRefused
-                                                 : kBlindToolTip;
-    setToolTip(QLatin1StringView(text));
-    setAccessibleDescription(QLatin1StringView(text));
+    const QLatin1StringView text = textOf(state);
+    setToolTip(text);
+    setAccessibleDescription(text);
     update();
 }
 

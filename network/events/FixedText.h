@@ -55,8 +55,10 @@ private:
             const auto byte = static_cast<unsigned char>(utf8[utf8.size() - count]);
             if (byte < 0x80)
                 break;
-            if (byte >= 0xC0) // the first byte of a letter says how many it has
-                return count < (byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2) ? count : 0;
+            if (byte >= 0xC0) { // the first byte of a letter says how many it has
+                const qsizetype length = 2 + (byte >= 0xE0) + (byte >= 0xF0);
+                return count < length ? count : 0;
+            }
         }
         return 0;
     }
