@@ -15,7 +15,7 @@ namespace {
 
 // Meshpad's window has its smallest size, at the origin of the screen.
 constexpr QPoint kProducerOrigin{640, 480};
-constexpr QPoint kAddress{640, 437};
+constexpr QPoint kAddress{640, 353};
 constexpr QPoint kConnect{640, 638};
 constexpr QPoint kDisconnect{1221, 55};
 constexpr QPoint kFirstEye{164, 233};
