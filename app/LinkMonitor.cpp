@@ -2,8 +2,6 @@
 
 #include "app/shell/EventDispatcher.h"
 
-#include <utility>
-
 using namespace std::chrono_literals;
 using NetworkCompanion::NetworkUtils;
 
@@ -61,10 +59,12 @@ void LinkMonitor::update() {
         if (connected_)
             updateTimer_.start(kUpdatePeriod);
     }
-    const Link before = std::exchange(link_, Link{!connected_ ? Link::State::Trying
-                                                  : answers   ? Link::State::Connected
-                                                              : Link::State::NotAnswering,
-                                                  link_.address, echoTimes_.medianMs()});
+    const Link before = link_;
+    link_.echoMs = echoTimes_.medianMs();
+    if (!connected_)
+        link_.state = Link::State::Trying;
+    else
+        link_.state = answers ? Link::State::Connected : Link::State::NotAnswering;
     if (link_ != before)
         emit changed();
 }

@@ -197,7 +197,7 @@ void TCPTransportSocket::disconnectSlowReader() {
 
 void TCPTransportSocket::checkPeer() {
     const auto progress = KeepAlive::progress(socket_->socketDescriptor());
-    if (!progress || !(progress->waiting || unsentBytes() > 0)) {
+    if (!progress || (!progress->waiting && unsentBytes() == 0)) {
         peerTimer_.stop();
     } else if (peerWatch_.hasVanished(*progress, PeerWatch::Clock::now())) {
         peerTimer_.stop();
