@@ -29,7 +29,7 @@ LinkMonitor::LinkMonitor(QObject* parent) : QObject(parent) {
 
 void LinkMonitor::onConnected(const QString& address) {
     connected_ = true;
-    link_.address = address;
+    address_ = address;
     listed_ =
         EventDispatcher::getInstance()->networkUtils().getAvailableServers().contains(address);
     wasListed_ = listed_;
@@ -43,7 +43,7 @@ void LinkMonitor::onLost() {
 }
 
 void LinkMonitor::setListed(const QString& address, bool listed) {
-    if (address != link_.address)
+    if (address != address_)
         return;
     listed_ = listed;
     wasListed_ = wasListed_ || listed;
@@ -60,6 +60,7 @@ void LinkMonitor::update() {
             updateTimer_.start(kUpdatePeriod);
     }
     const Link before = link_;
+    link_.address = address_;
     link_.echoMs = echoTimes_.medianMs();
     if (!connected_)
         link_.state = Link::State::Trying;

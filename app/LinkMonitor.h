@@ -34,5 +34,6 @@ private:
     bool connected_ = false;
     bool listed_ = false;    // by discovery
     bool wasListed_ = false; // during this connection
+    QString address_;
     Link link_;
 };

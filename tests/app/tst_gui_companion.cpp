@@ -133,6 +133,16 @@ private slots:
 
     void badgeShowsStateOfLink() {
         QVERIFY(!find<LinkBadge>());
+        rig_->producer.stopListening();
+        QVERIFY(rig_->producer.listen(QHostAddress::LocalHost, WindowRig::kProducerPort));
+        rig_->window->onConnectToServer("127.0.0.1");
+        QTRY_VERIFY(rig_->isReady());
+        QCOMPARE(words(), "127.0.0.1: connected");
+        rig_->window->onDisconnectFromServer();
+        rig_->producer.stopListening();
+        QTRY_VERIFY(find<InputGate>()->isOpen());
+        rig_->producer.forget();
+        startProducer();
         connectByHand();
         QTRY_COMPARE(words(), "10.77.0.1: connected");
         rig_->producer.stopAnswering();
