@@ -17,8 +17,9 @@ void PageSpinBox::stepBy(int steps) {
 
 bool PageSpinBox::eventFilter(QObject* watched, QEvent* event) {
     if (watched == lineEdit() && event->type() == QEvent::MouseButtonPress && !hasFocus()) {
-        const QPointingDevice* device = static_cast<QMouseEvent*>(event)->pointingDevice();
-        if (device->type() != QInputDevice::DeviceType::TouchScreen) {
+        const auto* press = static_cast<QMouseEvent*>(event);
+        if (press->source() == Qt::MouseEventNotSynthesized &&
+            press->pointingDevice()->type() != QInputDevice::DeviceType::TouchScreen) {
             setFocus(Qt::MouseFocusReason);
             selectAll(); // typing replaces the number
         }
