@@ -46,6 +46,7 @@ void ConnectPage::initIpList() {
             [scrollArea](QWidget* button) { scrollArea->ensureWidgetVisible(button); });
 
     const auto* touch = new TouchScroller(scrollArea);
+    connect(touch, &TouchScroller::held, ipList_, &IPList::hold);
     connect(
         touch, &TouchScroller::pressed, this,
         [](QWidget* target, bool isPressed) {

@@ -86,26 +86,37 @@ void IPList::purgeIp() {
     layOut();
 }
 
+void IPList::hold(bool isHeld) {
+    isHeld_ = isHeld;
+    if (!isHeld && !places_.empty() && places_.back().button == nullptr)
+        layOut();
+}
+
 void IPList::layOut() {
     while (layout_.count() > 1) // the title stays
         delete layout_.takeAt(1);
     QWidget* above = nullptr;
     int empty = 0;
+    const auto fillEmpty = [&] {
+        for (; empty > 0; --empty)
+            layout_.addItem(new QSpacerItem(kAddressButtonSize.width(),
+                                            kAddressButtonSize.height() + layout_.spacing(),
+                                            QSizePolicy::Fixed, QSizePolicy::Fixed));
+    };
     for (const Place& place : places_) {
         if (place.button == nullptr) {
             ++empty;
             continue;
         }
-        for (; empty > 0; --empty)
-            layout_.addItem(new QSpacerItem(kAddressButtonSize.width(),
-                                            kAddressButtonSize.height() + layout_.spacing(),
-                                            QSizePolicy::Fixed, QSizePolicy::Fixed));
+        fillEmpty();
         layout_.addWidget(place.button.get(), 0, Qt::AlignCenter);
         place.button->show();
         if (above != nullptr)
             setTabOrder(above, place.button.get());
         above = place.button.get();
     }
+    if (isHeld_)
+        fillEmpty();
 }
 
 void IPList::selectNext(int step) {
@@ -129,12 +140,22 @@ void IPList::selectNext(int step) {
 }
 
 bool IPList::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress) {
+    switch (event->type()) {
+    case QEvent::KeyPress: {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Up || key == Qt::Key_Down) { // a button would move the focus alone
             event->ignore();
             return true;
         }
+        break;
+    }
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        if (static_cast<QMouseEvent*>(event)->source() == Qt::MouseEventSynthesizedBySystem)
+            return true; // the page handles the touch itself
+        break;
+    default:
+        break;
     }
     return QWidget::eventFilter(watched, event);
 }

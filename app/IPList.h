@@ -23,6 +23,9 @@ public:
     /// Does nothing when `ip` is not listed. A selected address stays selected.
     void removeIp(const QString& ip);
     void purgeIp();
+    /// Keeps its height while held, because a finger presses an address or scrolls: places at the
+    /// end stay empty, too.
+    void hold(bool isHeld);
 
     /// Empty when nothing is selected.
     [[nodiscard]] const QString& selectedIp() const { return selectedIp_; }
@@ -59,4 +62,5 @@ private:
     QSignalMapper mapper_;
     Places places_; // in order of discovery
     QString selectedIp_;
+    bool isHeld_ = false;
 };
