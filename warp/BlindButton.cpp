@@ -70,6 +70,8 @@ void BlindButton::setDown(bool isDown) {
 
 void BlindButton::mousePressEvent(QMouseEvent* event) {
     event->accept();
+    if (event->source() == Qt::MouseEventSynthesizedBySystem)
+        return; // the list handles the touch itself
     setDown(true);
     emit blindPressed();
 }
@@ -77,6 +79,11 @@ void BlindButton::mousePressEvent(QMouseEvent* event) {
 void BlindButton::mouseReleaseEvent(QMouseEvent* event) {
     event->accept();
     setDown(false);
+}
+
+void BlindButton::hideEvent(QHideEvent* event) {
+    setDown(false); // no release follows
+    QLabel::hideEvent(event);
 }
 
 void BlindButton::paintEvent(QPaintEvent* event) {

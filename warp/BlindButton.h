@@ -25,8 +25,10 @@ signals:
 
 protected:
     bool event(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    /// Accepts a press of any mouse button, so that it does not reach and select the row.
+    /// Accepts a press of any mouse button, so that it does not reach and select the row. Ignores
+    /// one that the platform generates from a touch.
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 

@@ -7,6 +7,7 @@
 
 #include <QEvent>
 #include <QImageReader>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QPointer>
@@ -127,7 +128,7 @@ void Item::timerEvent(QTimerEvent* event) {
 
 void Item::setBlinded(bool blinded) {
     blinded_ = blinded;
-    if (blindState_ == BlindButton::State::Waiting && blinded == requestedBlind_)
+    if (blindState_ != BlindButton::State::Reported && blinded == requestedBlind_)
         setBlindState(BlindButton::State::Reported);
     showBlindPicture();
 }
@@ -175,7 +176,9 @@ void Item::hideEvent(QHideEvent* event) {
 }
 
 void Item::mousePressEvent(QMouseEvent* event) {
-    Q_UNUSED(event)
+    event->accept();
+    if (event->source() == Qt::MouseEventSynthesizedBySystem)
+        return; // the list handles the touch itself
     emit selected(this);
 }
 

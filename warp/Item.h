@@ -61,7 +61,7 @@ public:
     const QByteArray& sortKey() const { return sortKey_; }
 
     bool isBlinded() const { return blinded_; }
-    /// The state that the Producer reports; confirms a request for it.
+    /// The state that the Producer reports; confirms a request for it, even a late one.
     void setBlinded(bool blinded);
 
     /// The label's colour while the row is not selected; applied by the next setActive().

@@ -141,15 +141,15 @@ void MediaList::initMediaList() {
 void MediaList::initTouch() {
     const auto* touch = new TouchScroller(scrollArea_);
     connect(touch, &TouchScroller::held, this, [this](bool isHeld) { rows_->hold(isHeld); });
-    connect(
-        touch, &TouchScroller::pressed, this,
-        [](QWidget* target, bool isPressed) {
-            if (auto* eye = qobject_cast<BlindButton*>(target))
-                eye->setDown(isPressed);
-            if (!isPressed)
-                QToolTip::hideText();
-        });
+    connect(touch, &TouchScroller::pressed, this, [](QWidget* target, bool isPressed) {
+        if (auto* eye = qobject_cast<BlindButton*>(target))
+            eye->setDown(isPressed);
+        if (!isPressed)
+            QToolTip::hideText();
+    });
     connect(touch, &TouchScroller::longPressed, this, [](QWidget* target) {
+        if (qobject_cast<BlindButton*>(target) != nullptr)
+            return; // lifting the finger will press the eye, so the name would mislead
         if (const Item* row = rowOf(target))
             row->showWholeName();
     });

@@ -144,7 +144,7 @@ void RowLayout::apply() {
     isDeferred_ = false;
     isApplying_ = true;
     layout_->setEnabled(true);
-    setSlack(0);
+    setSlack(0, 0);
     layOut();
     if (before)
         keepInPlace(*before, scrolled);
@@ -162,23 +162,25 @@ void RowLayout::layOut() {
 void RowLayout::keepInPlace(const Place& before, int scrolled) {
     QScrollBar* bar = area_->verticalScrollBar();
     const int wanted = scrolled + before.row->y() - before.y;
-    if (wanted > bar->maximum()) {
-        setSlack(wanted + area_->viewport()->height() - layout_->minimumSize().height());
+    if (wanted < 0) {
+        setSlack(-wanted, 0);
+        layOut();
+    } else if (wanted > bar->maximum()) {
+        setSlack(0, wanted + area_->viewport()->height() - layout_->minimumSize().height());
         layOut();
     }
     bar->setValue(wanted);
 }
 
-void RowLayout::setSlack(int slack) {
-    if (std::exchange(slack_, slack) != slack)
-        layout_->setContentsMargins(0, 0, 0, slack);
+void RowLayout::setSlack(int above, int below) {
+    layout_->setContentsMargins(0, above, 0, below);
 }
 
 void RowLayout::onScrolled() {
     if (isApplying_)
         return;
     endFilling();
-    if (slack_ > 0)
+    if (!layout_->contentsMargins().isNull())
         defer(); // less of it is needed
     updateView();
 }

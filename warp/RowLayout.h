@@ -72,15 +72,16 @@ private:
     void updateView();
     /// Scrolls so that the row stands where it stood before the layout.
     void keepInPlace(const Place& before, int scrolled);
-    void setSlack(int slack);
+    /// Sets the heights of the empty spaces before the first and after the last row, by which a row
+    /// keeps its place where the scroll bar ends. They shrink when the operator scrolls.
+    void setSlack(int above, int below);
 
     const ItemRegistry& items_;
     QScrollArea* area_;
     QVBoxLayout* layout_;
     std::vector<Place> inView_; ///< from top to bottom
-    int slack_ = 0;    ///< height of the empty space below the last row that keepInPlace() needs
-    QTimer fillTimer_; ///< runs while the rows of an empty list arrive
-    int count_ = 0;    ///< rows at the last layout
+    QTimer fillTimer_;          ///< runs while the rows of an empty list arrive
+    int count_ = 0;             ///< rows at the last layout
     bool isSortRequested_ = false;
     bool isDeferred_ = false;
     bool isHeld_ = false;

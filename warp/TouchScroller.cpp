@@ -7,6 +7,7 @@
 #include <QTimerEvent>
 #include <QTouchEvent>
 
+#include <algorithm>
 #include <utility>
 
 TouchScroller::TouchScroller(QScrollArea* area) : QObject(area), area_(area) {
@@ -43,30 +44,40 @@ bool TouchScroller::eventFilter(QObject* watched, QEvent* event) {
 
 void TouchScroller::handleTouch(const QTouchEvent& event) {
     QScroller* scroller = QScroller::scroller(area_);
-    const QEventPoint& finger = event.points().first();
-    const QPointF position = area_->mapFromGlobal(finger.globalPosition());
+    const QList<QEventPoint>& points = event.points();
+    if (event.type() == QEvent::TouchBegin) {
+        finger_ = points.first().id();
+        begin(points.first().globalPosition());
+    }
+    if (points.size() > 1)
+        endPress();
+    const auto finger = std::ranges::find(points, finger_, &QEventPoint::id);
+    if (!isDown_ || finger == points.end())
+        return;
+    const QPointF position = area_->mapFromGlobal(finger->globalPosition());
     const auto time = static_cast<qint64>(event.timestamp());
-    switch (event.type()) {
-    case QEvent::TouchBegin:
-        begin(finger.globalPosition());
+    switch (finger->state()) {
+    case QEventPoint::State::Pressed:
         scroller->handleInput(QScroller::InputPress, position, time);
         break;
-    case QEvent::TouchUpdate:
-        if ((finger.globalPosition() - start_).manhattanLength() > WarpLook::kTapSlack)
+    case QEventPoint::State::Updated:
+        if ((finger->globalPosition() - start_).manhattanLength() > WarpLook::kTapSlack)
             endPress();
         if (!isTap_)
             scroller->handleInput(QScroller::InputMove, position, time);
         break;
-    default:
+    case QEventPoint::State::Released:
         scroller->handleInput(QScroller::InputRelease, position, time);
         isDown_ = false;
         if (isTap_) {
             const QPointer<QWidget> target = target_;
             endPress();
             if (target != nullptr && target->isVisible())
-                emit tapped(target, target->mapFromGlobal(finger.globalPosition()));
+                emit tapped(target, target->mapFromGlobal(finger->globalPosition()));
         }
         updateHeld();
+        break;
+    default:
         break;
     }
 }

@@ -11,7 +11,8 @@ class QTouchEvent;
 
 /// Scrolls an area by touch: a drag moves the content, a flick keeps it moving. A finger presses
 /// the widget on which it came down only when it is lifted from there, so that scrolling presses
-/// nothing. Mouse events are left alone.
+/// nothing. A second finger ends the press; otherwise only the first one counts. Mouse events are
+/// left alone.
 class TouchScroller final : public QObject {
     Q_OBJECT
 
@@ -42,7 +43,8 @@ private:
     void updateHeld();
 
     QScrollArea* area_;
-    QPointF start_; ///< of the touch, in global coordinates
+    int finger_ = -1; ///< identifier of the first touch point
+    QPointF start_;   ///< of the touch, in global coordinates
     QPointer<QWidget> target_;
     QBasicTimer longPress_;
     bool isDown_ = false;

@@ -4,6 +4,7 @@
 #include "network/events/ItemDataEvent.h"
 #include "network/events/MediaBlindEvent.h"
 #include "network/events/ProtocolLimits.h"
+#include "network/events/RemoveScreenEvent.h"
 #include "network/events/ScreenModeEvent.h"
 #include "network/events/ScreenPartBlindEvent.h"
 #include "tests/support/GuardedTest.h"
@@ -237,8 +238,17 @@ private slots:
         search()->setFocus();
         tap(row("1003"));
         QVERIFY(list_->isAncestorOf(focus()));
-        tap(row("1004")->findChild<BlindButton*>());
+        tap(eyeOf("1004"));
         QVERIFY(rig_->gets(ItemDataEvent(3), MediaBlindEvent(Kind::Media, 4, 0, 0, "1004", true)));
+        for (QWidget* target : {static_cast<QWidget*>(row("1005")), eyeOf("1005")}) {
+            QMouseEvent press(QEvent::MouseButtonPress, {5, 5}, {}, {}, Qt::LeftButton,
+                              Qt::LeftButton, {}, Qt::MouseEventSynthesizedBySystem);
+            QCoreApplication::sendEvent(target, &press); // Windows makes it from a touch
+            finger().press(0, {5, 5}, target).commit();
+            finger().stationary(0).press(1, {9, 5}, target).commit();
+            finger().stationary(0).release(1, {9, 5}, target).commit();
+            finger().release(0, {5, 5}, target).commit(); // two fingers tap nothing
+        }
         const QPoint down = row("1004")->mapTo(&rig_->window, row("1004")->rect().center());
         finger().press(0, down).commit();
         for (int y = 10; y <= 150; y += 10) {
@@ -260,6 +270,7 @@ private slots:
         }
         search()->setText("s");
         bar()->setValue(300);
+        bar()->setValue(0);
         const auto rowsInView = [&] {
             QCoreApplication::processEvents();
             QList<Item*> rows;
@@ -270,12 +281,25 @@ private slots:
         };
         const auto placeOf = [&](Item* item) { return item->mapTo(&rig_->window, QPoint(80, 25)); };
         const auto edit = [&](const Item* spared) {
-            const int id = random.bounded(20);
-            if (!spared->labelText().startsWith(QString("Screen %1").arg(100 + id)))
-                rig_->deliver(ScreenModeEvent(Mode(2 + random.bounded(2)), unsigned(id), 0, ""),
-                              BlindEvent(0, unsigned(id), "", random.bounded(2) == 0));
+            const auto id = unsigned(random.bounded(20));
+            const QString name = QString("Screen %1").arg(100 + id);
+            if (spared->labelText().startsWith(name))
+                return;
+            if (random.bounded(5) == 0)
+                rig_->deliver(RemoveScreenEvent(id));
+            else
+                rig_->deliver(AddScreenEvent(id, 0, 1, 1, 0, 0.0, qUtf8Printable(name), 0, 0),
+                              AddScreenPartEvent(id, 0, 0, 1, 1, 0, 0.0, "0", false),
+                              AddScreenPartEvent(id, 1, 0, 1, 1, 0, 0.0, "1", false),
+                              ScreenModeEvent(Mode(2 + random.bounded(2)), id, 0, ""));
         };
+        Item* second = rowsInView().at(1);
+        const QPoint secondPlace = placeOf(second);
+        rig_->deliver(RemoveScreenEvent(0));
+        QCOMPARE(rowsInView().constFirst(), second);
+        QCOMPARE(placeOf(second), secondPlace); // although the list cannot scroll further up
         for (int press = 0; press < 50; ++press) {
+            bar()->setValue(random.bounded(bar()->maximum() + 1));
             Item* first = rowsInView().constFirst();
             const QPoint firstPlace = placeOf(first);
             edit(first);
@@ -304,6 +328,8 @@ private slots:
         row("Clip")->onBlind();
         rig_->deliver(MediaBlindEvent(Kind::Media, 1, 0, 0, "Clip", true)); // refused
         QTRY_COMPARE(eye->state(), BlindButton::State::Refused);
+        rig_->deliver(MediaBlindEvent(Kind::Media, 1, 0, 0, "Clip", false)); // late
+        QCOMPARE(eye->state(), BlindButton::State::Reported);
     }
 
     void namesShowInWhatTheyDiffer() {
@@ -377,6 +403,7 @@ private:
         }
         return labels.value(0);
     }
+    QWidget* eyeOf(const QString& label) const { return row(label)->findChild<BlindButton*>(); }
     static QWidget* focus() { return QApplication::focusWidget(); }
     void select(const QString& label) { list_->onSelectedItem(row(label)); }
     QLineEdit* search() const { return container_->findChild<QLineEdit*>(); }
