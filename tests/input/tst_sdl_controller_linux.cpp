@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <set>
 
@@ -250,7 +251,7 @@ private slots:
         messages_->expect(QtDebugMsg, "Failed to reconfigure device after loosing it.", 2);
         messages_->expect(QtDebugMsg, "Found device 'Third Pad'");
         start();
-        std::optional<VirtualPad> second(std::in_place);
+        auto second = std::make_unique<VirtualPad>();
         second->button(0, true); // not reported while the first pad is in use
         pad_->axis(0, kHigh);
         pad_->hat(SDL_HAT_UP);
