@@ -50,12 +50,17 @@ private slots:
         restart({.tickPeriod = 20ms, .echoWait = wait});
         play("media; zoomSlider.value = 1; click 4");
         scene->settle();
+        const QObject answers; // until the end of this function
         QHash<unsigned int, QPointF> places;
         std::vector<MediaMovePointEvent> unanswered;
+        int waiting = 0;
         const auto answer = [&](const MediaMovePointEvent& move, int later) {
-            QTimer::singleShot(later, &scene->producer, [=, this] { scene->producer.send(move); });
+            ++waiting;
+            QTimer::singleShot(later, &answers, [&, move] {
+                --waiting;
+                scene->producer.send(move);
+            });
         };
-        const QObject answers; // until the end of this function
         connect(&scene->producer, &FakeProducer::received, &answers, [&](const Event* event) {
             const auto* move = dynamic_cast<const MediaMovePointEvent*>(event);
             if (!move || producer == "is silent")
@@ -84,6 +89,8 @@ private slots:
             answer(echo, later += 20);
         if (producer == "follows another")
             answer(mediaMove(4, {-7, 0}), delay);
+        QTRY_COMPARE(waiting, 0);
+        scene->deliver();
         QTRY_VERIFY(scene->canvas->findChild<PendingPoints*>()->isEmpty());
         QCOMPARE(qRound(1000 * (scene->position(4).x() - 500)), qRound(1000 * net));
         QCOMPARE(returns.count(), net > 0 ? 0 : 1);
@@ -97,7 +104,7 @@ private slots:
 
     void unsentWritesGoBack() {
         restart({.tickPeriod = 1h});
-        play("screen; click 4; forget; press 4; move 30 0"); // waits for the tick
+        play("screen; click 4; forget; press 4; move 20 0; move 30 0"); // waits for the tick
         const QPointF place(960, 540);
         QVERIFY(scene->position(4) != place);
         scene->producer.abortConnections();
