@@ -87,7 +87,7 @@ MeshAtlas::MeshAtlas(const MeshStyle& style, double devicePixelRatio) {
     const QRectF dot(markCell + kMargin, digitsEnd + kMargin, 3, 3);
     painter.fillRect(dot, markColor_);
     trail_ = part(dot);
-    trail_.texture = QRectF(trail_.texture.center(), QSizeF());
+    trail_.texture = QRectF(trail_.texture.center(), QSizeF(0, 0));
 
     double top = cell;
     for (int digits = 2; digits < 2 + kDigitSizes; ++digits) {

@@ -259,8 +259,8 @@ private:
     };
     /// Ordered by points first, because a flush sends in that order.
     struct PointKey {
-        unsigned int pointId;
-        bool xy;
+        unsigned int pointId = 0;
+        bool xy = false;
         NetworkCompanion::ItemKey item;
         auto operator<=>(const PointKey&) const = default;
     };

@@ -101,9 +101,9 @@ private:
     };
     struct State {
         QPointF written;
-        QPointF reported;              ///< the last report, or the place before the write
-        std::optional<QPointF> from{}; ///< in phase Held
-        Clock::time_point sentAt{};
+        QPointF reported;            ///< the last report, or the place before the write
+        std::optional<QPointF> from; ///< in phase Held
+        Clock::time_point sentAt;
         Phase phase = Phase::Held;
         bool isReportKept = false; ///< `reported` arrived after the newest write and differs
         bool isOfFormerMesh = false;
@@ -132,9 +132,9 @@ private:
     const std::chrono::milliseconds wait_;
     std::map<NetworkCompanion::ItemKey, Item> items_;
     QTimer timer_; // runs while a sent write waits
-    Clock::time_point lastReport_{};
-    Clock::time_point resumedAt_{}; // the first report after a stall
-    bool isStalled_ = false;        // a wait has ended without any report
-    bool hasEchoed_ = false;        // on this connection
+    Clock::time_point lastReport_;
+    Clock::time_point resumedAt_; // the first report after a stall
+    bool isStalled_ = false;      // a wait has ended without any report
+    bool hasEchoed_ = false;      // on this connection
     std::optional<TimedWrite> timed_;
 };

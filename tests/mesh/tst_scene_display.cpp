@@ -27,6 +27,12 @@ private slots:
                 QCOMPARE(s.faultInPicture(22), QString());
                 QVERIFY(s.faultInPicture(16).startsWith("line")); // a handle in a patch has none
             }
+            s.grid()->markReturn(24, s.position(24).x() + 200, s.position(24).y());
+            const QImage image = s.view->grabFramebuffer();
+            for (const QPoint part : {QPoint(0, 15), QPoint(22, 4)}) // ring, trail
+                QCOMPARE(
+                    image.pixelColor((s.onScreen(24) + part) * image.width() / s.view->width()),
+                    QColor("#ffb000"));
         }
     }
 };
