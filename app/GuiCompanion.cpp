@@ -175,6 +175,7 @@ void GuiCompanion::onDisconnectFromServer() {
     checkConnection_->stop();
     disconnect(dispatcher_, SIGNAL(disconnected()), this, SLOT(onDisconnectError()));
     dispatcher_->client().disconnectFromServer();
+    linkMonitor_.onLost();
     content_->purgeMedia();
     content_->setPage(Page::Connect);
     banner_->updateBanner();

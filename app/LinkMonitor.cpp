@@ -8,7 +8,8 @@ using NetworkCompanion::NetworkUtils;
 namespace {
 
 constexpr auto kUpdatePeriod = 250ms; // changing more often, the number could not be read
-constexpr auto kLongestWait = 1s;     // of a write for its echo
+// Of a write for its echo. A refusal is decided up to 50 ms after a second.
+constexpr auto kLongestWait = 1'100ms;
 
 } // namespace
 
@@ -22,7 +23,9 @@ LinkMonitor::LinkMonitor(QObject* parent) : QObject(parent) {
     updateTimer_.setSingleShot(true);
     connect(&updateTimer_, &QTimer::timeout, this, &LinkMonitor::update);
     connect(&echoTimes_, &EchoTimes::changed, this, [this] {
-        if (!updateTimer_.isActive())
+        if (link_.state == Link::State::NotAnswering && !echoTimes_.unconfirmedSince())
+            update();
+        else if (!updateTimer_.isActive())
             updateTimer_.start(kUpdatePeriod);
     });
 }

@@ -131,8 +131,8 @@ class Producer(asyncio.DatagramProtocol):
 
     async def serve(self, reader, companion):
         try:
-            while (length := int.from_bytes(await reader.readexactly(4), "big")) <= LONGEST_FRAME:
-                frame = await reader.readexactly(length)
+            while (length := int.from_bytes(await reader.readexactly(4), "big", signed=True)) <= LONGEST_FRAME:
+                frame = await reader.readexactly(max(length, 0))
                 if len(frame) > 8 and frame[8] in FIELDS and len(frame) >= 9 + FIELDS[frame[8]].size:
                     self.receive(companion, frame[8], FIELDS[frame[8]].unpack_from(frame, 9))
         except (asyncio.IncompleteReadError, ConnectionError):

@@ -22,7 +22,7 @@ struct Progress {
     std::chrono::milliseconds sinceHeard; ///< since the peer acknowledged anything
 };
 
-/// None where the system itself ends a connection whose bytes nobody acknowledges within seconds,
+/// None where the system itself ends a connection whose bytes stay unacknowledged for seconds,
 /// and for a descriptor that is not connected.
 std::optional<Progress> progress(qintptr socketDescriptor);
 

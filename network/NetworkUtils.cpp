@@ -26,7 +26,7 @@ constexpr qint64 kLongestWord =
 // Each datagram may add a button to the window, so the rest wait for the next event-loop iteration.
 constexpr int kDatagramsPerRead = 16;
 
-constexpr int kLongestWaitToBind = 32; // periods; each attempt costs a socket of the system
+constexpr int kLongestWaitToBind = 8; // periods; each attempt costs a socket of the system
 
 bool isBound(const QUdpSocket* socket) {
     return socket->state() == QAbstractSocket::BoundState;

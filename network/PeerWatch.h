@@ -14,32 +14,36 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// Starts when bytes are sent.
-    explicit PeerWatch(Clock::time_point start) : lastCheck_(start) {}
+    explicit PeerWatch(Clock::time_point start)
+        : lastCheck_(start), unansweredSince_(start), repeatedSince_(start) {}
 
-    /// True when at least two segments have stayed without any acknowledgement for 3 s: one alone
-    /// may have been lost, because the probes of a full buffer become rare.
+    /// True when nothing sent in the last 3 s was acknowledged, nor a repetition within 1 s: one
+    /// segment alone may have been lost, because the probes of a full buffer become rare.
     bool hasVanished(const KeepAlive::Progress& progress, Clock::time_point now) {
         const auto previousCheck = std::exchange(lastCheck_, now);
         if (progress.sinceHeard < now - previousCheck) {
             answered_ = progress.segmentsSent;
             isAnswered_ = true;
-            return false;
-        }
-        if (isAnswered_ && progress.segmentsSent != answered_) {
+        } else if (isAnswered_ && progress.segmentsSent != answered_) {
             isAnswered_ = false;
             unansweredSince_ = previousCheck;
         }
-        return !isAnswered_ && now - unansweredSince_ >= kLongestSilence &&
-               progress.segmentsSent - answered_ > 1;
+        const bool isRepeated = !isAnswered_ && progress.segmentsSent - answered_ > 1;
+        if (!isRepeated)
+            repeatedSince_ = now;
+        return isRepeated && now - unansweredSince_ >= kLongestSilence &&
+               now - repeatedSince_ >= kLongestAnswer;
     }
 
 private:
     static constexpr std::chrono::seconds kLongestSilence{3};
+    static constexpr std::chrono::seconds kLongestAnswer{1};
 
     Clock::time_point lastCheck_;
     bool isAnswered_ = true;
     quint32 answered_ = 0; // segments sent before the last acknowledgement
     Clock::time_point unansweredSince_;
+    Clock::time_point repeatedSince_; // the last check without a repetition
 };
 
 } // namespace NetworkCompanion

@@ -103,6 +103,11 @@ Canvas::Canvas(const Configuration& configuration, QWidget* parent, const Timing
     connect(&pending_, &PendingPoints::pointsSettled, this, &Canvas::pointsSettled);
     connect(EventDispatcher::getInstance(), &EventDispatcher::disconnected, this,
             &Canvas::onDisconnected);
+    connect(&EventDispatcher::getInstance()->client(), &CompanionClient::connectingFinished,
+            &pending_, [this](bool connected) {
+                if (connected) // the former connection may have ended without a signal
+                    pending_.reset();
+            });
 }
 
 Canvas::~Canvas() {

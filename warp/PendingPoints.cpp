@@ -148,8 +148,11 @@ bool PendingPoints::report(const Point& point, QPointF place) {
     if (!state)
         return true;
     if (state->phase == Phase::Held) { // the scene decides anew
+        const std::optional<QPointF> from = state->from;
         erase(point);
-        return true;
+        if (from) // not marked yet
+            emit placeChanged(point, place, from, false);
+        return !from;
     }
     state->reported = place;
     state->isReportKept = !isConfirmation(point.xy, state->written, place);
@@ -216,6 +219,7 @@ void PendingPoints::decide() {
 void PendingPoints::request(const ItemKey& item, const Mesh& mesh) {
     Item& requested = items_[item];
     requested.requested = mesh;
+    ++requested.requestCount;
     for (auto& [key, state] : requested.points)
         state.isOfFormerMesh = true;
 }
@@ -225,8 +229,11 @@ bool PendingPoints::replace(const ItemKey& item, const Mesh& mesh) {
     if (found == items_.end())
         return false;
     const bool isRequested = found->second.requested == mesh;
-    if (isRequested)
+    // The Producer answers a request that it refuses with another mesh.
+    if (isRequested || --found->second.requestCount <= 0) {
         found->second.requested.reset();
+        found->second.requestCount = 0;
+    }
     std::erase_if(found->second.points, [&](const auto& entry) {
         const State& state = entry.second;
         return !isRequested || state.isOfFormerMesh || state.phase == Phase::Held ||
@@ -251,6 +258,10 @@ void PendingPoints::drop(const ItemKey& item) {
 }
 
 void PendingPoints::reset() {
+    for (auto& [key, item] : items_) {
+        item.requested.reset();
+        item.requestCount = 0;
+    }
     eraseIf([](const Point&, const State& state) { return state.phase != Phase::Held; });
     timer_.stop();
     isStalled_ = hasEchoed_ = false;
@@ -267,12 +278,17 @@ void PendingPoints::startTiming(const Point& point, const State& state) {
 void PendingPoints::timeReport(const Point& point, QPointF place, const State* state) {
     if (!timed_ || keyOf(timed_->point) != keyOf(point) || timed_->point.item != point.item)
         return;
-    if (isConfirmation(point.xy, timed_->place, place)) {
-        const auto time = lastReport_ - timed_->sentAt;
+    const bool isWaiting = state && state->phase == Phase::Sent;
+    const bool isTimed = isConfirmation(point.xy, timed_->place, place);
+    // A Producer that merges moves reports only the newest place.
+    const bool isNewest = isWaiting && isConfirmation(point.xy, state->written, place);
+    if (isTimed || isNewest) {
+        const auto time = lastReport_ - (isTimed ? timed_->sentAt : state->sentAt);
+        hasEchoed_ = true; // even if only older writes have been confirmed yet
         emit pointConfirmed(
             static_cast<int>(std::chrono::round<std::chrono::milliseconds>(time).count()));
         stopTiming();
-    } else if (lastReport_ - timed_->sentAt > wait_ / 2 && state && state->phase == Phase::Sent &&
+    } else if (lastReport_ - timed_->sentAt > wait_ / 2 && isWaiting &&
                state->sentAt != timed_->sentAt) {
         // The Producer answers, but reports only some of the places of a long move.
         stopTiming();

@@ -55,7 +55,8 @@ public:
     /// reported last, which is `shown` unless a report is held.
     QPointF placeOf(const Point& point, QPointF shown);
 
-    /// The Producer reports a place. Returns whether to show it now.
+    /// The Producer reports a place. Returns whether to show it now; a held point that goes back
+    /// is shown by placeChanged() instead, so that its mark is not lost.
     bool report(const Point& point, QPointF place);
     /// Holds a report that the scene does not show during a gesture; one that goes back from `from`
     /// is marked later. The next releaseHeld() shows it, the next write of the point replaces it.
@@ -65,7 +66,7 @@ public:
     /// The operator requests another mesh of the item; writes from here on belong to it.
     void request(const NetworkCompanion::ItemKey& item, const Mesh& mesh);
     /// The Producer has replaced the item's mesh. Keeps the places that belong to a requested mesh
-    /// and returns true, or drops all.
+    /// and returns true, or drops all. Another mesh answers, and ends, one request.
     bool replace(const NetworkCompanion::ItemKey& item, const Mesh& mesh);
     struct Place {
         Point point;
@@ -110,7 +111,8 @@ private:
     };
     struct Item {
         std::unordered_map<std::uint64_t, State> points; // by id and mesh
-        std::optional<Mesh> requested;
+        std::optional<Mesh> requested;                   // the newest
+        int requestCount = 0;                            // not answered yet
     };
     struct TimedWrite {
         Point point;

@@ -6,7 +6,6 @@
 #include "app/IPList.h"
 #include "app/KeyRepeatFilter.h"
 #include "app/LinkBadge.h"
-#include "app/shell/EchoTimes.h"
 #include "app/shell/EventDispatcher.h"
 #include "app/shell/ShellLook.h"
 #include "input/key_event_listener.h"
@@ -19,6 +18,7 @@
 #include "pages/TestPatternPage.h"
 #include "tests/support/GuardedTest.h"
 #include "tests/support/WindowRig.h"
+#include "warp/Canvas.h"
 #include "warp/Item.h"
 #include "warp/WarpPage.h"
 
@@ -152,18 +152,18 @@ private slots:
         QCOMPARE(find<LinkBadge>()->toolTip(), words());
         emit discovery().serverDiscovered(kProducer);
         QCOMPARE(words(), "10.77.0.1: connected");
-        auto* echoes = find<EchoTimes>();
-        echoes->writeSent(); // this Producer may not echo at all
+        auto* canvas = find<Canvas>();
+        emit canvas->pointWritten(); // this Producer may not echo at all
         QTest::qWait(1500);
         QCOMPARE(words(), "10.77.0.1: connected");
         for (const int time : {9000, 50, 50, 30, 30, 10, 10, 90, 90, 70, 70})
-            echoes->echoArrived(time);
-        echoes->allConfirmed();
+            emit canvas->pointConfirmed(time);
+        emit canvas->pointsSettled();
         QTRY_COMPARE(words(), "10.77.0.1: connected, confirms a change after 50 ms");
-        echoes->writeSent();
+        emit canvas->pointWritten();
         QTRY_COMPARE(words(), "10.77.0.1: connected, but not answering");
-        echoes->echoArrived(1200);
-        echoes->allConfirmed();
+        emit canvas->pointConfirmed(1200);
+        emit canvas->pointsSettled();
         QTRY_COMPARE(words(), "10.77.0.1: connected, confirms a change after 60 ms");
         loseConnection();
         QCOMPARE(overlay()->findChild<LinkBadge*>()->accessibleName(),

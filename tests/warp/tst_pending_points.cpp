@@ -6,6 +6,8 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 using namespace MeshpadTest;
 using namespace NetworkCompanion;
@@ -33,11 +35,19 @@ private slots:
         QTest::newRow("taps after a drag") << 150 << ""
                                            << "drag 4 20 0; " + right + right << 22.;
         QTest::newRow("flips") << 50 << "" << (right + "action 21; action 21; ").repeated(2) << 2.;
+        QTest::newRow("UV") << 150 << ""
+                            << "entry 'UV'; click 4; " + (right + "key Left; " + right).repeated(2)
+                            << 2.;
+        QTest::newRow("stick") << 150 << "" << QString("stick 1 0; ").repeated(2) + "stick 0 0; "
+                               << 4.;
         QTest::newRow("selections") << 150 << "" << (right + around).repeated(3) << 3.;
         QTest::newRow("32 bits") << 50 << "rounds" << QString("key Shift+Right; ").repeated(4)
                                  << .8;
         QTest::newRow("no echo") << 0 << "is silent" << right.repeated(3) << 3.;
         QTest::newRow("stall") << 0 << "stalls" << right.repeated(3) + "pause; " << 3.;
+        QTest::newRow("late, then stall")
+            << 0 << "stalls late" << right.repeated(3) + "pause; " << 3.;
+        QTest::newRow("merged moves") << 50 << "merges" << right.repeated(3) << 3.;
         QTest::newRow("refusal") << 50 << "refuses" << right.repeated(3) << 0.;
         QTest::newRow("second companion") << 50 << "follows another" << right.repeated(3) << -7.;
     }
@@ -50,8 +60,8 @@ private slots:
         restart({.tickPeriod = 20ms, .echoWait = wait});
         play("media; zoomSlider.value = 1; click 4");
         scene->settle();
-        const QObject answers; // until the end of this function
-        QHash<unsigned int, QPointF> places;
+        const QObject answers;                                   // until the end of this function
+        std::map<std::pair<unsigned int, bool>, QPointF> places; // by point and mesh
         std::vector<MediaMovePointEvent> unanswered;
         int waiting = 0;
         const auto answer = [&](const MediaMovePointEvent& move, int later) {
@@ -65,16 +75,19 @@ private slots:
             const auto* move = dynamic_cast<const MediaMovePointEvent*>(event);
             if (!move || producer == "is silent")
                 return;
-            QPointF& place = places[move->pointId()];
+            QPointF& place = places[{move->pointId(), move->xy()}];
             if (producer != "refuses")
                 place = {move->x(), move->y()};
             if (producer == "rounds")
                 place = {float(place.x()), float(place.y())};
-            const auto echo = mediaMove(move->pointId(), place);
-            if (producer == "stalls" && move->x() > 1)
+            const auto echo = mediaMove(move->pointId(), place, move->xy());
+            const bool isLate = producer == "stalls late" && move->x() > 0;
+            if (isLate || (producer == "stalls" && move->x() > 1))
                 unanswered.push_back(echo);
-            else
+            else if (producer != "merges" || move->x() == net)
                 answer(echo, delay);
+            if (isLate && move->x() == 2)
+                answer(unanswered.front(), 0); // to an older write than the newest
         });
         const QSignalSpy returns(scene->canvas.get(), &Canvas::pointWentBack);
         const QSignalSpy shown(scene->canvas.get(), &Canvas::mediaMovePoint);
@@ -96,8 +109,11 @@ private slots:
         QCOMPARE(returns.count(), net > 0 ? 0 : 1);
         QCOMPARE(std::ranges::count(shown, 4, [](const auto& move) { return move[3].toInt(); }),
                  net > 0 ? 0 : 1); // no step back, however short
+        QCOMPARE(echoes.isEmpty(), producer == "is silent" || producer == "refuses");
         if (producer.isEmpty()) {
-            QCOMPARE(qRound(1000 * places[4].x()), qRound(1000 * net));
+            const bool xy = !steps.contains("UV");
+            const double x = places[{4, xy}].x();
+            QCOMPARE(qRound(1000 * (xy ? x : 1000 * x - 500)), qRound(1000 * net));
             QVERIFY(net < 10 || echoes.last()[0].toInt() >= delay * 9 / 10);
         }
     }
@@ -137,6 +153,10 @@ private slots:
         scene->deliver(screenMove(5, -960, 0), screenMove(4, columns == 5 ? 960 : -960, -540));
         QCOMPARE(scene->position(4).x(), x);
         QCOMPARE(scene->position(5).x(), 0);
+        play("updatePoint(0, 4, 102, 0)");
+        scene->deform(scene->screen, 3, 3, 5); // another request's, because this one has ended
+        scene->deliver(screenMove(4, 960, -540));
+        QCOMPARE(scene->position(4).x(), 1920);
     }
 
 private:
@@ -144,8 +164,8 @@ private:
         scene.reset();
         scene = std::make_unique<SceneRig>(QSize(1060, 610), timing);
     }
-    static MediaMovePointEvent mediaMove(unsigned int point, QPointF place) {
-        return {SceneRig::kMediaCue, 5, 102, "", point, place.x(), place.y(), 0, true, true};
+    static MediaMovePointEvent mediaMove(unsigned int point, QPointF place, bool xy = true) {
+        return {SceneRig::kMediaCue, 5, 102, "", point, place.x(), place.y(), 0, xy, true};
     }
 };
 
